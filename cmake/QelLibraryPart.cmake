@@ -1,0 +1,21 @@
+# qel_library_part(<name> SOURCES ... HEADERS ... [LINK ...])
+#
+# One folder of the library as an object library "qel-<name>": compiled once, used by the shared library and by the
+# tests of that folder. HEADERS are the installed ones.
+include(GenerateExportHeader)
+
+set(QEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
+
+function(qel_library_part name)
+  cmake_parse_arguments(PARSE_ARGV 1 part "" "" "SOURCES;HEADERS;LINK")
+  add_library(qel-${name} OBJECT ${part_SOURCES})
+  set_target_properties(qel-${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  target_include_directories(qel-${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${QEL_GENERATED_INCLUDE_DIR}")
+  target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
+  foreach(header IN LISTS part_HEADERS)
+    install(FILES ${header} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/qel/${name}" COMPONENT development)
+  endforeach()
+endfunction()

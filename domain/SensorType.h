@@ -1,0 +1,24 @@
+/// @file
+/// Kind of a measurement point, as carried by the second byte of its sensor id.
+#pragma once
+
+#include <iosfwd>
+
+namespace SensorType {
+
+/// Any other signed byte can stand in a sensor id and is a legal value of this type.
+enum SensorType : signed char {
+    Any = -2,        ///< wildcard of queries, never in a sensor id
+    Undefined = -1,  ///< level not used
+    Electrical = 0,  ///< the unit, an inlet, phase, circuit or socket
+    I2C = 1,         ///< a sensor on the I2C bus
+    SocketGroup = 2, ///< a user-defined group of sockets
+    Reserved = 3,    ///< not used by this unit
+    RCM = 4,         ///< residual-current monitor (IEC 62020)
+};
+
+/// Writes the enumerator's name, or "SensorType(n)" with n in decimal for a number without one. The stream's base,
+/// width and fill are left alone. Any thread.
+std::ostream& operator<<(std::ostream& out, SensorType type);
+
+} // namespace SensorType

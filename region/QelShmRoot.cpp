@@ -1,0 +1,18 @@
+#include "region/QelShmRoot.h"
+
+namespace shm {
+
+unsigned int QelShmRoot::cnt(unsigned int pos) const {
+    unsigned int count = 0;
+    while (region_ != nullptr && pos < MP_COUNT) {
+        ++count;
+        pos = region_->points[pos].next;
+    }
+    return count;
+}
+
+unsigned int QelShmRoot::dvcCnt() const { return region_ == nullptr ? 0 : cnt(region_->root.devices); }
+
+unsigned int QelShmRoot::grpCnt() const { return region_ == nullptr ? 0 : cnt(region_->root.groups); }
+
+} // namespace shm

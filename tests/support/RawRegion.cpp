@@ -1,0 +1,53 @@
+#include "tests/support/RawRegion.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace qel::test {
+
+namespace {
+
+constexpr char const* objectName = "QelSharedMemory";
+
+[[noreturn]] void fail(char const* step) { throw std::system_error(errno, std::generic_category(), step); }
+
+} // namespace
+
+bool rawRegionExists() { return rawRegionSizeNow() >= 0; }
+
+long rawRegionSizeNow() {
+    int const fd = ::shm_open(objectName, O_RDONLY, 0);
+    if (fd < 0) {
+        return -1;
+    }
+    struct stat status = {};
+    int const result = ::fstat(fd, &status);
+    ::close(fd);
+    return result == 0 ? static_cast<long>(status.st_size) : -1;
+}
+
+RawRegion::RawRegion(bool create) : bytes_(nullptr) {
+    int const fd = ::shm_open(objectName, create ? O_RDWR | O_CREAT : O_RDWR, 0644);
+    if (fd < 0) {
+        fail("shm_open");
+    }
+    if (create && ::ftruncate(fd, rawRegionSize) != 0) {
+        ::close(fd);
+        fail("ftruncate");
+    }
+    void* const mapping = ::mmap(nullptr, rawRegionSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    ::close(fd);
+    if (mapping == MAP_FAILED) {
+        fail("mmap");
+    }
+    bytes_ = static_cast<std::uint8_t*>(mapping);
+}
+
+RawRegion::~RawRegion() { ::munmap(bytes_, rawRegionSize); }
+
+} // namespace qel::test

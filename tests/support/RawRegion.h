@@ -1,0 +1,58 @@
+/// @file
+/// The shared-memory object as plain bytes, opened by its name and read without the library's records.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace qel::test {
+
+/// Numbers of the byte layout, written down here once more on purpose: tests hold the library against these.
+constexpr std::size_t rawRegionSize = 320032;
+constexpr std::size_t rawValuesOffset = 38400;
+constexpr std::size_t rawRootOffset = 320000;
+constexpr std::uint32_t rawNone = 0xFFFFFFFF;
+
+constexpr std::size_t rawPoint(std::uint32_t pos) { return pos * std::size_t{48}; }
+constexpr std::size_t rawValue(std::uint32_t pos) { return rawValuesOffset + pos * std::size_t{32}; }
+
+/// True while an object of the region's name exists.
+bool rawRegionExists();
+
+/// Its size in bytes, -1 while there is none.
+long rawRegionSizeNow();
+
+/// A mapping of the existing object, independent of the library's; writable, so that tests can forge content.
+class RawRegion {
+public:
+    /// Maps an existing object of the right size; with create, makes one of zero bytes first.
+    explicit RawRegion(bool create = false);
+    ~RawRegion();
+    RawRegion(RawRegion const&) = delete;
+    RawRegion& operator=(RawRegion const&) = delete;
+
+    std::uint8_t* bytes() const { return bytes_; }
+    std::vector<std::uint8_t> copy() const { return {bytes_, bytes_ + rawRegionSize}; }
+    void fill(std::uint8_t byte) const { std::memset(bytes_, byte, rawRegionSize); }
+
+    template <typename Number>
+    Number get(std::size_t offset) const {
+        Number number;
+        std::memcpy(&number, bytes_ + offset, sizeof number);
+        return number;
+    }
+
+    template <typename Number>
+    void set(std::size_t offset, Number number) const {
+        std::memcpy(bytes_ + offset, &number, sizeof number);
+    }
+
+    std::uint32_t u32(std::size_t offset) const { return get<std::uint32_t>(offset); }
+
+private:
+    std::uint8_t* bytes_;
+};
+
+} // namespace qel::test
