@@ -4,12 +4,16 @@
 
 #include <log4cpp/Category.hh>
 
+#include <locale>
+
 namespace shm {
 
 LogLine::LogLine(log4cpp::Category& category, log4cpp::Priority::Value level, std::string_view operation)
-    : category_(category), level_(level) {
+    : category_(category),
+      level_(level) {
     if (category_.isPriorityEnabled(level_)) {
         text_.emplace();
+        text_->imbue(std::locale::classic()); // no digit grouping, whatever the process's locale
         *text_ << std::hex << std::showbase << operation << ": ";
     }
 }

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <iomanip>
+#include <locale>
 #include <sstream>
 #include <vector>
 
@@ -19,13 +20,17 @@ namespace {
 
 constexpr mode_t objectMode = 0644;
 
-/// Makes the object as large as the region and reserves its memory, so that a full /dev/shm shows here and not as a
-/// SIGBUS at the first write. Gives 0 or the error number.
+/// Makes the object as large as the region and reserves its memory, so that a full /dev/shm shows here and
+/// not as a SIGBUS at the first write. Gives 0 or the error number.
 int sizeObject(int fd) {
     if (::ftruncate(fd, REGION_SIZE) != 0) {
         return errno;
     }
-    return ::posix_fallocate(fd, 0, REGION_SIZE);
+    int error = 0;
+    do {
+        error = ::posix_fallocate(fd, 0, REGION_SIZE);
+    } while (error == EINTR); // a signal to the process is no reason to fail
+    return error;
 }
 
 /// Reading past the end of a shorter object would raise SIGBUS.
@@ -67,7 +72,8 @@ void QelSharedMemoryAccess::openShm() {
     if (!writer && isTooShort(fd)) {
         errorShm(ShmError::Map, ENXIO); // POSIX mmap: addresses that are invalid for the object
     } else {
-        mapping = ::mmap(nullptr, REGION_SIZE, writer ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED, fd, 0);
+        mapping =
+            ::mmap(nullptr, REGION_SIZE, writer ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED, fd, 0);
         if (mapping == MAP_FAILED) { // NOLINT(performance-no-int-to-ptr)
             errorShm(ShmError::Map, errno);
         } else if (sizeError != 0) {
@@ -130,6 +136,7 @@ std::string QelSharedMemoryAccess::tree() const {
         return {};
     }
     std::ostringstream out;
+    out.imbue(std::locale::classic()); // no digit grouping, whatever the process's locale
     out << std::hex << "0x" << static_cast<std::uint64_t>(mapped->root.guid) << '\n';
     for (auto const head : {mapped->root.devices, mapped->root.groups}) {
         if (head < MP_COUNT) {

@@ -1,0 +1,30 @@
+/// @file
+/// How the values of a key are formatted and scaled.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace tav {
+
+/// What a key's values look like.
+struct KeyFormat {
+    unsigned short code = 0; ///< the key
+    int decimals = 1;
+    std::optional<std::uint8_t> unit;     ///< unit code, see Units.h
+    std::optional<unsigned int> scalepos; ///< digits after the point of the fixed-point form
+};
+
+/// The key's format; a key without one of its own has one decimal, no unit and no scale. Any thread.
+KeyFormat keyFormat(unsigned short key);
+
+/// Digits after the point of the key's fixed-point form, 0 for a key without a scale.
+/// Logs (category "qel.shm.access.format", WARN) that a key has no scale. Any thread.
+unsigned int scalepos(unsigned short key);
+
+/// 10 to the power of a scale position, and its inverse. Any thread.
+/// Throw std::out_of_range for a position above 5.
+double scaleFactor(unsigned int position);
+double inverseScaleFactor(unsigned int position);
+
+} // namespace tav

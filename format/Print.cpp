@@ -1,0 +1,61 @@
+#include "format/Print.h"
+
+#include "format/HexText.h"
+#include "format/Names.h"
+#include "format/StateName.h"
+#include "format/ValueFormatter.h"
+#include "region/QelShmMPnt.h"
+#include "region/QelShmMVal.h"
+#include "region/QelShmRecords.h"
+#include "region/QelShmRoot.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <ios>
+#include <ostream>
+
+namespace shm {
+
+namespace {
+
+constexpr unsigned short stateKey = 0x3B;
+constexpr unsigned short typeKey = 0x48;
+
+constexpr std::size_t keyDigits = 4;
+constexpr std::size_t guidDigits = 16;
+
+} // namespace
+
+std::ostream& operator<<(std::ostream& out, QelShmMVal const& mv) {
+    if (!mv) {
+        return out << "QSMV {}";
+    }
+    // Deliberate: the stream stays decimal.
+    return out << "QSMV {key = " << hexText(mv->key, keyDigits) << " [" << keyName(mv->key)
+               << "], value = " << tav::ValueFormatter::str(mv) << ", state = " << stateName(mv->state)
+               << ", at = " << std::dec << mv->at << '}';
+}
+
+std::ostream& operator<<(std::ostream& out, QelShmMPnt const& mp) {
+    if (!mp) {
+        return out << "QSMP {}";
+    }
+    // Deliberate: the position is in the base the caller chose; booleans stay words.
+    return out << "QSMP {guid = " << hexText(static_cast<std::uint64_t>(mp->guid), guidDigits)
+               << ", pos = " << mp->pos << ", " << keyName(stateKey) << " = " << stateName(mp->state) << ", "
+               << keyName(typeKey) << " = " << mp.tstr() << std::boolalpha
+               << ", mvs = " << (mp->mvs < MV_COUNT) << ", children = " << (mp->children < MP_COUNT) << '}';
+}
+
+std::ostream& operator<<(std::ostream& out, QelShmRoot const& root) {
+    out << std::boolalpha << "QSR {valid = " << static_cast<bool>(root);
+    if (root) {
+        // Deliberate: the counts are hexadecimal too, and the stream stays so.
+        out << std::hex << std::showbase << ", version = " << static_cast<unsigned int>(root->version) << ", "
+            << keyName(stateKey) << " = " << stateName(root->state) << ", devices = " << root.dvcCnt()
+            << ", groups = " << root.grpCnt();
+    }
+    return out << '}';
+}
+
+} // namespace shm

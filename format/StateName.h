@@ -1,0 +1,14 @@
+/// @file
+/// Names of the states.
+#pragma once
+
+#include "domain/eStatus_Bits.h"
+
+namespace shm {
+
+/// Name of a state, "UNKNOWN STATE" for a number that is none. The text lives as long as the process.
+///
+/// Threads: any thread.
+char const* stateName(eStatus_Bits state);
+
+} // namespace shm

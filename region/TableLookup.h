@@ -1,0 +1,55 @@
+/// @file
+/// Look-up in constant tables: constexpr arrays of rows, sorted by the rows' member `code`.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace shm {
+
+/// Row of a table that gives each code its text.
+template <typename Code>
+struct TextRow {
+    Code code;
+    char const* text;
+};
+
+/// Whether the rows ascend by code and no code occurs twice; for a static_assert beside the table.
+template <typename Row, std::size_t rowCount>
+constexpr bool isSortedByCode(std::array<Row, rowCount> const& table) {
+    for (std::size_t row = 1; row < rowCount; ++row) {
+        if (!(table[row - 1].code < table[row].code)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Whether the table is sorted and has a row for each code from first to last and no other; for a
+/// static_assert.
+template <typename Row, std::size_t rowCount>
+constexpr bool coversCodes(std::array<Row, rowCount> const& table, long long first, long long last) {
+    return isSortedByCode(table) && table.front().code == first && table.back().code == last &&
+           static_cast<long long>(rowCount) == last - first + 1;
+}
+
+/// The row with this code, null when there is none. The table must be sorted (isSortedByCode).
+/// Threads: any thread.
+template <typename Row, std::size_t rowCount>
+Row const* findRow(std::array<Row, rowCount> const& table, decltype(Row::code) code) {
+    auto const* const end = table.data() + rowCount;
+    auto const* const row = std::lower_bound(
+        table.data(), end, code, [](Row const& candidate, auto wanted) { return candidate.code < wanted; });
+    return row != end && row->code == code ? row : nullptr;
+}
+
+/// The text of this code, the given fallback when the table does not list it. Threads: any thread.
+template <typename Code, std::size_t rowCount>
+char const* textOf(std::array<TextRow<Code>, rowCount> const& table, decltype(TextRow<Code>::code) code,
+                   char const* fallback) {
+    auto const* const row = findRow(table, code);
+    return row != nullptr ? row->text : fallback;
+}
+
+} // namespace shm
