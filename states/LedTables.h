@@ -1,0 +1,96 @@
+/// @file
+/// What the status LED shows for which state, and through which files.
+#pragma once
+
+#include "domain/eStatus_Bits.h"
+#include "region/TableLookup.h"
+#include "states/StateColor.h"
+
+#include <array>
+#include <cstddef>
+#include <stdexcept>
+
+namespace shm {
+
+/// Brightness of the red, green and blue channel, as the LED class devices take it.
+using LedLevels = std::array<unsigned short, 3U>;
+
+struct LedColor {
+    StateColor code;
+    LedLevels levels;
+};
+
+/// Colours that are shown one after the other, over and over.
+class ColorSequence {
+public:
+    template <typename... Colors>
+    explicit constexpr ColorSequence(Colors... colors) : length_(sizeof...(colors)),
+                                                         colors_{colors...} {}
+
+    constexpr std::size_t length() const { return length_; }
+
+    /// Throws std::out_of_range for an index past the end.
+    StateColor at(std::size_t index) const {
+        if (index >= length_) {
+            throw std::out_of_range("vector::_M_range_check");
+        }
+        return colors_.at(index);
+    }
+
+private:
+    std::size_t length_;
+    std::array<StateColor, 4> colors_;
+};
+
+struct StateColors {
+    eStatus_Bits code;
+    ColorSequence sequence;
+};
+
+struct LedChannel {
+    unsigned int code; // index into LedLevels
+    char const* path;
+};
+
+struct LedTables {
+    std::array<LedColor, 8> colors;
+    std::array<StateColors, 7> states;
+    std::array<LedChannel, 3> channels;
+};
+
+inline constexpr LedTables ledTables{
+    // 1 is the LED's full level. Orange mixes two levels, red twice as bright as green.
+    {{{StateColor::Off, {0, 0, 0}},
+      {StateColor::Red, {1, 0, 0}},
+      {StateColor::Green, {0, 1, 0}},
+      {StateColor::Blue, {0, 0, 1}},
+      {StateColor::Orange, {10, 5, 0}},
+      {StateColor::Cyan, {0, 1, 1}},
+      {StateColor::Magenta, {1, 0, 1}},
+      {StateColor::White, {1, 1, 1}}}},
+    {{{eStatus_UndefinedValue, ColorSequence(StateColor::Off)},
+      {eStatus_On, ColorSequence(StateColor::Green)},
+      {eStatus_ChildAlarm, ColorSequence(StateColor::Red)},
+      {eStatus_ChildWarning, ColorSequence(StateColor::Orange)},
+      {eStatus_LostChild, ColorSequence(StateColor::Red)},
+      {eStatus_DeviceIsUpdating, ColorSequence(StateColor::Magenta, StateColor::Off)},
+      {eStatus_DeviceUpdateError,
+       ColorSequence(StateColor::Magenta, StateColor::Off, StateColor::Red, StateColor::Off)}}},
+    {{{0, "/sys/class/leds/red/brightness"},
+      {1, "/sys/class/leds/green/brightness"},
+      {2, "/sys/class/leds/blue/brightness"}}}};
+static_assert(isSortedByCode(ledTables.colors) && ledTables.colors.back().code == StateColor::White);
+static_assert(isSortedByCode(ledTables.states));
+static_assert(coversCodes(ledTables.channels, 0, 2));
+
+constexpr bool eachStateHasColors(LedTables const& tables) {
+    for (auto const& state : tables.states) {
+        if (state.sequence.length() == 0) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(eachStateHasColors(ledTables));
+
+} // namespace shm

@@ -1,0 +1,21 @@
+/// @file
+/// Colours of the status LED.
+#pragma once
+
+#include <cstdint>
+
+namespace shm {
+
+/// What the eye sees; the brightness of each LED channel belongs to the status LED thread.
+enum class StateColor : std::uint16_t {
+    Off = 0,
+    Red = 1,
+    Green = 2,
+    Blue = 3,
+    Orange = 4,
+    Cyan = 5,
+    Magenta = 6,
+    White = 7,
+};
+
+} // namespace shm
