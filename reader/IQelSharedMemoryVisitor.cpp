@@ -1,0 +1,7 @@
+#include "reader/IQelSharedMemoryVisitor.h"
+
+namespace shm {
+
+IQelSharedMemoryVisitor::~IQelSharedMemoryVisitor() = default;
+
+} // namespace shm

@@ -1,0 +1,7 @@
+#include "reader/IQelVisitorResult.h"
+
+namespace shm {
+
+IQelVisitorResult::~IQelVisitorResult() = default;
+
+} // namespace shm

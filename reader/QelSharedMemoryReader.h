@@ -1,0 +1,169 @@
+/// @file
+/// The data plane as a consumer process sees it.
+#pragma once
+
+#include "domain/SensorType.h"
+#include "reader/IQelSharedMemoryVisitor.h"
+#include "reader/IQelShmInitCallback.h"
+#include "reader/IQelVisitorResult.h"
+#include "reader/MPntPosVisitor.h"
+#include "region/QelExport.h"
+#include "region/QelSharedMemoryAccess.h"
+#include "region/QelShmMPnt.h"
+#include "region/QelShmMVal.h"
+#include "region/QelShmRecords.h"
+
+#include <atomic>
+#include <cstdint>
+#include <forward_list>
+#include <list>
+#include <memory>
+#include <mutex>
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the names that GLib and its generated client declare.
+using GDBusConnection = struct _GDBusConnection;
+using GVariant = struct _GVariant;
+using hardwaremanager = struct _hardwaremanager;
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace shm {
+
+class QelShmInitWaitThread;
+
+/// Reads the region in place: finds points by sensor id, lists points and values, takes visitors round.
+///
+/// Life: a reader starts out waiting. A thread of its own asks the hardware manager (D-Bus, system bus) every
+/// 250 ms whether it is initialised; once it is, the region is mapped and stays mapped for the reader's life.
+/// When the wait budget runs out first, the reader finds nothing for all its life.
+///
+/// Structure changes: the hardware manager announces them by the signal "shmStructureChanged", which only
+/// raises a counter. The next look-up that finds the counter raised walks the region and builds its index
+/// anew. The counter is one per process: each reader's subscription raises it for each signal, and whichever
+/// reader rebuilds its index first brings it down for all. A process with several readers passes force where
+/// it must not miss a change.
+///
+/// Links in the region are followed only inside the slot ranges; they must not be cyclic.
+///
+/// Logs in "qel.shm.access.reader", beside what QelSharedMemoryAccess logs.
+///
+/// Threads: mpnt(), syncPositions() and modifications() are thread-safe. Visits and queries take no lock
+/// against the writer, which may change slots under them, nor against visitor(). The signal arrives in the
+/// GLib main context that was the thread-default one of the constructing thread; the host must run it. The
+/// wait thread calls initialized() and onInitialized() from construction on until the destructor of this
+/// class has joined it, so a derived class that overrides these two must be ready for calls while it is built
+/// or destroyed.
+class QEL_EXPORT QelSharedMemoryReader : public QelSharedMemoryAccess, public IQelShmInitCallback {
+public:
+    /// Connects to the hardware manager, subscribes to its signal and starts the wait thread. Logs at INFO
+    /// "start", at DEBUG the subscription, at CRIT the failure that it throws.
+    /// @param seconds wait budget, for the thread cut to MAX_WAIT; 0 maps no region
+    /// @param waitForRegion blocks until the region is mapped and active, for up to that many seconds (not
+    ///        cut), and returns normally when it is not in time
+    /// @throws ex::TAVSimpleException when there is no proxy for the hardware manager
+    /// @throws boost::thread_resource_error when the thread cannot be created
+    QelSharedMemoryReader(unsigned int seconds, bool waitForRegion);
+
+    // Virtual operations in slot order, part of the binary contract; new ones go last. openShm() stands
+    // between the destructor and the others.
+
+    /// Joins the wait thread, which may take a pause of 250 ms and a D-Bus call under way (60 s at most),
+    /// ends the subscription and unmaps the region. Logs at DEBUG that end, at INFO "done".
+    ~QelSharedMemoryReader() override;
+
+    /// Builds the index from sensor id to slot anew if the structure has changed, or always with force.
+    /// Visits the whole region with a visitor of its own, hooks included, in the place of the client's.
+    /// Logs the counter at DEBUG.
+    virtual void syncPositions(bool force);
+
+    /// Asks the hardware manager once whether it is initialised; false on any failure (logged at DEBUG).
+    /// For the wait thread.
+    bool initialized() override;
+
+    /// Maps the region and raises the modification counter (logged at DEBUG). A second call only logs at
+    /// WARN. For the wait thread, not to be called directly.
+    void onInitialized() override;
+
+    /// Visits a point, its values and its children, which are sorted by QelShmMPntCmp.
+    /// @param point must refer to a slot
+    virtual void visit(QelShmMPnt const& point, unsigned int depth,
+                       std::shared_ptr<IQelVisitorResult>& result);
+
+    /// The same with a plain result object that is dropped afterwards.
+    virtual void visit(QelShmMPnt const& point, unsigned int depth);
+
+    // Hooks of the visits for derived readers; what they leave out is left out of the index too. The
+    // questions answer true by default, the rest does nothing.
+
+    /// Shall the next of the two top-level lists be walked? A false leaves out its onUp too.
+    virtual bool onDown(std::shared_ptr<IQelVisitorResult>& result);
+
+    /// Shall the point's children be walked? A false leaves out their onUp too.
+    virtual bool onDown(QelShmMPnt const& point, unsigned int depth,
+                        std::shared_ptr<IQelVisitorResult>& result);
+
+    /// A list of siblings has been walked, also an empty one.
+    virtual void onUp(std::shared_ptr<IQelVisitorResult>& result);
+
+    /// Shall the values of the point be walked? A false leaves out afterValues too.
+    virtual bool beforeValues(long long svid, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+
+    /// The values of a point have been walked.
+    virtual void afterValues(std::shared_ptr<IQelVisitorResult>& result);
+
+    /// Visits the root, the top-level devices and the top-level groups, both in the order of their lists.
+    /// While no region is mapped only onRoot, onDown and onUp are called.
+    void visit();
+    void visit(std::shared_ptr<IQelVisitorResult>& result);
+
+    /// Passes the values of a point to the visitor, if there is one, until its mvFound() gives true.
+    void values(QelShmMPnt const& point, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+
+    /// Installs the visitor of all further visits and destroys the former one; null for none. Takes no lock.
+    void visitor(std::unique_ptr<IQelSharedMemoryVisitor> visitor);
+
+    /// The points of a sibling chain, in its order.
+    /// @param first position to start at; 800 and above give an empty list
+    /// @param type only points of this type, or SensorType::Any
+    std::list<QelShmMPnt> mps(unsigned int first, SensorType::SensorType type) const;
+
+    /// The values of a value chain, in its order.
+    /// @param first position to start at; 8800 and above give an empty list
+    std::forward_list<QelShmMVal> mvs(unsigned int first) const;
+
+    /// Finds a point by its sensor id, after syncPositions(force). Null when there is none. The handle is not
+    /// kept up to date: when the writer reuses the slot, it shows the new content.
+    std::unique_ptr<QelShmMPnt> mpnt(long long svid, bool force);
+
+    /// The modification counter of the process; 0 while the index is current. Any thread.
+    unsigned int modifications() const;
+
+    /// Receives "shmStructureChanged" from GLib and raises the modification counter. Logs at DEBUG the
+    /// counter, or "strange call" for a signal that is not the hardware manager's.
+    static void handler(GDBusConnection* connection, char const* sender, char const* path,
+                        char const* interface, char const* signal, GVariant* parameters, void* userData);
+
+protected:
+    /// While set, the visit of a point returns at once. Only derived readers set it, from any thread.
+    void stopVisits(bool stop) { stop_ = stop; }
+
+private:
+    void connect();
+    void subscribe();
+    unsigned int unsubscribe();
+    void releaseProxy();
+    void waitUntilActive(unsigned int seconds) const;
+    void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
+    std::list<QelShmMPnt> sortedChildren(QelShmMPnt const& point) const;
+
+    // In the order of the binary contract.
+    std::unique_ptr<QelShmInitWaitThread> waitThread_;
+    std::atomic<bool> initialized_;
+    hardwaremanager* proxy_; // one reference; initialized() may replace it
+    unsigned int subscription_;
+    std::atomic<bool> stop_;
+    PositionIndex positions_;
+    std::recursive_mutex mutex_; // guards positions_ and visitor_ while the index is built or looked up
+    std::unique_ptr<IQelSharedMemoryVisitor> visitor_;
+};
+
+} // namespace shm
