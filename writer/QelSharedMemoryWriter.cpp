@@ -1,0 +1,211 @@
+#include "writer/QelSharedMemoryWriter.h"
+
+#include "domain/SensorIdentifier.h"
+#include "region/Exceptions.h"
+#include "region/LogLine.h"
+#include "region/RegionFields.h"
+#include "states/QelStateLedThread.h"
+#include "writer/ValueKeys.h"
+
+#include <log4cpp/Priority.hh>
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+#include <utility>
+
+namespace shm {
+
+namespace {
+
+/// True when every value of a definition is among a point's values.
+bool hasAllKeys(MPDef& point, MPDef const& definition) {
+    std::lock_guard<std::mutex> const lock(point.mutex);
+    return std::all_of(definition.mvs.begin(), definition.mvs.end(),
+                       [&](auto const& value) { return point.mvs.count(value.first) != 0; });
+}
+
+/// The highest of a point's value positions, none when it has no values.
+unsigned int highestPosition(MPDef& point) {
+    std::lock_guard<std::mutex> const lock(point.mutex);
+    auto const highest =
+        std::max_element(point.mvs.begin(), point.mvs.end(),
+                         [](auto const& left, auto const& right) { return left.second < right.second; });
+    return highest == point.mvs.end() ? NO_POSITION : highest->second;
+}
+
+} // namespace
+
+QelSharedMemoryWriter::QelSharedMemoryWriter()
+    : QelSharedMemoryAccess(ShmAccess::Write),
+      freeMVs_(MV_COUNT),
+      freeMPs_(MP_COUNT) {
+    LogLine(writerLog(), log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
+    QelSharedMemoryAccess::openShm();
+    std::iota(freeMVs_.begin(), freeMVs_.end(), 0U);
+    std::iota(freeMPs_.begin(), freeMPs_.end(), 0U);
+}
+
+QelSharedMemoryWriter::~QelSharedMemoryWriter() {
+    LogLine(writerLog(), log4cpp::Priority::INFO, "~QelSharedMemoryWriter") << "done";
+    if (ledThread_) {
+        ledThread_->join();
+        ledThread_.reset();
+    }
+}
+
+bool QelSharedMemoryWriter::addStructure(Definitions const& definitions) {
+    bool added = false;
+    for (auto const& [svid, definition] : definitions) {
+        if (svid == ROOT_SVID) {
+            continue;
+        }
+        unsigned int ppos = NO_POSITION;
+        if (auto const known = points_.find(svid); known == points_.end()) {
+            LogLine(writerLog(), log4cpp::Priority::DEBUG, "addStructure")
+                << svid << ", #keys = " << definition;
+            ppos = parentOf(svid).pos;
+        } else if (hasAllKeys(known->second, definition)) {
+            continue;
+        }
+        if (addMP(svid, definition.mvs, ppos) >= MP_COUNT) {
+            bailout(svid);
+        }
+        added = true;
+    }
+    return added;
+}
+
+unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned short, unsigned int> const& mvs,
+                                          unsigned int ppos) {
+    LogLine(writerLog(), log4cpp::Priority::INFO, "addMP") << "svid = " << svid << ", ppos = " << ppos;
+    if (!isMapped("addMP")) {
+        return NO_POSITION;
+    }
+
+    auto const point = pointSvid(svid);
+    if (auto const known = points_.find(point); known != points_.end()) {
+        auto& definition = known->second;
+        if (auto* const mp = pointAt(definition.pos)) {
+            addMVs(*mp, definition, mvs);
+        }
+        return definition.pos;
+    }
+
+    std::lock_guard<std::recursive_mutex> const lock(structureMutex_);
+    if (freeMPs_.empty()) {
+        LogLine(writerLog(), log4cpp::Priority::WARN, "addMP")
+            << "no free measurement points left, cannot add " << point;
+        return NO_POSITION;
+    }
+    MPDef definition(freeMPs_.front(), {});
+    freeMPs_.pop_front();
+    auto& mp = initMP(definition.pos, point, ppos);
+    connectMP(mp);
+    addMVs(mp, definition, mvs);
+    return points_.emplace(point, std::move(definition)).first->second.pos;
+}
+
+void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
+                                   std::map<unsigned short, unsigned int> const& mvs) {
+    // Deliberate: the highest position is taken for the chain's tail, since positions are handed out in
+    // ascending order.
+    unsigned int tail = highestPosition(definition);
+    for (auto const& wanted : mvs) {
+        auto const key = wanted.first;
+        std::unique_lock<std::mutex> lock(definition.mutex);
+        auto const place = definition.mvs.lower_bound(key);
+        if (place != definition.mvs.end() && place->first == key) {
+            auto const pos = place->second;
+            lock.unlock();
+            LogLine(writerLog(), log4cpp::Priority::WARN, "addMVs")
+                << "Ignoring known key " << key << ", pos = " << pos;
+            continue;
+        }
+        lock.unlock();
+
+        if (freeMVs_.empty()) {
+            LogLine(writerLog(), log4cpp::Priority::WARN, "addMVs")
+                << "no free measured values left, cannot add key " << key << " to " << mp.guid;
+            continue;
+        }
+        auto const pos = freeMVs_.front();
+        initMV(pos, key);
+        lock.lock();
+        definition.mvs.emplace_hint(place, key, pos);
+        lock.unlock();
+        freeMVs_.pop_front();
+
+        if (mp.mvs >= MV_COUNT) {
+            storeField(mp.mvs, pos);
+        }
+        if (auto* const last = valueAt(tail)) {
+            storeField(last->next, pos);
+        }
+        tail = pos;
+    }
+}
+
+QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsigned int ppos) {
+    LogLine(writerLog(), log4cpp::Priority::DEBUG, "initMP")
+        << "pos = " << pos << ", guid = " << svid << ", ppos = " << ppos;
+    auto const kind = SensorIdentifier::extractSensorType(svid);
+    auto& mp = region()->points[pos];
+    std::memset(&mp, WIPE_BYTE, sizeof mp);
+    storeField(mp.pos, pos);
+    storeField(mp.parent, ppos);
+    storeField(mp.guid, svid);
+    storeField(mp.at, 0);
+    storeField(mp.state, eStatus_On);
+    storeField(mp.type, kind == SensorType::SocketGroup || kind == SensorType::RCM ? 1 : 0);
+    return mp;
+}
+
+record::QelShmMVal& QelSharedMemoryWriter::initMV(unsigned int pos, unsigned short key) {
+    LogLine(writerLog(), log4cpp::Priority::DEBUG, "initMV") << "pos = " << pos << ", key = " << key;
+    auto& mv = region()->values[pos];
+    std::memset(&mv, WIPE_BYTE, sizeof mv);
+    storeField(mv.value, 0.0);
+    storeField(mv.at, 0);
+    storeField(mv.state, eStatus_ExpectedValue);
+    storeField(mv.key, key);
+    return mv;
+}
+
+std::unordered_set<long long>
+QelSharedMemoryWriter::injectTypes(std::unordered_map<long long, int> const& types) {
+    LogLine(writerLog(), log4cpp::Priority::DEBUG, "injectTypes") << "#itm = " << types.size();
+    std::unordered_set<long long> applied;
+    for (auto const& [svid, code] : types) {
+        LogLine(writerLog(), log4cpp::Priority::DEBUG, "injectTypes") << svid << ", " << code;
+        auto const known = points_.find(pointSvid(svid));
+        if (known == points_.end()) {
+            continue;
+        }
+        if (auto* const mp = pointAt(known->second.pos)) {
+            storeField(mp->type, static_cast<std::uint8_t>(code));
+            applied.insert(svid);
+        }
+    }
+    return applied;
+}
+
+QelShmMP* QelSharedMemoryWriter::pointAt(unsigned int pos) const {
+    auto* const mapped = region();
+    return mapped != nullptr && pos < MP_COUNT ? &mapped->points[pos] : nullptr;
+}
+
+record::QelShmMVal* QelSharedMemoryWriter::valueAt(unsigned int pos) const {
+    auto* const mapped = region();
+    return mapped != nullptr && pos < MV_COUNT ? &mapped->values[pos] : nullptr;
+}
+
+bool QelSharedMemoryWriter::isMapped(char const* operation) const {
+    if (region() != nullptr) {
+        return true;
+    }
+    LogLine(writerLog(), log4cpp::Priority::ERROR, operation) << "the shared memory is not mapped";
+    return false;
+}
+
+} // namespace shm
