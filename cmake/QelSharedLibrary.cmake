@@ -23,7 +23,8 @@ target_link_libraries(QelSharedMemory
   PRIVATE $<BUILD_INTERFACE:qel-hardwaremanager> $<BUILD_INTERFACE:PkgConfig::LOG4CPP>
           $<BUILD_INTERFACE:PkgConfig::GIO> $<BUILD_INTERFACE:Boost::thread> $<BUILD_INTERFACE:Boost::chrono>
           $<BUILD_INTERFACE:Boost::system> $<BUILD_INTERFACE:Threads::Threads>)
-target_link_options(QelSharedMemory PRIVATE LINKER:--exclude-libs,ALL)
+target_link_options(QelSharedMemory PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
+set_property(TARGET QelSharedMemory APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
 
 install(TARGETS QelSharedMemory EXPORT QelSharedMemoryTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)

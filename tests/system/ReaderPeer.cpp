@@ -1,0 +1,228 @@
+// A reading process of the system tests, driven by lines. Its argument is the reader's wait budget in
+// seconds.
+//
+//   mapped               whether the region is mapped, and active
+//   wait                 waits until it is active
+//   global               the global state's name, as the root prints it
+//   text ID KEY          the value as text and its state, "none" without it
+//   ids                  ids of all points of the index, ascending
+//   modifications        the modification counter
+//   settle N             looks up until the counter has been 0 for N milliseconds
+//   hammer               looks up and visits without pause until the next line arrives; gives what it saw
+//   quit                 clean end
+//
+// Each command is answered by one line.
+
+#include "format/Print.h"
+#include "format/ValueFormatter.h"
+#include "reader/BaseQelShmVisitor.h"
+#include "reader/QelSharedMemoryReader.h"
+#include "tests/system/PeerText.h"
+
+#include <glib.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+constexpr std::uint8_t activeVersion = 32;
+
+// The points of one visit.
+struct Points : shm::IQelVisitorResult {
+    std::multiset<std::string> ids;
+    unsigned long values = 0;
+};
+
+class Collector : public shm::BaseQelShmVisitor {
+public:
+    void onMPnt(shm::QelShmMPnt const& point, unsigned int /*depth*/,
+                std::shared_ptr<shm::IQelVisitorResult>& result) override {
+        static_cast<Points&>(*result).ids.insert(idText(point->guid));
+    }
+    void onMVal(shm::QelShmMVal const& /*value*/, long long /*svid*/, unsigned int /*depth*/,
+                std::shared_ptr<shm::IQelVisitorResult>& result) override {
+        ++static_cast<Points&>(*result).values;
+    }
+};
+
+// Iterates the default main context, where the signals arrive.
+class MainContext {
+public:
+    MainContext()
+        : thread_([this] {
+              while (!ended_) {
+                  g_main_context_iteration(nullptr, TRUE);
+              }
+          }) {}
+    ~MainContext() {
+        ended_ = true;
+        g_main_context_wakeup(nullptr);
+        thread_.join();
+    }
+    MainContext(MainContext const&) = delete;
+    MainContext& operator=(MainContext const&) = delete;
+
+private:
+    std::atomic<bool> ended_{false};
+    std::thread thread_;
+};
+
+bool lineWaits() {
+    if (std::cin.rdbuf()->in_avail() > 0) {
+        return true;
+    }
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    return ::poll(&input, 1, 0) > 0;
+}
+
+class ReaderPeer {
+public:
+    explicit ReaderPeer(unsigned int seconds) : reader_(seconds, false) {
+        reader_.visitor(std::make_unique<Collector>());
+    }
+
+    std::string answerTo(std::vector<std::string> const& words) {
+        auto const& command = words.at(0);
+        if (command == "mapped") {
+            return !reader_.root() ? "no" : isActive() ? "active" : "inactive";
+        }
+        if (command == "wait") {
+            while (!isActive()) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            }
+            return "active";
+        }
+        if (command == "global") {
+            std::ostringstream text;
+            text << reader_.root();
+            return text.str();
+        }
+        if (command == "text") {
+            return text(idFrom(words.at(1)),
+                        static_cast<unsigned short>(std::stoul(words.at(2), nullptr, 0)));
+        }
+        if (command == "ids") {
+            return ids();
+        }
+        if (command == "modifications") {
+            return std::to_string(reader_.modifications());
+        }
+        if (command == "settle") {
+            return settle(std::chrono::milliseconds(std::stoi(words.at(1))));
+        }
+        if (command == "hammer") {
+            return hammer();
+        }
+        return "unknown command";
+    }
+
+private:
+    bool isActive() const {
+        auto const root = reader_.root();
+        return root && __atomic_load_n(&root->version, __ATOMIC_ACQUIRE) == activeVersion;
+    }
+
+    std::string text(long long svid, unsigned short key) {
+        if (auto const point = reader_.mpnt(svid, false)) {
+            for (auto const& value : reader_.mvs((*point)->mvs)) {
+                if (value->key == key) {
+                    std::ostringstream line;
+                    line << tav::ValueFormatter::str(value) << ", " << int{value->state} << ", " << value->at;
+                    return line.str();
+                }
+            }
+        }
+        return "none";
+    }
+
+    std::shared_ptr<Points> visit() {
+        auto points = std::make_shared<Points>();
+        std::shared_ptr<shm::IQelVisitorResult> result = points;
+        reader_.visit(result);
+        return points;
+    }
+
+    // Every point of the tree that the index finds; an id that the tree shows twice is told.
+    std::string ids() {
+        auto const points = visit();
+        std::string line;
+        std::size_t found = 0;
+        for (auto const& id : points->ids) {
+            if (points->ids.count(id) > 1) {
+                return "twice " + id;
+            }
+            auto const point = reader_.mpnt(idFrom(id), false);
+            if (!point || idText((*point)->guid) != id) {
+                return "not in the index " + id;
+            }
+            line += ' ' + id;
+            ++found;
+        }
+        return std::to_string(found) + line;
+    }
+
+    std::string settle(std::chrono::milliseconds quiet) {
+        auto since = std::chrono::steady_clock::now();
+        while (std::chrono::steady_clock::now() - since < quiet) {
+            if (reader_.modifications() != 0) {
+                reader_.syncPositions(false);
+                since = std::chrono::steady_clock::now();
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return "settled";
+    }
+
+    std::string hammer() {
+        unsigned long visits = 0;
+        unsigned long points = 0;
+        unsigned long lookups = 0;
+        while (!lineWaits()) {
+            auto const seen = visit();
+            ++visits;
+            points += seen->ids.size();
+            for (auto const& id : seen->ids) {
+                lookups += reader_.mpnt(idFrom(id), false) ? 1U : 0U;
+            }
+        }
+        return std::to_string(visits) + ' ' + std::to_string(points) + ' ' + std::to_string(lookups);
+    }
+
+    MainContext context_;
+    shm::QelSharedMemoryReader reader_;
+};
+
+int run(unsigned int seconds) {
+    ReaderPeer peer(seconds);
+    std::cout << "ready" << std::endl;
+    for (std::string line; std::getline(std::cin, line) && line != "quit";) {
+        std::cout << peer.answerTo(wordsOf(line)) << std::endl;
+    }
+    return 0;
+}
+
+} // namespace
+
+} // namespace qel::test
+
+int main(int argc, char** argv) {
+    try {
+        return qel::test::run(argc > 1 ? static_cast<unsigned int>(std::stoul(argv[1])) : 60);
+    } catch (std::exception const& failure) {
+        std::cerr << "system-reader: " << failure.what() << '\n';
+        return 1;
+    }
+}

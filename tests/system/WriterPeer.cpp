@@ -1,0 +1,160 @@
+// The writing process of the system tests: a writer and the hardware manager's service, driven by lines.
+//
+//   answer N                    what "initialized" answers from now on
+//   add ID KEY...               addStructure with one point and these value keys
+//   active                      setActive
+//   update ID KEY VALUE STATE   updateMV, time stamp 1000
+//   propagate                   propagateStates
+//   modify ID...                modifyStructure with these ids of points and values
+//   churn ROUNDS SEED           modifyStructure and the signal, that often, with random sockets
+//   signal                      shmStructureChanged
+//   ids                         ids of all points in the tree, ascending
+//   quit                        clean end
+//
+// Each command is answered by one line.
+
+#include "tests/support/HardwareManagerService.h"
+#include "tests/system/PeerText.h"
+#include "writer/QelSharedMemoryWriter.h"
+
+#include <algorithm>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+constexpr std::uint64_t timestamp = 1000;
+
+class WriterPeer {
+public:
+    WriterPeer() { manager_.setAnswer(0); }
+
+    std::string answerTo(std::vector<std::string> const& words) {
+        auto const& command = words.at(0);
+        if (command == "answer") {
+            manager_.setAnswer(std::stoi(words.at(1)));
+            return "done";
+        }
+        if (command == "add") {
+            return add(words) ? "added" : "unchanged";
+        }
+        if (command == "active") {
+            writer_.setActive();
+            return "done";
+        }
+        if (command == "update") {
+            return update(words) ? "stored" : "refused";
+        }
+        if (command == "propagate") {
+            writer_.propagateStates();
+            return "done";
+        }
+        if (command == "modify") {
+            std::unordered_set<long long> svids;
+            std::transform(words.begin() + 1, words.end(), std::inserter(svids, svids.end()), idFrom);
+            return writer_.modifyStructure(svids) ? "changed" : "unchanged";
+        }
+        if (command == "churn") {
+            churn(std::stoi(words.at(1)), static_cast<std::uint32_t>(std::stoul(words.at(2))));
+            return "done";
+        }
+        if (command == "signal") {
+            manager_.emitStructureChanged();
+            return "done";
+        }
+        if (command == "ids") {
+            return ids();
+        }
+        return "unknown command";
+    }
+
+private:
+    bool add(std::vector<std::string> const& words) {
+        shm::QelSharedMemoryWriter::Definitions definitions;
+        auto& keys = definitions[idFrom(words.at(1))].mvs;
+        for (std::size_t i = 2; i < words.size(); ++i) {
+            keys[static_cast<unsigned short>(std::stoul(words[i], nullptr, 0))] = 0;
+        }
+        return writer_.addStructure(definitions);
+    }
+
+    bool update(std::vector<std::string> const& words) {
+        auto const svid = idFrom(words.at(1)) | std::stoll(words.at(2), nullptr, 0);
+        auto const state = static_cast<eStatus_Bits>(std::stoi(words.at(4)));
+        return writer_.updateMV(
+            svid, std::make_unique<measval::MeasureValue>(std::stod(words.at(3)), timestamp, state));
+    }
+
+    // One unit, one inlet, one circuit; sockets 1 to 120 and groups 1 to 20 come and go.
+    void churn(int rounds, std::uint32_t seed) {
+        std::mt19937 random(seed);
+        std::bernoulli_distribution present(0.5);
+        for (int round = 0; round < rounds; ++round) {
+            std::unordered_set<long long> svids{0x0100FFFFFFFF0001, 0x010001FFFFFF0001, 0x010001FF01FF0001};
+            for (long long socket = 1; socket <= 120; ++socket) {
+                if (present(random)) {
+                    svids.insert(0x010001FF01000001 | socket << 16U);
+                    svids.insert(0x010001FF01000004 | socket << 16U);
+                }
+            }
+            for (long long group = 1; group <= 20; ++group) {
+                if (present(random)) {
+                    svids.insert(0x0102FF00FFFF0013 | group << 32U);
+                }
+            }
+            writer_.modifyStructure(svids);
+            writer_.propagateStates();
+            manager_.emitStructureChanged();
+        }
+    }
+
+    // Out of the tree's text, where each point stands on a line of its own.
+    std::string ids() const {
+        std::istringstream tree(writer_.tree());
+        std::vector<std::string> found;
+        for (std::string line; std::getline(tree, line);) {
+            if (auto const dash = line.find("- 0x"); dash != std::string::npos) {
+                found.push_back(line.substr(dash + 2, 18));
+            }
+        }
+        std::sort(found.begin(), found.end());
+        std::string text = std::to_string(found.size());
+        for (auto const& id : found) {
+            text += ' ' + id;
+        }
+        return text;
+    }
+
+    HardwareManagerService manager_;
+    shm::QelSharedMemoryWriter writer_;
+};
+
+int run() {
+    WriterPeer peer;
+    std::cout << "ready" << std::endl;
+    for (std::string line; std::getline(std::cin, line) && line != "quit";) {
+        std::cout << peer.answerTo(wordsOf(line)) << std::endl;
+    }
+    return 0;
+}
+
+} // namespace
+
+} // namespace qel::test
+
+int main() {
+    try {
+        return qel::test::run();
+    } catch (std::exception const& failure) {
+        std::cerr << "system-writer: " << failure.what() << '\n';
+        return 1;
+    }
+}
