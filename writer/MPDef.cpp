@@ -16,14 +16,18 @@ MPDef::MPDef(MPDef const& other) : pos(other.pos), mvs(other.mvs) {}
 MPDef::MPDef(MPDef&& other) noexcept : pos(other.pos), mvs(std::move(other.mvs)) {}
 
 MPDef& MPDef::operator=(MPDef const& other) {
-    pos = other.pos;
-    mvs = other.mvs;
+    if (this != &other) {
+        pos = other.pos;
+        mvs = other.mvs;
+    }
     return *this;
 }
 
 MPDef& MPDef::operator=(MPDef&& other) noexcept {
-    pos = other.pos;
-    mvs = std::move(other.mvs);
+    if (this != &other) {
+        pos = other.pos;
+        mvs = std::move(other.mvs);
+    }
     return *this;
 }
 

@@ -44,6 +44,8 @@ QelSharedMemoryWriter::QelSharedMemoryWriter()
     QelSharedMemoryAccess::openShm();
     std::iota(freeMVs_.begin(), freeMVs_.end(), 0U);
     std::iota(freeMPs_.begin(), freeMPs_.end(), 0U);
+    ledThread_ = std::make_unique<QelStateLedThread>();
+    ledThread_->start();
 }
 
 QelSharedMemoryWriter::~QelSharedMemoryWriter() {

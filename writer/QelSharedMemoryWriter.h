@@ -41,15 +41,16 @@ class QelStateLedThread;
 /// Logs in "qel.shm.access.writer". A failing mutex surfaces as std::system_error except from updateMV() and
 /// propagateStates().
 ///
-/// Threads: whoever changes the structure is alone with the writer meanwhile. updateMV() may run in several threads for
-/// different points, but not while propagateStates() runs.
+/// Threads: whoever changes the structure is alone with the writer meanwhile. updateMV() may run in several
+/// threads for different points, but not while propagateStates() runs.
 class QEL_EXPORT QelSharedMemoryWriter : public QelSharedMemoryAccess, public QelSharedMemoryStates {
 public:
     /// Point svid to definition, parents before their children.
     using Definitions = std::map<long long, MPDef, SvidCmp>;
 
     /// Creates or reuses the shared-memory object and wipes it; readers see it inactive until setActive().
-    /// Logs at INFO "start", and what fails as openShm() does.
+    /// Makes the status LED green and starts its thread. Logs at INFO "start", and what fails as openShm()
+    /// does. Throws boost::thread_resource_error when the LED thread cannot be created.
     QelSharedMemoryWriter();
 
     QelSharedMemoryWriter(QelSharedMemoryWriter const&) = delete;
@@ -185,8 +186,8 @@ private:
     eStatus_Bits combineState(QelShmMP& mp, std::list<eStatus_Bits> const& children);
 
     // In the order of the binary contract.
-    std::unique_ptr<QelStateLedThread> ledThread_; // null: no LED is driven
-    std::recursive_mutex structureMutex_;          // guards the adding and removing of points
+    std::unique_ptr<QelStateLedThread> ledThread_;
+    std::recursive_mutex structureMutex_; // guards the adding and removing of points
     std::deque<unsigned int> freeMVs_;
     std::deque<unsigned int> freeMPs_;
     Definitions points_; // by point svid
