@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -33,6 +34,14 @@ std::array<int, 2> makePipe() {
     return ends;
 }
 
+// What a child reads from: unlike with a pipe, writing to one that has died is an error here, no deadly
+// signal.
+std::array<int, 2> makeInput() {
+    std::array<int, 2> ends{};
+    check(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) == 0 ? 0 : errno, "socketpair");
+    return ends;
+}
+
 class FileActions {
 public:
     FileActions() { check(::posix_spawn_file_actions_init(&actions_), "posix_spawn_file_actions_init"); }
@@ -52,7 +61,7 @@ private:
 } // namespace
 
 ChildProcess::ChildProcess(std::vector<std::string> const& arguments, Errors errors) {
-    auto const toChild = makePipe();
+    auto const toChild = makeInput();
     auto const fromChild = makePipe();
     FileActions actions;
     actions.duplicate(toChild[0], STDIN_FILENO);
@@ -149,8 +158,8 @@ std::string ChildProcess::readAll(std::chrono::milliseconds timeout) {
 void ChildProcess::writeLine(std::string const& line) const {
     std::string const text = line + '\n';
     for (std::size_t written = 0; written < text.size();) {
-        auto const count = ::write(input_, text.data() + written, text.size() - written);
-        check(count > 0 || errno == EINTR ? 0 : errno, "write");
+        auto const count = ::send(input_, text.data() + written, text.size() - written, MSG_NOSIGNAL);
+        check(count > 0 || errno == EINTR ? 0 : errno, "send");
         written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
 }

@@ -11,8 +11,8 @@
 
 namespace qel::test {
 
-/// A child process with pipes at its standard input and output; standard error is the test's own unless it is
-/// merged into the output. Killed and reaped at the latest when the object goes.
+/// A child process whose standard input and output the test holds; standard error is the test's own unless it
+/// is merged into the output. Killed and reaped at the latest when the object goes.
 ///
 /// Threads: not shared.
 class ChildProcess {
@@ -39,6 +39,7 @@ public:
     /// All that is left of the output, up to its end.
     std::string readAll(std::chrono::milliseconds timeout = patience);
 
+    /// Throws std::system_error when the child has closed its input or ended.
     void writeLine(std::string const& line) const;
     void closeInput();
 

@@ -37,7 +37,8 @@ protected:
 };
 
 LogCapture::LogCapture(std::string const& category, log4cpp::Priority::Value threshold)
-    : category_(category), appender_(new Appender("test capture")),
+    : category_(category),
+      appender_(new Appender("test capture")),
       formerThreshold_(log4cpp::Category::getInstance(category).getPriority()) {
     auto& target = log4cpp::Category::getInstance(category_);
     target.addAppender(appender_);
@@ -65,12 +66,15 @@ std::size_t LogCapture::count(LogEntry const& entry) const {
     return static_cast<std::size_t>(std::count(appender_->entries.begin(), appender_->entries.end(), entry));
 }
 
-bool LogCapture::contains(LogEntry const& entry) const { return count(entry) != 0; }
+bool LogCapture::contains(LogEntry const& entry) const {
+    return count(entry) != 0;
+}
 
 bool LogCapture::waitFor(LogEntry const& entry, std::chrono::milliseconds timeout) const {
     std::unique_lock<std::mutex> lock(appender_->mutex);
     return appender_->grown.wait_for(lock, timeout, [&] {
-        return std::find(appender_->entries.begin(), appender_->entries.end(), entry) != appender_->entries.end();
+        return std::find(appender_->entries.begin(), appender_->entries.end(), entry) !=
+               appender_->entries.end();
     });
 }
 

@@ -14,11 +14,15 @@ namespace {
 
 constexpr char const* objectName = "QelSharedMemory";
 
-[[noreturn]] void fail(char const* step) { throw std::system_error(errno, std::generic_category(), step); }
+[[noreturn]] void fail(char const* step) {
+    throw std::system_error(errno, std::generic_category(), step);
+}
 
 } // namespace
 
-bool rawRegionExists() { return rawRegionSizeNow() >= 0; }
+bool rawRegionExists() {
+    return rawRegionSizeNow() >= 0;
+}
 
 long rawRegionSizeNow() {
     int const fd = ::shm_open(objectName, O_RDONLY, 0);
@@ -48,6 +52,8 @@ RawRegion::RawRegion(bool create) : bytes_(nullptr) {
     bytes_ = static_cast<std::uint8_t*>(mapping);
 }
 
-RawRegion::~RawRegion() { ::munmap(bytes_, rawRegionSize); }
+RawRegion::~RawRegion() {
+    ::munmap(bytes_, rawRegionSize);
+}
 
 } // namespace qel::test

@@ -15,8 +15,12 @@ constexpr std::size_t rawValuesOffset = 38400;
 constexpr std::size_t rawRootOffset = 320000;
 constexpr std::uint32_t rawNone = 0xFFFFFFFF;
 
-constexpr std::size_t rawPoint(std::uint32_t pos) { return pos * std::size_t{48}; }
-constexpr std::size_t rawValue(std::uint32_t pos) { return rawValuesOffset + pos * std::size_t{32}; }
+constexpr std::size_t rawPoint(std::uint32_t pos) {
+    return pos * std::size_t{48};
+}
+constexpr std::size_t rawValue(std::uint32_t pos) {
+    return rawValuesOffset + pos * std::size_t{32};
+}
 
 /// True while an object of the region's name exists.
 bool rawRegionExists();

@@ -35,7 +35,7 @@ struct Scenario {
 };
 
 std::ostream& operator<<(std::ostream& out, Scenario const& scenario) {
-    return out << "seed" << scenario.seed << "_points" << scenario.pointsWanted;
+    return out << scenario.steps << " steps";
 }
 
 class WriterAgainstModel : public testing::TestWithParam<Scenario> {
@@ -320,10 +320,13 @@ TEST_P(WriterAgainstModel, EveryStep_LeavesTheBytesOfTheModel) {
 
 INSTANTIATE_TEST_SUITE_P(
     Sequences, WriterAgainstModel,
-    testing::Values(Scenario{1, 6000, 60, 6, 5, false}, Scenario{2, 6000, 120, 8, 8, false},
-                    Scenario{3, 4000, 300, 4, 30, false}, Scenario{4, 2000, 900, 18, 120, true},
-                    Scenario{5, 2000, 780, 18, 120, true}, Scenario{6, 2000, 700, 40, 80, true}),
-    testing::PrintToStringParamName());
+    testing::Values(Scenario{1, 8000, 60, 6, 5, false}, Scenario{2, 8000, 120, 8, 8, false},
+                    Scenario{3, 4000, 300, 4, 30, false}, Scenario{4, 600, 900, 18, 120, true},
+                    Scenario{5, 600, 780, 18, 120, true}, Scenario{6, 600, 700, 40, 80, true}),
+    [](auto const& scenario) {
+        return "Seed" + std::to_string(scenario.param.seed) + "_Points" +
+               std::to_string(scenario.param.pointsWanted);
+    });
 
 } // namespace
 

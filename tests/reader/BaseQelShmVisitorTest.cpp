@@ -1,0 +1,45 @@
+#include "reader/BaseQelShmVisitor.h"
+
+#include "reader/IQelVisitorResult.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+/// Looks for one key.
+class KeySeeker : public shm::BaseQelShmVisitor {
+public:
+    void onMVal(shm::QelShmMVal const& value, long long /*svid*/, unsigned int /*depth*/,
+                std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
+        found_ = value->key == 7;
+    }
+};
+
+TEST(BaseQelShmVisitor, Callbacks_DoNothing) {
+    shm::BaseQelShmVisitor sut;
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    auto const* const before = result.get();
+    sut.onRoot(shm::QelShmRoot(), result);
+    sut.onMPnt(shm::QelShmMPnt(), 1, result);
+    sut.onMVal(shm::QelShmMVal(), 1, 1, result);
+    EXPECT_FALSE(sut.mvFound());
+    EXPECT_EQ(result.get(), before);
+    EXPECT_EQ(result.use_count(), 1);
+}
+
+TEST(BaseQelShmVisitor, MvFound_GivesWhatADerivedVisitorSet) {
+    KeySeeker sut;
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    shm::record::QelShmMVal value{};
+    EXPECT_FALSE(sut.mvFound());
+    value.key = 6;
+    sut.onMVal(shm::QelShmMVal(&value), 0, 1, result);
+    EXPECT_FALSE(sut.mvFound());
+    value.key = 7;
+    sut.onMVal(shm::QelShmMVal(&value), 0, 1, result);
+    EXPECT_TRUE(sut.mvFound());
+}
+
+} // namespace

@@ -1,0 +1,53 @@
+/// @file
+/// Ways in which a process loses the system bus.
+#pragma once
+
+#include "reader/GLibPtr.h"
+
+#include <gio/gio.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace qel::test {
+
+/// While one lives, new connections to the system bus fail: "Could not connect: No such file or directory". A
+/// connection that the process still holds goes on to serve; each test has a process of its own for this.
+class UnreachableBus {
+public:
+    UnreachableBus() {
+        if (char const* const address = std::getenv(variable)) {
+            former_ = address;
+        }
+        ::setenv(variable, "unix:path=/no/such/bus", 1);
+    }
+    ~UnreachableBus() { ::setenv(variable, former_.c_str(), 1); }
+    UnreachableBus(UnreachableBus const&) = delete;
+    UnreachableBus& operator=(UnreachableBus const&) = delete;
+
+private:
+    static constexpr char const* variable = "DBUS_SYSTEM_BUS_ADDRESS";
+    std::string former_;
+};
+
+/// The connection that all users of the bus in this process share, one reference more.
+inline shm::GObjectPtr<GDBusConnection> sharedConnection() {
+    return shm::GObjectPtr<GDBusConnection>(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
+}
+
+/// Closes the shared connection and lets the main context hear of it, as it happens when the bus goes away.
+inline void closeSharedConnection() {
+    auto const connection = sharedConnection();
+    bool closed = false;
+    auto const onClosed = +[](GDBusConnection*, gboolean, GError*, bool* flag) {
+        *flag = true;
+    };
+    g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+    g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), &closed);
+    g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
+    while (!closed) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
+}
+
+} // namespace qel::test

@@ -1,0 +1,46 @@
+#include "tests/reader/ForgedRegion.h"
+
+namespace qel::test {
+
+void ForgedRegion::point(std::uint32_t pos, long long svid) const {
+    raw_.set<std::uint32_t>(rawPoint(pos) + mpPos, pos);
+    raw_.set<std::int64_t>(rawPoint(pos) + mpGuid, svid);
+}
+
+std::uint32_t ForgedRegion::siblings(std::vector<std::uint32_t> const& positions) const {
+    auto next = rawNone;
+    for (auto pos = positions.rbegin(); pos != positions.rend(); ++pos) {
+        raw_.set<std::uint32_t>(rawPoint(*pos) + mpNext, next);
+        next = *pos;
+    }
+    return next;
+}
+
+void ForgedRegion::children(std::uint32_t parent, std::vector<std::uint32_t> const& positions) const {
+    raw_.set<std::uint32_t>(rawPoint(parent) + mpChildren, siblings(positions));
+}
+
+void ForgedRegion::devices(std::vector<std::uint32_t> const& positions) const {
+    raw_.set<std::uint32_t>(rootDevices, siblings(positions));
+}
+
+void ForgedRegion::groups(std::vector<std::uint32_t> const& positions) const {
+    raw_.set<std::uint32_t>(rootGroups, siblings(positions));
+}
+
+void ForgedRegion::values(std::uint32_t pos, std::uint32_t first,
+                          std::vector<std::uint16_t> const& keys) const {
+    auto slot = first;
+    for (auto const key : keys) {
+        raw_.set<std::uint16_t>(rawValue(slot) + mvKey, key);
+        raw_.set<std::uint32_t>(rawValue(slot) + mvNext, slot + 1 - first < keys.size() ? slot + 1 : rawNone);
+        ++slot;
+    }
+    raw_.set<std::uint32_t>(rawPoint(pos) + mpMvs, keys.empty() ? rawNone : first);
+}
+
+void ForgedRegion::activate() const {
+    raw_.set<std::uint8_t>(rootVersion, 32);
+}
+
+} // namespace qel::test

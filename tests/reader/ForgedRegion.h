@@ -1,0 +1,51 @@
+/// @file
+/// A region made up by a test.
+#pragma once
+
+#include "tests/support/RawRegion.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace qel::test {
+
+/// Creates the shared-memory object, wiped, and writes trees into it without the library's records.
+class ForgedRegion {
+public:
+    ForgedRegion() : raw_(true) { raw_.fill(0xFF); }
+
+    /// A point without any links.
+    void point(std::uint32_t pos, long long svid) const;
+
+    /// Chains points by their next fields and gives the first one's position.
+    std::uint32_t siblings(std::vector<std::uint32_t> const& positions) const;
+
+    /// Hangs a sibling chain below a point, or into one of the root's lists.
+    void children(std::uint32_t parent, std::vector<std::uint32_t> const& positions) const;
+    void devices(std::vector<std::uint32_t> const& positions) const;
+    void groups(std::vector<std::uint32_t> const& positions) const;
+
+    /// Gives a point a chain of values, in the slots from first on, one per key.
+    void values(std::uint32_t pos, std::uint32_t first, std::vector<std::uint16_t> const& keys) const;
+
+    void activate() const;
+
+    RawRegion const& raw() const { return raw_; }
+
+private:
+    RawRegion raw_;
+};
+
+/// Offsets within a point's slot, a value's slot and the region, once more on purpose.
+constexpr std::size_t mpPos = 0;
+constexpr std::size_t mpNext = 4;
+constexpr std::size_t mpMvs = 12;
+constexpr std::size_t mpChildren = 16;
+constexpr std::size_t mpGuid = 24;
+constexpr std::size_t mvNext = 20;
+constexpr std::size_t mvKey = 24;
+constexpr std::size_t rootDevices = rawRootOffset + 16;
+constexpr std::size_t rootGroups = rawRootOffset + 20;
+constexpr std::size_t rootVersion = rawRootOffset + 28;
+
+} // namespace qel::test

@@ -1,0 +1,33 @@
+/// @file
+/// A system without threads to give.
+#pragma once
+
+#include <pthread.h>
+
+#include <cstddef>
+
+namespace qel::test {
+
+/// While one lives, no thread with default attributes can be created: it would need too large a stack.
+class NoMoreThreads {
+public:
+    NoMoreThreads() {
+        pthread_getattr_default_np(&former_);
+        pthread_attr_t enormous;
+        pthread_attr_init(&enormous);
+        pthread_attr_setstacksize(&enormous, std::size_t{1} << 47U);
+        pthread_setattr_default_np(&enormous);
+        pthread_attr_destroy(&enormous);
+    }
+    ~NoMoreThreads() {
+        pthread_setattr_default_np(&former_);
+        pthread_attr_destroy(&former_);
+    }
+    NoMoreThreads(NoMoreThreads const&) = delete;
+    NoMoreThreads& operator=(NoMoreThreads const&) = delete;
+
+private:
+    pthread_attr_t former_{};
+};
+
+} // namespace qel::test

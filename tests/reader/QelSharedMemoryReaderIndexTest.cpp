@@ -1,0 +1,342 @@
+#include "reader/BaseQelShmVisitor.h"
+#include "reader/QelSharedMemoryReader.h"
+#include "tests/reader/ForgedRegion.h"
+#include "tests/reader/MappedReader.h"
+#include "tests/support/Eventually.h"
+#include "tests/support/HardwareManagerService.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/MainLoopThread.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using qel::test::eventually;
+using qel::test::ForgedRegion;
+using qel::test::HardwareManagerService;
+using qel::test::LogCapture;
+using qel::test::LogEntry;
+using qel::test::MainLoopThread;
+using qel::test::MappedReader;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Result = std::shared_ptr<shm::IQelVisitorResult>;
+
+constexpr long long svid(int number) {
+    return 0x0100000000000000 + number * 0x10000LL;
+}
+
+LogEntry synced(std::string const& count) {
+    return {"qel.shm.access.reader", log4cpp::Priority::DEBUG, "syncPositions: modifications = " + count};
+}
+
+/// Does something once in the midst of a walk.
+class BusyReader : public MappedReader {
+public:
+    using QelSharedMemoryReader::onDown;
+    bool onDown(Result& /*result*/) override {
+        ++lists;
+        if (auto const once = std::exchange(duringWalk, nullptr)) {
+            once();
+        }
+        return true;
+    }
+
+    std::atomic<int> lists{0}; // two per walk
+    std::function<void()> duringWalk;
+};
+
+class PositionIndex : public testing::Test {
+protected:
+    PositionIndex() {
+        for (std::uint32_t const pos : {0U, 5U, 6U, 799U}) {
+            region.point(pos, svid(static_cast<int>(pos)));
+        }
+        region.devices({5, 6});
+        region.children(6, {799});
+        region.groups({0});
+    }
+
+    /// Where a look-up says the point lies, -1 for nowhere.
+    int lookUp(long long id, bool force = false) {
+        auto const point = sut.mpnt(id, force);
+        return point ? static_cast<int>((*point)->pos) : -1;
+    }
+
+    void setPos(std::uint32_t slot, std::uint32_t pos) const {
+        region.raw().set<std::uint32_t>(qel::test::rawPoint(slot) + qel::test::mpPos, pos);
+    }
+
+    ForgedRegion region;
+    BusyReader sut;
+    LogCapture log;
+};
+
+TEST_F(PositionIndex, Mpnt_FindsPointsOfAllLevelsAndLists) {
+    for (int const pos : {0, 5, 6, 799}) {
+        EXPECT_EQ(lookUp(svid(pos)), pos);
+    }
+    EXPECT_EQ(sut.lists, 2) << "one walk serves all look-ups";
+    EXPECT_THAT(log.entries(), ElementsAre(synced("0")));
+}
+
+TEST_F(PositionIndex, Mpnt_UnknownSvid_IsNullAndSilent) {
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    log.take();
+    EXPECT_EQ(lookUp(svid(1)), -1);
+    EXPECT_EQ(lookUp(0), -1);
+    EXPECT_EQ(lookUp(-1), -1);
+    EXPECT_THAT(log.entries(), IsEmpty());
+}
+
+TEST_F(PositionIndex, Mpnt_GivesTheSlotThatThePointNames) {
+    setPos(5, 6); // a slot that is being moved
+    auto const point = sut.mpnt(svid(5), false);
+    ASSERT_NE(point, nullptr);
+    EXPECT_EQ((*point)->guid, svid(6));
+}
+
+TEST_F(PositionIndex, Mpnt_StoredPositionOutOfRange_IsNull) {
+    for (std::uint32_t const pos : {800U, 0x80000000U, 0xFFFFFFFFU}) {
+        setPos(5, pos);
+        EXPECT_EQ(sut.mpnt(svid(5), true), nullptr) << pos;
+    }
+}
+
+TEST_F(PositionIndex, Mpnt_SvidTwice_FindsTheOneVisitedFirst) {
+    region.point(0, svid(5)); // a group like the device in slot 5
+    EXPECT_EQ(lookUp(svid(5), true), 5);
+    region.point(799, svid(6)); // a child like its parent in slot 6
+    EXPECT_EQ(lookUp(svid(6), true), 6);
+}
+
+TEST_F(PositionIndex, Mpnt_SiblingsOfEqualSvid_FindsTheFirstOfThem) {
+    region.point(10, svid(10));
+    region.point(11, svid(10));
+    region.children(6, {11, 10});
+    EXPECT_EQ(lookUp(svid(10), true), 11);
+}
+
+TEST_F(PositionIndex, Mpnt_Handle_IsNeitherPinnedNorUpdated) {
+    auto const point = sut.mpnt(svid(5), false);
+    ASSERT_NE(point, nullptr);
+    region.point(5, svid(77));
+    EXPECT_EQ((*point)->guid, svid(77));
+    EXPECT_EQ(lookUp(svid(77)), -1) << "not announced yet";
+    EXPECT_EQ(lookUp(svid(5)), 5) << "not announced yet";
+    EXPECT_EQ(lookUp(svid(77), true), 5);
+    EXPECT_EQ(lookUp(svid(5)), -1);
+}
+
+TEST_F(PositionIndex, Mpnt_Force_RebuildsWithCounterAtZero) {
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(sut.modifications(), 0U);
+    EXPECT_EQ(lookUp(svid(5), true), 5);
+    EXPECT_EQ(sut.lists, 4);
+    EXPECT_THAT(log.entries(), ElementsAre(synced("0"), synced("0")));
+}
+
+TEST_F(PositionIndex, Mpnt_AfterRegionWasClosed_IsNull) {
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    sut.closeShm();
+    EXPECT_EQ(lookUp(svid(5)), -1);
+}
+
+TEST_F(PositionIndex, Mpnt_FromWithinARebuild_IsPossible) {
+    sut.duringWalk = [&] {
+        EXPECT_EQ(lookUp(svid(0)), 0) << "the counter is still raised, so this walks too";
+    };
+    EXPECT_EQ(lookUp(svid(5)), 5);
+}
+
+TEST_F(PositionIndex, SyncPositions_CounterAtZero_DoesNothing) {
+    sut.syncPositions(false);
+    log.take();
+    sut.syncPositions(false);
+    EXPECT_EQ(sut.lists, 2);
+    EXPECT_THAT(log.entries(), IsEmpty());
+}
+
+TEST_F(PositionIndex, SyncPositions_PutsTheClientsVisitorBack) {
+    class Counting : public shm::BaseQelShmVisitor {
+    public:
+        explicit Counting(int& points) : points_(points) {}
+        void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& /*result*/) override {
+            ++points_;
+        }
+
+    private:
+        int& points_;
+    };
+    int points = 0;
+    sut.visitor(std::make_unique<Counting>(points));
+    sut.syncPositions(true);
+    EXPECT_EQ(points, 0) << "the rebuild is not the client's visit";
+    sut.visit();
+    EXPECT_EQ(points, 4);
+
+    sut.duringWalk = [] {
+        throw std::runtime_error("hook");
+    };
+    EXPECT_THROW(sut.syncPositions(true), std::runtime_error);
+    sut.visit();
+    EXPECT_EQ(points, 8);
+}
+
+TEST_F(PositionIndex, SyncPositions_FailedWalk_KeepsTheCounterRaised) {
+    sut.duringWalk = [] {
+        throw std::runtime_error("hook");
+    };
+    EXPECT_THROW(sut.mpnt(svid(5), false), std::runtime_error);
+    EXPECT_EQ(sut.modifications(), 1U);
+    EXPECT_EQ(lookUp(svid(5)), 5);
+}
+
+TEST_F(PositionIndex, SyncPositions_IsCalledThroughTheVirtualOperation) {
+    class Overriding : public MappedReader {
+    public:
+        void syncPositions(bool force) override { forced.push_back(force); }
+        std::vector<bool> forced;
+    };
+    Overriding other;
+    EXPECT_EQ(other.mpnt(svid(5), false), nullptr);
+    EXPECT_EQ(other.mpnt(svid(5), true), nullptr);
+    EXPECT_THAT(other.forced, ElementsAre(false, true));
+}
+
+TEST_F(PositionIndex, SyncPositions_CounterLoweredMeanwhile_IsHealedByTheNextRebuild) {
+    MappedReader other; // counts once more: 2
+    sut.duringWalk = [&] {
+        other.syncPositions(false);
+    };
+    sut.syncPositions(false);
+    EXPECT_EQ(log.entries().back(), synced("0xffffffff"));
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(sut.modifications(), 0U);
+}
+
+TEST_F(PositionIndex, OneReadersRebuild_LowersTheCounterForAll) {
+    MappedReader other;
+    EXPECT_EQ(other.modifications(), 2U);
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(other.modifications(), 0U);
+    EXPECT_EQ(other.mpnt(svid(5), false), nullptr) << "its index was never built";
+    EXPECT_NE(other.mpnt(svid(5), true), nullptr);
+}
+
+TEST(Waiting, Mpnt_NothingMapped_IsNullAndLowersTheCounter) {
+    shm::QelSharedMemoryReader sut(0, false);
+    MainLoopThread const loop;
+    HardwareManagerService service;
+    service.emitStructureChanged();
+    ASSERT_TRUE(eventually([&] { return sut.modifications() == 1; }));
+    LogCapture const log;
+    EXPECT_EQ(sut.mpnt(svid(5), false), nullptr);
+    EXPECT_EQ(sut.modifications(), 0U);
+    EXPECT_EQ(sut.mpnt(svid(5), false), nullptr);
+    EXPECT_THAT(log.entries(), ElementsAre(synced("0"))) << "the second look-up walks nothing";
+
+    ForgedRegion const region;
+    region.point(5, svid(5));
+    region.devices({5});
+    sut.onInitialized();
+    EXPECT_NE(sut.mpnt(svid(5), false), nullptr);
+}
+
+class StructureChanges : public PositionIndex {
+protected:
+    StructureChanges() {
+        sut.syncPositions(false);
+        sut.lists = 0;
+        log.take();
+    }
+
+    void announce() {
+        auto const before = sut.modifications();
+        service.emitStructureChanged();
+        ASSERT_TRUE(eventually([&] { return sut.modifications() == before + 1; }));
+    }
+
+    HardwareManagerService service;
+    MainLoopThread loop;
+};
+
+TEST_F(StructureChanges, Two_LeadToOneRebuild) {
+    announce();
+    announce();
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(lookUp(svid(6)), 6);
+    EXPECT_EQ(sut.lists, 2);
+    EXPECT_EQ(sut.modifications(), 0U);
+    EXPECT_EQ(log.count(synced("0")), 1U);
+}
+
+TEST_F(StructureChanges, MovedPoint_IsFoundInItsNewSlot) {
+    region.point(20, svid(5));
+    region.devices({20, 6});
+    EXPECT_EQ(lookUp(svid(5)), 5) << "not announced yet";
+    announce();
+    EXPECT_EQ(lookUp(svid(5)), 20);
+}
+
+TEST_F(StructureChanges, DuringARebuild_LeadToOneMore) {
+    announce();
+    sut.duringWalk = [&] {
+        announce();
+    };
+    sut.syncPositions(false);
+    EXPECT_EQ(sut.modifications(), 1U);
+    EXPECT_TRUE(log.contains(synced("0x1")));
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(sut.lists, 4);
+    EXPECT_EQ(sut.modifications(), 0U);
+}
+
+TEST_F(StructureChanges, SeveralDuringARebuild_LowerTheCounterByOneOnly) {
+    announce();
+    announce();
+    sut.duringWalk = [&] {
+        announce();
+        announce();
+    };
+    sut.syncPositions(false);
+    EXPECT_EQ(sut.modifications(), 3U);
+    sut.syncPositions(false);
+    EXPECT_EQ(sut.modifications(), 0U);
+}
+
+TEST_F(StructureChanges, WhileManyThreadsLookUp_NothingIsMissed) {
+    std::atomic<bool> done{false};
+    std::atomic<int> misses{0};
+    std::vector<std::thread> clients;
+    clients.reserve(4);
+    for (int client = 0; client < 4; ++client) {
+        clients.emplace_back([&, client] {
+            while (!done) {
+                misses += sut.mpnt(svid(5), client == 0) == nullptr ? 1 : 0;
+                misses += sut.mpnt(svid(799), false) == nullptr ? 1 : 0;
+            }
+        });
+    }
+    for (int i = 0; i < 200; ++i) {
+        service.emitStructureChanged();
+    }
+    done = true;
+    for (auto& client : clients) {
+        client.join();
+    }
+    EXPECT_EQ(misses, 0);
+}
+
+} // namespace

@@ -1,0 +1,585 @@
+#include "reader/BaseQelShmVisitor.h"
+#include "reader/QelSharedMemoryReader.h"
+#include "tests/reader/ForgedRegion.h"
+#include "tests/reader/MappedReader.h"
+
+#include <boost/thread/thread.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <numeric>
+#include <string>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using qel::test::ForgedRegion;
+using qel::test::MappedReader;
+using shm::IQelVisitorResult;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Result = std::shared_ptr<IQelVisitorResult>;
+using Events = std::vector<std::string>;
+
+/// Sensor id of an electrical point, counted up; sorts by its number.
+constexpr long long svid(int number) {
+    return 0x0100000000000000 + number * 0x10000LL;
+}
+
+std::string show(long long id) {
+    return std::to_string((id - svid(0)) / 0x10000);
+}
+
+/// Notes each call; what a test wants to happen besides hangs in the functions.
+class NotingVisitor : public shm::IQelSharedMemoryVisitor {
+public:
+    explicit NotingVisitor(Events& events) : events_(events) {}
+
+    void onRoot(shm::QelShmRoot const& root, Result& /*result*/) override {
+        events_.push_back(root ? "root" : "null root");
+    }
+    void onMPnt(shm::QelShmMPnt const& point, unsigned int depth, Result& /*result*/) override {
+        events_.push_back("point " + show(point->guid) + " at " + std::to_string(depth));
+    }
+    void onMVal(shm::QelShmMVal const& value, long long id, unsigned int depth, Result& /*result*/) override {
+        events_.push_back("value " + std::to_string(value->key) + " of " + show(id) + " at " +
+                          std::to_string(depth));
+        sought_ = value->key == seek;
+    }
+    bool mvFound() const override {
+        events_.emplace_back("found?");
+        return sought_;
+    }
+
+    int seek = -1;
+
+private:
+    Events& events_;
+    bool sought_ = false;
+};
+
+/// Notes each hook, and answers it by the functions.
+class NotingReader : public MappedReader {
+public:
+    using QelSharedMemoryReader::visit;
+
+    bool onDown(Result& /*result*/) override {
+        events.emplace_back("list");
+        return walkLists[lists_++];
+    }
+    bool onDown(shm::QelShmMPnt const& point, unsigned int depth, Result& /*result*/) override {
+        events.push_back("down " + show(point->guid) + " at " + std::to_string(depth));
+        return walkChildren(point->guid);
+    }
+    void onUp(Result& /*result*/) override { events.emplace_back("up"); }
+    bool beforeValues(long long id, unsigned int depth, Result& /*result*/) override {
+        events.push_back("values of " + show(id) + " at " + std::to_string(depth));
+        return walkValues(id);
+    }
+    void afterValues(Result& /*result*/) override { events.emplace_back("after"); }
+
+    NotingVisitor& noteVisitor() {
+        auto owned = std::make_unique<NotingVisitor>(events);
+        auto& installed = *owned;
+        visitor(std::move(owned));
+        return installed;
+    }
+
+    void stop() { stopVisits(true); }
+    void resume() { stopVisits(false); }
+
+    Events events;
+    std::vector<bool> walkLists{true, true};
+    std::function<bool(long long)> walkChildren = [](long long) {
+        return true;
+    };
+    std::function<bool(long long)> walkValues = [](long long) {
+        return true;
+    };
+
+private:
+    std::size_t lists_ = 0;
+};
+
+class Queries : public testing::Test {
+protected:
+    std::vector<std::uint32_t> points(unsigned int first, int type) const {
+        std::vector<std::uint32_t> positions;
+        for (auto const& point : sut.mps(first, static_cast<SensorType::SensorType>(type))) {
+            positions.push_back(point->pos);
+        }
+        return positions;
+    }
+    std::vector<unsigned int> keys(unsigned int first) const {
+        std::vector<unsigned int> found;
+        for (auto const& value : sut.mvs(first)) {
+            found.push_back(value->key);
+        }
+        return found;
+    }
+
+    ForgedRegion region;
+    MappedReader sut;
+};
+
+TEST_F(Queries, Mps_EverySensorType_GivesThePointsOfThatTypeInChainOrder) {
+    // Each of the 256 types twice, far apart; the low bits of the position are the type.
+    std::vector<std::uint32_t> chain(512);
+    std::iota(chain.begin(), chain.end(), 0);
+    std::reverse(chain.begin(), chain.end());
+    for (auto const pos : chain) {
+        region.point(pos, static_cast<long long>((pos & 0xFFULL) << 48U | 0xA500A5A5A5A50000));
+    }
+    auto const first = region.siblings(chain);
+    for (int type = -128; type <= 127; ++type) {
+        if (type == -2) {
+            EXPECT_EQ(points(first, type), chain);
+        } else {
+            auto const byte = static_cast<std::uint32_t>(type) & 0xFFU;
+            EXPECT_THAT(points(first, type), ElementsAre(256 + byte, byte)) << type;
+        }
+    }
+}
+
+TEST_F(Queries, Mps_StartsAtTheGivenPosition) {
+    for (std::uint32_t const pos : {7U, 799U, 0U}) {
+        region.point(pos, svid(1));
+    }
+    region.siblings({7, 799, 0});
+    EXPECT_THAT(points(7, -2), ElementsAre(7, 799, 0));
+    EXPECT_THAT(points(799, -2), ElementsAre(799, 0));
+    EXPECT_THAT(points(0, -2), ElementsAre(0));
+}
+
+TEST_F(Queries, Mps_OutOfRange_EndsTheChain) {
+    region.point(1, svid(1));
+    for (unsigned int const none : {800U, 801U, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
+        EXPECT_THAT(points(none, -2), IsEmpty()) << none;
+        EXPECT_THAT(points(none, 0), IsEmpty()) << none;
+        region.raw().set<std::uint32_t>(qel::test::rawPoint(1) + qel::test::mpNext, none);
+        EXPECT_THAT(points(1, -2), ElementsAre(1)) << none;
+    }
+}
+
+TEST_F(Queries, Mps_HandlesShowTheSlotsInPlace) {
+    region.point(3, svid(1));
+    auto const found = sut.mps(3, SensorType::Any);
+    region.point(3, svid(2));
+    EXPECT_EQ(found.front()->guid, svid(2));
+}
+
+TEST_F(Queries, Mvs_GivesTheChainInOrder) {
+    region.values(0, 8796, {9, 1, 0xFFFF, 1});
+    EXPECT_THAT(keys(8796), ElementsAre(9, 1, 0xFFFF, 1));
+    EXPECT_THAT(keys(8799), ElementsAre(1));
+}
+
+TEST_F(Queries, Mvs_OutOfRange_EndsTheChain) {
+    for (unsigned int const none : {8800U, 8801U, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
+        EXPECT_THAT(keys(none), IsEmpty()) << none;
+        region.values(0, 5, {4});
+        region.raw().set<std::uint32_t>(qel::test::rawValue(5) + qel::test::mvNext, none);
+        EXPECT_THAT(keys(5), ElementsAre(4)) << none;
+    }
+}
+
+TEST(Visits, Queries_NothingMapped_AreEmpty) {
+    shm::QelSharedMemoryReader const sut(0, false);
+    EXPECT_THAT(sut.mps(0, SensorType::Any), IsEmpty());
+    EXPECT_TRUE(sut.mvs(0).empty());
+}
+
+class VisitsOfATree : public testing::Test {
+protected:
+    VisitsOfATree() {
+        // devices: 9 before 2 as stored; below 9: 5, 4, 6 as stored; below 4: 8. groups: 7.
+        for (int const number : {2, 4, 5, 6, 7, 8, 9}) {
+            region.point(static_cast<std::uint32_t>(number), svid(number));
+        }
+        region.devices({9, 2});
+        region.groups({7});
+        region.children(9, {5, 4, 6});
+        region.children(4, {8});
+        region.values(4, 100, {31, 30, 32});
+        region.values(7, 200, {30});
+    }
+
+    shm::QelShmMPnt point(std::uint32_t pos) const { return sut.mps(pos, SensorType::Any).front(); }
+
+    ForgedRegion region;
+    NotingReader sut;
+};
+
+TEST_F(VisitsOfATree, Visit_CallsEverythingInOrder) {
+    sut.noteVisitor();
+    sut.visit();
+    EXPECT_THAT(sut.events,
+                ElementsAre("root",                                                                      //
+                            "list",                                                                      //
+                            "point 9 at 1", "values of 9 at 1", "after", "down 9 at 1",                  //
+                            "point 4 at 2", "values of 4 at 2",                                          //
+                            "value 31 of 4 at 2", "found?", "value 30 of 4 at 2", "found?",              //
+                            "value 32 of 4 at 2", "found?", "after", "down 4 at 2",                      //
+                            "point 8 at 3", "values of 8 at 3", "after", "down 8 at 3", "up",            //
+                            "up",                                                                        //
+                            "point 5 at 2", "values of 5 at 2", "after", "down 5 at 2", "up",            //
+                            "point 6 at 2", "values of 6 at 2", "after", "down 6 at 2", "up",            //
+                            "up",                                                                        //
+                            "point 2 at 1", "values of 2 at 1", "after", "down 2 at 1", "up",            //
+                            "up",                                                                        //
+                            "list",                                                                      //
+                            "point 7 at 1", "values of 7 at 1", "value 30 of 7 at 1", "found?", "after", //
+                            "down 7 at 1", "up",                                                         //
+                            "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_WithoutVisitor_RunsTheHooksOnly) {
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("list",                                                 //
+                                        "values of 9 at 1", "after", "down 9 at 1",             //
+                                        "values of 4 at 2", "after", "down 4 at 2",             //
+                                        "values of 8 at 3", "after", "down 8 at 3", "up", "up", //
+                                        "values of 5 at 2", "after", "down 5 at 2", "up",       //
+                                        "values of 6 at 2", "after", "down 6 at 2", "up", "up", //
+                                        "values of 2 at 1", "after", "down 2 at 1", "up", "up", //
+                                        "list",                                                 //
+                                        "values of 7 at 1", "after", "down 7 at 1", "up", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_NullVisitor_TakesTheFormerOneAway) {
+    sut.noteVisitor();
+    sut.visitor(nullptr);
+    sut.visit();
+    EXPECT_THAT(sut.events, testing::Not(testing::Contains("root")));
+}
+
+TEST_F(VisitsOfATree, Visit_MvFound_EndsTheValuesOfThatPointOnly) {
+    sut.noteVisitor().seek = 30;
+    Result result;
+    sut.visit(point(4), 2, result);
+    EXPECT_THAT(sut.events,
+                ElementsAre("point 4 at 2", "values of 4 at 2", "value 31 of 4 at 2", "found?",
+                            "value 30 of 4 at 2", "found?", "after", "down 4 at 2", "point 8 at 3",
+                            "values of 8 at 3", "after", "down 8 at 3", "up", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_FoundFlagOfBaseVisitor_StaysForLaterPoints) {
+    class Seeker : public shm::BaseQelShmVisitor {
+    public:
+        explicit Seeker(std::vector<int>& keys) : keys_(keys) {}
+        void onMVal(shm::QelShmMVal const& value, long long /*svid*/, unsigned int /*depth*/,
+                    Result& /*result*/) override {
+            keys_.push_back(value->key);
+            found_ = found_ || value->key == 30;
+        }
+
+    private:
+        std::vector<int>& keys_;
+    };
+    region.values(5, 300, {1, 2, 3});
+    region.values(8, 400, {4, 5, 6});
+    std::vector<int> keys;
+    sut.visitor(std::make_unique<Seeker>(keys));
+    sut.visit();
+    EXPECT_THAT(keys, ElementsAre(31, 30, /* point 8 */ 4, /* point 5 */ 1, /* point 7 */ 30));
+}
+
+TEST_F(VisitsOfATree, Visit_ListNotWalked_HasNoUp) {
+    sut.noteVisitor();
+    sut.walkLists = {false, true};
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("root", "list", "list", "point 7 at 1", "values of 7 at 1",
+                                        "value 30 of 7 at 1", "found?", "after", "down 7 at 1", "up", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_GroupsNotWalked_HaveNoUp) {
+    sut.walkLists = {true, false};
+    region.devices({2});
+    sut.visit();
+    EXPECT_THAT(sut.events,
+                ElementsAre("list", "values of 2 at 1", "after", "down 2 at 1", "up", "up", "list"));
+}
+
+TEST_F(VisitsOfATree, Visit_ChildrenNotWalked_LeavesOutDescendantsAndUp) {
+    sut.noteVisitor();
+    sut.walkChildren = [](long long id) {
+        return id != svid(9);
+    };
+    region.devices({9});
+    region.groups({});
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("root", "list", "point 9 at 1", "values of 9 at 1", "after",
+                                        "down 9 at 1", "up", "list", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_ValuesNotWalked_LeavesOutAfterValues) {
+    sut.noteVisitor();
+    sut.walkValues = [](long long) {
+        return false;
+    };
+    Result result;
+    sut.visit(point(7), 1, result);
+    EXPECT_THAT(sut.events, ElementsAre("point 7 at 1", "values of 7 at 1", "down 7 at 1", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_Stopped_DoesNothingPerPoint) {
+    sut.noteVisitor();
+    sut.stop();
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("root", "list", "up", "list", "up"));
+    sut.events.clear();
+    sut.resume();
+    sut.visit(point(2), 1);
+    EXPECT_THAT(sut.events, ElementsAre("point 2 at 1", "values of 2 at 1", "after", "down 2 at 1", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_StoppedUnderWay_CutsShortWhatFollows) {
+    sut.noteVisitor();
+    sut.walkChildren = [this](long long id) {
+        if (id == svid(4)) {
+            sut.stop();
+        }
+        return true;
+    };
+    sut.visit();
+    EXPECT_EQ(std::count(sut.events.begin(), sut.events.end(), "up"), 4) << "of 4, of 9 and of both lists";
+    EXPECT_THAT(sut.events, testing::Not(testing::Contains("point 8 at 3")));
+    EXPECT_THAT(sut.events, testing::Not(testing::Contains("point 5 at 2")));
+    EXPECT_THAT(sut.events, testing::Not(testing::Contains("point 7 at 1")));
+}
+
+TEST_F(VisitsOfATree, VisitOfPoint_StartsAtTheGivenDepth) {
+    sut.noteVisitor();
+    sut.visit(point(4), 41);
+    EXPECT_THAT(sut.events,
+                testing::AllOf(testing::Contains("point 4 at 41"), testing::Contains("point 8 at 42"),
+                               testing::Not(testing::Contains("root")),
+                               testing::Not(testing::Contains("list"))));
+}
+
+TEST_F(VisitsOfATree, Values_WithoutVisitor_DoesNothing) {
+    Result result;
+    sut.values(point(4), 2, result);
+    EXPECT_THAT(sut.events, IsEmpty());
+}
+
+TEST_F(VisitsOfATree, Values_FeedsTheVisitorWithoutHooks) {
+    sut.noteVisitor();
+    Result result;
+    sut.values(point(7), 5, result);
+    EXPECT_THAT(sut.events, ElementsAre("value 30 of 7 at 5", "found?"));
+}
+
+TEST_F(VisitsOfATree, Visit_LinksOutOfRange_EndQuietly) {
+    auto const& raw = region.raw();
+    raw.set<std::uint32_t>(qel::test::rootDevices, 800);
+    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpNext, 0x80000000);
+    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpChildren, 0x7FFFFFFF);
+    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpMvs, 8800);
+    sut.noteVisitor();
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("root", "list", "up", "list", "point 7 at 1", "values of 7 at 1",
+                                        "after", "down 7 at 1", "up", "up"));
+}
+
+TEST_F(VisitsOfATree, Visit_EmptyRegion_WalksTwoEmptyLists) {
+    region.raw().fill(0xFF);
+    sut.noteVisitor();
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("root", "list", "up", "list", "up"));
+}
+
+TEST(Visits, Visit_NothingMapped_CallsRootAndListHooksOnly) {
+    NotingReader sut; // there is no object to map
+    sut.noteVisitor();
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("null root", "list", "up", "list", "up"));
+}
+
+TEST(Visits, Visit_NothingMapped_ListNotWalkedHasNoUp) {
+    NotingReader sut;
+    sut.walkLists = {false, false};
+    sut.visit();
+    EXPECT_THAT(sut.events, ElementsAre("list", "list"));
+}
+
+TEST(Visits, Visitor_ReplacedOrLeftAtTheEnd_IsDestroyed) {
+    class Counted : public shm::BaseQelShmVisitor {
+    public:
+        explicit Counted(int& alive) : alive_(alive) { ++alive_; }
+        ~Counted() override { --alive_; }
+
+    private:
+        int& alive_;
+    };
+    int alive = 0;
+    {
+        shm::QelSharedMemoryReader sut(0, false);
+        sut.visitor(std::make_unique<Counted>(alive));
+        EXPECT_EQ(alive, 1);
+        sut.visitor(std::make_unique<Counted>(alive));
+        EXPECT_EQ(alive, 1);
+        sut.visitor(nullptr);
+        EXPECT_EQ(alive, 0);
+        sut.visitor(std::make_unique<Counted>(alive));
+    }
+    EXPECT_EQ(alive, 0);
+}
+
+// Frames of a sanitizer's build are larger. GCC tells of one by macros, Clang by a query.
+#ifndef __has_feature
+#define __has_feature(feature) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || __has_feature(address_sanitizer) ||     \
+    __has_feature(thread_sanitizer)
+constexpr bool instrumented = true;
+#else
+constexpr bool instrumented = false;
+#endif
+
+/// A result of a test's own.
+class Tally : public IQelVisitorResult {
+public:
+    int calls = 0;
+};
+
+TEST_F(VisitsOfATree, Result_OfTheCaller_ReachesEveryCallback) {
+    class Tallying : public shm::IQelSharedMemoryVisitor {
+    public:
+        static void count(Result& result) { ++dynamic_cast<Tally&>(*result).calls; }
+        void onRoot(shm::QelShmRoot const& /*root*/, Result& result) override { count(result); }
+        void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& result) override {
+            count(result);
+        }
+        void onMVal(shm::QelShmMVal const& /*value*/, long long /*svid*/, unsigned int /*depth*/,
+                    Result& result) override {
+            count(result);
+        }
+        bool mvFound() const override { return false; }
+    };
+    sut.visitor(std::make_unique<Tallying>());
+    auto const tally = std::make_shared<Tally>();
+    Result result = tally;
+    sut.visit(result);
+    EXPECT_EQ(tally->calls, 1 + 7 + 4);
+    sut.visit(point(4), 2, result);
+    EXPECT_EQ(tally->calls, 12 + 2 + 3);
+}
+
+TEST_F(VisitsOfATree, Result_OfAVisitWithoutOne_IsAPlainOneThatIsDropped) {
+    class Keeping : public shm::BaseQelShmVisitor {
+    public:
+        explicit Keeping(std::vector<std::weak_ptr<IQelVisitorResult>>& results) : results_(results) {}
+        void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& result) override {
+            ASSERT_NE(result, nullptr);
+            IQelVisitorResult const& plain = *result;
+            EXPECT_TRUE(typeid(plain) == typeid(IQelVisitorResult));
+            results_.push_back(result);
+        }
+
+    private:
+        std::vector<std::weak_ptr<IQelVisitorResult>>& results_;
+    };
+    std::vector<std::weak_ptr<IQelVisitorResult>> results;
+    sut.visitor(std::make_unique<Keeping>(results));
+    sut.visit();
+    sut.visit(point(4), 1);
+    EXPECT_EQ(results.size(), 7U + 2U);
+    for (auto const& result : results) {
+        EXPECT_TRUE(result.expired());
+    }
+}
+
+TEST(Visits, Children_AreSortedByTheirKeys_TopLevelListsAreNot) {
+    ForgedRegion const region;
+    // Keys: an electrical point with a large id, a monitor (sorts without its kind byte), an electrical one
+    // between.
+    region.point(1, 0x0100000100000000);
+    region.point(2, 0x0104000050000000);
+    region.point(3, 0x0100000060000000);
+    region.point(4, 0x0100000000000000);
+    // I2C sensors that differ in bytes 2 and 5 only keep their order.
+    region.point(5, 0x0101FF0000FF0000);
+    region.point(6, 0x0101000000000000);
+    region.children(4, {1, 5, 3, 6, 2});
+    region.devices({4});
+    region.groups({3, 1, 2});
+
+    std::vector<std::uint32_t> order;
+    class Ordering : public shm::BaseQelShmVisitor {
+    public:
+        explicit Ordering(std::vector<std::uint32_t>& order) : order_(order) {}
+        void onMPnt(shm::QelShmMPnt const& point, unsigned int /*depth*/, Result& /*result*/) override {
+            order_.push_back(point->pos);
+        }
+
+    private:
+        std::vector<std::uint32_t>& order_;
+    };
+    MappedReader sut;
+    sut.visitor(std::make_unique<Ordering>(order));
+    // Children 1, 5, 3, 6, 2 share next fields with the groups list, so each is visited on its own.
+    region.groups({});
+    region.children(4, {1, 5, 3, 6, 2});
+    sut.visit();
+    EXPECT_THAT(order, ElementsAre(4, 2, 3, 1, 5, 6));
+
+    order.clear();
+    region.children(4, {});
+    region.groups({3, 1, 2});
+    sut.visit();
+    EXPECT_THAT(order, ElementsAre(4, 3, 1, 2));
+}
+
+TEST(Visits, Subtrees_AreVisitedThroughTheVirtualOperation) {
+    class Overriding : public MappedReader {
+    public:
+        using QelSharedMemoryReader::visit;
+        void visit(shm::QelShmMPnt const& point, unsigned int depth, Result& result) override {
+            visited.push_back(point->pos);
+            QelSharedMemoryReader::visit(point, depth, result);
+        }
+        std::vector<std::uint32_t> visited;
+    };
+    ForgedRegion const region;
+    for (std::uint32_t const pos : {1U, 2U, 3U}) {
+        region.point(pos, svid(static_cast<int>(pos)));
+    }
+    region.devices({1});
+    region.children(1, {2});
+    region.groups({3});
+    Overriding sut;
+    sut.visit();
+    EXPECT_THAT(sut.visited, ElementsAre(1, 2, 3));
+    sut.visit(sut.mps(1, SensorType::Any).front(), 1);
+    EXPECT_THAT(sut.visited, ElementsAre(1, 2, 3, 1, 2));
+}
+
+TEST(Visits, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
+    constexpr std::size_t stack = std::size_t{instrumented ? 16 : 1} * 128 * 1024;
+    ForgedRegion const region;
+    for (std::uint32_t pos = 0; pos < 800; ++pos) {
+        region.point(pos, svid(static_cast<int>(pos)));
+        region.siblings({pos});
+        if (pos != 0) {
+            region.children(pos - 1, {pos});
+        }
+    }
+    region.devices({0});
+    MappedReader sut;
+    boost::thread::attributes attributes;
+    attributes.set_stack_size(stack);
+    std::unique_ptr<shm::QelShmMPnt> deepest;
+    boost::thread walker(attributes, [&] { deepest = sut.mpnt(svid(799), false); });
+    walker.join();
+    ASSERT_NE(deepest, nullptr);
+    EXPECT_EQ((*deepest)->pos, 799U);
+}
+
+} // namespace

@@ -1,0 +1,24 @@
+/// @file
+/// System calls that fail although nothing is wrong with the system.
+#pragma once
+
+namespace qel::test {
+
+enum class Call { Ftruncate, PosixFallocate, Mmap, Munmap };
+
+/// Lets the next calls of one function fail, those of the library and of the test alike, for as long as it
+/// lives. One at a time. Threads: belongs to one thread.
+class FailingCall {
+public:
+    /// @param error what errno becomes, or the result of posix_fallocate
+    /// @param times how many calls fail; those after them succeed
+    FailingCall(Call call, int error, int times = 1);
+    ~FailingCall();
+    FailingCall(FailingCall const&) = delete;
+    FailingCall& operator=(FailingCall const&) = delete;
+
+    /// How many calls are still to fail.
+    static int left();
+};
+
+} // namespace qel::test

@@ -1,0 +1,347 @@
+#include "states/QelSharedMemoryStates.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <list>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using States = std::list<eStatus_Bits>;
+
+eStatus_Bits state(std::int32_t number) {
+    return static_cast<eStatus_Bits>(number);
+}
+
+States list(std::initializer_list<std::int32_t> numbers) {
+    States result;
+    for (auto const number : numbers) {
+        result.push_back(state(number));
+    }
+    return result;
+}
+
+std::string text(States const& states) {
+    std::ostringstream out;
+    out << '[';
+    for (auto const entry : states) {
+        out << ' ' << static_cast<std::int32_t>(entry);
+    }
+    out << " ]";
+    return out.str();
+}
+
+/// The rules once more, in plain numbers and as slowly as they read.
+namespace model {
+
+std::set<int> const valueAlarm{1, 2, 9, 10, 39};
+std::set<int> const valueWarning{3, 4, 13, 14, 40};
+std::set<int> const childAlarm{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39};
+std::set<int> const childWarning{11, 12, 13, 14, 21, 24, 40};
+std::set<int> const ownAlarm{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 35, 39};
+
+bool in(std::set<int> const& set, int number) {
+    return set.count(number) != 0;
+}
+
+int initial(int stored) {
+    if (in({-2, 5, 6, 34, 35, 36, 43}, stored)) {
+        return stored;
+    }
+    if (in({7, 11, 15}, stored)) {
+        return 15;
+    }
+    if (in({8, 12, 16}, stored)) {
+        return 16;
+    }
+    if (in({10, 14, 18, 20, 22}, stored)) {
+        return 18;
+    }
+    return 17;
+}
+
+std::vector<int> known(States const& states) {
+    std::vector<int> result;
+    for (auto const entry : states) {
+        if (entry != -2 && entry != -1) {
+            result.push_back(entry);
+        }
+    }
+    return result;
+}
+
+int values(States const& states) {
+    auto const entries = known(states);
+    std::optional<int> lastWarning;
+    std::optional<int> lastOther;
+    for (int const entry : entries) {
+        if (in(valueAlarm, entry)) {
+            return entry;
+        }
+        (in(valueWarning, entry) ? lastWarning : lastOther) = entry;
+    }
+    return lastWarning.value_or(lastOther.value_or(-1));
+}
+
+int children(States const& states) {
+    auto const entries = known(states);
+    std::optional<int> lastAlarm;
+    std::optional<int> lastWarning;
+    for (int const entry : entries) {
+        if (entry == 34 || entry == 35) {
+            return entry;
+        }
+        if (in(childAlarm, entry)) {
+            lastAlarm = entry;
+        } else if (in(childWarning, entry)) {
+            lastWarning = entry;
+        }
+    }
+    return lastAlarm.value_or(lastWarning.value_or(-1));
+}
+
+int point(int own, States const& valueStates, States const& childStates) {
+    int i = initial(own);
+    if (in({-2, -1, 5, 6, 34, 36, 43}, i)) {
+        return i;
+    }
+    int const m = values(valueStates);
+    if (i >= 15 && i <= 18) {
+        if (in(valueAlarm, m)) {
+            i -= 8;
+        } else if (in(valueWarning, m)) {
+            i -= 4;
+        }
+    }
+    int const c = children(childStates);
+    if (c == 34 || c == 35) {
+        return c;
+    }
+    if (in(ownAlarm, i)) {
+        return i;
+    }
+    if (in(childAlarm, c)) {
+        return i == 18 ? 20 : 23;
+    }
+    if (in({15, 16, 17, 18, -1}, i) && in(childWarning, c)) {
+        return i == 18 ? 22 : 24;
+    }
+    return i;
+}
+
+} // namespace model
+
+/// All states, and numbers that are none.
+std::vector<eStatus_Bits> everyState() {
+    std::vector<eStatus_Bits> result;
+    for (int number = -2; number <= 43; ++number) {
+        result.push_back(state(number));
+    }
+    for (int const number : {-3, -64, 44, 63, 64, 65, 73, 128 + 9, 1000, std::numeric_limits<int>::min(),
+                             std::numeric_limits<int>::max()}) {
+        result.push_back(state(number));
+    }
+    return result;
+}
+
+template <typename Check>
+void forEveryListUpTo(std::size_t length, Check const& check) {
+    static auto const states = everyState();
+    States current;
+    auto const extend = [&](auto const& self) -> void {
+        check(current);
+        if (current.size() == length || ::testing::Test::HasFatalFailure()) {
+            return;
+        }
+        for (auto const next : states) {
+            current.push_back(next);
+            self(self);
+            current.pop_back();
+        }
+    };
+    extend(extend);
+}
+
+class QelSharedMemoryStatesTest : public ::testing::Test {
+protected:
+    shm::QelSharedMemoryStates sut;
+};
+
+TEST_F(QelSharedMemoryStatesTest, MpInitial_KeepsOnOffAndIdentifyOfEveryState) {
+    for (int number = -300; number <= 300; ++number) {
+        ASSERT_EQ(sut.mpInitial(state(number)), model::initial(number)) << number;
+    }
+    EXPECT_EQ(sut.mpInitial(state(std::numeric_limits<int>::min())), 17);
+    EXPECT_EQ(sut.mpInitial(state(std::numeric_limits<int>::max())), 17);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpInitial_UndefinedAndUnknownStatesCountAsOn) {
+    EXPECT_EQ(sut.mpInitial(state(-1)), 17);
+    EXPECT_EQ(sut.mpInitial(state(100)), 17);
+    EXPECT_EQ(sut.mpInitial(state(-3)), 17);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpInitial_ChildStatesWithoutOnOrOffCountAsOn) {
+    EXPECT_EQ(sut.mpInitial(state(23)), 17);
+    EXPECT_EQ(sut.mpInitial(state(24)), 17);
+    EXPECT_EQ(sut.mpInitial(state(25)), 17);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MvState_TellsTheFirstAlarmElseTheLastWarningElseTheLastOther) {
+    EXPECT_EQ(sut.mvState(list({3, 0})), 3);
+    EXPECT_EQ(sut.mvState(list({0, 3, 4})), 4);
+    EXPECT_EQ(sut.mvState(list({3, 1, 2})), 1);
+    EXPECT_EQ(sut.mvState(list({0, 41})), 41);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MvState_NothingToFoldGivesUndefined) {
+    EXPECT_EQ(sut.mvState(list({})), -1);
+    EXPECT_EQ(sut.mvState(list({-2, -1})), -1);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MvState_FollowsTheRulesForEveryListOfUpToThree) {
+    forEveryListUpTo(3, [&](States const& values) {
+        ASSERT_EQ(sut.mvState(values), model::values(values)) << text(values);
+    });
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_AlarmOutranksWarningAndTheLastAlarmWins) {
+    EXPECT_EQ(sut.mpState(list({9, 13})), 9);
+    EXPECT_EQ(sut.mpState(list({13, 9})), 9);
+    EXPECT_EQ(sut.mpState(list({9, 23})), 23);
+    EXPECT_EQ(sut.mpState(list({25, 13})), 25);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_TheFirstDeviceUpdateOutranksEverything) {
+    EXPECT_EQ(sut.mpState(list({9, 35, 34})), 35);
+    EXPECT_EQ(sut.mpState(list({34, 9, 35})), 34);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_OtherStatesAreSkipped) {
+    EXPECT_EQ(sut.mpState(list({0, 17, 41})), -1);
+    EXPECT_EQ(sut.mpState(list({})), -1);
+    EXPECT_EQ(sut.mpState(list({-2, -1})), -1);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_OffChildWarningIsAnAlarmAndOnChildWarningIsNot) {
+    EXPECT_EQ(sut.mpState(list({22, 13})), 22);
+    EXPECT_EQ(sut.mpState(list({21, 13})), 13);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_FollowsTheRulesForEveryListOfUpToThree) {
+    forEveryListUpTo(3, [&](States const& children) {
+        ASSERT_EQ(sut.mpState(children), model::children(children)) << text(children);
+    });
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_SomeOwnStatesIgnoreValuesAndChildren) {
+    EXPECT_EQ(sut.mpState(state(6), list({1}), list({9})), 6);
+    for (int const own : {-2, 5, 6, 34, 36, 43}) {
+        EXPECT_EQ(sut.mpState(state(own), list({1}), list({35})), own);
+    }
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_FailedUpdateStaysUntilAChildUpdates) {
+    EXPECT_EQ(sut.mpState(state(35), list({}), list({})), 35);
+    EXPECT_EQ(sut.mpState(state(35), list({1}), list({9})), 35);
+    EXPECT_EQ(sut.mpState(state(35), list({}), list({34})), 34);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_UpdateOfAChildOutranksOwnAlarm) {
+    EXPECT_EQ(sut.mpState(state(17), list({}), list({35})), 35);
+    EXPECT_EQ(sut.mpState(state(17), list({1}), list({34})), 34);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_StoredAlarmFallsBackOnceTheValuesAreFine) {
+    EXPECT_EQ(sut.mpState(state(9), list({}), list({})), 17);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_OwnWarningMakesTheOffPointLoseItsOffBesideAnAlarmingChild) {
+    EXPECT_EQ(sut.mpState(state(18), list({3}), list({9})), 23);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_WarningsOfChildrenCountByTheirOnAndOff) {
+    EXPECT_EQ(sut.mpState(state(18), list({}), list({22})), 20);
+    EXPECT_EQ(sut.mpState(state(17), list({}), list({21})), 24);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_OwnWarningOutranksAWarningChild) {
+    EXPECT_EQ(sut.mpState(state(17), list({3}), list({13})), 13);
+    EXPECT_EQ(sut.mpState(state(15), list({4}), list({24})), 11);
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_GivesTheStateOfEachClassOfValuesAndChildren) {
+    struct Row {
+        std::int32_t child; // -1: no children
+        std::int32_t results[3];
+    };
+    struct Table {
+        std::int32_t own;
+        std::vector<Row> rows;
+    };
+    // Values none, warning, alarm across.
+    std::vector<Table> const tables{
+        {17,
+         {{-1, {17, 13, 9}}, {13, {24, 13, 9}}, {9, {23, 23, 9}}, {34, {34, 34, 34}}, {35, {35, 35, 35}}}},
+        {18,
+         {{-1, {18, 14, 10}}, {13, {22, 14, 10}}, {9, {20, 23, 10}}, {34, {34, 34, 34}}, {35, {35, 35, 35}}}},
+        {15,
+         {{-1, {15, 11, 7}}, {13, {24, 11, 7}}, {9, {23, 23, 7}}, {34, {34, 34, 34}}, {35, {35, 35, 35}}}},
+        {16,
+         {{-1, {16, 12, 8}}, {13, {24, 12, 8}}, {9, {23, 23, 8}}, {34, {34, 34, 34}}, {35, {35, 35, 35}}}}};
+    for (auto const& table : tables) {
+        for (auto const& row : table.rows) {
+            auto const children = row.child == -1 ? list({}) : list({row.child});
+            EXPECT_EQ(sut.mpState(state(table.own), list({}), children), row.results[0])
+                << table.own << ' ' << row.child;
+            for (auto const warning : {3, 4, 13, 14, 40}) {
+                EXPECT_EQ(sut.mpState(state(table.own), list({warning}), children), row.results[1])
+                    << table.own << ' ' << row.child << ' ' << warning;
+            }
+            for (auto const alarm : {1, 2, 9, 10, 39}) {
+                EXPECT_EQ(sut.mpState(state(table.own), list({alarm}), children), row.results[2])
+                    << table.own << ' ' << row.child << ' ' << alarm;
+            }
+        }
+    }
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_FollowsTheRulesForEveryOwnStateValueAndChild) {
+    std::vector<States> lists{{}};
+    for (auto const single : everyState()) {
+        lists.push_back({single});
+    }
+    // One list per outcome of the folding, with the deciding entry behind and before others.
+    std::vector<States> const mixed{list({0, 3, 1}), list({3, 0}),  list({13, 22}), list({22, 13}),
+                                    list({21, 0}),   list({9, 35}), list({34, 25}), list({-1, -2}),
+                                    list({40, 39}),  list({24, 5})};
+    lists.insert(lists.end(), mixed.begin(), mixed.end());
+    std::set<int> results;
+    for (auto const own : everyState()) {
+        for (auto const& values : lists) {
+            for (auto const& children : lists) {
+                auto const result = sut.mpState(own, values, children);
+                ASSERT_EQ(result, model::point(own, values, children))
+                    << own << ' ' << text(values) << ' ' << text(children);
+                results.insert(result);
+            }
+        }
+    }
+    EXPECT_EQ(results.count(19), 0U) << "On, Child Alarm";
+    EXPECT_EQ(results.count(21), 0U) << "On, Child Warning";
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpState_GlobalStateIsOneOfFive) {
+    std::set<int> results;
+    forEveryListUpTo(2,
+                     [&](States const& reported) { results.insert(sut.mpState(state(17), {}, reported)); });
+    EXPECT_EQ(results, (std::set<int>{17, 23, 24, 34, 35}));
+}
+
+} // namespace

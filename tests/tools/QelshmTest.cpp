@@ -1,0 +1,364 @@
+#include "tools/replay/LiveUnit.h"
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/HardwareManagerService.h"
+#include "tests/tools/Recorded.h"
+#include "tests/tools/TempFile.h"
+#include "tests/tools/Terminal.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <csignal>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+std::string const inletFile =
+    "timestamp_utc,inlet1_voltage_V,inlet1_active_power_W\n2023-06-09T07:34:30Z,230.04,1000\n"
+    "2023-06-09T07:34:31Z,,1000\n";
+std::string const longWait = "30";
+
+std::vector<std::string> qelshm(std::vector<std::string> const& arguments) {
+    std::vector<std::string> command{QELSHM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+struct Outcome {
+    std::optional<int> status;
+    std::string output; // standard error in it
+};
+
+Outcome outcomeOf(std::vector<std::string> const& command) {
+    ChildProcess program(command, ChildProcess::Errors::IntoOutput);
+    program.closeInput();
+    auto output = program.readAll();
+    return {program.wait(), std::move(output)};
+}
+
+long linesIn(std::string const& text) {
+    return std::count(text.begin(), text.end(), '\n');
+}
+
+/// A region with two rows in it that stays as it is.
+class QelshmTest : public testing::Test {
+protected:
+    QelshmTest() { EXPECT_TRUE(replay_.readUntil("the region stays")); }
+
+    TempFile const file_{inletFile};
+    ChildProcess replay_{{QEL_REPLAY, "--speed", "0", "--hold", "--limit",
+                          "inlet1_active_power_W:high-warning=900", file_.path()}};
+};
+
+/// A region whose values change many times a second.
+class QelshmWatchTest : public testing::Test {
+protected:
+    QelshmWatchTest() { EXPECT_TRUE(replay_.readUntil("region active")); }
+
+    ChildProcess replay_{
+        {QEL_REPLAY, "--speed", "20", "--loop", "--plug-after", "30", outletsFile, environmentFile}};
+};
+
+} // namespace
+
+TEST_F(QelshmTest, List_PrintsPointsAndValues) {
+    auto const outcome = outcomeOf(qelshm({"--wait", longWait, "list"}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(
+        "0x0100ffffffff0000  unit 1                Master                            Child Warning\n"
+        "0x010001ffffff0000    inlet 1             1P                                On, Warning\n"
+        "  0x010001ffffff0001  Voltage           230.0 V           Lost            2023-06-09T07:34:31Z\n"
+        "  0x010001ffffff0013  Active Power      1000.0 W          High Warning    2023-06-09T07:34:31Z\n"
+        "  0x010001ffffff0024  Active Energy     0.0 kWh           No Error        2023-06-09T07:34:31Z\n",
+        outcome.output);
+}
+
+TEST_F(QelshmTest, Tree_IsTheLibrarysDump) {
+    auto const outcome = outcomeOf(qelshm({"tree", "--wait", longWait}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(
+        "0xff00ffffffff0000\n"
+        "  - 0x0100ffffffff0000, this = 0, parent = ffffffff, prev = ffffffff, next = ffffffff []\n"
+        "    - 0x010001ffffff0000, this = 1, parent = 0, prev = ffffffff, next = ffffffff [0x0001, 0x0013, "
+        "0x0024]\n",
+        outcome.output);
+}
+
+TEST_F(QelshmTest, GetOfAPoint_PrintsItWithItsValues) {
+    auto const outcome = outcomeOf(qelshm({"--wait", longWait, "get", "0x010001FFFFFF0000"}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(
+        "0x010001ffffff0000  inlet 1               1P                                On, Warning\n"
+        "  0x010001ffffff0001  Voltage           230.0 V           Lost            2023-06-09T07:34:31Z\n"
+        "  0x010001ffffff0013  Active Power      1000.0 W          High Warning    2023-06-09T07:34:31Z\n"
+        "  0x010001ffffff0024  Active Energy     0.0 kWh           No Error        2023-06-09T07:34:31Z\n",
+        outcome.output);
+}
+
+TEST_F(QelshmTest, GetOfAValue_PrintsOneLine) {
+    std::string const line =
+        "2023-06-09T07:34:31Z  inlet 1               Voltage           230.0 V           Lost\n";
+    for (auto const* const svid : {"0x010001ffffff0001", "72059793061117953"}) {
+        auto const outcome = outcomeOf(qelshm({"--wait", longWait, "get", svid}));
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_EQ(line, outcome.output);
+    }
+}
+
+TEST_F(QelshmTest, GetOfNothing_IsAFailure) {
+    for (std::string const svid : {"0x010002ffffff0000", "0x010001ffffff0002", "0x0000000000000005"}) {
+        auto const outcome = outcomeOf(qelshm({"--wait", longWait, "get", svid}));
+        EXPECT_EQ(1, outcome.status);
+        EXPECT_EQ("qelshm: there is no point or value " + svid + '\n', outcome.output);
+    }
+}
+
+TEST_F(QelshmTest, LogLevel_WritesTheLibrarysLogToStandardErrorOnly) {
+    std::string const command = QELSHM " --wait 30 --log-level debug tree";
+    auto const output = outcomeOf({"sh", "-c", command + " 2>/dev/null"}).output;
+    EXPECT_EQ(3, linesIn(output)) << output;
+    EXPECT_THAT(outcomeOf({"sh", "-c", command + " 2>&1 >/dev/null"}).output,
+                testing::ContainsRegex(" INFO +qel.shm.access.reader QelSharedMemoryReader: start\n"));
+}
+
+TEST_F(QelshmTest, Watch_EndsWhenTheHardwareManagerLeaves) {
+    ChildProcess sut(qelshm({"--wait", longWait, "watch"}), ChildProcess::Errors::IntoOutput);
+    // Nothing changes, so nothing is written; give it the time to get there.
+    EXPECT_EQ(std::nullopt, sut.readLine(std::chrono::seconds(2)));
+
+    replay_.signal(SIGTERM);
+
+    EXPECT_EQ("qelshm: the hardware manager has left the bus; nothing will change any more\n", sut.readAll());
+    EXPECT_EQ(1, sut.wait());
+}
+
+TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
+    auto const outcome = outcomeOf(qelshm({"--wait", longWait, "watch", "--count", "7"}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(7, linesIn(outcome.output));
+    EXPECT_THAT(outcome.output,
+                testing::ContainsRegex(
+                    "^2023-06-09T[0-9:]+Z  [a-z]+ [0-9/]+ +[A-Z][A-Za-z ]+[-0-9.]+[ A-Za-z]*  No Error\n"));
+}
+
+TEST_F(QelshmWatchTest, Svids_ChooseWhatIsWritten) {
+    auto const outcome = outcomeOf(qelshm({"--wait", longWait, "watch", "--count", "6", "--interval", "0.1",
+                                           "0x010001ffffff0001", "0x010001ff03080000"}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(6, linesIn(outcome.output));
+    EXPECT_THAT(outcome.output, testing::Not(testing::ContainsRegex("circuit|unit|Z  inlet 1 +[A-UW-Z]")));
+}
+
+// The sensor is plugged in 1.5 s after the start.
+TEST_F(QelshmWatchTest, PointThatComesLater_IsWatchedToo) {
+    auto const outcome =
+        outcomeOf(qelshm({"--wait", longWait, "watch", "--count", "1", "0x01010101ffff0100"}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_THAT(outcome.output,
+                testing::ContainsRegex("^2015-02-0[0-9T:-]+Z  sensor 1/1 +Temperature +[0-9.]+ °C +No "
+                                       "Error\n$"));
+}
+
+class WatchSignalTest : public QelshmWatchTest, public testing::WithParamInterface<int> {};
+
+TEST_P(WatchSignalTest, Signal_EndsTheWatch) {
+    ChildProcess sut(qelshm({"--wait", longWait, "watch"}));
+    ASSERT_TRUE(sut.readUntil("Z  "));
+
+    sut.signal(GetParam());
+
+    EXPECT_EQ(0, sut.wait());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WatchSignalTest, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_F(QelshmWatchTest, ReaderOfTheLinesThatGoesAway_EndsTheWatch) {
+    auto const outcome = outcomeOf(
+        {"bash", "-c", QELSHM " --wait 30 watch | head -n 2 >/dev/null; echo status ${PIPESTATUS[0]}"});
+    EXPECT_EQ("status 0\n", outcome.output);
+}
+
+TEST_F(QelshmWatchTest, Terminal_ShowsATableUntilQ) {
+    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
+
+    ASSERT_TRUE(sut.readUntil("qelshm  On"));
+    ASSERT_TRUE(sut.readUntil("0x0100ffffffff0000"));
+    ASSERT_TRUE(sut.readUntil("Voltage"));
+    ASSERT_TRUE(sut.readUntil(" V"));
+    ASSERT_TRUE(sut.readUntil("q: quit"));
+    EXPECT_FALSE(sut.isAsBefore());
+
+    sut.type("q");
+
+    ASSERT_TRUE(sut.readUntil("\x1b[?1049l")) << "back to the screen of before";
+    EXPECT_EQ(0, sut.wait());
+    EXPECT_TRUE(sut.isAsBefore());
+}
+
+TEST_F(QelshmWatchTest, Terminal_ScrollsAndFollowsItsSize) {
+    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
+    ASSERT_TRUE(sut.readUntil("lines 1 to 22 of "));
+
+    sut.type("\x1bOB"); // down
+    ASSERT_TRUE(sut.readUntil("2 to 23"));
+    sut.type("\x1bOA"); // up
+    sut.type("\x1bOA");
+    ASSERT_TRUE(sut.readUntil("1 to 22"));
+    sut.type("\x1b[6~"); // page down
+    ASSERT_TRUE(sut.readUntil("23 to 44"));
+    sut.resize(12, 100);
+    ASSERT_TRUE(sut.readUntil("lines 23 to 32 of "));
+    sut.type("q");
+    EXPECT_EQ(0, sut.wait());
+}
+
+TEST_F(QelshmWatchTest, Terminal_IsRestoredAfterASignal) {
+    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
+    ASSERT_TRUE(sut.readUntil("q: quit"));
+
+    sut.signal(SIGTERM);
+
+    ASSERT_TRUE(sut.readUntil("\x1b[?1049l"));
+    EXPECT_EQ(0, sut.wait());
+    EXPECT_TRUE(sut.isAsBefore());
+}
+
+TEST_F(QelshmWatchTest, Terminal_IsRestoredWhenTheHardwareManagerLeaves) {
+    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
+    ASSERT_TRUE(sut.readUntil("q: quit"));
+
+    replay_.signal(SIGTERM);
+
+    ASSERT_TRUE(sut.readUntil("\x1b[?1049l"));
+    ASSERT_TRUE(sut.readUntil("the hardware manager has left the bus"));
+    EXPECT_EQ(1, sut.wait());
+    EXPECT_TRUE(sut.isAsBefore());
+}
+
+TEST_F(QelshmWatchTest, UnknownTerminal_IsAFailure) {
+    Terminal sut(qelshm({"--wait", longWait, "watch"}), "no-such-terminal");
+
+    EXPECT_TRUE(sut.readUntil(
+        "qelshm: the terminal \"no-such-terminal\" cannot show a table; pipe the output through "
+        "cat for lines"));
+    EXPECT_EQ(1, sut.wait());
+}
+
+TEST(QelshmWaitTest, NoBus_IsToldAndFails) {
+    auto const outcome =
+        outcomeOf({"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QELSHM, "--wait", "1", "list"});
+
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(
+        "qelshm: waiting, no system bus (Could not connect: No such file or directory)\n"
+        "qelshm: nothing to read after 1 s: no system bus (Could not connect: No such file or directory)\n",
+        outcome.output);
+}
+
+TEST(QelshmWaitTest, NoHardwareManager_IsToldAndFails) {
+    auto const outcome = outcomeOf(qelshm({"--wait", "1", "list"}));
+
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, no hardware manager (org.qel.HardwareManager) on the system bus\n"
+              "qelshm: nothing to read after 1 s: no hardware manager (org.qel.HardwareManager) on the "
+              "system bus\n",
+              outcome.output);
+}
+
+TEST(QelshmWaitTest, HardwareManagerThatIsNotInitialised_IsToldAndFails) {
+    HardwareManagerService manager;
+    manager.setAnswer(0);
+
+    auto const outcome = outcomeOf(qelshm({"--wait", "1", "list"}));
+
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, the hardware manager is not initialised\n"
+              "qelshm: nothing to read after 1 s: the hardware manager is not initialised\n",
+              outcome.output);
+}
+
+TEST(QelshmWaitTest, RegionThatIsNotActive_IsToldAndFails) {
+    HardwareManagerService const manager;
+    tools::LiveUnit const region;
+
+    auto const outcome = outcomeOf(qelshm({"--wait", "1", "list"}));
+
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, the region is not active\n"
+              "qelshm: nothing to read after 1 s: the region is not active\n",
+              outcome.output);
+}
+
+TEST(QelshmWaitTest, RegionThatComesInTime_IsRead) {
+    TempFile const file(inletFile);
+    ChildProcess sut(qelshm({"--wait", longWait, "list"}), ChildProcess::Errors::IntoOutput);
+    ASSERT_TRUE(sut.readUntil("qelshm: waiting, no hardware manager"));
+
+    ChildProcess const replay({QEL_REPLAY, "--speed", "0", "--hold", file.path()});
+
+    EXPECT_TRUE(sut.readUntil("0x010001ffffff0000    inlet 1"));
+    sut.readAll();
+    EXPECT_EQ(0, sut.wait());
+}
+
+struct Usage {
+    char const* name;
+    std::vector<std::string> arguments;
+    char const* message;
+};
+
+std::ostream& operator<<(std::ostream& out, Usage const& usage) {
+    return out << usage.name;
+}
+
+class QelshmUsageTest : public testing::TestWithParam<Usage> {};
+
+TEST_P(QelshmUsageTest, WrongArguments_AreOneLineAndStatusTwo) {
+    auto const outcome = outcomeOf(qelshm(GetParam().arguments));
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("qelshm: " + std::string(GetParam().message) + '\n', outcome.output);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, QelshmUsageTest,
+    testing::Values(
+        Usage{"NoCommand", {}, "A subcommand is required"},
+        Usage{"UnknownCommand", {"show"}, "The following argument was not expected: show"},
+        Usage{"GetWithoutId", {"get"}, "SVID is required"},
+        Usage{"GetOfNoId",
+              {"get", "inlet"},
+              "SVID: \"inlet\" is no sensor id; expected 0x and up to 16 hexadecimal digits, or a decimal "
+              "number of 64 bits"},
+        Usage{"NoWait", {"--wait", "0", "list"}, "--wait: Value 0 not in range 1 to 600"},
+        Usage{"CountOfNone", {"watch", "--count", "0"}, "--count: Value 0 not in range 1 to 1000000000000"},
+        Usage{"UnknownOption", {"list", "--fast"}, "The following argument was not expected: --fast"}),
+    [](testing::TestParamInfo<Usage> const& tested) { return tested.param.name; });
+
+TEST(QelshmHelpTest, HelpAndVersion_GoToStandardOutput) {
+    auto const help = outcomeOf({"sh", "-c", QELSHM " --help 2>/dev/null"});
+    EXPECT_EQ(0, help.status);
+    for (auto const* const part : {"Usage: qelshm [OPTIONS] SUBCOMMAND", "list", "tree", "get", "watch",
+                                   "--wait", "--log-level", "Exit status:", "Examples:"}) {
+        EXPECT_THAT(help.output, testing::HasSubstr(part));
+    }
+    auto const watch = outcomeOf(qelshm({"watch", "--help"}));
+    EXPECT_EQ(0, watch.status);
+    EXPECT_THAT(watch.output, testing::HasSubstr("--count"));
+    auto const version = outcomeOf({"sh", "-c", QELSHM " --version 2>/dev/null"});
+    EXPECT_EQ(0, version.status);
+    EXPECT_THAT(version.output, testing::MatchesRegex("qelshm [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+} // namespace qel::test

@@ -1,0 +1,159 @@
+#include "tools/replay/Options.h"
+
+#include "tools/common/CommandLine.h"
+#include "tools/replay/Topology.h"
+
+#include "tests/tools/InputFailure.h"
+#include "tests/tools/TempFile.h"
+
+#include <gtest/gtest.h>
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <string>
+
+namespace qel::tools {
+
+namespace {
+
+class ReplayOptionsTest : public testing::Test {
+protected:
+    Options optionsOf(std::vector<std::string> const& arguments) {
+        CLI::App app("", "qel-replay");
+        Options options;
+        defineOptions(app, options);
+        std::vector<char const*> argv{"qel-replay"};
+        for (auto const& argument : arguments) {
+            argv.push_back(argument.c_str());
+        }
+        app.parse(static_cast<int>(argv.size()), argv.data());
+        return options;
+    }
+
+    std::string failureOf(std::vector<std::string> const& arguments) {
+        return test::inputFailure([&] { readInput(optionsOf(arguments)); });
+    }
+
+    test::TempFile const inlet_{
+        "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,1\n2023-06-09T07:34:31Z,2\n"};
+    test::TempFile const sensor_{"timestamp_utc,sensor1_temperature_degC\n2023-06-09T07:34:30Z,1\n"};
+};
+
+} // namespace
+
+TEST_F(ReplayOptionsTest, FilesAlone_GiveTheDefaults) {
+    auto const sut = optionsOf({"a.csv", "b.csv"});
+    EXPECT_EQ((std::vector<std::string>{"a.csv", "b.csv"}), sut.files);
+    EXPECT_EQ(1.0, sut.speed);
+    EXPECT_FALSE(sut.isEndless);
+    EXPECT_FALSE(sut.isHeld);
+    EXPECT_FALSE(sut.isQuiet);
+    EXPECT_EQ(std::nullopt, sut.until);
+    EXPECT_TRUE(sut.logLevel.empty());
+}
+
+TEST_F(ReplayOptionsTest, EveryOption_IsTaken) {
+    auto const sut =
+        optionsOf({"--speed", "2.5",           "--from",  "3,4", "--until",         "7",   "--loop",
+                   "--hold",  "--quiet",       "--limit", "x",   "--limit",         "y",   "--limits",
+                   "f",       "--plug-after",  "1",       "a",   "--unplug-after",  "2.5", "--plug-after",
+                   "3",       "--group-after", "4",       "b",   "--ungroup-after", "5",   "--log-level",
+                   "WARN"});
+    EXPECT_EQ((std::vector<std::string>{"a", "b"}), sut.files) << "an option takes one argument only";
+    EXPECT_EQ(2.5, sut.speed);
+    EXPECT_EQ((std::vector<std::size_t>{3, 4}), sut.from);
+    EXPECT_EQ(7U, sut.until);
+    EXPECT_TRUE(sut.isEndless);
+    EXPECT_TRUE(sut.isHeld);
+    EXPECT_TRUE(sut.isQuiet);
+    EXPECT_EQ((std::vector<std::string>{"x", "y"}), sut.limits);
+    EXPECT_EQ((std::vector<std::string>{"f"}), sut.limitFiles);
+    EXPECT_EQ((std::vector<double>{1.0, 3.0}), sut.plugAfter);
+    EXPECT_EQ((std::vector<double>{2.5}), sut.unplugAfter);
+    EXPECT_EQ((std::vector<double>{4.0}), sut.groupAfter);
+    EXPECT_EQ((std::vector<double>{5.0}), sut.ungroupAfter);
+    EXPECT_EQ("warn", sut.logLevel);
+}
+
+TEST_F(ReplayOptionsTest, WrongArguments_AreRefused) {
+    std::vector<std::vector<std::string>> const wrong{
+        {},
+        {"--speed", "-1", "a"},
+        {"--speed", "x", "a"},
+        {"--until", "0", "a"},
+        {"--until", "-1", "a"},
+        {"--from", "0", "a"},
+        {"--from", "x", "a"},
+        {"--plug-after", "-1", "a"},
+        {"--log-level", "loud", "a"},
+        {"--unknown", "a"},
+    };
+    for (auto const& arguments : wrong) {
+        EXPECT_THROW(optionsOf(arguments), CLI::ParseError);
+    }
+}
+
+TEST_F(ReplayOptionsTest, ReadInput_TakesRowsAndRepetition) {
+    auto const sut =
+        readInput(optionsOf({"--from", "2", "--until", "9", "--loop", inlet_.path(), sensor_.path()}));
+    EXPECT_EQ(2U, sut.recordings.tables().size());
+    EXPECT_EQ((std::vector<std::size_t>{1}), sut.replay.firstRows);
+    EXPECT_EQ(9U, sut.replay.rowLimit);
+    EXPECT_TRUE(sut.replay.isEndless);
+    EXPECT_EQ(std::nullopt, sut.schedule.due());
+}
+
+TEST_F(ReplayOptionsTest, ReadInput_TakesLimitsFromBothPlaces) {
+    test::TempFile const limits("inlet1_voltage_V:high-alarm=253\n");
+    auto const sut =
+        readInput(optionsOf({"--limits", limits.path(), "--limit", "sensor1_temperature_degC:high-alarm=30",
+                             inlet_.path(), sensor_.path()}));
+    EXPECT_NE(nullptr, sut.limits.find("inlet1_voltage_V"));
+    EXPECT_NE(nullptr, sut.limits.find("sensor1_temperature_degC"));
+}
+
+TEST_F(ReplayOptionsTest, ReadInput_TakesTheSchedule) {
+    auto const sut = readInput(optionsOf({"--plug-after", "2", "--unplug-after", "1", sensor_.path()}));
+    EXPECT_TRUE(sut.schedule.isToGo(sensorPoint));
+    EXPECT_EQ(1000U, sut.schedule.due());
+}
+
+TEST_F(ReplayOptionsTest, LimitOfAColumnThatIsNotThere_IsRefused) {
+    EXPECT_EQ("--limit: inlet1_current_A: the column stands in none of the recordings; expected a column of "
+              "the files "
+              "to replay",
+              failureOf({"--limit", "inlet1_current_A:high-alarm=1", inlet_.path()}));
+}
+
+TEST_F(ReplayOptionsTest, RowBeyondTheFile_IsRefused) {
+    EXPECT_EQ("--from: " + inlet_.path() + " has no row 3; expected 1 to 2",
+              failureOf({"--from", "3", inlet_.path()}));
+    EXPECT_EQ("no InputError", failureOf({"--from", "2", inlet_.path()}));
+}
+
+TEST_F(ReplayOptionsTest, MoreRowsThanFiles_IsRefused) {
+    EXPECT_EQ("--from: 2 rows for 1 files; expected one row for each file at most",
+              failureOf({"--from", "1,1", inlet_.path()}));
+}
+
+TEST_F(ReplayOptionsTest, ScheduleWithoutRecording_IsRefused) {
+    EXPECT_EQ("--plug-after: there is nothing to add or remove; expected a recording with columns of sensor1",
+              failureOf({"--plug-after", "1", inlet_.path()}));
+    EXPECT_EQ(
+        "--unplug-after: there is nothing to add or remove; expected a recording with columns of sensor1",
+        failureOf({"--unplug-after", "1", inlet_.path()}));
+    EXPECT_EQ(
+        "--group-after: there is nothing to add or remove; expected a recording with the active power of "
+        "outlets 1, 2 and 3",
+        failureOf({"--group-after", "1", inlet_.path()}));
+}
+
+TEST_F(ReplayOptionsTest, ScheduleOutOfTurn_IsRefused) {
+    EXPECT_EQ("--plug-after: the change after 2000 ms follows that of --plug-after after 1000 ms; expected "
+              "--plug-after and --unplug-after by turns, at different times",
+              failureOf({"--plug-after", "1", "--plug-after", "2", sensor_.path()}));
+}
+
+} // namespace qel::tools

@@ -1,0 +1,24 @@
+/// @file
+/// A file that lives as long as a test needs it.
+#pragma once
+
+#include <string>
+
+namespace qel::test {
+
+/// Threads: not shared.
+class TempFile {
+public:
+    /// Writes the text to a new file in the directory for temporary files.
+    explicit TempFile(std::string const& text);
+    ~TempFile();
+    TempFile(TempFile const&) = delete;
+    TempFile& operator=(TempFile const&) = delete;
+
+    std::string const& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+} // namespace qel::test

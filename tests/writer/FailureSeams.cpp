@@ -1,0 +1,106 @@
+#include "tests/writer/FailureSeams.h"
+
+#include "domain/MeasureValue.h"
+
+#include <pthread.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+thread_local std::size_t allocationCount = 0;
+thread_local std::size_t allocationsLeft = unlimited;
+thread_local bool allocationThrowsInt = false;
+thread_local std::size_t lockCount = 0;
+thread_local bool mutexesFail = false;
+thread_local bool conversionThrows = false;
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    ++allocationCount;
+    if (allocationsLeft == 0) {
+        if (allocationThrowsInt) {
+            throw 1; // NOLINT(misc-throw-by-value-catch-by-reference,hicpp-exception-baseclass): no
+                     // std::exception, that is the point
+        }
+        throw std::bad_alloc();
+    }
+    if (allocationsLeft != unlimited) {
+        --allocationsLeft;
+    }
+    if (void* const memory =
+            std::malloc(size == 0 ? 1 : size)) { // NOLINT(cppcoreguidelines-no-malloc): below new
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+// The linker's --wrap sends every call of X to __wrap_X and calls the original __real_X.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): names that --wrap prescribes
+extern "C" {
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+    ++lockCount;
+    return mutexesFail ? EINVAL : __real_pthread_mutex_lock(mutex);
+}
+
+measval::MeasureValue::DoubleResult
+__real__ZNK7measval12MeasureValue8toDoubleEv(measval::MeasureValue const* value);
+measval::MeasureValue::DoubleResult
+__wrap__ZNK7measval12MeasureValue8toDoubleEv(measval::MeasureValue const* value) {
+    if (conversionThrows) {
+        throw 1;
+    }
+    return __real__ZNK7measval12MeasureValue8toDoubleEv(value);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+
+namespace qel::test {
+
+std::size_t allocations() {
+    return allocationCount;
+}
+
+std::size_t locks() {
+    return lockCount;
+}
+
+MemoryRunsOut::MemoryRunsOut(std::size_t allowed, How how) {
+    allocationThrowsInt = how == How::NoStandardException;
+    allocationsLeft = allowed;
+}
+
+MemoryRunsOut::~MemoryRunsOut() {
+    allocationsLeft = unlimited;
+}
+
+MutexesFail::MutexesFail() {
+    mutexesFail = true;
+}
+
+MutexesFail::~MutexesFail() {
+    mutexesFail = false;
+}
+
+ConversionThrowsInt::ConversionThrowsInt() {
+    conversionThrows = true;
+}
+
+ConversionThrowsInt::~ConversionThrowsInt() {
+    conversionThrows = false;
+}
+
+} // namespace qel::test

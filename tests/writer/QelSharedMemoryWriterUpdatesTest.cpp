@@ -1,0 +1,285 @@
+// setActive and updateMV.
+
+#include "writer/QelSharedMemoryWriter.h"
+
+#include "tests/writer/FailureSeams.h"
+#include "tests/writer/WriterFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <set>
+
+namespace qel::test {
+
+namespace {
+
+using log4cpp::Priority;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr long long device = pointId(1, 0);
+constexpr std::uint64_t time1 = 0x1122334455667788;
+
+std::unique_ptr<measval::MeasureValue> text(char const* words) {
+    return std::make_unique<measval::MeasureValue>(words, time1, eStatus_HighWarning);
+}
+
+} // namespace
+
+class QelSharedMemoryWriterUpdatesTest : public WriterTest {
+protected:
+    std::uint64_t valueTime(std::uint32_t pos) const {
+        return raw.get<std::uint64_t>(rawValue(pos) + field::valueAt);
+    }
+    int valueState(std::uint32_t pos) const {
+        return raw.get<std::int32_t>(rawValue(pos) + field::valueState);
+    }
+};
+
+// setActive
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, SetActive_StampsTheRoot) {
+    sut.addMP(device, {}, rawNone);
+    auto expected = raw.copy();
+    std::vector<std::uint8_t> const stamp{
+        0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0, 0xFF, // guid
+        0,    0,    0,    0,    0,    0,    0, 0,    // unused
+        0,    0,    0,    0,                         // devices: as linked before
+        0xFF, 0xFF, 0xFF, 0xFF,                      // groups
+        17,   0,    0,    0,                         // state
+        32,   0xFF, 0xFF, 0xFF                       // version, reserved
+    };
+    std::copy(stamp.begin(), stamp.end(), expected.begin() + 320000);
+
+    sut.setActive();
+
+    EXPECT_EQ(expected, raw.copy());
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, SetActive_LogsTheVersion) {
+    WriterLog const log;
+
+    sut.setActive();
+
+    EXPECT_THAT(log.entries(), ElementsAre(writerLine(Priority::INFO, "setActive: root.version = 0x20")));
+}
+
+// updateMV: values
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_StoresTimeStateAndNumber) {
+    sut.addMP(device, {{1, 0}, {2, 0}}, rawNone);
+    auto expected = raw.copy();
+    std::vector<std::uint8_t> const slot{
+        0,    0,    0,    0,    0,    0,    0xF8, 0x3F, // 1.5
+        0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11, // at
+        1,    0,    0,    0                             // state
+    };
+    std::copy(slot.begin(), slot.end(), expected.begin() + 38400 + 32);
+
+    EXPECT_TRUE(sut.updateMV(device | 2, measured(1.5, time1, eStatus_HighAlarm)));
+
+    EXPECT_EQ(expected, raw.copy());
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_EnergyIsStoredInUnits_OthersAsDelivered) {
+    sut.addMP(device, {{32, 0}, {39, 0}, {0xFFFC, 0}}, rawNone);
+
+    EXPECT_TRUE(sut.updateMV(device | 32, measured(1234.0)));
+    EXPECT_TRUE(sut.updateMV(device | 39, measured(1234.0)));
+    EXPECT_TRUE(sut.updateMV(device | 0xFFFC, measured(1234.0)));
+
+    EXPECT_EQ(1.234, number(0));
+    EXPECT_EQ(1234.0, number(1));
+    EXPECT_EQ(1.234, number(2));
+}
+
+// A unit holds 8800 values, so all 65536 keys come in eight parts, each in a region of its own.
+class QelSharedMemoryWriterKeysTest : public QelSharedMemoryWriterUpdatesTest,
+                                      public testing::WithParamInterface<int> {};
+
+TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
+    std::set<int> const pointLevel{0x30, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B};
+    std::set<int> const thousandths{32, 33, 34, 35, 36, 37, 38, 0xFFF9, 0xFFFA, 0xFFFB, 0xFFFC};
+    int const first = 8192 * GetParam();
+    Keys keys;
+    for (int key = first; key < first + 8192; ++key) {
+        keys[static_cast<unsigned short>(key)] = 0;
+    }
+    sut.addMP(device, keys, rawNone);
+
+    std::uint32_t pos = 0;
+    for (int key = first; key < first + 8192; ++key, ++pos) {
+        auto const at = std::uint64_t{1000000} + static_cast<unsigned int>(key);
+        auto const state = static_cast<eStatus_Bits>(key % 44);
+        auto const delivered = 12345.0 + key;
+        auto const pointBefore = pointState(0);
+
+        ASSERT_TRUE(sut.updateMV(device | key, measured(delivered, at, state))) << key;
+
+        if (pointLevel.count(key) != 0) {
+            ASSERT_EQ(at, raw.get<std::uint64_t>(field::pointAt)) << key;
+            ASSERT_EQ(state, pointState(0)) << key;
+            ASSERT_EQ(0U, valueTime(pos)) << key;
+            ASSERT_EQ(-2, valueState(pos)) << key;
+            ASSERT_EQ(0.0, number(pos)) << key;
+        } else {
+            ASSERT_EQ(pointBefore, pointState(0)) << key;
+            ASSERT_EQ(at, valueTime(pos)) << key;
+            ASSERT_EQ(state, valueState(pos)) << key;
+            ASSERT_EQ(thousandths.count(key) != 0 ? delivered / 1000.0 : delivered, number(pos)) << key;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllKeys, QelSharedMemoryWriterKeysTest, testing::Range(0, 8));
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_NumbersOfEveryType_AreConverted) {
+    sut.addMP(device, {{1, 0}, {32, 0}}, rawNone);
+    auto const stored = [&](auto value, long long key) {
+        EXPECT_TRUE(
+            sut.updateMV(device | key, std::make_unique<measval::MeasureValue>(value, 1, eStatus_NoError)));
+        return number(key == 1 ? 0 : 1);
+    };
+
+    EXPECT_EQ(-7.0, stored(-7LL, 1));
+    EXPECT_EQ(2.5, stored(2500LL, 32));
+    EXPECT_EQ(1.0, stored(true, 1));
+    EXPECT_EQ(0.0, stored(false, 1));
+    EXPECT_TRUE(std::isinf(stored(std::numeric_limits<double>::infinity(), 1)));
+    EXPECT_TRUE(std::isnan(stored(std::numeric_limits<double>::quiet_NaN(), 32)));
+    EXPECT_TRUE(std::signbit(stored(-0.0, 1)));
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_Text_ReturnsFalse_YetTimeAndStateAreNew) {
+    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.updateMV(device | 1, measured(5.5, 1, eStatus_NoError));
+
+    EXPECT_FALSE(sut.updateMV(device | 1, text("12")));
+
+    EXPECT_EQ(time1, valueTime(0));
+    EXPECT_EQ(eStatus_HighWarning, valueState(0));
+    EXPECT_EQ(5.5, number(0));
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_DoesNotPropagateStates) {
+    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.setActive();
+
+    sut.updateMV(device | 1, measured(1.0, 1, eStatus_HighAlarm));
+
+    EXPECT_EQ(17, pointState(0));
+    EXPECT_EQ(17, globalState());
+}
+
+// updateMV: the point's own state
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_WritesOnlyTimeAndStateOfThePoint) {
+    for (int const key : {0x30, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B}) {
+        auto const svid = pointId(key, 0);
+        auto const pos = sut.addMP(svid, {{1, 0}, {static_cast<unsigned short>(key), 0}}, rawNone);
+        auto expected = raw.copy();
+        for (std::size_t i = 0; i < 8; ++i) {
+            expected[rawPoint(pos) + 32 + i] = static_cast<std::uint8_t>(time1 >> (8 * i));
+        }
+        expected[rawPoint(pos) + 40] = 18;
+
+        EXPECT_TRUE(sut.updateMV(svid | key, measured(9.0, time1, eStatus_Off)));
+
+        EXPECT_EQ(expected, raw.copy()) << key;
+    }
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_NeedsNoValueOfThatKey) {
+    sut.addMP(device, {}, rawNone);
+
+    EXPECT_TRUE(sut.updateMV(device | 0x30, measured(0.0, 3, eStatus_OffIdentify)));
+
+    EXPECT_EQ(16, pointState(0));
+    EXPECT_EQ(3U, raw.get<std::uint64_t>(field::pointAt));
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_TakesAnyTypeAndNoLock) {
+    sut.addMP(device, {}, rawNone);
+    MutexesFail const broken;
+
+    EXPECT_TRUE(sut.updateMV(device | 0x34, text("on")));
+
+    EXPECT_EQ(eStatus_HighWarning, pointState(0));
+}
+
+// updateMV: failures
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_UnknownPointOrKey_ReturnsFalse_WritesAndLogsNothing) {
+    sut.addMP(device, {{1, 0}}, rawNone);
+    auto const before = raw.copy();
+    WriterLog const log;
+
+    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | 1, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | 0x30, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | 2, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(rootSvid | 0x3A, measured(1.0)));
+
+    EXPECT_EQ(before, raw.copy());
+    EXPECT_THAT(log.entries(), IsEmpty());
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_WithoutAValue_ReturnsFalse) {
+    sut.addMP(device, {{1, 0}}, rawNone);
+    auto const before = raw.copy();
+
+    EXPECT_FALSE(sut.updateMV(device | 1, nullptr));
+    EXPECT_FALSE(sut.updateMV(device | 0x30, nullptr));
+
+    EXPECT_EQ(before, raw.copy());
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_FailingMutex_ReturnsFalse_WritesAndLogsNothing) {
+    sut.addMP(device, {{1, 0}}, rawNone);
+    auto const before = raw.copy();
+    bool updated = true;
+    WriterLog const log;
+    {
+        MutexesFail const broken;
+        updated = sut.updateMV(device | 1, measured(1.0));
+    }
+    EXPECT_FALSE(updated);
+    EXPECT_EQ(before, raw.copy());
+    EXPECT_THAT(log.entries(), IsEmpty());
+    EXPECT_TRUE(sut.updateMV(device | 1, measured(1.0)));
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_ExceptionOfNoStandardType_IsLogged_AndGivesFalse) {
+    sut.addMP(device, {{1, 0}}, rawNone);
+    WriterLog const log;
+    bool updated = true;
+    {
+        ConversionThrowsInt const broken;
+        updated = sut.updateMV(device | 1, measured(1.0));
+    }
+    EXPECT_FALSE(updated);
+    EXPECT_THAT(log.entries(),
+                ElementsAre(writerLine(Priority::ERROR, "updateMV: ran into a very exceptional state")));
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_Success_NeitherLogsNorAllocates) {
+    sut.addMP(device, {{1, 0}, {32, 0}}, rawNone);
+    auto plain = measured(1.0);
+    auto energy = measured(2.0);
+    auto state = measured(3.0);
+    WriterLog const log;
+    auto const before = allocations();
+
+    sut.updateMV(device | 1, std::move(plain));
+    sut.updateMV(device | 32, std::move(energy));
+    sut.updateMV(device | 0x30, std::move(state));
+
+    EXPECT_EQ(before, allocations());
+    EXPECT_THAT(log.entries(), IsEmpty());
+    EXPECT_EQ(1.0, number(0));
+}
+
+} // namespace qel::test
