@@ -1,0 +1,11 @@
+/// @file
+/// Exit statuses of the programs.
+#pragma once
+
+namespace qel::tools {
+
+constexpr int exitSuccess = 0;
+constexpr int exitFailure = 1; ///< the surroundings do not allow it: no bus, no region, nothing to read
+constexpr int exitUsage = 2;   ///< wrong arguments or wrong input
+
+} // namespace qel::tools

@@ -1,0 +1,21 @@
+/// @file
+/// Where the library's log goes.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace qel::tools {
+
+/// Adds --log-level to a program's options. Without it the library's log goes nowhere.
+/// @param level receives the name of the level in lower case, empty when the option is not given; must
+/// outlive app
+void addLogOption(CLI::App& app, std::string& level);
+
+/// Sends the log from this level up to standard error, a line each; does nothing for an empty level.
+void logToStandardError(std::string const& level);
+
+} // namespace qel::tools

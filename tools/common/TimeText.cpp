@@ -1,0 +1,125 @@
+#include "tools/common/TimeText.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdio>
+
+namespace qel::tools {
+
+namespace {
+
+constexpr std::uint64_t msPerSecond = 1000;
+constexpr std::uint64_t secondsPerDay = 86400;
+constexpr unsigned firstYear = 1970;
+
+bool isLeap(unsigned year) {
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
+unsigned daysOfMonth(unsigned year, unsigned month) {
+    constexpr std::array<unsigned, 12> days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return month == 2 && isLeap(year) ? 29 : days.at(month - 1);
+}
+
+unsigned daysOfYear(unsigned year) {
+    return isLeap(year) ? 366 : 365;
+}
+
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+unsigned number(std::string_view digits) {
+    unsigned result = 0;
+    for (char const digit : digits) {
+        result = result * 10 + static_cast<unsigned>(digit - '0');
+    }
+    return result;
+}
+
+// A pattern holds 'd' for a digit; every other character stands for itself.
+bool matches(std::string_view text, std::string_view pattern) {
+    return std::equal(text.begin(), text.end(), pattern.begin(), pattern.end(),
+                      [](char character, char expected) {
+                          return expected == 'd' ? isDigit(character) : character == expected;
+                      });
+}
+
+std::uint64_t daysSince1970(unsigned year, unsigned month, unsigned day) {
+    std::uint64_t days = day - 1;
+    for (unsigned earlier = firstYear; earlier < year; ++earlier) {
+        days += daysOfYear(earlier);
+    }
+    for (unsigned earlier = 1; earlier < month; ++earlier) {
+        days += daysOfMonth(year, earlier);
+    }
+    return days;
+}
+
+// ".5", ".50" and ".500" are all 500 ms.
+std::optional<std::uint64_t> fraction(std::string_view text) {
+    if (text.empty()) {
+        return 0;
+    }
+    if (text.size() < 2 || text.size() > 4 || text.front() != '.' ||
+        !std::all_of(text.begin() + 1, text.end(), isDigit)) {
+        return std::nullopt;
+    }
+    std::uint64_t milliseconds = number(text.substr(1));
+    for (auto digits = text.size() - 1; digits < 3; ++digits) {
+        milliseconds *= 10;
+    }
+    return milliseconds;
+}
+
+} // namespace
+
+std::optional<std::uint64_t> parseTime(std::string_view text) {
+    constexpr std::string_view pattern = "dddd-dd-ddTdd:dd:dd";
+    if (text.size() <= pattern.size() || text.back() != 'Z' ||
+        !matches(text.substr(0, pattern.size()), pattern)) {
+        return std::nullopt;
+    }
+    auto const milliseconds = fraction(text.substr(pattern.size(), text.size() - pattern.size() - 1));
+    unsigned const year = number(text.substr(0, 4));
+    unsigned const month = number(text.substr(5, 2));
+    unsigned const day = number(text.substr(8, 2));
+    unsigned const hour = number(text.substr(11, 2));
+    unsigned const minute = number(text.substr(14, 2));
+    unsigned const second = number(text.substr(17, 2));
+    if (!milliseconds || year < firstYear || month < 1 || month > 12 || day < 1 ||
+        day > daysOfMonth(year, month) || hour > 23 || minute > 59 || second > 59) {
+        return std::nullopt;
+    }
+    std::uint64_t const seconds =
+        daysSince1970(year, month, day) * secondsPerDay + (hour * 60U + minute) * 60U + second;
+    return seconds * msPerSecond + *milliseconds;
+}
+
+std::string timeText(std::uint64_t time) {
+    std::uint64_t const seconds = time / msPerSecond;
+    auto const milliseconds = static_cast<unsigned>(time % msPerSecond);
+    auto const ofDay = static_cast<unsigned>(seconds % secondsPerDay);
+    std::uint64_t days = seconds / secondsPerDay;
+    unsigned year = firstYear;
+    for (; days >= daysOfYear(year); ++year) {
+        days -= daysOfYear(year);
+    }
+    unsigned month = 1;
+    for (; days >= daysOfMonth(year, month); ++month) {
+        days -= daysOfMonth(year, month);
+    }
+    std::array<char, 64> buffer{};
+    auto const length =
+        std::snprintf(buffer.data(), buffer.size(), "%04u-%02u-%02uT%02u:%02u:%02u", year, month,
+                      static_cast<unsigned>(days) + 1, ofDay / 3600, ofDay / 60 % 60, ofDay % 60);
+    std::string text(buffer.data(), static_cast<std::size_t>(length));
+    if (milliseconds != 0) {
+        auto const digits = std::to_string(milliseconds);
+        text += '.' + std::string(3 - digits.size(), '0') + digits;
+    }
+    return text + 'Z';
+}
+
+} // namespace qel::tools

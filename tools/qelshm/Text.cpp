@@ -1,0 +1,60 @@
+#include "tools/qelshm/Text.h"
+
+#include "tools/common/StateText.h"
+#include "tools/common/Svid.h"
+#include "tools/common/TimeText.h"
+
+#include "format/Names.h"
+#include "format/ValueFormatter.h"
+#include "region/QelShmMVal.h"
+
+#include <algorithm>
+
+namespace qel::tools {
+
+namespace {
+
+// The longest usual text of each; a longer one shifts the rest of its line.
+constexpr std::size_t labelWidth = 20;
+constexpr std::size_t typeWidth = 32;
+constexpr std::size_t nameWidth = 16;
+constexpr std::size_t numberWidth = 16;
+constexpr std::size_t stateWidth = 14;
+
+// A value that was never delivered has no time.
+std::string timeOf(shm::record::QelShmMVal const& value) {
+    return value.at == 0 ? "-" : timeText(value.at);
+}
+
+} // namespace
+
+std::string padded(std::string_view text, std::size_t width) {
+    auto const characters = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; // not one that continues a character
+    }));
+    return std::string(text) + std::string(width - std::min(width, characters), ' ');
+}
+
+std::string numberText(shm::record::QelShmMVal const& value) {
+    return tav::ValueFormatter::str(shm::QelShmMVal(&value));
+}
+
+std::string pointLine(PointView const& point) {
+    std::string const indent((point.depth - 1) * std::size_t{2}, ' ');
+    return svidText(point.svid) + "  " + padded(indent + pointLabel(point.svid), labelWidth) + "  " +
+           padded(point.type, typeWidth) + "  " + stateText(point.state);
+}
+
+std::string valueLine(PointView const& point, shm::record::QelShmMVal const& value) {
+    return "  " + svidText(point.svid | value.key) + "  " + padded(shm::keyName(value.key), nameWidth) +
+           "  " + padded(numberText(value), numberWidth) + "  " + padded(stateText(value.state), stateWidth) +
+           "  " + timeOf(value);
+}
+
+std::string changeLine(PointView const& point, shm::record::QelShmMVal const& value) {
+    return timeOf(value) + "  " + padded(pointLabel(point.svid), labelWidth) + "  " +
+           padded(shm::keyName(value.key), nameWidth) + "  " + padded(numberText(value), numberWidth) + "  " +
+           stateText(value.state);
+}
+
+} // namespace qel::tools

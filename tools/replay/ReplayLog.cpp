@@ -1,0 +1,96 @@
+#include "tools/replay/ReplayLog.h"
+
+#include "tools/common/StateText.h"
+#include "tools/common/Svid.h"
+#include "tools/common/TimeText.h"
+#include "tools/replay/Topology.h"
+#include "tools/replay/ValueKeys.h"
+
+#include "format/ValueFormatter.h"
+
+#include <iomanip>
+#include <ostream>
+#include <sstream>
+
+namespace qel::tools {
+
+namespace {
+
+constexpr std::string_view program = "qel-replay: ";
+
+std::string counted(std::uint64_t count, std::string_view noun) {
+    return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
+}
+
+std::string transition(eStatus_Bits before, eStatus_Bits after) {
+    return stateText(before) + " => " + stateText(after);
+}
+
+// As readers will see it: the region keeps energies in thousandths.
+std::string numberText(Reading const& reading) {
+    constexpr double thousand = 1000.0;
+    auto const valueKey = static_cast<unsigned short>(static_cast<std::uint64_t>(reading.svid) & 0xFFFFU);
+    bool const isEnergy = valueKey == key::activeEnergy || valueKey == key::apparentEnergy;
+    return tav::ValueFormatter::str(valueKey, isEnergy ? reading.number / thousand : reading.number, " ");
+}
+
+} // namespace
+
+void ReplayLog::write(std::string const& line) {
+    if (out_ != nullptr) {
+        *out_ << line << std::endl; // at once: others wait for these lines
+    }
+}
+
+void ReplayLog::event(std::uint64_t time, std::string_view kind, std::string const& text) {
+    constexpr int kindWidth = 9;
+    std::ostringstream line;
+    line << timeText(time) << "  " << std::left << std::setw(kindWidth) << kind << "  " << text;
+    write(line.str());
+}
+
+void ReplayLog::started(std::size_t points, std::size_t values, std::size_t files, std::size_t rows) {
+    write(std::string(program) + "region active: " + counted(points, "point") + ", " +
+          counted(values, "value") + "; " + counted(files, "recording") + ", " + counted(rows, "row"));
+}
+
+void ReplayLog::crossed(Crossing const& crossing) {
+    ++crossings_;
+    event(crossing.after.time, "limit",
+          crossing.column + "  " + numberText(crossing.after) + "  " +
+              transition(crossing.before, crossing.after.state));
+}
+
+void ReplayLog::missing(std::uint64_t time, std::string const& file, std::size_t cells, std::size_t ofCells) {
+    event(time, "readings",
+          file + ": " + std::to_string(cells) + " of " + std::to_string(ofCells) + " missing");
+}
+
+void ReplayLog::changed(std::uint64_t time, Change const& change, std::size_t points, std::size_t values) {
+    ++changes_;
+    event(time, "structure",
+          pointLabel(pointSvid(change.point)) + (change.comes ? " added, now " : " removed, now ") +
+              counted(points, "point") + ", " + counted(values, "value"));
+}
+
+void ReplayLog::globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bits after) {
+    event(time, "global", transition(before, after));
+}
+
+void ReplayLog::held() {
+    write(std::string(program) + "all rows replayed; the region stays until a signal comes");
+}
+
+void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits globalState) {
+    std::ostringstream line;
+    line << program << reason << ": " << counted(rows_, "row") << ", " << counted(updates_, "update")
+         << " in " << std::fixed << std::setprecision(1) << seconds << " s; "
+         << counted(crossings_, "limit crossing") << ", " << counted(changes_, "structure change")
+         << "; global state " << stateText(globalState);
+    if (refused_ != 0) {
+        line << "; " << counted(refused_, "update") << " refused";
+    }
+    write(line.str());
+}
+
+} // namespace qel::tools

@@ -1,0 +1,52 @@
+/// @file
+/// What a replay tells its user.
+#pragma once
+
+#include "tools/replay/RecordingFeed.h"
+#include "tools/replay/Schedule.h"
+
+#include "domain/eStatus_Bits.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+namespace qel::tools {
+
+/// Writes one line for each event, each at once, and counts for the summary. Values are written with their
+/// units; times are those of the recordings.
+///
+/// Threads: not shared without care.
+class ReplayLog {
+public:
+    /// @param out must outlive the log; null for no lines
+    explicit ReplayLog(std::ostream* out) : out_(out) {}
+
+    void started(std::size_t points, std::size_t values, std::size_t files, std::size_t rows);
+    void crossed(Crossing const& crossing);
+    void missing(std::uint64_t time, std::string const& file, std::size_t cells, std::size_t ofCells);
+    void changed(std::uint64_t time, Change const& change, std::size_t points, std::size_t values);
+    void globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bits after);
+    void held();
+    /// @param seconds real time since the start
+    void ended(std::string_view reason, double seconds, eStatus_Bits globalState);
+
+    void countRow() { ++rows_; }
+    void countUpdate() { ++updates_; }
+    void countRefused() { ++refused_; }
+
+private:
+    void write(std::string const& line);
+    void event(std::uint64_t time, std::string_view kind, std::string const& text);
+
+    std::ostream* out_;
+    std::uint64_t rows_ = 0;
+    std::uint64_t updates_ = 0;
+    std::uint64_t refused_ = 0;
+    std::uint64_t crossings_ = 0;
+    std::uint64_t changes_ = 0;
+};
+
+} // namespace qel::tools

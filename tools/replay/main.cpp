@@ -1,0 +1,50 @@
+#include "tools/common/CommandLine.h"
+#include "tools/common/ExitStatus.h"
+#include "tools/common/InputError.h"
+#include "tools/common/Logging.h"
+#include "tools/replay/Options.h"
+#include "tools/replay/ReplayApp.h"
+#include "tools/replay/ReplayLog.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Config.hpp>
+#include <CLI/Formatter.hpp>
+
+#include <csignal>
+#include <exception>
+#include <iostream>
+
+namespace qel::tools {
+
+namespace {
+
+int replay(int argc, char const* const* argv) {
+    CLI::App app("", "qel-replay");
+    Options options;
+    defineOptions(app, options);
+    if (auto const status = parseCommandLine(app, argc, argv)) {
+        return *status;
+    }
+    logToStandardError(options.logLevel);
+    // A reader of the lines that goes away must not keep the region from being removed.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        ReplayLog log(options.isQuiet ? nullptr : &std::cout);
+        ReplayApp(readInput(options), log, options.speed, options.isHeld).run();
+        return exitSuccess;
+    } catch (InputError const& error) {
+        tellError(app, error.what());
+        return exitUsage;
+    } catch (std::exception const& error) {
+        tellError(app, error.what());
+        return exitFailure;
+    }
+}
+
+} // namespace
+
+} // namespace qel::tools
+
+int main(int argc, char** argv) {
+    return qel::tools::replay(argc, argv);
+}
