@@ -1,7 +1,8 @@
 # qel_library_part(<name> SOURCES ... HEADERS ... [LINK ...])
 #
 # One folder of the library as an object library "qel-<name>": compiled once, used by the shared library and by the
-# tests of that folder. HEADERS are the installed ones.
+# tests of that folder. HEADERS are the installed ones. Nothing of it may run before main or after its end; only Clang
+# can tell.
 include(GenerateExportHeader)
 
 set(QEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
@@ -14,6 +15,8 @@ function(qel_library_part name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(qel-${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${QEL_GENERATED_INCLUDE_DIR}")
+  target_compile_options(qel-${name} PRIVATE
+    "$<$<CXX_COMPILER_ID:Clang>:-Wglobal-constructors;-Wexit-time-destructors>")
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
   foreach(header IN LISTS part_HEADERS)
     install(FILES ${header} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/qel/${name}" COMPONENT development)

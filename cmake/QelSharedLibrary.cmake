@@ -36,6 +36,8 @@ install(EXPORT QelSharedMemoryTargets NAMESPACE Qel:: DESTINATION "${package_dir
 configure_package_config_file(cmake/QelSharedMemoryConfig.cmake.in QelSharedMemoryConfig.cmake
   INSTALL_DESTINATION "${package_dir}")
 write_basic_package_version_file(QelSharedMemoryConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+# The .pc file finds the prefix from its own place, so the installed tree can be moved.
+file(RELATIVE_PATH QEL_PREFIX_FROM_PC "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
 configure_file(cmake/qelsharedmemory.pc.in qelsharedmemory.pc @ONLY)
 install(FILES
   "${CMAKE_CURRENT_BINARY_DIR}/QelSharedMemoryConfig.cmake"

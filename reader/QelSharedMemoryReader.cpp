@@ -55,10 +55,6 @@ private:
 QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForRegion)
     : QelSharedMemoryAccess(ShmAccess::Read),
       IQelShmInitCallback(seconds),
-      initialized_(false),
-      proxy_(nullptr),
-      subscription_(0),
-      stop_(false),
       positions_(indexBuckets) {
     LogLine(readerLog(), log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
     connect();

@@ -157,10 +157,10 @@ private:
 
     // In the order of the binary contract.
     std::unique_ptr<QelShmInitWaitThread> waitThread_;
-    std::atomic<bool> initialized_;
-    hardwaremanager* proxy_; // one reference; initialized() may replace it
-    unsigned int subscription_;
-    std::atomic<bool> stop_;
+    std::atomic<bool> initialized_{false};
+    hardwaremanager* proxy_ = nullptr; // one reference; initialized() may replace it
+    unsigned int subscription_ = 0;
+    std::atomic<bool> stop_{false};
     PositionIndex positions_;
     std::recursive_mutex mutex_; // guards positions_ and visitor_ while the index is built or looked up
     std::unique_ptr<IQelSharedMemoryVisitor> visitor_;

@@ -37,7 +37,7 @@ void Thread::join() {
     }
     if (thread_) {
         boost::this_thread::disable_interruption const undisturbed;
-        joinOrReport([this] { thread_->join(); });
+        shm::joinOrReport([this] { thread_->join(); });
         detach();
     }
 }

@@ -6,6 +6,8 @@
 
 #include <iostream>
 
+namespace shm {
+
 /// Calls join, once more when it is interrupted (boost::thread_interrupted). Throws nothing: each failure
 /// goes to standard error.
 template <typename Join>
@@ -25,3 +27,5 @@ void joinOrReport(Join const& join) {
         std::cerr << "other exception ?\n";
     }
 }
+
+} // namespace shm

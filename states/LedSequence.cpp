@@ -38,7 +38,7 @@ LedLevels const* LedSequence::tick(eStatus_Bits requested, eStatus_Bits& shown) 
     }
 
     auto const previous = std::exchange(current_, next_);
-    next_ = current_ + 1 < sequence_->length() ? current_ + 1 : 0;
+    next_ = (current_ + 1) % sequence_->length();
     if (current_ == previous) {
         return nullptr;
     }

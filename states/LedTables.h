@@ -20,12 +20,13 @@ struct LedColor {
     LedLevels levels;
 };
 
-/// Colours that are shown one after the other, over and over.
+/// Colours that are shown one after the other, over and over: one to four of them.
 class ColorSequence {
 public:
-    template <typename... Colors>
-    explicit constexpr ColorSequence(Colors... colors) : length_(sizeof...(colors)),
-                                                         colors_{colors...} {}
+    template <typename... More>
+    explicit constexpr ColorSequence(StateColor first, More... more)
+        : length_(1 + sizeof...(more)),
+          colors_{first, more...} {}
 
     constexpr std::size_t length() const { return length_; }
 
@@ -82,15 +83,5 @@ inline constexpr LedTables ledTables{
 static_assert(isSortedByCode(ledTables.colors) && ledTables.colors.back().code == StateColor::White);
 static_assert(isSortedByCode(ledTables.states));
 static_assert(coversCodes(ledTables.channels, 0, 2));
-
-constexpr bool eachStateHasColors(LedTables const& tables) {
-    for (auto const& state : tables.states) {
-        if (state.sequence.length() == 0) {
-            return false;
-        }
-    }
-    return true;
-}
-static_assert(eachStateHasColors(ledTables));
 
 } // namespace shm
