@@ -30,6 +30,7 @@ Terminal::Terminal(std::vector<std::string> const& arguments, std::string const&
     }
     std::vector<std::string> words = arguments;
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (auto& word : words) {
         argv.push_back(word.data());
     }

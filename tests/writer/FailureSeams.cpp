@@ -5,7 +5,7 @@
 #include <pthread.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <cstddef>
 #include <limits>
 #include <new>
 
@@ -22,33 +22,32 @@ thread_local bool conversionThrows = false;
 
 } // namespace
 
-void* operator new(std::size_t size) {
+// The linker's --wrap sends every call of X to __wrap_X and calls the original __real_X.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): names that --wrap prescribes
+
+// operator new(std::size_t), whose symbol tells the width of its argument.
+#if __SIZEOF_SIZE_T__ == 8
+void* realOperatorNew(std::size_t size) __asm__("__real__Znwm");
+void* wrapOperatorNew(std::size_t size) __asm__("__wrap__Znwm");
+#else
+void* realOperatorNew(std::size_t size) __asm__("__real__Znwj");
+void* wrapOperatorNew(std::size_t size) __asm__("__wrap__Znwj");
+#endif
+
+void* wrapOperatorNew(std::size_t size) {
     ++allocationCount;
     if (allocationsLeft == 0) {
         if (allocationThrowsInt) {
-            throw 1; // NOLINT(misc-throw-by-value-catch-by-reference,hicpp-exception-baseclass): no
-                     // std::exception, that is the point
+            throw 1;
         }
         throw std::bad_alloc();
     }
     if (allocationsLeft != unlimited) {
         --allocationsLeft;
     }
-    if (void* const memory =
-            std::malloc(size == 0 ? 1 : size)) { // NOLINT(cppcoreguidelines-no-malloc): below new
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-    std::free(memory);
+    return realOperatorNew(size);
 }
 
-// The linker's --wrap sends every call of X to __wrap_X and calls the original __real_X.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): names that --wrap prescribes
 extern "C" {
 int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {

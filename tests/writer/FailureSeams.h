@@ -6,7 +6,8 @@
 
 namespace qel::test {
 
-/// Number of allocations by operator new in this thread so far.
+/// Number of allocations by operator new from this program's own code (no shared library) in this thread so
+/// far.
 std::size_t allocations();
 
 /// Number of mutexes that this program's own code (no shared library) has locked in this thread so far.

@@ -1,6 +1,7 @@
 #include "tests/writer/PlainModel.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace qel::test {
 
@@ -66,15 +67,25 @@ bool isThousandths(int key) {
     return (key >= 32 && key <= 38) || (key >= 0xFFF9 && key <= 0xFFFC);
 }
 
-bool oneOf(std::int32_t state, std::vector<std::int32_t> const& states) {
+bool oneOf(std::int32_t state, std::initializer_list<std::int32_t> states) {
     return std::find(states.begin(), states.end(), state) != states.end();
 }
 
-std::vector<std::int32_t> const valueAlarms{1, 2, 9, 10, 39};
-std::vector<std::int32_t> const valueWarnings{3, 4, 13, 14, 40};
-std::vector<std::int32_t> const childAlarms{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39};
-std::vector<std::int32_t> const childWarnings{11, 12, 13, 14, 21, 24, 40};
-std::vector<std::int32_t> const ownAlarms{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 35, 39};
+bool isValueAlarm(std::int32_t state) {
+    return oneOf(state, {1, 2, 9, 10, 39});
+}
+bool isValueWarning(std::int32_t state) {
+    return oneOf(state, {3, 4, 13, 14, 40});
+}
+bool isChildAlarm(std::int32_t state) {
+    return oneOf(state, {5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39});
+}
+bool isChildWarning(std::int32_t state) {
+    return oneOf(state, {11, 12, 13, 14, 21, 24, 40});
+}
+bool isOwnAlarm(std::int32_t state) {
+    return oneOf(state, {5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 35, 39});
+}
 
 std::int32_t ownPart(std::int32_t state) {
     if (oneOf(state, {-2, 5, 6, 34, 35, 36, 43})) {
@@ -95,10 +106,10 @@ std::int32_t foldValues(std::vector<std::int32_t> const& states) {
         if (state == -2 || state == -1) {
             continue;
         }
-        if (oneOf(state, valueAlarms)) {
+        if (isValueAlarm(state)) {
             return state;
         }
-        if (oneOf(state, valueWarnings) || !oneOf(result, valueWarnings)) {
+        if (isValueWarning(state) || !isValueWarning(result)) {
             result = state;
         }
     }
@@ -111,7 +122,7 @@ std::int32_t foldChildren(std::vector<std::int32_t> const& states) {
         if (state == 34 || state == 35) {
             return state;
         }
-        if (oneOf(state, childAlarms) || (oneOf(state, childWarnings) && !oneOf(result, ownAlarms))) {
+        if (isChildAlarm(state) || (isChildWarning(state) && !isOwnAlarm(result))) {
             result = state;
         }
     }
@@ -126,9 +137,9 @@ std::int32_t foldPoint(std::int32_t stored, std::vector<std::int32_t> const& val
     }
     auto const fromValues = foldValues(valueStates);
     if (own >= 15 && own <= 18) {
-        if (oneOf(fromValues, valueAlarms)) {
+        if (isValueAlarm(fromValues)) {
             own -= 8;
-        } else if (oneOf(fromValues, valueWarnings)) {
+        } else if (isValueWarning(fromValues)) {
             own -= 4;
         }
     }
@@ -136,13 +147,13 @@ std::int32_t foldPoint(std::int32_t stored, std::vector<std::int32_t> const& val
     if (fromChildren == 34 || fromChildren == 35) {
         return fromChildren;
     }
-    if (oneOf(own, ownAlarms)) {
+    if (isOwnAlarm(own)) {
         return own;
     }
-    if (oneOf(fromChildren, childAlarms)) {
+    if (isChildAlarm(fromChildren)) {
         return own == 18 ? 20 : 23;
     }
-    if (oneOf(own, {15, 16, 17, 18, -1}) && oneOf(fromChildren, childWarnings)) {
+    if (oneOf(own, {15, 16, 17, 18, -1}) && isChildWarning(fromChildren)) {
         return own == 18 ? 22 : 24;
     }
     return own;

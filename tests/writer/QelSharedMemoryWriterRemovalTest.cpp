@@ -380,6 +380,20 @@ TEST_F(QelSharedMemoryWriterRemovalTest, DisconnectMP_LastSibling_KeepsItsPrev_L
     EXPECT_EQ(rawNone, pointField(2, field::parent));
 }
 
+TEST_F(QelSharedMemoryWriterRemovalTest, DisconnectMP_PositionsOutOfRange_ReadAsNone) {
+    sut.addStructure(points({device}));
+    raw.set<std::uint32_t>(field::prev, 800);
+    raw.set<std::uint32_t>(field::next, 801);
+    raw.set<std::uint32_t>(field::parent, 802);
+
+    sut.disconnectMP(sut.region()->points[0]);
+
+    EXPECT_EQ(801U, raw.u32(field::devices)); // the head takes what stood in next
+    EXPECT_EQ(rawNone, pointField(0, field::prev));
+    EXPECT_EQ(801U, pointField(0, field::next));
+    EXPECT_EQ(rawNone, pointField(0, field::parent));
+}
+
 // modifyStructure
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_BuildsPointsAndValuesFromSvids) {

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <initializer_list>
 #include <random>
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -34,7 +35,8 @@ constexpr unsigned short stateKey = 0x3B;
 
 // The rules of combination, in their own words.
 
-bool isOneOf(int state, std::vector<int> const& states) {
+template <typename States = std::initializer_list<int>>
+bool isOneOf(int state, States const& states) {
     return std::find(states.begin(), states.end(), state) != states.end();
 }
 

@@ -36,16 +36,19 @@ public:
     using Callback = std::function<void()>;
 
     static Source everyMs(unsigned interval, Callback callback) {
-        return Source(std::move(callback),
-                      [&](Callback* call) { return g_timeout_add(interval, &onTime, call); });
+        return {std::move(callback), [&](Callback* call) {
+                    return g_timeout_add(interval, &onTime, call);
+                }};
     }
     static Source onSignal(int number, Callback callback) {
-        return Source(std::move(callback),
-                      [&](Callback* call) { return g_unix_signal_add(number, &onTime, call); });
+        return {std::move(callback), [&](Callback* call) {
+                    return g_unix_signal_add(number, &onTime, call);
+                }};
     }
     static Source onReadable(int descriptor, Callback callback) {
-        return Source(std::move(callback),
-                      [&](Callback* call) { return g_unix_fd_add(descriptor, G_IO_IN, &onInput, call); });
+        return {std::move(callback), [&](Callback* call) {
+                    return g_unix_fd_add(descriptor, G_IO_IN, &onInput, call);
+                }};
     }
 
     ~Source() {

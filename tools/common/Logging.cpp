@@ -36,6 +36,7 @@ constexpr std::array<Level, 5> levels{{{"crit", log4cpp::Priority::CRIT},
 
 void addLogOption(CLI::App& app, std::string& level) {
     std::vector<std::string> names;
+    names.reserve(levels.size());
     for (auto const& known : levels) {
         names.emplace_back(known.name);
     }

@@ -93,7 +93,7 @@ std::optional<std::uint64_t> parseTime(std::string_view text) {
         return std::nullopt;
     }
     std::uint64_t const seconds =
-        daysSince1970(year, month, day) * secondsPerDay + (hour * 60U + minute) * 60U + second;
+        daysSince1970(year, month, day) * secondsPerDay + (std::uint64_t{hour} * 60 + minute) * 60 + second;
     return seconds * msPerSecond + *milliseconds;
 }
 

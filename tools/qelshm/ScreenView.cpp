@@ -64,7 +64,7 @@ std::size_t tableHeight() {
 } // namespace
 
 ScreenView::ScreenView() {
-    std::setlocale(LC_ALL, "");
+    static_cast<void>(std::setlocale(LC_ALL, "")); // a locale that is not installed leaves plain ASCII
     // Unlike initscr(), newterm() comes back when the terminal is not known.
     if (newterm(nullptr, stdout, stdin) == nullptr) {
         char const* const terminal = std::getenv("TERM");

@@ -78,7 +78,7 @@ int qelshm(int argc, char const* const* argv) {
         return *status;
     }
     logToStandardError(options.logLevel);
-    std::signal(SIGPIPE, SIG_IGN); // a closed output shows in the stream
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // a closed output shows in the stream
     try {
         RegionLink link(options.wait,
                         [&](std::string const& missing) { tellError(app, "waiting, " + missing); });
@@ -95,5 +95,9 @@ int qelshm(int argc, char const* const* argv) {
 } // namespace qel::tools
 
 int main(int argc, char** argv) {
-    return qel::tools::qelshm(argc, argv);
+    try {
+        return qel::tools::qelshm(argc, argv);
+    } catch (...) {
+        return qel::tools::exitFailure; // not even the line that tells of the failure could be written
+    }
 }

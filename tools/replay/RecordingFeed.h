@@ -93,8 +93,8 @@ private:
 
     struct DewPointFeed {
         Output output;
-        std::size_t temperature; // columns
-        std::size_t humidity;
+        std::size_t temperature = 0; // columns
+        std::size_t humidity = 0;
     };
 
     void addColumn(Column const& column, Recordings const& recordings, LimitSet const& limits);

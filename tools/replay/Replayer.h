@@ -26,7 +26,7 @@ public:
     };
 
     struct Step {
-        std::size_t recording; ///< index
+        std::size_t recording = 0; ///< index
         Row row;
     };
 

@@ -59,7 +59,8 @@ long long svid(std::array<std::uint64_t, 6> const& levels) {
     for (auto const level : levels) {
         bits = bits << 8U | level;
     }
-    return static_cast<long long>(bits << 16U);
+    bits <<= 16U; // no key
+    return static_cast<long long>(bits);
 }
 
 } // namespace

@@ -27,7 +27,7 @@ int replay(int argc, char const* const* argv) {
     }
     logToStandardError(options.logLevel);
     // A reader of the lines that goes away must not keep the region from being removed.
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         ReplayLog log(options.isQuiet ? nullptr : &std::cout);
         ReplayApp(readInput(options), log, options.speed, options.isHeld).run();
@@ -46,5 +46,9 @@ int replay(int argc, char const* const* argv) {
 } // namespace qel::tools
 
 int main(int argc, char** argv) {
-    return qel::tools::replay(argc, argv);
+    try {
+        return qel::tools::replay(argc, argv);
+    } catch (...) {
+        return qel::tools::exitFailure; // not even the line that tells of the failure could be written
+    }
 }
