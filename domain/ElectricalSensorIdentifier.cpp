@@ -3,8 +3,8 @@
 #include <stdexcept>
 #include <string>
 
-ElectricalSensorIdentifier::ElectricalSensorIdentifier(signed char inlet, signed char phase, signed char circuit,
-                                                       signed char socket)
+ElectricalSensorIdentifier::ElectricalSensorIdentifier(signed char inlet, signed char phase,
+                                                       signed char circuit, signed char socket)
     : SensorIdentifier(SensorType::Electrical) {
     setPart(Inlet, inlet);
     setPart(Phase, phase);
@@ -14,10 +14,12 @@ ElectricalSensorIdentifier::ElectricalSensorIdentifier(signed char inlet, signed
 
 void ElectricalSensorIdentifier::set(unsigned int index, signed char value) {
     if (index < Inlet || index > Socket) {
-        throw std::out_of_range("ElectricalSensorIdentifier::set: the level index is " + std::to_string(index) +
-                                ", expected 2 (inlet) to 5 (socket)");
+        throw std::out_of_range("ElectricalSensorIdentifier::set: the level index is " +
+                                std::to_string(index) + ", expected 2 (inlet) to 5 (socket)");
     }
     setPart(static_cast<Part>(index), value);
 }
 
-void ElectricalSensorIdentifier::setDevice(signed char device) { setPart(Device, device); }
+void ElectricalSensorIdentifier::setDevice(signed char device) {
+    setPart(Device, device);
+}

@@ -10,9 +10,13 @@ void GPIOSensorConfig::set(long long key, int mode, long long pulseConstant) {
     inputs_[key] = Input{mode, pulseConstant};
 }
 
-int GPIOSensorConfig::mode(long long key) const { return input(key).mode; }
+int GPIOSensorConfig::mode(long long key) const {
+    return input(key).mode;
+}
 
-long long GPIOSensorConfig::pc(long long key) const { return input(key).pulseConstant; }
+long long GPIOSensorConfig::pc(long long key) const {
+    return input(key).pulseConstant;
+}
 
 GPIOSensorConfig::Input const& GPIOSensorConfig::input(long long key) const {
     auto const found = inputs_.find(key);

@@ -29,21 +29,31 @@ std::string mvtToStr(MeasureValueType type) {
 }
 
 MeasureValue::MeasureValue(double value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(value), timestamp_(timestamp), state_(state) {}
+    : value_(value),
+      timestamp_(timestamp),
+      state_(state) {}
 
 MeasureValue::MeasureValue(long long value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(value), timestamp_(timestamp), state_(state) {}
+    : value_(value),
+      timestamp_(timestamp),
+      state_(state) {}
 
 MeasureValue::MeasureValue(bool value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(value), timestamp_(timestamp), state_(state) {}
+    : value_(value),
+      timestamp_(timestamp),
+      state_(state) {}
 
 MeasureValue::MeasureValue(std::string value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(std::move(value)), timestamp_(timestamp), state_(state) {}
+    : value_(std::move(value)),
+      timestamp_(timestamp),
+      state_(state) {}
 
 MeasureValue::MeasureValue(char const* value, std::uint64_t timestamp, eStatus_Bits state)
     : MeasureValue(std::string(value), timestamp, state) {}
 
-MeasureValueType MeasureValue::type() const { return typeOfAlternative.at(value_.index()); }
+MeasureValueType MeasureValue::type() const {
+    return typeOfAlternative.at(value_.index());
+}
 
 MeasureValue::DoubleResult MeasureValue::toDouble() const {
     if (auto const* number = std::get_if<double>(&value_)) {

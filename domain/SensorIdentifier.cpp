@@ -30,11 +30,15 @@ SensorIdentifier::Parts::Parts(long long svid) : bytes_{} {
     }
 }
 
-SensorIdentifier::SensorIdentifier(SensorType::SensorType kind) { setPart(Kind, kind); }
+SensorIdentifier::SensorIdentifier(SensorType::SensorType kind) {
+    setPart(Kind, kind);
+}
 
 SensorIdentifier::~SensorIdentifier() = default;
 
-SensorIdentifier::Parts SensorIdentifier::getSensorIdParts(long long svid) { return Parts(svid); }
+SensorIdentifier::Parts SensorIdentifier::getSensorIdParts(long long svid) {
+    return Parts(svid);
+}
 
 SensorType::SensorType SensorIdentifier::extractSensorType(long long svid) {
     return static_cast<SensorType::SensorType>(

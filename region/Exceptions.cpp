@@ -6,16 +6,22 @@ namespace ex {
 
 TAVSimpleException::TAVSimpleException(std::string const& message) : message_(message) {}
 
-char const* TAVSimpleException::what() const noexcept { return message_.c_str(); }
+char const* TAVSimpleException::what() const noexcept {
+    return message_.c_str();
+}
 
 InvalidTypeException::InvalidTypeException(measval::MeasureValueType type)
     : message_("Measure Value has invalid type " + measval::mvtToStr(type)) {}
 
-char const* InvalidTypeException::what() const noexcept { return message_.c_str(); }
+char const* InvalidTypeException::what() const noexcept {
+    return message_.c_str();
+}
 
 InvalidSensorIdException::InvalidSensorIdException(long long svid)
     : message_("The sensor identifier " + SensorIdentifier::explain(svid) + " is invalid") {}
 
-char const* InvalidSensorIdException::what() const noexcept { return message_.c_str(); }
+char const* InvalidSensorIdException::what() const noexcept {
+    return message_.c_str();
+}
 
 } // namespace ex

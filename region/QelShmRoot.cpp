@@ -11,8 +11,12 @@ unsigned int QelShmRoot::cnt(unsigned int pos) const {
     return count;
 }
 
-unsigned int QelShmRoot::dvcCnt() const { return region_ == nullptr ? 0 : cnt(region_->root.devices); }
+unsigned int QelShmRoot::dvcCnt() const {
+    return region_ == nullptr ? 0 : cnt(region_->root.devices);
+}
 
-unsigned int QelShmRoot::grpCnt() const { return region_ == nullptr ? 0 : cnt(region_->root.groups); }
+unsigned int QelShmRoot::grpCnt() const {
+    return region_ == nullptr ? 0 : cnt(region_->root.groups);
+}
 
 } // namespace shm

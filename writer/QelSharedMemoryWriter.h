@@ -108,9 +108,8 @@ public:
     /// state key sets time and state of the point itself. Does not propagate states.
     /// @param svid  the value
     /// @param value released when the call ends
-    /// @return false when the value is null, the point or its value is unknown, the value is no number (its
-    /// time and
-    ///         state are stored nevertheless), or something failed
+    /// @return false when the value is null, when its point or key is unknown, when it is no number (time and
+    ///         state are stored nevertheless), or when something failed
     /// Logs nothing, but at ERROR an exception that is no std::exception. Throws nothing. Takes the mutex of
     /// the point's definition for the look-up of the key.
     bool updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept;

@@ -34,7 +34,7 @@ public:
     bool removeStructure(Structure const& structure);
     Outcome modifyStructure(std::set<std::int64_t> const& svids);
     std::set<std::int64_t> injectTypes(std::map<std::int64_t, int> const& codes);
-    bool updateMV(std::int64_t svid, bool isNumber, double value, std::uint64_t at, std::int32_t state);
+    bool updateMV(std::int64_t svid, bool isNumber, double number, std::uint64_t at, std::int32_t state);
     void propagateStates();
 
     std::vector<std::uint8_t> const& image() const { return image_; }
@@ -60,7 +60,7 @@ private:
     }
 
     bool findParent(std::int64_t svid, std::uint32_t& parent) const;
-    void addValues(Known& point, Keys const& keys);
+    void addValues(Known& target, Keys const& keys);
     void link(std::uint32_t pos);
     void setHead(std::int64_t svid, std::uint32_t pos);
     void unlink(std::uint32_t pos);

@@ -20,7 +20,6 @@ namespace qel::test {
 
 namespace {
 
-using log4cpp::Priority;
 using testing::ElementsAre;
 
 constexpr long long device = pointId(1, 0);

@@ -72,8 +72,10 @@ std::vector<long long> combinations(std::vector<int> const& devices, std::vector
         ids = longer;
     }
     std::vector<long long> svids;
-    std::transform(ids.begin(), ids.end(), std::back_inserter(svids),
-                   [](std::uint64_t id) { return static_cast<long long>(id * 0x10000U); });
+    std::transform(ids.begin(), ids.end(), std::back_inserter(svids), [](std::uint64_t id) {
+        id <<= 16U;
+        return static_cast<long long>(id);
+    });
     return svids;
 }
 
