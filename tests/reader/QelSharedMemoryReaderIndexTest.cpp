@@ -11,7 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
+#include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -158,6 +160,16 @@ TEST_F(PositionIndex, Mpnt_FromWithinARebuild_IsPossible) {
         EXPECT_EQ(lookUp(svid(0)), 0) << "the counter is still raised, so this walks too";
     };
     EXPECT_EQ(lookUp(svid(5)), 5);
+}
+
+TEST_F(PositionIndex, Mpnt_DuringAnotherThreadsRebuild_WaitsForItsEnd) {
+    std::future<int> other;
+    sut.duringWalk = [&] {
+        other = std::async(std::launch::async, [&] { return lookUp(svid(799)); });
+        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    };
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(other.get(), 799);
 }
 
 TEST_F(PositionIndex, SyncPositions_CounterAtZero_DoesNothing) {
