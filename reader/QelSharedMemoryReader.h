@@ -153,7 +153,9 @@ private:
     void releaseProxy();
     void waitUntilActive(unsigned int seconds) const;
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
-    std::list<QelShmMPnt> sortedChildren(QelShmMPnt const& point) const;
+    void visitChain(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+    void visitSorted(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+    bool isSortedChain(unsigned int first) const;
 
     // In the order of the binary contract.
     std::unique_ptr<QelShmInitWaitThread> waitThread_;

@@ -38,11 +38,12 @@ std::forward_list<QelShmMVal> QelSharedMemoryReader::mvs(unsigned int first) con
 
 void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
                                    std::shared_ptr<IQelVisitorResult>& result) {
-    if (!visitor_) {
+    auto const* const mapped = region();
+    if (!visitor_ || mapped == nullptr) {
         return;
     }
-    for (auto const& value : mvs(point->mvs)) {
-        visitor_->onMVal(value, point->guid, depth, result);
+    for (auto pos = point->mvs; pos < MV_COUNT; pos = mapped->values[pos].next) {
+        visitor_->onMVal(QelShmMVal(&mapped->values[pos]), point->guid, depth, result);
         if (visitor_->mvFound()) {
             return;
         }
@@ -62,15 +63,23 @@ void QelSharedMemoryReader::visit(std::shared_ptr<IQelVisitorResult>& result) {
     visitTopLevel(&record::QelShmRoot::groups, result);
 }
 
+[[gnu::always_inline]] // as a call it would double the stack that a level of nesting takes
+inline void
+QelSharedMemoryReader::visitChain(unsigned int first, unsigned int depth,
+                                  std::shared_ptr<IQelVisitorResult>& result) {
+    auto const* const mapped = region();
+    for (auto pos = first; mapped != nullptr && pos < MP_COUNT; pos = mapped->points[pos].next) {
+        visit(QelShmMPnt(&mapped->points[pos]), depth, result);
+    }
+}
+
 void QelSharedMemoryReader::visitTopLevel(std::uint32_t record::QelShmRoot::*head,
                                           std::shared_ptr<IQelVisitorResult>& result) {
     if (!onDown(result)) {
         return;
     }
     if (auto const mapped = root()) {
-        for (auto const& point : mps((*mapped).*head, SensorType::Any)) {
-            visit(point, 1, result);
-        }
+        visitChain((*mapped).*head, 1, result);
     }
     onUp(result);
 }
@@ -97,16 +106,38 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
     if (!onDown(point, depth, result)) {
         return;
     }
-    for (auto children = sortedChildren(point); !children.empty(); children.pop_front()) {
-        visit(children.front(), depth + 1, result);
+    if (isSortedChain(point->children)) {
+        visitChain(point->children, depth + 1, result);
+    } else {
+        visitSorted(point->children, depth + 1, result);
     }
     onUp(result);
 }
 
-[[gnu::noinline]] std::list<QelShmMPnt> QelSharedMemoryReader::sortedChildren(QelShmMPnt const& point) const {
-    auto children = mps(point->children, SensorType::Any);
-    children.sort(QelShmMPntCmp());
-    return children;
+[[gnu::noinline]] void QelSharedMemoryReader::visitSorted(unsigned int first, unsigned int depth,
+                                                          std::shared_ptr<IQelVisitorResult>& result) {
+    auto points = mps(first, SensorType::Any);
+    for (points.sort(QelShmMPntCmp()); !points.empty(); points.pop_front()) {
+        visit(points.front(), depth, result);
+    }
+}
+
+/// Whether sorting the chain would leave it as it is.
+[[gnu::noinline]] bool QelSharedMemoryReader::isSortedChain(unsigned int first) const {
+    auto const* const mapped = region();
+    if (mapped == nullptr) {
+        return true;
+    }
+    QelShmMPntCmp const before;
+    QelShmMPnt previous;
+    for (auto pos = first; pos < MP_COUNT; pos = mapped->points[pos].next) {
+        QelShmMPnt const current(&mapped->points[pos]);
+        if (previous && before(current, previous)) {
+            return false;
+        }
+        previous = current;
+    }
+    return true;
 }
 
 bool QelSharedMemoryReader::onDown(std::shared_ptr<IQelVisitorResult>& /*result*/) {

@@ -5,6 +5,7 @@
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "states/QelStateLedThread.h"
+#include "writer/PointIndex.h"
 #include "writer/ValueKeys.h"
 
 #include <log4cpp/Priority.hh>
@@ -39,7 +40,8 @@ unsigned int highestPosition(MPDef& point) {
 QelSharedMemoryWriter::QelSharedMemoryWriter()
     : QelSharedMemoryAccess(ShmAccess::Write),
       freeMVs_(MV_COUNT),
-      freeMPs_(MP_COUNT) {
+      freeMPs_(MP_COUNT),
+      index_(std::make_unique<PointIndex>()) {
     LogLine(writerLog(), log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
     QelSharedMemoryAccess::openShm();
     std::iota(freeMVs_.begin(), freeMVs_.end(), 0U);
@@ -90,6 +92,8 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
         auto& definition = known->second;
         if (auto* const mp = pointAt(definition.pos)) {
             addMVs(*mp, definition, mvs);
+            std::lock_guard<std::mutex> const lock(definition.mutex);
+            index_->update(definition);
         }
         return definition.pos;
     }
@@ -105,7 +109,9 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
     auto& mp = initMP(definition.pos, point, ppos);
     connectMP(mp);
     addMVs(mp, definition, mvs);
-    return points_.emplace(point, std::move(definition)).first->second.pos;
+    auto& known = points_.emplace(point, std::move(definition)).first->second;
+    index_->add(point, known);
+    return known.pos;
 }
 
 void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,

@@ -21,6 +21,7 @@
 
 namespace shm {
 
+class PointIndex;
 class QelStateLedThread;
 
 /// Owns the region, in one process at a time. Order of use: construct, addStructure(), setActive() (readers
@@ -36,7 +37,7 @@ class QelStateLedThread;
 ///
 /// Without a region (it could not be created, or was closed) no operation touches memory: addMP() finds no
 /// slot, updateMV() gives false, injectTypes() applies nothing, setActive(), propagateStates() and
-/// removeStructure() do nothing; all but updateMV() and injectTypes() log this at ERROR.
+/// removeStructure() do nothing; addMP(), setActive() and propagateStates() log this at ERROR.
 ///
 /// Logs in "qel.shm.access.writer". A failing mutex surfaces as std::system_error except from updateMV() and
 /// propagateStates().
@@ -181,15 +182,14 @@ private:
     /// Gives the value slots of a point back; logs at WARN a point that is not known.
     void freeMVsOf(QelShmMP const& mp);
 
-    /// Stores a point's new state. Gives what it reports to its parent.
-    eStatus_Bits combineState(QelShmMP& mp, std::list<eStatus_Bits> const& children);
-
     // In the order of the binary contract.
     std::unique_ptr<QelStateLedThread> ledThread_;
     std::recursive_mutex structureMutex_; // guards the adding and removing of points
     std::deque<unsigned int> freeMVs_;
     std::deque<unsigned int> freeMPs_;
     Definitions points_; // by point svid
+    // Not part of it, so behind all others.
+    std::unique_ptr<PointIndex> index_; // the same points, flat
 };
 
 } // namespace shm

@@ -3,6 +3,7 @@
 #include "domain/SensorIdentifier.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "writer/PointIndex.h"
 #include "writer/ValueKeys.h"
 
 #include <log4cpp/Priority.hh>
@@ -40,7 +41,7 @@ bool QelSharedMemoryWriter::modifyStructure(std::unordered_set<long long> const&
 }
 
 bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
-    if (!isMapped("removeStructure")) {
+    if (region() == nullptr) {
         return false;
     }
     std::lock_guard<std::recursive_mutex> const lock(structureMutex_);
@@ -53,6 +54,7 @@ bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
         }
     }
     for (auto const svid : removed) {
+        index_->remove(svid);
         points_.erase(svid);
     }
     return anyRemoved;

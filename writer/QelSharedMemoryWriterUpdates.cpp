@@ -4,6 +4,8 @@
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "states/QelStateLedThread.h"
+#include "writer/PointIndex.h"
+#include "writer/StatePropagation.h"
 #include "writer/ValueKeys.h"
 
 #include <log4cpp/Priority.hh>
@@ -16,21 +18,9 @@ namespace {
 
 constexpr double thousandths = 1000.0;
 
-unsigned int valuePosition(MPDef& point, unsigned short key) {
-    std::lock_guard<std::mutex> const lock(point.mutex);
-    auto const known = point.mvs.find(key);
-    return known == point.mvs.end() ? NO_POSITION : known->second;
-}
-
-/// Deliberate: a circuit that is switched off stands for an alarm above it, while it shows "Off" itself.
-eStatus_Bits reportedState(long long svid, eStatus_Bits state) {
-    if (state != eStatus_Off) {
-        return state;
-    }
-    auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    bool const isCircuit = parts[SensorIdentifier::Kind] == SensorType::Electrical &&
-                           parts[SensorIdentifier::Circuit] != -1 && parts[SensorIdentifier::Socket] == -1;
-    return isCircuit ? eStatus_Alarm : state;
+unsigned int valuePosition(PointIndex::Point const& point, unsigned short key) {
+    std::lock_guard<std::mutex> const lock(point.definition->mutex);
+    return point.valuePosition(key);
 }
 
 } // namespace
@@ -50,12 +40,11 @@ void QelSharedMemoryWriter::setActive() {
 
 bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept {
     try {
-        auto const known = points_.find(pointSvid(svid));
-        if (!value || known == points_.end()) {
+        auto const* const point = index_->find(pointSvid(svid));
+        if (!value || point == nullptr) {
             return false;
         }
-        auto& definition = known->second;
-        auto* const mp = pointAt(definition.pos);
+        auto* const mp = pointAt(point->definition->pos);
         if (mp == nullptr) {
             return false;
         }
@@ -65,7 +54,7 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
             storeField(mp->at, value->timestamp());
             return true;
         }
-        auto* const mv = valueAt(valuePosition(definition, key));
+        auto* const mv = valueAt(valuePosition(*point, key));
         if (mv == nullptr) {
             return false;
         }
@@ -92,15 +81,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
             return;
         }
         auto& root = region()->root;
-        std::list<eStatus_Bits> reported;
-        for (auto const head : {root.devices, root.groups}) {
-            // Deliberate: defineState() follows the siblings by itself, so the k-th point is visited k times;
-            // the result is that of one visit.
-            for (auto* mp = pointAt(head); mp != nullptr; mp = pointAt(mp->next)) {
-                defineState(*mp, reported);
-            }
-        }
-        auto const global = mpState(eStatus_On, {}, reported);
+        auto const global = StatePropagation(*region(), *this).combineAll();
         if (global != root.state) {
             storeField(root.state, global);
             if (ledThread_) {
@@ -114,29 +95,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
 }
 
 void QelSharedMemoryWriter::defineState(QelShmMP& mp, std::list<eStatus_Bits>& out) {
-    // Only nesting costs stack, and what is needed per point stays out of this frame: a tree may be MP_COUNT
-    // deep.
-    for (auto* point = &mp; point != nullptr; point = pointAt(point->next)) {
-        std::list<eStatus_Bits> children;
-        if (auto* const child = pointAt(point->children)) {
-            defineState(*child, children);
-        }
-        out.push_back(combineState(*point, children));
-    }
-}
-
-[[gnu::noinline]] // keeps its variables out of the recursion's frame
-eStatus_Bits
-QelSharedMemoryWriter::combineState(QelShmMP& mp, std::list<eStatus_Bits> const& children) {
-    std::list<eStatus_Bits> values;
-    for (auto* mv = valueAt(mp.mvs); mv != nullptr; mv = valueAt(mv->next)) {
-        values.push_back(mv->state);
-    }
-    auto const state = mpState(mp.state, values, children);
-    if (state != mp.state) {
-        storeField(mp.state, state);
-    }
-    return reportedState(mp.guid, state);
+    StatePropagation(*region(), *this).combineSiblings(mp, out);
 }
 
 } // namespace shm

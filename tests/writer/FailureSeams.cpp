@@ -15,7 +15,6 @@ constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
 thread_local std::size_t allocationCount = 0;
 thread_local std::size_t allocationsLeft = unlimited;
-thread_local bool allocationThrowsInt = false;
 thread_local std::size_t lockCount = 0;
 thread_local bool mutexesFail = false;
 thread_local bool conversionThrows = false;
@@ -37,9 +36,6 @@ void* wrapOperatorNew(std::size_t size) __asm__("__wrap__Znwj");
 void* wrapOperatorNew(std::size_t size) {
     ++allocationCount;
     if (allocationsLeft == 0) {
-        if (allocationThrowsInt) {
-            throw 1;
-        }
         throw std::bad_alloc();
     }
     if (allocationsLeft != unlimited) {
@@ -77,8 +73,7 @@ std::size_t locks() {
     return lockCount;
 }
 
-MemoryRunsOut::MemoryRunsOut(std::size_t allowed, How how) {
-    allocationThrowsInt = how == How::NoStandardException;
+MemoryRunsOut::MemoryRunsOut(std::size_t allowed) {
     allocationsLeft = allowed;
 }
 

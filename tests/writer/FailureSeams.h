@@ -17,8 +17,7 @@ std::size_t locks();
 /// one.
 class MemoryRunsOut {
 public:
-    enum class How { BadAlloc, NoStandardException };
-    explicit MemoryRunsOut(std::size_t allowed, How how = How::BadAlloc);
+    explicit MemoryRunsOut(std::size_t allowed);
     ~MemoryRunsOut();
     MemoryRunsOut(MemoryRunsOut const&) = delete;
     MemoryRunsOut& operator=(MemoryRunsOut const&) = delete;

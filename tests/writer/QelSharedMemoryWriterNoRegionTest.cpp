@@ -78,7 +78,7 @@ TEST(QelSharedMemoryWriterNoSpaceTest, EveryOperation_ReportsAndTouchesNothing) 
     log.take();
 
     EXPECT_FALSE(sut.modifyStructure({}));
-    EXPECT_THAT(log.take(), ElementsAre(notMapped("removeStructure")));
+    EXPECT_THAT(log.take(), IsEmpty());
 
     sut.setActive();
     EXPECT_THAT(log.take(), ElementsAre(notMapped("setActive")));
@@ -108,7 +108,7 @@ TEST(QelSharedMemoryWriterClosedTest, AfterCloseShm_KnownPointsAreOutOfReach) {
     EXPECT_THAT(log.take(), ElementsAre(notMapped("addMP")));
 
     EXPECT_FALSE(sut.removeStructure({}));
-    EXPECT_THAT(log.take(), ElementsAre(notMapped("removeStructure")));
+    EXPECT_THAT(log.take(), IsEmpty());
 
     sut.setActive();
     sut.propagateStates();

@@ -1,0 +1,102 @@
+#include "writer/PointIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <map>
+#include <random>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+constexpr std::uint32_t none = 0xFFFFFFFF;
+
+using Points = std::map<long long, shm::MPDef>;
+
+void expectSame(Points const& expected, shm::PointIndex const& sut, long long svid) {
+    auto const known = expected.find(svid);
+    auto const* const found = sut.find(svid);
+    ASSERT_EQ(known != expected.end(), found != nullptr);
+    if (found != nullptr) {
+        EXPECT_EQ(svid, found->svid);
+        EXPECT_EQ(&known->second, found->definition);
+    }
+}
+
+} // namespace
+
+TEST(PointIndexTest, NewIndex_KnowsNoPoint) {
+    shm::PointIndex const sut;
+    EXPECT_EQ(nullptr, sut.find(0));
+    EXPECT_EQ(nullptr, sut.find(-1));
+}
+
+TEST(PointIndexTest, ValuePosition_FindsEachKeyAndNoOther) {
+    shm::PointIndex sut;
+    shm::MPDef definition(799, {{0, 7}, {1, 8799}, {0x100, 3}, {0xFFFF, 4}});
+    sut.add(1, definition);
+    auto const* const point = sut.find(1);
+    ASSERT_NE(nullptr, point);
+    EXPECT_EQ(7U, point->valuePosition(0));
+    EXPECT_EQ(8799U, point->valuePosition(1));
+    EXPECT_EQ(none, point->valuePosition(2));
+    EXPECT_EQ(3U, point->valuePosition(0x100));
+    EXPECT_EQ(4U, point->valuePosition(0xFFFF));
+    EXPECT_EQ(none, point->valuePosition(0xFFFE));
+}
+
+TEST(PointIndexTest, Update_TakesOverNewValues) {
+    shm::PointIndex sut;
+    shm::MPDef definition(5, {{1, 10}});
+    sut.add(1, definition);
+    definition.mvs[4] = 11;
+    EXPECT_EQ(none, sut.find(1)->valuePosition(4));
+    sut.update(definition);
+    EXPECT_EQ(11U, sut.find(1)->valuePosition(4));
+}
+
+TEST(PointIndexTest, Remove_OfAnUnknownPoint_ChangesNothing) {
+    shm::PointIndex sut;
+    shm::MPDef definition(0, {});
+    sut.add(1, definition);
+    sut.remove(2);
+    EXPECT_NE(nullptr, sut.find(1));
+}
+
+TEST(PointIndexTest, RandomAddsAndRemoves_AgreeWithAMap) {
+    std::mt19937_64 random(7);
+    shm::PointIndex sut;
+    Points expected;
+    // Ids of a few levels, so that many differ in one byte only; full tables included.
+    auto const anyId = [&] {
+        return static_cast<long long>((random() % 3 << 56U) | (random() % 500 << 16U));
+    };
+    std::vector<unsigned int> freePositions;
+    for (unsigned int pos = 0; pos < 800; ++pos) {
+        freePositions.push_back(pos);
+    }
+    for (int step = 0; step < 20000; ++step) {
+        auto const svid = anyId();
+        bool const grows = step / 2000 % 2 == 0 ? random() % 8 != 0 : random() % 8 == 0;
+        auto const known = expected.find(svid);
+        if (grows && known == expected.end() && !freePositions.empty()) {
+            auto& definition = expected[svid];
+            definition.pos = freePositions.back();
+            freePositions.pop_back();
+            sut.add(svid, definition);
+        } else if (!grows && known != expected.end()) {
+            sut.remove(svid);
+            freePositions.push_back(known->second.pos);
+            expected.erase(known);
+        }
+        expectSame(expected, sut, svid);
+        expectSame(expected, sut, anyId());
+    }
+    for (auto const& point : expected) {
+        expectSame(expected, sut, point.first);
+    }
+}
+
+} // namespace qel::test

@@ -1,0 +1,78 @@
+#include "writer/StatePropagation.h"
+
+#include "domain/SensorIdentifier.h"
+#include "region/RegionFields.h"
+#include "states/StateRules.h"
+
+namespace shm {
+
+namespace {
+
+/// Deliberate: a circuit that is switched off stands for an alarm above it, while it shows "Off" itself.
+eStatus_Bits reportedState(long long svid, eStatus_Bits state) {
+    if (state != eStatus_Off) {
+        return state;
+    }
+    auto const parts = SensorIdentifier::getSensorIdParts(svid);
+    bool const isCircuit = parts[SensorIdentifier::Kind] == SensorType::Electrical &&
+                           parts[SensorIdentifier::Circuit] != -1 && parts[SensorIdentifier::Socket] == -1;
+    return isCircuit ? eStatus_Alarm : state;
+}
+
+/// Takes the reported states as a list.
+struct ListSink {
+    std::list<eStatus_Bits>& out;
+    void add(eStatus_Bits state) const { out.push_back(state); }
+};
+
+} // namespace
+
+eStatus_Bits StatePropagation::combineAll() const {
+    ChildFold reported;
+    for (auto const head : {region_.root.devices, region_.root.groups}) {
+        // Deliberate: each step follows the siblings by itself, so the k-th point is visited k times; the
+        // result is that of one visit.
+        for (auto pos = head; pos < MP_COUNT; pos = region_.points[pos].next) {
+            siblings(pos, reported);
+        }
+    }
+    return combineStates(eStatus_On, ValueFold().result(), reported.result());
+}
+
+void StatePropagation::combineSiblings(QelShmMP& first, std::list<eStatus_Bits>& out) const {
+    ListSink sink{out};
+    ChildFold children;
+    siblings(first.children, children);
+    sink.add(combine(first, children.result()));
+    siblings(first.next, sink);
+}
+
+// Only nesting costs stack, and little: a tree may be MP_COUNT deep.
+template <typename Sink>
+void StatePropagation::siblings(std::uint32_t pos, Sink& sink) const {
+    while (pos < MP_COUNT) {
+        auto& mp = region_.points[pos];
+        ChildFold children;
+        if (mp.children < MP_COUNT) {
+            siblings(mp.children, children);
+        }
+        sink.add(combine(mp, children.result()));
+        pos = mp.next;
+    }
+}
+
+eStatus_Bits StatePropagation::combine(QelShmMP& mp, eStatus_Bits children) const {
+    ValueFold values;
+    for (auto pos = mp.mvs; pos < MV_COUNT; pos = region_.values[pos].next) {
+        if (!values.add(region_.values[pos].state)) {
+            break;
+        }
+    }
+    auto const state = combineStates(rules_.mpInitial(mp.state), values.result(), children);
+    if (state != mp.state) {
+        storeField(mp.state, state);
+    }
+    return reportedState(mp.guid, state);
+}
+
+} // namespace shm

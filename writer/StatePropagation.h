@@ -1,0 +1,39 @@
+/// @file
+/// Carries the states of values and children up the tree.
+#pragma once
+
+#include "region/QelShmRecords.h"
+#include "states/QelSharedMemoryStates.h"
+
+#include <list>
+
+namespace shm {
+
+/// Combines the states of points, children before their parents, in place. Values and children are folded as
+/// they are met, without a list in between.
+///
+/// Threads: belongs to the thread that changes the structure.
+class StatePropagation {
+public:
+    /// Both must outlive the object.
+    StatePropagation(record::Region& region, QelSharedMemoryStates const& rules)
+        : region_(region),
+          rules_(rules) {}
+
+    /// The global state, after all points were combined.
+    eStatus_Bits combineAll() const;
+
+    /// Combines a point, all points below it, and its following siblings.
+    /// @param out takes what each of the siblings reports to its parent
+    void combineSiblings(QelShmMP& first, std::list<eStatus_Bits>& out) const;
+
+private:
+    template <typename Sink>
+    void siblings(std::uint32_t pos, Sink& sink) const;
+    eStatus_Bits combine(QelShmMP& mp, eStatus_Bits children) const;
+
+    record::Region& region_;
+    QelSharedMemoryStates const& rules_;
+};
+
+} // namespace shm
