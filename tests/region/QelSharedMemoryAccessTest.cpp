@@ -207,8 +207,8 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterCreatesAWipedObject) {
     EXPECT_EQ(sut.root().grpCnt(), 0U);
 }
 
-TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterCreatesTheObjectReadableByAll) {
-    auto const former = ::umask(022);
+TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterCreatesTheObjectReadableByAllAndWritableByItsOwner) {
+    auto const former = ::umask(0);
     Writer sut;
     sut.openShm();
     ::umask(former);

@@ -1,6 +1,7 @@
 #include "tools/replay/LiveUnit.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Eventually.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/tools/Recorded.h"
 #include "tests/tools/TempFile.h"
@@ -222,6 +223,18 @@ TEST_F(QelshmWatchTest, Terminal_ScrollsAndFollowsItsSize) {
     ASSERT_TRUE(sut.readUntil("lines 23 to 32 of "));
     sut.type("q");
     EXPECT_EQ(0, sut.wait());
+}
+
+// The sensor is plugged in 1.5 s after the start. Only a new size makes the program write all of the screen again.
+TEST_F(QelshmWatchTest, Terminal_CountsTheStructureChangesThatAreAnnounced) {
+    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
+    ASSERT_TRUE(sut.readUntil("points: 15, values: 102, structure changes: 0"));
+
+    unsigned short lines = 24;
+    EXPECT_TRUE(eventually([&] {
+        sut.resize(++lines, 120);
+        return sut.readUntil("points: 16, values: 105, structure changes: 1", std::chrono::milliseconds(500));
+    }));
 }
 
 TEST_F(QelshmWatchTest, Terminal_IsRestoredAfterASignal) {

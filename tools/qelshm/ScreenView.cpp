@@ -90,9 +90,10 @@ ScreenView::~ScreenView() {
 
 std::string ScreenView::headLine(WatchFrame const& frame) {
     auto const& snapshot = frame.snapshot;
-    return "qelshm  " + stateText(snapshot.globalState) + "  |  " + std::to_string(snapshot.points.size()) +
-           " points, " + std::to_string(snapshot.valueCount()) + " values, " +
-           std::to_string(frame.structureChanges) + " structure changes";
+    return "qelshm  " + stateText(snapshot.globalState) +
+           "  |  points: " + std::to_string(snapshot.points.size()) +
+           ", values: " + std::to_string(snapshot.valueCount()) +
+           ", structure changes: " + std::to_string(frame.structureChanges);
 }
 
 std::vector<ScreenView::Line> ScreenView::bodyLines(Snapshot const& snapshot) {
