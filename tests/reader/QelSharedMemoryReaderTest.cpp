@@ -11,11 +11,9 @@
 #include "tests/support/MainLoopThread.h"
 
 #include <boost/thread/exceptions.hpp>
-#include <gio/gio.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -37,8 +35,6 @@ using qel::test::SleepRecorder;
 using shm::QelSharedMemoryReader;
 using testing::ElementsAre;
 
-constexpr char busName[] = "org.qel.HardwareManager";
-
 LogEntry info(std::string const& text) {
     return {"qel.shm.access.reader", log4cpp::Priority::INFO, text};
 }
@@ -59,7 +55,6 @@ constexpr char unknownService[] =
 
 static_assert(std::is_base_of_v<shm::QelSharedMemoryAccess, QelSharedMemoryReader>);
 static_assert(std::is_base_of_v<shm::IQelShmInitCallback, QelSharedMemoryReader>);
-static_assert(std::is_same_v<decltype(&QelSharedMemoryReader::handler), GDBusSignalCallback>);
 
 TEST(QelSharedMemoryReader, Life_IsLogged) {
     LogCapture log;
@@ -349,7 +344,7 @@ TEST(QelSharedMemoryReader, Destructor_UnmapsButKeepsTheObject) {
     EXPECT_TRUE(qel::test::rawRegionExists());
 }
 
-TEST(QelSharedMemoryReader, OnInitialized_MapsReadOnlyAndCounts) {
+TEST(QelSharedMemoryReader, OnInitialized_MapsRegionAndCounts) {
     ForgedRegion const region;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
@@ -382,122 +377,6 @@ TEST(QelSharedMemoryReader, OnInitialized_NoObject_CountsAllTheSame) {
     ForgedRegion const region; // too late: the reader asks once
     sut.onInitialized();
     EXPECT_FALSE(sut.root());
-}
-
-class Handler : public testing::Test {
-protected:
-    void call(GDBusConnection* from, char const* path, char const* interface, char const* signal,
-              GVariant* with) {
-        QelSharedMemoryReader::handler(from, ":1.1", path, interface, signal, with, nullptr);
-    }
-
-    shm::GObjectPtr<GDBusConnection> const connection = sharedConnection();
-    std::unique_ptr<GVariant, void (*)(GVariant*)> const nothing{g_variant_ref_sink(g_variant_new("()")),
-                                                                 g_variant_unref};
-    QelSharedMemoryReader const reader{0, false};
-    LogCapture log;
-};
-
-TEST_F(Handler, StructureChanged_CountsAndTells) {
-    for (unsigned int count = 1; count <= 16; ++count) {
-        call(connection.get(), "/", busName, "shmStructureChanged", nothing.get());
-        EXPECT_EQ(reader.modifications(), count);
-    }
-    EXPECT_EQ(log.entries().front(), debug("handler: modifications = 0x1"));
-    EXPECT_EQ(log.entries().back(), debug("handler: modifications = 0x10"));
-    EXPECT_EQ(log.entries().size(), 16U);
-}
-
-TEST_F(Handler, ForeignSignal_IsAStrangeCall) {
-    static constexpr char signal[] = "shmStructureChanged";
-    call(nullptr, "/", busName, signal, nothing.get());
-    call(connection.get(), "/other", busName, signal, nothing.get());
-    call(connection.get(), nullptr, busName, signal, nothing.get());
-    call(connection.get(), "/", "org.qel.Other", signal, nothing.get());
-    call(connection.get(), "/", nullptr, signal, nothing.get());
-    call(connection.get(), "/", busName, signal, nullptr);
-    call(connection.get(), "/other", busName, "other", nothing.get());
-    EXPECT_EQ(log.entries(), std::vector<LogEntry>(7, debug("handler: strange call")));
-    EXPECT_EQ(reader.modifications(), 0U);
-}
-
-TEST_F(Handler, OtherSignalName_IsIgnoredSilently) {
-    call(connection.get(), "/", busName, "shmStructureChange", nothing.get());
-    call(connection.get(), "/", busName, nullptr, nothing.get());
-    EXPECT_TRUE(log.entries().empty());
-    EXPECT_EQ(reader.modifications(), 0U);
-}
-
-class Signals : public testing::Test {
-protected:
-    bool reaches(unsigned int count) const {
-        return eventually([&] { return reader.modifications() >= count; }) && reader.modifications() == count;
-    }
-
-    HardwareManagerService service;
-    QelSharedMemoryReader reader{0, false};
-    MainLoopThread loop;
-};
-
-TEST_F(Signals, EachStructureChange_Counts) {
-    LogCapture const log;
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(1));
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(2));
-    EXPECT_TRUE(log.waitFor(debug("handler: modifications = 0x2")));
-}
-
-TEST_F(Signals, FromAnySender_Count) {
-    service.releaseName();
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(1));
-}
-
-TEST_F(Signals, OfOtherPathInterfaceOrName_DoNotArrive) {
-    service.emitSignal("/other", busName, "shmStructureChanged");
-    service.emitSignal("/", "org.qel.Other", "shmStructureChanged");
-    service.emitSignal("/", busName, "other");
-    LogCapture const log;
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(1));
-    EXPECT_TRUE(log.waitFor(debug("handler: modifications = 0x1")));
-    EXPECT_EQ(log.entries().size(), 1U);
-}
-
-TEST_F(Signals, TwoReaders_CountEachSignalTwice) {
-    QelSharedMemoryReader const second(0, false);
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(2));
-    EXPECT_EQ(second.modifications(), 2U);
-}
-
-TEST_F(Signals, DestroyedReader_NoLongerCounts) {
-    { QelSharedMemoryReader const second(0, false); }
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(1));
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(2));
-}
-
-TEST_F(Signals, CountOutlivesItsReaders) {
-    service.emitStructureChanged();
-    EXPECT_TRUE(reaches(1));
-    { QelSharedMemoryReader const second(0, false); }
-    EXPECT_EQ(reader.modifications(), 1U);
-}
-
-TEST(QelSharedMemoryReader, Subscription_OutlivesTheAbsenceOfTheHardwareManager) {
-    LogCapture const log;
-    QelSharedMemoryReader sut(0, false);
-    {
-        SleepRecorder const time;
-        EXPECT_FALSE(sut.initialized()); // replaces the proxy that the subscription was made with
-    }
-    MainLoopThread const loop;
-    HardwareManagerService service;
-    service.emitStructureChanged();
-    EXPECT_TRUE(eventually([&] { return sut.modifications() == 1; }));
 }
 
 } // namespace
