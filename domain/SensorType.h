@@ -17,8 +17,8 @@ enum SensorType : signed char {
     RCM = 4,         ///< residual-current monitor (IEC 62020)
 };
 
-/// Writes the enumerator's name, or "SensorType(n)" with n in decimal for a number without one. The stream's base,
-/// width and fill are left alone. Any thread.
+/// Writes the enumerator's name, or "SensorType(n)" with n in decimal for a number without one. The stream's base
+/// is left alone. Any thread.
 std::ostream& operator<<(std::ostream& out, SensorType type);
 
 } // namespace SensorType
