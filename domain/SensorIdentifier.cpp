@@ -22,7 +22,7 @@ constexpr std::array<Level, 5> levels{{{SensorIdentifier::Device, "device"},
 
 } // namespace
 
-SensorIdentifier::Parts::Parts(long long svid) : bytes_{} {
+SensorIdentifier::Parts::Parts(long long svid) {
     auto bits = static_cast<std::uint64_t>(svid);
     for (auto byte = bytes_.rbegin(); byte != bytes_.rend(); ++byte) {
         *byte = static_cast<signed char>(bits & byteMask);

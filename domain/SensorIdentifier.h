@@ -25,7 +25,7 @@ public:
         signed char operator[](std::size_t index) const { return bytes_.at(index); }
 
     private:
-        std::array<signed char, 8> bytes_;
+        std::array<signed char, 8> bytes_{};
     };
 
     SensorIdentifier(SensorIdentifier const&) = default;

@@ -4,6 +4,7 @@
 
 namespace ex {
 
+// NOLINTNEXTLINE(modernize-pass-by-value): programs already compiled pass a reference.
 TAVSimpleException::TAVSimpleException(std::string const& message) : message_(message) {}
 
 char const* TAVSimpleException::what() const noexcept {

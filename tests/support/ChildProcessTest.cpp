@@ -44,7 +44,7 @@ TEST(ChildProcess, ReadLine_EndOfOutput_GivesNothing) {
 }
 
 TEST(ChildProcess, ReadUntil_TextInLaterLine_SkipsTheOnesBefore) {
-    ChildProcess sut({"printf", "one\\ntwo\\nthree\\n"});
+    ChildProcess sut({"printf", R"(one\ntwo\nthree\n)"});
 
     EXPECT_TRUE(sut.readUntil("wo"));
     EXPECT_EQ(sut.lastLine(), "two");

@@ -35,7 +35,7 @@ long rawRegionSizeNow() {
     return result == 0 ? static_cast<long>(status.st_size) : -1;
 }
 
-RawRegion::RawRegion(bool create) : bytes_(nullptr) {
+RawRegion::RawRegion(bool create) {
     int const fd = ::shm_open(objectName, create ? O_RDWR | O_CREAT : O_RDWR, 0644);
     if (fd < 0) {
         fail("shm_open");

@@ -56,7 +56,7 @@ public:
     std::uint32_t u32(std::size_t offset) const { return get<std::uint32_t>(offset); }
 
 private:
-    std::uint8_t* bytes_;
+    std::uint8_t* bytes_ = nullptr;
 };
 
 } // namespace qel::test

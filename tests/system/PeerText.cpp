@@ -1,15 +1,14 @@
 #include "tests/system/PeerText.h"
 
-#include <array>
-#include <cstdio>
+#include <iomanip>
 #include <sstream>
 
 namespace qel::test {
 
 std::string idText(long long svid) {
-    std::array<char, 24> text{};
-    std::snprintf(text.data(), text.size(), "0x%016llx", static_cast<unsigned long long>(svid));
-    return text.data();
+    std::ostringstream text;
+    text << "0x" << std::hex << std::setfill('0') << std::setw(16) << svid;
+    return text.str();
 }
 
 long long idFrom(std::string const& text) {
