@@ -4,7 +4,7 @@
 
 namespace shm {
 
-PointIndex::PointIndex() : table_{}, points_(MP_COUNT) {
+PointIndex::PointIndex() : points_(MP_COUNT) {
     table_.fill(noPoint);
 }
 

@@ -50,13 +50,13 @@ private:
     static constexpr unsigned int tableBits = 11; // 2048 places for at most 800 points
     static constexpr std::size_t tableSize = std::size_t{1} << tableBits;
     static constexpr std::uint16_t noPoint = 0xFFFF;
-    static_assert(tableSize >= 2 * MP_COUNT && noPoint >= MP_COUNT);
+    static_assert(tableSize / 2 >= MP_COUNT && noPoint >= MP_COUNT);
 
     static std::size_t placeFor(long long svid);
     std::size_t placeOf(long long svid) const;
 
-    std::array<std::uint16_t, tableSize> table_; // slot positions
-    std::vector<Point> points_;                  // by slot position
+    std::array<std::uint16_t, tableSize> table_{}; // slot positions
+    std::vector<Point> points_;                    // by slot position
 };
 
 } // namespace shm

@@ -1,10 +1,11 @@
 #include "writer/PointIndex.h"
 
+#include "tests/writer/WriterFixture.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <map>
-#include <random>
 #include <vector>
 
 namespace qel::test {
@@ -66,17 +67,21 @@ TEST(PointIndexTest, Remove_OfAnUnknownPoint_ChangesNothing) {
 }
 
 TEST(PointIndexTest, RandomAddsAndRemoves_AgreeWithAMap) {
-    std::mt19937_64 random(7);
+    auto random = randomNumbers(7);
     shm::PointIndex sut;
     Points expected;
     // Ids of a few levels, so that many differ in one byte only; full tables included.
+    auto const anyLevel = [&](unsigned int count) {
+        return static_cast<int>(random() % count);
+    };
     auto const anyId = [&] {
-        return static_cast<long long>((random() % 3 << 56U) | (random() % 500 << 16U));
+        return pointId(anyLevel(3), 0, anyLevel(200), anyLevel(4));
     };
     std::vector<unsigned int> freePositions;
     for (unsigned int pos = 0; pos < 800; ++pos) {
         freePositions.push_back(pos);
     }
+    bool wasFull = false;
     for (int step = 0; step < 20000; ++step) {
         auto const svid = anyId();
         bool const grows = step / 2000 % 2 == 0 ? random() % 8 != 0 : random() % 8 == 0;
@@ -91,9 +96,11 @@ TEST(PointIndexTest, RandomAddsAndRemoves_AgreeWithAMap) {
             freePositions.push_back(known->second.pos);
             expected.erase(known);
         }
+        wasFull = wasFull || freePositions.empty();
         expectSame(expected, sut, svid);
         expectSame(expected, sut, anyId());
     }
+    EXPECT_TRUE(wasFull);
     for (auto const& point : expected) {
         expectSame(expected, sut, point.first);
     }

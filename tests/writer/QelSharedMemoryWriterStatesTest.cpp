@@ -28,7 +28,6 @@ namespace qel::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr long long device = pointId(1, 0);
 constexpr unsigned short stateKey = 0x3B;
