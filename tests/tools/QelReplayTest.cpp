@@ -3,6 +3,7 @@
 #include "tests/tools/CreatedObjects.h"
 #include "tests/tools/RawUnit.h"
 #include "tests/tools/Recorded.h"
+#include "tests/tools/ReplayProcess.h"
 #include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
@@ -25,12 +26,6 @@ std::string const threeRows =
     "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,231\n"
     "2023-06-09T07:34:32Z,232\n";
 
-std::vector<std::string> replay(std::vector<std::string> const& arguments) {
-    std::vector<std::string> command{QEL_REPLAY};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return command;
-}
-
 struct Outcome {
     std::optional<int> status;
     std::string output; // standard error in it
@@ -49,7 +44,7 @@ TEST(QelReplayTest, Replay_EndsAfterTheLastRowAndRemovesTheRegion) {
     TempFile const file(threeRows);
     CreatedObjects const created;
 
-    auto const outcome = outcomeOf(replay({"--speed", "0", file.path()}));
+    auto const outcome = outcomeOf(ReplayProcess::command({"--speed", "0", file.path()}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output, testing::MatchesRegex(
@@ -62,7 +57,7 @@ TEST(QelReplayTest, Replay_EndsAfterTheLastRowAndRemovesTheRegion) {
 
 TEST(QelReplayTest, HeldReplay_KeepsTheLastRowUntilASignal) {
     TempFile const file(threeRows);
-    ChildProcess sut(replay({"--speed", "0", "--hold", file.path()}));
+    ReplayProcess sut({"--speed", "0", "--hold", file.path()});
 
     ASSERT_TRUE(sut.readUntil("all rows replayed; the region stays until a signal comes"));
     {
@@ -81,7 +76,7 @@ class SignalTest : public testing::TestWithParam<int> {};
 
 TEST_P(SignalTest, Signal_EndsTheReplayInOrder) {
     TempFile const file(threeRows);
-    ChildProcess sut(replay({"--loop", file.path()}));
+    ReplayProcess sut({"--loop", file.path()});
     ASSERT_TRUE(sut.readUntil("region active"));
     EXPECT_TRUE(rawRegionExists());
 
@@ -99,7 +94,7 @@ TEST(QelReplayTest, Speed_SetsTheClock) {
     TempFile const file(threeRows);
     auto const start = std::chrono::steady_clock::now();
 
-    auto const outcome = outcomeOf(replay({"--speed", "4", file.path()}));
+    auto const outcome = outcomeOf(ReplayProcess::command({"--speed", "4", file.path()}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(490));
@@ -107,7 +102,7 @@ TEST(QelReplayTest, Speed_SetsTheClock) {
 
 TEST(QelReplayTest, Loop_LetsTimesGoOn) {
     TempFile const file(threeRows);
-    ChildProcess sut(replay({"--loop", "--speed", "0", "--until", "5", "--hold", file.path()}));
+    ReplayProcess sut({"--loop", "--speed", "0", "--until", "5", "--hold", file.path()});
 
     ASSERT_TRUE(sut.readUntil("the region stays"));
 
@@ -117,8 +112,8 @@ TEST(QelReplayTest, Loop_LetsTimesGoOn) {
 }
 
 TEST(QelReplayTest, FromAndUntil_CutTheRecording) {
-    ChildProcess sut(
-        replay({"--speed", "0", "--from", "7470,5", "--until", "3", "--hold", outletsFile, environmentFile}));
+    ReplayProcess sut(
+        {"--speed", "0", "--from", "7470,5", "--until", "3", "--hold", outletsFile, environmentFile});
 
     ASSERT_TRUE(sut.readUntil("the region stays"));
 
@@ -130,7 +125,8 @@ TEST(QelReplayTest, FromAndUntil_CutTheRecording) {
 }
 
 TEST(QelReplayTest, WholeRecordings_HavePlaceForEveryValue) {
-    auto const outcome = outcomeOf(replay({"--speed", "0", outletsFile, threePhaseFile, environmentFile}));
+    auto const outcome =
+        outcomeOf(ReplayProcess::command({"--speed", "0", outletsFile, threePhaseFile, environmentFile}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output, testing::HasSubstr(" 21532 rows, "));
@@ -142,9 +138,9 @@ TEST(QelReplayTest, WholeRecordings_HavePlaceForEveryValue) {
 }
 
 TEST(QelReplayTest, Limits_AreFollowedThroughTheRecording) {
-    auto const outcome = outcomeOf(
-        replay({"--speed", "0", "--from", "7480", "--until", "300", "--limit",
-                "outlet6_active_power_W:high-warning=2200,high-alarm=2400,hysteresis=20", outletsFile}));
+    auto const outcome = outcomeOf(ReplayProcess::command(
+        {"--speed", "0", "--from", "7480", "--until", "300", "--limit",
+         "outlet6_active_power_W:high-warning=2200,high-alarm=2400,hysteresis=20", outletsFile}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output,
@@ -159,9 +155,8 @@ TEST(QelReplayTest, Limits_AreFollowedThroughTheRecording) {
 }
 
 TEST(QelReplayTest, SensorAndGroup_ComeAndGo) {
-    ChildProcess sut(
-        replay({"--speed", "0", "--until", "200", "--hold", "--plug-after", "30", "--unplug-after", "90",
-                "--plug-after", "100", "--group-after", "40", outletsFile, environmentFile}));
+    ReplayProcess sut({"--speed", "0", "--until", "200", "--hold", "--plug-after", "30", "--unplug-after",
+                       "90", "--plug-after", "100", "--group-after", "40", outletsFile, environmentFile});
 
     ASSERT_TRUE(sut.readUntil("sensor 1/1 added, now 16 points, 105 values"));
     ASSERT_TRUE(sut.readUntil("group 1 added, now 17 points, 106 values"));
@@ -180,10 +175,10 @@ TEST(QelReplayTest, SensorAndGroup_ComeAndGo) {
 
 TEST(QelReplayTest, SecondReplay_LeavesTheFirstAlone) {
     TempFile const file(threeRows);
-    ChildProcess first(replay({"--speed", "0", "--hold", file.path()}));
+    ReplayProcess first({"--speed", "0", "--hold", file.path()});
     ASSERT_TRUE(first.readUntil("the region stays"));
 
-    auto const second = outcomeOf(replay({file.path()}));
+    auto const second = outcomeOf(ReplayProcess::command({file.path()}));
 
     EXPECT_EQ(1, second.status);
     EXPECT_EQ("qel-replay: another process serves org.qel.HardwareManager on the system bus\n",
@@ -207,9 +202,9 @@ TEST(QelReplayTest, NoBus_IsAFailureAndPublishesNothing) {
 TEST(QelReplayTest, NoPlaceForTheRegion_IsAFailure) {
     TempFile const file(threeRows);
 
-    auto const outcome = outcomeOf(
-        {"sh", "-c",
-         "umount /dev/shm && mount -t tmpfs -o size=64k tmpfs /dev/shm && " QEL_REPLAY " " + file.path()});
+    auto const outcome =
+        outcomeOf({"unshare", "--mount", "sh", "-c",
+                   "mount -t tmpfs -o size=64k tmpfs /dev/shm && exec " QEL_REPLAY " " + file.path()});
 
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ("qel-replay: the shared memory cannot be created; --log-level error tells why\n",
@@ -218,7 +213,7 @@ TEST(QelReplayTest, NoPlaceForTheRegion_IsAFailure) {
 
 TEST(QelReplayTest, Quiet_WritesNothing) {
     TempFile const file(threeRows);
-    auto const outcome = outcomeOf(replay({"--speed", "0", "--quiet", file.path()}));
+    auto const outcome = outcomeOf(ReplayProcess::command({"--speed", "0", "--quiet", file.path()}));
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ("", outcome.output);
 }
@@ -278,7 +273,7 @@ TEST_P(RefusedInputTest, IsOneLineAndStatusTwoAndPublishesNothing) {
         message.replace(mark, 1, file.path());
     }
 
-    auto const outcome = outcomeOf(replay(options));
+    auto const outcome = outcomeOf(ReplayProcess::command(options));
 
     EXPECT_EQ(2, outcome.status);
     EXPECT_EQ("qel-replay: " + message + '\n', outcome.output);
