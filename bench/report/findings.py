@@ -1,0 +1,121 @@
+"""Reads what the benchmark programs, callgrind and strace left behind."""
+
+import dataclasses
+import glob
+import json
+import os
+import re
+import statistics
+
+SHAPES = {
+    "20x40": "20 units of 40 points",
+    "1x800": "one unit of 800 points",
+    "1x45": "one unit of 45 points",
+}
+
+
+@dataclasses.dataclass
+class Row:
+    """One contender at one work on one shape; all numbers are per operation."""
+
+    shape: str
+    work: str
+    contender: str
+    variant: str
+    passes: list  # ns, in the order of the passes
+    instructions: float = None
+    allocations: float = None
+    system_calls: float = None
+
+    @property
+    def median(self):
+        return statistics.median(self.passes)
+
+    @property
+    def spread(self):
+        """Half the distance between the quartiles, as a share of the median."""
+        if len(self.passes) < 2:
+            return 0.0
+        low, _, high = statistics.quantiles(self.passes, n=4, method="inclusive")
+        return (high - low) / 2 / self.median
+
+    def ratio(self, other):
+        """Median over the passes of this row's time by the other's in the same pass."""
+        return statistics.median(a / b for a, b in zip(self.passes, other.passes))
+
+
+class Findings:
+    def __init__(self, directory):
+        self._rows = {}
+        self.sizes = {}  # (shape, contender, what) -> bytes
+        for path in sorted(glob.glob(os.path.join(directory, "*.json"))):
+            with open(path, encoding="utf-8") as file:
+                for finding in json.load(file):
+                    self._add(finding)
+        for shape in SHAPES:
+            self._read_callgrind(directory, shape)
+            self._read_strace(directory, shape)
+        library = os.path.join(directory, "stripped.so")
+        self.library_size = os.path.getsize(library)
+
+    def shapes(self):
+        return [shape for shape in SHAPES if any(row.shape == shape for row in self.rows())]
+
+    def rows(self):
+        return self._rows.values()
+
+    def row(self, shape, work, contender, variant=""):
+        return self._rows.get((shape, work, contender, variant))
+
+    def contenders(self, work):
+        """Name and variant of a work's rows, in the order in which the programs list them."""
+        return list(dict.fromkeys((row.contender, row.variant) for row in self.rows() if row.work == work))
+
+    def all_contenders(self):
+        return list(dict.fromkeys(row.contender for row in self.rows()))
+
+    def _add(self, finding):
+        key = (finding["shape"], finding["work"], finding["contender"], finding["variant"])
+        what = finding["what"]
+        if finding["work"] == "size":
+            self.sizes[(finding["shape"], finding["contender"], what)] = finding["numbers"][0]
+        elif what == "ns":
+            self._row(key).passes = finding["numbers"]
+        elif what == "allocations":
+            self._row(key).allocations = finding["numbers"][0]
+
+    def _row(self, key):
+        return self._rows.setdefault(key, Row(*key, passes=[]))
+
+    def _labelled(self, shape, label):
+        """The row that a program's label "work|contender[|variant]#operations" names, and its operations."""
+        name, operations = label.rsplit("#", 1)
+        work, contender, variant = (name.split("|") + [""])[:3]
+        return self._row((shape, work, contender, variant)), int(operations)
+
+    def _read_callgrind(self, directory, shape):
+        for path in glob.glob(os.path.join(directory, f"{shape}.callgrind*")):
+            with open(path, encoding="utf-8") as file:
+                text = file.read()
+            label = re.search(r"^desc: Trigger: Client Request: (.*)$", text, re.MULTILINE)
+            if label:
+                row, operations = self._labelled(shape, label.group(1))
+                row.instructions = int(re.search(r"^summary: (\d+)", text, re.MULTILINE).group(1)) / operations
+
+    def _read_strace(self, directory, shape):
+        path = os.path.join(directory, f"{shape}.strace")
+        if not os.path.exists(path):
+            return
+        calls = None
+        with open(path, encoding="utf-8", errors="replace") as file:
+            for line in file:
+                mark = re.match(r'write\(-1, "(begin|end) ([^"]*)"', line)
+                if not mark:
+                    if calls is not None and re.match(r"\w+\(", line):
+                        calls += 1
+                elif mark.group(1) == "begin":
+                    calls = 0
+                else:
+                    row, operations = self._labelled(shape, mark.group(2))
+                    row.system_calls = calls / operations
+                    calls = None

@@ -1,0 +1,256 @@
+"""Writes performance.md, .svg and .json from what the benchmark programs found.
+
+usage: report.py RESULTS-DIRECTORY OUTPUT-DIRECTORY
+"""
+
+import json
+import os
+import platform
+import re
+import subprocess
+import sys
+
+from chart import draw, duration
+from findings import SHAPES, Findings
+from targets import TARGETS
+
+# Name of the work in the programs, its title, and what one operation is.
+WORKS = [
+    ("update", "Update one value by id and key", "`updateMV`, the heap value it takes included; ids in shuffled order"),
+    ("find", "Look a point up", "`mpnt`; ids in shuffled order"),
+    ("fetch", "Fetch one value by id and key", "`mpnt`, then `mvs` up to the key; ids in shuffled order"),
+    ("point", "Look a point up and sum its values", "`mpnt`, then `values` with a visitor; ids in shuffled order"),
+    ("visit", "Visit everything", "`visit` with a visitor that sums"),
+    ("rebuild", "Rebuild the index", "`syncPositions`"),
+    ("propagate", "Propagate states", "`propagateStates`, one value in fifty warning"),
+    ("create", "Build from empty, with a fresh store", "`openShm`, then `addStructure`, logging off"),
+    ("add", "Build in a store that is ready", "`addStructure` alone, logging off"),
+    ("format", "Format one value", "`ValueFormatter::str`"),
+    ("update beside readers", "Update while readers scan without pause", "`updateMV`, by the number of reading processes"),
+    ("scan beside a writer", "Scan while a writer updates without pause", "`visit`, without and with a writing process"),
+    ("visible", "From an update to being seen", "`updateMV` until another process, which fetches the value without pause, "
+     "has read it"),
+]
+
+CHART_SHAPE = "1x800"
+
+
+def machine():
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        model = re.search(r"^model name\s*:\s*(.*)$", file.read(), re.MULTILINE)
+    compiler = subprocess.run(["g++", "--version"], capture_output=True, text=True, check=True).stdout.splitlines()[0]
+    return {
+        "cores": os.cpu_count(),
+        "cpu": model.group(1) if model else platform.machine(),
+        "kernel": platform.release(),
+        "compiler": compiler,
+    }
+
+
+def count(number):
+    if number is None:
+        return "-"
+    return f"{number:,.0f}" if number >= 100 or number == int(number) else f"{number:.3g}"
+
+
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|---" + "|---:" * (len(head) - 1) + "|"]
+    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows]) + "\n"
+
+
+def named(contender, variant):
+    return f"{contender} ({variant} beside)" if variant else contender
+
+
+def reference(findings, row):
+    """What a row's ratio is to: the floor, or where others are beside it, the same contender without them."""
+    return findings.row(row.shape, row.work, row.contender, "0") if row.variant else findings.row(
+        row.shape, row.work, "floor"
+    )
+
+
+def work_table(findings, work):
+    """Time, ratio and (where they were counted) instructions of each contender, for each shape."""
+    shapes = findings.shapes()
+    known = findings.contenders(work)
+    counted = any(row.instructions is not None for row in findings.rows() if row.work == work)
+    ratio = "x idle" if any(variant for _, variant in known) else "x floor"
+    columns = ["time", ratio] + (["instructions"] if counted else [])
+    rows = []
+    absent = [(contender, "") for contender in findings.all_contenders() if contender not in dict(known)]
+    for contender, variant in known + absent:
+        cells = [named(contender, variant)]
+        for shape in shapes:
+            row = findings.row(shape, work, contender, variant)
+            if row is None or not row.passes:
+                cells += ["-"] * len(columns)
+                continue
+            cells += [f"{duration(row.median)} ± {100 * row.spread:.0f} %", f"{row.ratio(reference(findings, row)):.3g}"]
+            cells += [count(row.instructions)] if counted else []
+        rows.append(cells)
+    return table(["contender"] + [f"{shape} {column}" for shape in shapes for column in columns], rows)
+
+
+def counts_table(findings, shape, what):
+    works = [work for work, _, _ in WORKS if any(getattr(row, what) is not None for row in findings.rows() if row.work == work)]
+    contenders = list(dict.fromkeys(row.contender for row in findings.rows() if row.work in works))
+    rows = []
+    for contender in contenders:
+        found = [findings.row(shape, work, contender) for work in works]
+        rows.append([contender] + [count(getattr(row, what)) if row else "-" for row in found])
+    return table(["contender"] + works, rows)
+
+
+def sizes_table(findings, shape):
+    contenders = list(dict.fromkeys(contender for known, contender, _ in findings.sizes if known == shape))
+    values = {"20x40": 8800, "1x800": 8800, "1x45": 495}[shape]
+    rows = []
+    for contender in contenders:
+        store, writer, reader = (
+            findings.sizes[(shape, contender, what)] for what in ("store bytes", "writer bytes", "reader bytes")
+        )
+        rows.append([contender, f"{store / values:.1f}", f"{writer / values:.1f}", f"{reader / values:.1f}"])
+    return table(["contender", "store", "heap of the writer", "heap of a reader"], rows)
+
+
+def targets_table(findings):
+    rows = []
+    for target in TARGETS:
+        if target.shape not in findings.shapes():
+            continue
+        reached = target.reached(findings)
+        if reached is None:
+            verdict, number = "not measured", "-"
+        else:
+            verdict = "met" if reached <= target.most else "**not met**"
+            number = f"{reached:.3g} x" if target.measure == "time" else f"{count(reached)} {target.measure}"
+        title = next(title for work, title, _ in WORKS if work == target.work)
+        rows.append([title, target.shape, target.contender, f"at most {target.bound()}", number, verdict])
+    return table(["work", "shape", "by", "target", "reached", ""], rows)
+
+
+def markdown(findings, facts):
+    shape = CHART_SHAPE if CHART_SHAPE in findings.shapes() else findings.shapes()[0]
+    shape_lines = "\n".join(f"- `{name}`: {SHAPES[name]}, 11 values each" for name in findings.shapes())
+    parts = [
+        f"""# Performance
+
+Written by `bench/run`, which measures everything anew. Measured on {facts['cores']} cores of {facts['cpu']}, Linux
+{facts['kernel']}, {facts['compiler']}, optimised (`-O3`).
+
+![medians and quartiles of all works](performance.svg)
+
+## How it is measured
+
+All contenders do the same work in one run, pass after pass; before each pass their order and the order of the ids are
+shuffled anew, and each must give the result that the work is known to have. Times are medians over the passes, ± half
+the distance between the quartiles: of the time that the measuring thread runs, and of the elapsed time where a contender
+waits for others (LMDB, SQLite, Redis, D-Bus, and the way to being seen). Ratios are medians of the ratios within a pass, to the floor or, where other
+processes are beside, to the same contender without them ("idle"). Instructions are those of this process under
+callgrind, for the work alone; they hardly vary. A "-" says that the work does not apply to the contender, or that the
+number would tell nothing (instructions of a contender whose work another process does).
+
+{shape_lines}
+
+| contender | what it is |
+|---|---|
+| floor | plain loads and stores at known positions of a mapped array |
+| open-addressing hash | the same behind a hash from sensor id to position |
+| library | this library |
+| literal | the data structures and steps that the contract names, written down plainly (`bench/literal`) |
+| Boost.Interprocess | its ordered map and an unordered map in a managed segment, not locked |
+| PCP MMV | memory-mapped values of Performance Co-Pilot: three metrics a key, an instance a point, addresses kept in a hash |
+| LMDB | one database in /dev/shm, a transaction per update, nothing synced |
+| SQLite | a file in /dev/shm, write-ahead log, prepared statements, a transaction per update, nothing synced |
+| Redis | a hash per point, over a unix socket, nothing persisted |
+| D-Bus properties | an object per point and a property per key, set and got by GDBus through the bus daemon |
+
+## Targets
+
+{targets_table(findings)}""",
+        "## Works\n",
+    ]
+    for work, title, operation in WORKS:
+        if findings.contenders(work):
+            parts.append(f"### {title}\n\n{operation}.\n\n{work_table(findings, work)}")
+    parts.append(
+        f"## Allocations per operation\n\nShape `{shape}`; of the process that measures, all threads.\n\n"
+        + counts_table(findings, shape, "allocations")
+    )
+    if any(row.system_calls is not None for row in findings.rows()):
+        parts.append(
+            f"## System calls per operation\n\nShape `{shape}`; of the thread that measures.\n\n"
+            + counts_table(findings, shape, "system_calls")
+        )
+    parts.append(
+        f"""## Bytes per value
+
+Shape `{shape}`. The store is what processes share; the heap is what a writer and a reader need beside it.
+
+{sizes_table(findings, shape)}
+The stripped library is {findings.library_size:,} bytes long on this machine ({platform.machine()}).
+"""
+    )
+    return "\n".join(parts)
+
+
+def as_json(findings, facts):
+    return {
+        "machine": facts,
+        "library_bytes": findings.library_size,
+        "rows": [
+            {
+                "shape": row.shape,
+                "work": row.work,
+                "contender": row.contender,
+                "variant": row.variant,
+                "median_ns": row.median if row.passes else None,
+                "spread": row.spread if row.passes else None,
+                "instructions": row.instructions,
+                "allocations": row.allocations,
+                "system_calls": row.system_calls,
+                "passes_ns": row.passes,
+            }
+            for row in findings.rows()
+        ],
+        "bytes": [
+            {"shape": shape, "contender": contender, "what": what, "bytes": size}
+            for (shape, contender, what), size in findings.sizes.items()
+        ],
+        "targets": [
+            {
+                "shape": target.shape,
+                "work": target.work,
+                "contender": target.contender,
+                "bound": target.bound(),
+                "most": target.most,
+                "reached": target.reached(findings),
+            }
+            for target in TARGETS
+        ],
+    }
+
+
+def write(directory, name, text):
+    with open(os.path.join(directory, name), "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+def main():
+    results, output = sys.argv[1:]
+    findings = Findings(results)
+    facts = machine()
+    shape = CHART_SHAPE if CHART_SHAPE in findings.shapes() else findings.shapes()[0]
+    panels = []
+    for work, title, _ in WORKS:
+        rows = [findings.row(shape, work, *known) for known in findings.contenders(work)]
+        rows = [row for row in rows if row is not None and row.passes]
+        if rows:
+            panels.append((title, rows))
+    write(output, "performance.svg", draw(panels))
+    write(output, "performance.md", markdown(findings, facts))
+    write(output, "performance.json", json.dumps(as_json(findings, facts), indent=1) + "\n")
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,75 @@
+"""What the library is to reach."""
+
+import dataclasses
+
+
+@dataclasses.dataclass
+class Target:
+    """A bound on one number of a contender at a work.
+
+    measure   "instructions", "allocations" or "ns" bound that number; "time" bounds the ratio to the time of `against`,
+              a (contender, variant).
+    """
+
+    work: str
+    shape: str
+    contender: str
+    measure: str
+    most: float
+    against: tuple = None
+    variant: str = ""
+
+    def reached(self, findings):
+        """The number that `most` bounds; None when it was not measured."""
+        row = findings.row(self.shape, self.work, self.contender, self.variant)
+        if row is None:
+            return None
+        if self.measure == "ns":
+            return row.median
+        if self.measure != "time":
+            return getattr(row, self.measure)
+        other = findings.row(self.shape, self.work, *self.against)
+        return row.ratio(other) if other else None
+
+    def bound(self):
+        if self.measure == "time":
+            contender, variant = self.against
+            name = f"{contender}, {variant} others" if variant else contender
+            return f"{self.most:g} x {name}"
+        return f"{self.most:,.0f} {self.measure}"
+
+
+FLOOR = ("floor", "")
+LITERAL = ("literal", "")
+
+BOTH_LARGE = ("20x40", "1x800")
+VALUES = 8800
+
+TARGETS = [
+    target
+    for shape in BOTH_LARGE
+    for target in (
+        Target("update", shape, "library", "instructions", 330),
+        Target("update", shape, "library", "time", 0.3, LITERAL),
+        Target("update", shape, "library", "time", 1, ("Boost.Interprocess hash", "")),
+        Target("visit", shape, "library", "time", 6, FLOOR),
+        Target("visit", shape, "library", "instructions", 45 * VALUES),
+        Target("rebuild", shape, "library", "instructions", 370_000),
+        Target("find", shape, "library", "time", 1, LITERAL),
+        Target("find", shape, "library", "allocations", 1),
+        Target("point", shape, "library", "instructions", 560),
+        Target("fetch", shape, "library", "ns", 10),
+        Target("create", shape, "library", "time", 3.5, FLOOR),
+    )
+] + [
+    Target("propagate", "1x800", "library", "instructions", 180_000),
+    Target("propagate", "1x800", "library", "time", 3, FLOOR),
+    Target("propagate", "1x45", "library", "instructions", 10_500),
+    Target("propagate", "20x40", "library", "time", 0.05, LITERAL),
+] + [
+    Target("update beside readers", shape, "library", "time", 2.5, ("library", "0"), variant="1")
+    for shape in BOTH_LARGE
+] + [
+    Target("visible", shape, "library, kept QelShmMVal", "time", 1.1, FLOOR)
+    for shape in BOTH_LARGE
+]

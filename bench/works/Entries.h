@@ -1,0 +1,153 @@
+/// @file
+/// The kinds of work, for any contender.
+#pragma once
+
+#include "bench/support/Plan.h"
+#include "bench/works/Work.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace bench {
+
+/// The contender's store, built and filled with the first samples; one per process while anybody holds it.
+template <typename Writer, typename Input>
+std::shared_ptr<Writer> writerOf(Plan const& plan) {
+    static std::weak_ptr<Writer> known;
+    auto writer = known.lock();
+    if (!writer) {
+        writer = std::make_shared<Writer>();
+        writer->open();
+        writer->build(Input(plan));
+        for (auto const& access : plan.valueAccesses()) {
+            writer->update(access, firstSampleOf(access));
+        }
+        known = writer;
+    }
+    return writer;
+}
+
+template <typename Contender>
+std::shared_ptr<typename Contender::Writer> writerOf(Plan const& plan) {
+    return writerOf<typename Contender::Writer, typename Contender::Input>(plan);
+}
+
+/// The writer of a contender.
+template <typename Contender>
+class WriterSide {
+public:
+    explicit WriterSide(Plan const& plan) : writer_(writerOf<Contender>(plan)) {}
+    typename Contender::Writer& operator*() { return *writer_; }
+
+private:
+    std::shared_ptr<typename Contender::Writer> writer_;
+};
+
+/// The reader of a contender, and the store that it reads.
+template <typename Contender>
+class ReaderSide {
+public:
+    explicit ReaderSide(Plan const& plan) : writer_(writerOf<Contender>(plan)), reader_(plan) {}
+    typename Contender::Reader& operator*() { return reader_; }
+
+private:
+    std::shared_ptr<typename Contender::Writer> writer_;
+    typename Contender::Reader reader_;
+};
+
+/// One operation per value or point, in the order of the pass.
+/// Operation: run(side, access), the result as a number, and expected(access), the number it must be.
+template <typename Side, typename Operation>
+class Sweep : public Entry {
+public:
+    Sweep(Plan const& plan, std::size_t limit) : side_(plan), limit_(limit) {}
+
+    void begin(Order const& order) override {
+        auto const& all = order.*Operation::accesses;
+        accesses_.assign(all.begin(),
+                         all.begin() + static_cast<std::ptrdiff_t>(std::min(all.size(), limit_)));
+    }
+
+    double run() override {
+        double sum = 0;
+        for (auto const& access : accesses_) {
+            sum += Operation::run(*side_, access);
+        }
+        return sum;
+    }
+
+    double expected() const override {
+        double sum = 0;
+        for (auto const& access : accesses_) {
+            sum += Operation::expected(access);
+        }
+        return sum;
+    }
+
+    std::size_t operations() const override { return accesses_.size(); }
+
+private:
+    Side side_;
+    std::size_t limit_;
+    std::vector<Access> accesses_;
+};
+
+/// One operation over everything.
+/// Operation: run(side), the result as a number, and expected(order), the number it must be.
+template <typename Side, typename Operation>
+class Whole : public Entry {
+public:
+    explicit Whole(Plan const& plan) : side_(plan) {}
+
+    void begin(Order const& order) override { expected_ = Operation::expected(order); }
+    double run() override { return Operation::run(*side_); }
+    double expected() const override { return expected_; }
+    std::size_t operations() const override { return 1; }
+
+private:
+    Side side_;
+    double expected_ = 0;
+};
+
+/// Points and values are laid out in an empty store.
+/// @tparam fresh whether making the store counts
+template <typename Contender, bool fresh>
+class Build : public Entry {
+public:
+    explicit Build(Plan const& plan) : input_(typename Contender::Input(plan)) {}
+
+    void begin(Order const& /*order*/) override {}
+    void end() override { writer_.reset(); }
+    bool preparing() const override { return true; }
+
+    void prepare() override {
+        writer_.reset();
+        writer_.emplace();
+        if (!fresh) {
+            writer_->open();
+        }
+    }
+
+    double run() override {
+        if (fresh) {
+            writer_->open();
+        }
+        writer_->build(input_);
+        return 1;
+    }
+
+    double expected() const override { return 1; }
+    std::size_t operations() const override { return 1; }
+
+private:
+    typename Contender::Input input_;
+    std::optional<typename Contender::Writer> writer_;
+};
+
+} // namespace bench

@@ -1,0 +1,71 @@
+#include "bench/contenders/DBus.h"
+#include "bench/contenders/Floor.h"
+#include "bench/contenders/Hash.h"
+#include "bench/contenders/Interprocess.h"
+#include "bench/contenders/Library.h"
+#include "bench/contenders/Literal.h"
+#include "bench/contenders/Lmdb.h"
+#include "bench/contenders/Mmv.h"
+#include "bench/contenders/Redis.h"
+#include "bench/contenders/Sqlite.h"
+#include "bench/works/Entries.h"
+#include "bench/works/Formats.h"
+#include "bench/works/Operations.h"
+
+namespace bench {
+
+namespace {
+
+template <typename Contender, typename EntryType, typename... Arguments>
+Candidate candidate(Arguments... arguments) {
+    return {Contender::name, "", Contender::throughServer, Contender::waits,
+            [=](Plan const& plan) -> std::unique_ptr<Entry> {
+                return std::make_unique<EntryType>(plan, arguments...);
+            }};
+}
+
+template <typename Operation, template <typename> class Side, typename... Contenders>
+std::vector<Candidate> sweeps() {
+    return {candidate<Contenders, Sweep<Side<Contenders>, Operation>>(Contenders::roundLimit)...};
+}
+
+template <typename Operation, template <typename> class Side, typename... Contenders>
+std::vector<Candidate> wholes() {
+    return {candidate<Contenders, Whole<Side<Contenders>, Operation>>()...};
+}
+
+template <bool fresh, typename... Contenders>
+std::vector<Candidate> builds() {
+    return {candidate<Contenders, Build<Contenders, fresh>>()...};
+}
+
+template <typename... Formats>
+std::vector<Candidate> formats() {
+    return {candidate<Formats, Sweep<FormatSide, Formats>>(InProcess::roundLimit)...};
+}
+
+} // namespace
+
+std::vector<Work> singleProcessWorks() {
+    return {
+        {"update", sweeps<Update, WriterSide, Floor, Hash, Library, Literal, InterprocessMap,
+                          InterprocessHash, Mmv, Lmdb, Sqlite, Redis, DBus>()},
+        {"find", sweeps<Find, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
+                        Lmdb, Sqlite, Redis>()},
+        {"fetch", sweeps<Fetch, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
+                         Mmv, Lmdb, Sqlite, Redis, DBus>()},
+        {"point", sweeps<PointValues, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, Lmdb,
+                         Sqlite, Redis>()},
+        {"visit", wholes<Visit, ReaderSide, Floor, Library, Literal, InterprocessMap, InterprocessHash, Mmv,
+                         Lmdb, Sqlite, Redis>()},
+        {"rebuild", wholes<Rebuild, ReaderSide, Floor, Hash, Library, Literal>()},
+        {"propagate", wholes<Propagate, WriterSide, Floor, Library, Literal>()},
+        {"create",
+         builds<true, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash, Mmv, Lmdb, Sqlite>()},
+        {"add",
+         builds<false, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash, Lmdb, Sqlite>()},
+        {"format", formats<FloorFormat, LibraryFormat, LiteralFormat>()},
+    };
+}
+
+} // namespace bench
