@@ -203,7 +203,7 @@ private:
 
 template <typename Contender, typename EntryType, typename... Arguments>
 Candidate candidate(std::string const& variant, Arguments... arguments) {
-    return {Contender::name, variant, Contender::throughServer,
+    return {Contender::name, variant, Contender::throughServer, Contender::waits,
             [=](Plan const& plan) -> std::unique_ptr<Entry> {
                 return std::make_unique<EntryType>(plan, arguments...);
             }};
