@@ -4,6 +4,7 @@
 #include "region/Exceptions.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
 #include "writer/PointIndex.h"
 #include "writer/ValueKeys.h"
