@@ -156,7 +156,9 @@ number would tell nothing (instructions of a contender whose work another proces
 |---|---|
 | floor | plain loads and stores at known positions of a mapped array |
 | open-addressing hash | the same behind a hash from sensor id to position |
-| library | this library |
+| library | this library; one value by `mpnt` and `mvs` |
+| library, mval | one value by `mval` and its id |
+| library, kept value | one value by `mval` and a kept handle |
 | literal | the data structures and steps that the contract names, written down plainly (`bench/literal`) |
 | Boost.Interprocess | its ordered map and an unordered map in a managed segment, not locked |
 | PCP MMV | memory-mapped values of Performance Co-Pilot: three metrics a key, an instance a point, addresses kept in a hash |

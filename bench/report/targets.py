@@ -58,7 +58,7 @@ TARGETS = [
         Target("find", shape, "library", "time", 1, LITERAL),
         Target("find", shape, "library", "allocations", 1),
         Target("point", shape, "library", "instructions", 560),
-        Target("fetch", shape, "library", "ns", 10),
+        Target("fetch", shape, "library, kept value", "ns", 10),
         Target("create", shape, "library", "time", 3.5, FLOOR),
     )
 ] + [
@@ -70,6 +70,6 @@ TARGETS = [
     Target("update beside readers", shape, "library", "time", 2.5, ("library", "0"), variant="1")
     for shape in BOTH_LARGE
 ] + [
-    Target("visible", shape, "library, kept QelShmMVal", "time", 1.1, FLOOR)
+    Target("visible", shape, "library, kept value", "time", 1.1, FLOOR)
     for shape in BOTH_LARGE
 ]
