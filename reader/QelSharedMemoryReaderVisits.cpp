@@ -113,10 +113,12 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
     if (!onDown(point, depth, result)) {
         return;
     }
-    if (isSortedChain(point->children)) {
-        visitChain(point->children, depth + 1, result);
-    } else {
-        visitSorted(point->children, depth + 1, result);
+    if (auto const children = point->children; children < MP_COUNT) {
+        if (isSortedChain(children)) {
+            visitChain(children, depth + 1, result);
+        } else {
+            visitSorted(children, depth + 1, result);
+        }
     }
     onUp(result);
 }
