@@ -3,6 +3,7 @@
 #include "hardwaremanager/hardwaremanager.h"
 #include "reader/GLibPtr.h"
 #include "reader/MPntPosRefill.h"
+#include "reader/PositionTable.h"
 #include "reader/QelShmInitWaitThread.h"
 #include "reader/callProxy.h"
 #include "region/Exceptions.h"
@@ -57,7 +58,8 @@ private:
 QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForRegion)
     : QelSharedMemoryAccess(ShmAccess::Read),
       IQelShmInitCallback(seconds),
-      positions_(indexBuckets) {
+      positions_(indexBuckets),
+      positionTable_(std::make_unique<PositionTable>(positions_)) {
     LogLine(readerLog(), log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
     connect();
     try {
@@ -201,9 +203,11 @@ void QelSharedMemoryReader::syncPositions(bool force) {
     std::lock_guard<std::recursive_mutex> const lock(mutex_);
     {
         VisitorOnLeave const client(visitor_);
+        positionTable_->invalidate();
         visitor(std::make_unique<MPntPosRefill>(positions_));
         visit();
     }
+    positionTable_->takeOver();
     ++rebuilds_;
     // Deliberate: one less, not zero, if the structure changed meanwhile, so that the next look-up rebuilds.
     if (modificationCount == before) {
@@ -216,11 +220,9 @@ void QelSharedMemoryReader::syncPositions(bool force) {
 
 /// The slot of a point, null when the index does not know it. The caller holds the mutex.
 QelShmMP const* QelSharedMemoryReader::pointOf(long long svid) const {
-    auto const found = positions_.find(svid);
-    if (found == positions_.end() || found->second >= MP_COUNT || region() == nullptr) {
-        return nullptr;
-    }
-    return &region()->points[found->second];
+    auto const pos = positionTable_->find(svid);
+    auto const* const mapped = region();
+    return pos < MP_COUNT && mapped != nullptr ? &mapped->points[pos] : nullptr;
 }
 
 std::unique_ptr<QelShmMPnt> QelSharedMemoryReader::mpnt(long long svid, bool force) {

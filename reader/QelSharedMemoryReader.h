@@ -29,6 +29,7 @@ using hardwaremanager = struct _hardwaremanager;
 
 namespace shm {
 
+class PositionTable;
 class QelShmInitWaitThread;
 
 /// Reads the region in place: finds points by sensor id, lists points and values, takes visitors round.
@@ -180,7 +181,8 @@ private:
     std::recursive_mutex mutex_; // guards positions_ and visitor_ while the index is built or looked up
     std::unique_ptr<IQelSharedMemoryVisitor> visitor_;
     // Not part of it, so behind all others.
-    std::atomic<unsigned int> rebuilds_{0}; // counts the indexes that were built
+    std::atomic<unsigned int> rebuilds_{0};        // counts the indexes that were built
+    std::unique_ptr<PositionTable> positionTable_; // what positions_ holds, flat
 };
 
 } // namespace shm
