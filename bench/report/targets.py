@@ -52,6 +52,7 @@ TARGETS = [
         Target("update", shape, "library", "instructions", 330),
         Target("update", shape, "library", "time", 0.3, LITERAL),
         Target("update", shape, "library", "time", 1, ("Boost.Interprocess hash", "")),
+        Target("update", shape, "library", "time", 1, ("Boost.Interprocess hash, heap value", "")),
         Target("visit", shape, "library", "time", 6, FLOOR),
         Target("visit", shape, "library", "instructions", 45 * VALUES),
         Target("rebuild", shape, "library", "instructions", 370_000),

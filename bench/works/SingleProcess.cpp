@@ -41,7 +41,7 @@ std::vector<Candidate> formats() {
 std::vector<Work> singleProcessWorks() {
     return {
         {"update", sweeps<Update, WriterSide, Floor, Hash, Library, Literal, InterprocessMap,
-                          InterprocessHash, Mmv, Lmdb, Sqlite, Redis, DBus>()},
+                          InterprocessHash, InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>()},
         {"find", sweeps<Find, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
                         Lmdb, Sqlite, Redis>()},
         {"fetch", sweeps<Fetch, ReaderSide, Floor, Hash, Library, LibraryByValue, LibraryKept, Literal,
