@@ -53,8 +53,8 @@ private:
         return place;
     }
 
-    std::array<std::uint16_t, places> table_; // numbers
-    std::array<long long, MP_COUNT> svids_{}; // by number
+    std::array<std::uint16_t, places> table_{}; // numbers
+    std::array<long long, MP_COUNT> svids_{};   // by number
 };
 
 } // namespace shm

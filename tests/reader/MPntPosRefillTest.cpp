@@ -1,12 +1,12 @@
 #include "reader/MPntPosRefill.h"
 
 #include "reader/IQelVisitorResult.h"
+#include "tests/support/RandomNumbers.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <memory>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -53,7 +53,7 @@ TEST(MPntPosRefillTest, OnMPnt_EndsTheWalkOverThePointsValues) {
 }
 
 TEST(MPntPosRefillTest, RandomPoints_GiveThePlainVisitorsIndex) {
-    std::mt19937 random(5);
+    auto random = qel::test::randomNumbers(5);
     shm::PositionIndex index;
     for (int round = 0; round < 500; ++round) {
         Points points;

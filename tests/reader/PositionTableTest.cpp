@@ -1,9 +1,10 @@
 #include "reader/PositionTable.h"
 
+#include "tests/support/RandomNumbers.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <random>
 
 namespace {
 
@@ -50,7 +51,7 @@ TEST(PositionTableTest, IndexOfMorePointsThanThereAreSlots_AnswersItself) {
 }
 
 TEST(PositionTableTest, RandomIndexes_AreAnsweredAlike) {
-    std::mt19937_64 random(9);
+    auto random = qel::test::randomNumbers(9);
     shm::PositionIndex index;
     shm::PositionTable sut(index);
     for (int round = 0; round < 200; ++round) {

@@ -2,6 +2,7 @@
 #include "tests/reader/ForgedRegion.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/RandomNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,6 @@
 #include <cstdint>
 #include <future>
 #include <numeric>
-#include <random>
 #include <vector>
 
 namespace {
@@ -173,7 +173,7 @@ TEST_F(KeptValue, Kept_InSeveralThreads_EachFindsItsOwn) {
 }
 
 TEST_F(KeptValue, RandomStructures_AgreeWithTheListOfValues) {
-    std::mt19937 random(3);
+    auto random = qel::test::randomNumbers(3);
     constexpr int points = 12;
     std::vector<shm::QelShmKeptMVal> kept;
     for (int number = 0; number < points; ++number) {

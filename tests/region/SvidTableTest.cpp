@@ -1,10 +1,11 @@
 #include "region/SvidTable.h"
 
+#include "tests/support/RandomNumbers.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <map>
-#include <random>
 #include <vector>
 
 namespace qel::test {
@@ -52,7 +53,7 @@ TEST(SvidTableTest, Remove_OfAnUnknownPoint_ChangesNothing) {
 }
 
 TEST(SvidTableTest, RandomInsertsAndRemoves_AgreeWithAMap) {
-    std::mt19937 random(7);
+    auto random = randomNumbers(7);
     shm::SvidTable sut;
     Numbers expected;
     // Ids that differ in few bytes, so that they crowd; full tables included.
