@@ -18,17 +18,19 @@ namespace bench {
 /// How the program is told to be a helper.
 constexpr char helperOption[] = "--helper";
 
-/// What a helper and its owner share. What one of the two writes while the other spins has a cache line of its own.
+/// What a helper and its owner share.
+// NOLINTNEXTLINE(clang-analyzer-optin.performance.Padding): on purpose, see below.
 struct Control {
-    static constexpr std::size_t cacheLine = 64;
-
     sem_t start; ///< posted by the owner
     sem_t done;  ///< posted by the helper after it was told to stop
     std::atomic<bool> ready;
     std::atomic<bool> stop;
     std::atomic<bool> quit;
-    alignas(cacheLine) std::atomic<std::uint64_t> rounds; ///< of the helper since it started
-    alignas(cacheLine) std::atomic<std::uint64_t> seen;   ///< changes that a watching helper has seen
+    std::atomic<std::uint64_t> rounds; ///< of the helper since it started
+
+    // In a cache line of their own: the owner spins on them while the helper counts its rounds.
+    static constexpr std::size_t cacheLine = 64;
+    alignas(cacheLine) std::atomic<std::uint64_t> seen; ///< changes that a watching helper has seen
     std::atomic<std::int64_t> latency; ///< ns from the stamp in the value that was seen last until then
 };
 static_assert(std::atomic<std::int64_t>::is_always_lock_free &&
