@@ -166,7 +166,8 @@ struct InterprocessHashHeapValue : InterprocessHash {
 
     private:
         [[gnu::noinline]] // as the library's is a call
-        bool take(Access const& access, std::unique_ptr<measval::MeasureValue> value) {
+        bool
+        take(Access const& access, std::unique_ptr<measval::MeasureValue> value) {
             return InterprocessHash::Writer::update(
                 access, {value->toDouble().value, value->timestamp(), value->state()});
         }
