@@ -1,10 +1,10 @@
 #include "tools/qelshm/Commands.h"
 
-#include "tools/common/Svid.h"
 #include "tools/qelshm/Snapshot.h"
 #include "tools/qelshm/Text.h"
 
 #include "domain/SensorIdentifier.h"
+#include "inspect/Svid.h"
 
 #include <algorithm>
 #include <ostream>
@@ -33,7 +33,7 @@ void printTree(shm::QelSharedMemoryReader const& reader, std::ostream& out) {
 }
 
 bool printOne(shm::QelSharedMemoryReader& reader, long long svid, std::ostream& out) {
-    auto const point = reader.mpnt(pointOf(svid), false);
+    auto const point = reader.mpnt(inspect::pointOf(svid), false);
     if (!point) {
         return false;
     }

@@ -2,7 +2,8 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/Logging.h"
-#include "tools/common/Svid.h"
+
+#include "inspect/Svid.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -44,10 +45,11 @@ constexpr char const* watchFooter =
 constexpr std::uint64_t mostLines = 1000000000000;
 
 std::string checkSvid(std::string const& text) {
-    return parseSvid(text) ? ""
-                           : '"' + text +
-                                 "\" is no sensor id; expected 0x and up to 16 hexadecimal digits, or a "
-                                 "decimal number of 64 bits";
+    return inspect::parseSvid(text)
+               ? ""
+               : '"' + text +
+                     "\" is no sensor id; expected 0x and up to 16 hexadecimal digits, or a "
+                     "decimal number of 64 bits";
 }
 
 void defineWatch(CLI::App& app, ReaderOptions& options) {

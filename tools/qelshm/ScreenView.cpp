@@ -1,10 +1,10 @@
 #include "tools/qelshm/ScreenView.h"
 
-#include "tools/common/StateText.h"
-#include "tools/common/Svid.h"
 #include "tools/qelshm/Text.h"
 
 #include "format/Names.h"
+#include "inspect/StateText.h"
+#include "inspect/Svid.h"
 
 #include <curses.h>
 
@@ -90,7 +90,7 @@ ScreenView::~ScreenView() {
 
 std::string ScreenView::headLine(WatchFrame const& frame) {
     auto const& snapshot = frame.snapshot;
-    return "qelshm  " + stateText(snapshot.globalState) +
+    return "qelshm  " + inspect::stateText(snapshot.globalState) +
            "  |  points: " + std::to_string(snapshot.points.size()) +
            ", values: " + std::to_string(snapshot.valueCount()) +
            ", structure changes: " + std::to_string(frame.structureChanges);
@@ -105,7 +105,7 @@ std::vector<ScreenView::Line> ScreenView::bodyLines(Snapshot const& snapshot) {
             auto const svid = point.svid | value.key;
             std::string const text = std::string(point.depth * std::size_t{2} + 20, ' ') +
                                      padded(shm::keyName(value.key), nameWidth) +
-                                     padded(numberText(value), numberWidth) + stateText(value.state);
+                                     padded(numberText(value), numberWidth) + inspect::stateText(value.state);
             auto const before = shown_.find(svid);
             lines.push_back({text, value.state, before != shown_.end() && before->second != text});
             now.emplace(svid, text);

@@ -1,11 +1,11 @@
 #include "tools/qelshm/Text.h"
 
-#include "tools/common/StateText.h"
-#include "tools/common/Svid.h"
 #include "tools/common/TimeText.h"
 
 #include "format/Names.h"
 #include "format/ValueFormatter.h"
+#include "inspect/StateText.h"
+#include "inspect/Svid.h"
 #include "region/QelShmMVal.h"
 
 #include <algorithm>
@@ -41,20 +41,21 @@ std::string numberText(shm::record::QelShmMVal const& value) {
 
 std::string pointLine(PointView const& point) {
     std::string const indent((point.depth - 1) * std::size_t{2}, ' ');
-    return svidText(point.svid) + "  " + padded(indent + pointLabel(point.svid), labelWidth) + "  " +
-           padded(point.type, typeWidth) + "  " + stateText(point.state);
+    return inspect::svidText(point.svid) + "  " +
+           padded(indent + inspect::pointLabel(point.svid), labelWidth) + "  " +
+           padded(point.type, typeWidth) + "  " + inspect::stateText(point.state);
 }
 
 std::string valueLine(PointView const& point, shm::record::QelShmMVal const& value) {
-    return "  " + svidText(point.svid | value.key) + "  " + padded(shm::keyName(value.key), nameWidth) +
-           "  " + padded(numberText(value), numberWidth) + "  " + padded(stateText(value.state), stateWidth) +
-           "  " + timeOf(value);
+    return "  " + inspect::svidText(point.svid | value.key) + "  " +
+           padded(shm::keyName(value.key), nameWidth) + "  " + padded(numberText(value), numberWidth) + "  " +
+           padded(inspect::stateText(value.state), stateWidth) + "  " + timeOf(value);
 }
 
 std::string changeLine(PointView const& point, shm::record::QelShmMVal const& value) {
-    return timeOf(value) + "  " + padded(pointLabel(point.svid), labelWidth) + "  " +
+    return timeOf(value) + "  " + padded(inspect::pointLabel(point.svid), labelWidth) + "  " +
            padded(shm::keyName(value.key), nameWidth) + "  " + padded(numberText(value), numberWidth) + "  " +
-           stateText(value.state);
+           inspect::stateText(value.state);
 }
 
 } // namespace qel::tools

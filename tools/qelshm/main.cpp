@@ -1,13 +1,14 @@
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Logging.h"
-#include "tools/common/Svid.h"
 #include "tools/qelshm/Commands.h"
 #include "tools/qelshm/Options.h"
 #include "tools/qelshm/PlainView.h"
 #include "tools/qelshm/RegionLink.h"
 #include "tools/qelshm/ScreenView.h"
 #include "tools/qelshm/Watch.h"
+
+#include "inspect/Svid.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -30,7 +31,7 @@ namespace {
 std::vector<long long> svidsOf(ReaderOptions const& options) {
     std::vector<long long> svids;
     for (auto const& text : options.svids) {
-        svids.push_back(parseSvid(text).value()); // checked with the arguments
+        svids.push_back(inspect::parseSvid(text).value()); // checked with the arguments
     }
     return svids;
 }
@@ -59,7 +60,7 @@ void runCommand(RegionLink& link, ReaderOptions const& options) {
     case Command::Get:
         for (auto const svid : svidsOf(options)) {
             if (!printOne(link.reader(), svid, std::cout)) {
-                throw std::runtime_error("there is no point or value " + svidText(svid));
+                throw std::runtime_error("there is no point or value " + inspect::svidText(svid));
             }
         }
         break;

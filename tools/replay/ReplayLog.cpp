@@ -1,12 +1,12 @@
 #include "tools/replay/ReplayLog.h"
 
-#include "tools/common/StateText.h"
-#include "tools/common/Svid.h"
 #include "tools/common/TimeText.h"
 #include "tools/replay/Topology.h"
 #include "tools/replay/ValueKeys.h"
 
 #include "format/ValueFormatter.h"
+#include "inspect/StateText.h"
+#include "inspect/Svid.h"
 
 #include <iomanip>
 #include <ostream>
@@ -23,7 +23,7 @@ std::string counted(std::uint64_t count, std::string_view noun) {
 }
 
 std::string transition(eStatus_Bits before, eStatus_Bits after) {
-    return stateText(before) + " => " + stateText(after);
+    return inspect::stateText(before) + " => " + inspect::stateText(after);
 }
 
 // As readers will see it: the region keeps energies in thousandths.
@@ -69,7 +69,7 @@ void ReplayLog::missing(std::uint64_t time, std::string const& file, std::size_t
 void ReplayLog::changed(std::uint64_t time, Change const& change, std::size_t points, std::size_t values) {
     ++changes_;
     event(time, "structure",
-          pointLabel(pointSvid(change.point)) + (change.comes ? " added, now " : " removed, now ") +
+          inspect::pointLabel(pointSvid(change.point)) + (change.comes ? " added, now " : " removed, now ") +
               counted(points, "point") + ", " + counted(values, "value"));
 }
 
@@ -86,7 +86,7 @@ void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits glob
     line << program << reason << ": " << counted(rows_, "row") << ", " << counted(updates_, "update")
          << " in " << std::fixed << std::setprecision(1) << seconds << " s; "
          << counted(crossings_, "limit crossing") << ", " << counted(changes_, "structure change")
-         << "; global state " << stateText(globalState);
+         << "; global state " << inspect::stateText(globalState);
     if (refused_ != 0) {
         line << "; " << counted(refused_, "update") << " refused";
     }

@@ -1,11 +1,14 @@
-#include "tools/common/Svid.h"
+#include "inspect/Svid.h"
+
+#include "inspect/LevelNames.h"
 
 #include "domain/SensorIdentifier.h"
 
+#include <algorithm>
 #include <charconv>
 #include <system_error>
 
-namespace qel::tools {
+namespace qel::inspect {
 
 namespace {
 
@@ -22,29 +25,22 @@ std::optional<Number> wholeNumber(std::string_view digits, int base) {
     return result;
 }
 
-std::string electricalName(SensorIdentifier::Parts const& parts) {
-    if (parts[Part::Socket] != -1) {
-        return "socket";
-    }
-    if (parts[Part::Circuit] != -1) {
-        return "circuit";
-    }
-    if (parts[Part::Phase] != -1) {
-        return "phase";
-    }
-    return parts[Part::Inlet] != -1 ? "inlet" : "unit";
+std::string_view electricalName(SensorIdentifier::Parts const& parts) {
+    auto const deepest = std::find_if(levelNames.rbegin(), levelNames.rend(),
+                                      [&](LevelName const& level) { return parts[level.part] != -1; });
+    return deepest == levelNames.rend() ? unitName : deepest->name;
 }
 
-std::string kindName(SensorIdentifier::Parts const& parts) {
+std::string_view kindName(SensorIdentifier::Parts const& parts) {
     switch (parts[Part::Kind]) {
     case SensorType::Electrical:
         return electricalName(parts);
     case SensorType::I2C:
-        return "sensor";
+        return sensorName;
     case SensorType::SocketGroup:
-        return "group";
+        return socketGroupName;
     case SensorType::RCM:
-        return "rcm";
+        return rcmName;
     default:
         return "point";
     }
@@ -78,15 +74,15 @@ std::optional<long long> parseSvid(std::string_view text) {
 
 std::string pointLabel(long long svid) {
     auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    std::string label = kindName(parts);
+    std::string label(kindName(parts));
     char separator = ' ';
-    for (auto const part : {Part::Inlet, Part::Phase, Part::Circuit, Part::Socket}) {
-        if (parts[part] != -1) {
-            label += separator + std::to_string(parts[part]);
+    for (auto const& level : levelNames) {
+        if (parts[level.part] != -1) {
+            label += separator + std::to_string(parts[level.part]);
             separator = '/';
         }
     }
     return separator == ' ' ? label + ' ' + std::to_string(parts[Part::Device]) : label;
 }
 
-} // namespace qel::tools
+} // namespace qel::inspect

@@ -1,10 +1,10 @@
-#include "tools/common/Svid.h"
+#include "inspect/Svid.h"
 
 #include <gtest/gtest.h>
 
 #include <ostream>
 
-namespace qel::tools {
+namespace qel::inspect {
 
 namespace {
 
@@ -71,4 +71,4 @@ INSTANTIATE_TEST_SUITE_P(
                     Labelled{0x0102FFFFFF010000, "group 1"}, Labelled{0x0104FFFFFFFF0000, "rcm 1"},
                     Labelled{0x010301FFFFFF0000, "point 1"}));
 
-} // namespace qel::tools
+} // namespace qel::inspect

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace qel::tools {
+namespace qel::inspect {
 
 /// The point that a value's id belongs to: the id with its low 16 bits cleared.
 constexpr long long pointOf(long long svid) {
@@ -24,4 +24,4 @@ std::optional<long long> parseSvid(std::string_view text);
 /// "sensor 1/1", "group 1". Levels that the id does not use are left out; the key is not looked at.
 std::string pointLabel(long long svid);
 
-} // namespace qel::tools
+} // namespace qel::inspect

@@ -1,4 +1,4 @@
-#include "tools/common/StateText.h"
+#include "inspect/StateText.h"
 
 #include "format/Print.h"
 #include "region/QelShmMVal.h"
@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string_view>
 
-namespace qel::tools {
+namespace qel::inspect {
 
 // The library prints states as part of a value's line only; this takes the name out of such a line.
 std::string stateText(eStatus_Bits state) {
@@ -22,4 +22,4 @@ std::string stateText(eStatus_Bits state) {
     return line.substr(begin, line.rfind(after) - begin);
 }
 
-} // namespace qel::tools
+} // namespace qel::inspect

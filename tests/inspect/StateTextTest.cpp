@@ -1,8 +1,8 @@
-#include "tools/common/StateText.h"
+#include "inspect/StateText.h"
 
 #include <gtest/gtest.h>
 
-namespace qel::tools {
+namespace qel::inspect {
 
 TEST(StateTextTest, NamesStatesAsTheLibraryPrintsThem) {
     EXPECT_EQ("Expected Value", stateText(eStatus_ExpectedValue));
@@ -14,4 +14,4 @@ TEST(StateTextTest, NamesStatesAsTheLibraryPrintsThem) {
     EXPECT_EQ("UNKNOWN STATE", stateText(static_cast<eStatus_Bits>(44)));
 }
 
-} // namespace qel::tools
+} // namespace qel::inspect

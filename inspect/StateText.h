@@ -6,9 +6,9 @@
 
 #include <string>
 
-namespace qel::tools {
+namespace qel::inspect {
 
 /// The state's name as the data plane prints it, such as "High Alarm".
 std::string stateText(eStatus_Bits state);
 
-} // namespace qel::tools
+} // namespace qel::inspect
