@@ -1,7 +1,6 @@
 #include "domain/MeasureValue.h"
 
 #include <array>
-#include <utility>
 
 namespace measval {
 
@@ -27,29 +26,6 @@ std::string mvtToStr(MeasureValueType type) {
     }
     return "Unknown";
 }
-
-MeasureValue::MeasureValue(double value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(value),
-      timestamp_(timestamp),
-      state_(state) {}
-
-MeasureValue::MeasureValue(long long value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(value),
-      timestamp_(timestamp),
-      state_(state) {}
-
-MeasureValue::MeasureValue(bool value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(value),
-      timestamp_(timestamp),
-      state_(state) {}
-
-MeasureValue::MeasureValue(std::string value, std::uint64_t timestamp, eStatus_Bits state)
-    : value_(std::move(value)),
-      timestamp_(timestamp),
-      state_(state) {}
-
-MeasureValue::MeasureValue(char const* value, std::uint64_t timestamp, eStatus_Bits state)
-    : MeasureValue(std::string(value), timestamp, state) {}
 
 MeasureValueType MeasureValue::type() const {
     return typeOfAlternative.at(value_.index());

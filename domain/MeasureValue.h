@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <variant>
 
 namespace measval {
@@ -25,12 +26,25 @@ public:
     };
 
     /// @param timestamp stored and handed on unchanged; the unit is the caller's (this system uses ms since 1970 UTC)
-    MeasureValue(double value, std::uint64_t timestamp, eStatus_Bits state);
-    MeasureValue(long long value, std::uint64_t timestamp, eStatus_Bits state);
-    MeasureValue(bool value, std::uint64_t timestamp, eStatus_Bits state);
-    MeasureValue(std::string value, std::uint64_t timestamp, eStatus_Bits state);
+    MeasureValue(double value, std::uint64_t timestamp, eStatus_Bits state)
+        : value_(value),
+          timestamp_(timestamp),
+          state_(state) {}
+    MeasureValue(long long value, std::uint64_t timestamp, eStatus_Bits state)
+        : value_(value),
+          timestamp_(timestamp),
+          state_(state) {}
+    MeasureValue(bool value, std::uint64_t timestamp, eStatus_Bits state)
+        : value_(value),
+          timestamp_(timestamp),
+          state_(state) {}
+    MeasureValue(std::string value, std::uint64_t timestamp, eStatus_Bits state)
+        : value_(std::move(value)),
+          timestamp_(timestamp),
+          state_(state) {}
     /// A literal is text; without this overload it would convert to bool.
-    MeasureValue(char const* value, std::uint64_t timestamp, eStatus_Bits state);
+    MeasureValue(char const* value, std::uint64_t timestamp, eStatus_Bits state)
+        : MeasureValue(std::string(value), timestamp, state) {}
 
     std::uint64_t timestamp() const { return timestamp_; }
     eStatus_Bits state() const { return state_; }

@@ -53,7 +53,7 @@ public:
     void closeShm();
 
     /// The root, a null handle while nothing is mapped.
-    QelShmRoot root() const { return QelShmRoot(region_.load()); }
+    QelShmRoot root() const { return QelShmRoot(region()); }
 
     /// The whole tree as text for diagnostics, one line per point; "" while nothing is mapped. Numbers are
     /// hexadecimal. Links must not be cyclic.
@@ -70,7 +70,7 @@ protected:
     void treenode(QelShmMP const& mp, unsigned int indent, std::ostringstream& out) const;
 
     /// The mapped region, null while nothing is mapped.
-    record::Region* region() const { return region_.load(); }
+    record::Region* region() const { return region_.load(std::memory_order_relaxed); }
 
 private:
     ShmAccess const access_;

@@ -7,33 +7,7 @@ namespace shm {
 QelSharedMemoryStates::~QelSharedMemoryStates() = default;
 
 eStatus_Bits QelSharedMemoryStates::mpInitial(eStatus_Bits state) const {
-    switch (state) {
-    case eStatus_ExpectedValue:
-    case eStatus_Lost:
-    case eStatus_Deactivated:
-    case eStatus_DeviceIsUpdating:
-    case eStatus_DeviceUpdateError:
-    case eStatus_OngoingSwitchOn:
-    case eStatus_SlaveVersionTooNew:
-        return state;
-    case eStatus_OnAlarmIdentify:
-    case eStatus_OnWarningIdentify:
-    case eStatus_OnIdentify:
-        return eStatus_OnIdentify;
-    case eStatus_OffAlarmIdentify:
-    case eStatus_OffWarningIdentify:
-    case eStatus_OffIdentify:
-        return eStatus_OffIdentify;
-    case eStatus_OffAlarm:
-    case eStatus_OffWarning:
-    case eStatus_Off:
-    case eStatus_OffChildAlarm:
-    case eStatus_OffChildWarning:
-        return eStatus_Off;
-    default:
-        // Deliberate: an undefined state, and child states that carry neither On nor Off, count as On.
-        return eStatus_On;
-    }
+    return ownPart(state);
 }
 
 eStatus_Bits QelSharedMemoryStates::mvState(std::list<eStatus_Bits> const& values) const {

@@ -3,7 +3,10 @@
 #pragma once
 
 #include "domain/eStatus_Bits.h"
+#include "region/TableLookup.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 
@@ -64,8 +67,8 @@ class ValueFold {
 public:
     /// @return false when no further state can change the result
     constexpr bool add(eStatus_Bits value) {
-        if (value == eStatus_ExpectedValue || value == eStatus_UndefinedValue) {
-            return true;
+        if (value == result_ || value == eStatus_ExpectedValue || value == eStatus_UndefinedValue) {
+            return true; // most values are in the state of the one before
         }
         // Deliberate: the first alarm wins, but the last warning.
         if (valueAlarms.has(value)) {
@@ -104,10 +107,98 @@ private:
     eStatus_Bits result_ = eStatus_UndefinedValue;
 };
 
+/// A point's own part of its state, see QelSharedMemoryStates::mpInitial().
+constexpr eStatus_Bits ownPart(eStatus_Bits state) {
+    switch (state) {
+    case eStatus_ExpectedValue:
+    case eStatus_Lost:
+    case eStatus_Deactivated:
+    case eStatus_DeviceIsUpdating:
+    case eStatus_DeviceUpdateError:
+    case eStatus_OngoingSwitchOn:
+    case eStatus_SlaveVersionTooNew:
+        return state;
+    case eStatus_OnAlarmIdentify:
+    case eStatus_OnWarningIdentify:
+    case eStatus_OnIdentify:
+        return eStatus_OnIdentify;
+    case eStatus_OffAlarmIdentify:
+    case eStatus_OffWarningIdentify:
+    case eStatus_OffIdentify:
+        return eStatus_OffIdentify;
+    case eStatus_OffAlarm:
+    case eStatus_OffWarning:
+    case eStatus_Off:
+    case eStatus_OffChildAlarm:
+    case eStatus_OffChildWarning:
+        return eStatus_Off;
+    default:
+        // Deliberate: an undefined state, and child states that carry neither On nor Off, count as On.
+        return eStatus_On;
+    }
+}
+
+// Deliberate: "Device Update Error" is not among them, so a child that updates replaces it.
+inline constexpr StateSet untouchable{eStatus_Lost, eStatus_Deactivated, eStatus_DeviceIsUpdating,
+                                      eStatus_OngoingSwitchOn, eStatus_SlaveVersionTooNew};
+
+constexpr bool isUntouchable(eStatus_Bits state) {
+    return state == eStatus_ExpectedValue || untouchable.has(state);
+}
+
+/// What a point's plain state becomes when one of its values alarms or warns.
+struct Escalation {
+    eStatus_Bits code;
+    eStatus_Bits alarm;
+    eStatus_Bits warning;
+};
+
+inline constexpr std::array<Escalation, 4> escalations{
+    {{eStatus_OnIdentify, eStatus_OnAlarmIdentify, eStatus_OnWarningIdentify},
+     {eStatus_OffIdentify, eStatus_OffAlarmIdentify, eStatus_OffWarningIdentify},
+     {eStatus_On, eStatus_OnAlarm, eStatus_OnWarning},
+     {eStatus_Off, eStatus_OffAlarm, eStatus_OffWarning}}};
+static_assert(coversCodes(escalations, eStatus_OnIdentify, eStatus_Off));
+
+constexpr bool isPlain(eStatus_Bits state) {
+    return state >= eStatus_OnIdentify && state <= eStatus_Off;
+}
+
+constexpr eStatus_Bits escalate(eStatus_Bits state, eStatus_Bits values) {
+    bool const alarms = valueAlarms.has(values);
+    if (!isPlain(state) || !(alarms || valueWarnings.has(values))) {
+        return state;
+    }
+    auto const& escalation = escalations[static_cast<std::size_t>(state - eStatus_OnIdentify)];
+    return alarms ? escalation.alarm : escalation.warning;
+}
+
 /// The new state of a point, see QelSharedMemoryStates::mpState().
-/// @param initial  the point's own part, see QelSharedMemoryStates::mpInitial()
+/// @param initial  the point's own part, see ownPart()
 /// @param values   the folded states of its values
 /// @param children the folded reported states of its children
-eStatus_Bits combineStates(eStatus_Bits initial, eStatus_Bits values, eStatus_Bits children);
+constexpr eStatus_Bits combineStates(eStatus_Bits initial, eStatus_Bits values, eStatus_Bits children) {
+    if (isUntouchable(initial)) {
+        return initial;
+    }
+    auto const withValues = escalate(initial, values);
+    if (deviceUpdates.has(children)) {
+        return children;
+    }
+    if (ownAlarms.has(withValues)) {
+        return withValues;
+    }
+    // Deliberate: only a plain "Off" keeps its Off beside a troubled child. Every other state becomes the
+    // bare "Child Alarm" or "Child Warning" and loses On, Off and Identify; "On, Child Alarm" and "On, Child
+    // Warning" never come out.
+    bool const off = withValues == eStatus_Off;
+    if (childAlarms.has(children)) {
+        return off ? eStatus_OffChildAlarm : eStatus_ChildAlarm;
+    }
+    if (isPlain(withValues) && childWarnings.has(children)) {
+        return off ? eStatus_OffChildWarning : eStatus_ChildWarning;
+    }
+    return withValues;
+}
 
 } // namespace shm

@@ -6,40 +6,77 @@
 #include "writer/MPDef.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <vector>
 
 namespace shm {
 
-/// Stands beside the ordered map of definitions and holds the same: a flat hash table from point svid to slot
-/// position (open addressing, linear probing), and per slot the point's values as a short sorted array.
+/// Stands beside the ordered map of definitions and holds the same, flat: a hash table from point svid to slot
+/// position, and per point one from value key to slot position. Both use open addressing with linear probing.
 ///
 /// Threads: find() may run in any thread while no point comes or goes, as a look-up in the map may. The
 /// values of a point are guarded by its definition's mutex.
 class PointIndex {
+    static constexpr std::uint16_t noSlot = 0xFFFF;
+    static_assert(noSlot >= MP_COUNT && noSlot >= MV_COUNT);
+
 public:
-    /// A value's key and slot.
-    struct Value {
-        std::uint16_t key;
-        std::uint16_t pos;
-    };
+    class Point {
+    public:
+        /// Slot of the point.
+        std::size_t pos() const { return pos_; }
 
-    struct Point {
-        long long svid = 0;
-        MPDef* definition = nullptr; ///< not owned; lives in the writer's map
-        std::vector<Value> values;   ///< keys ascending
+        /// The mutex of the point's definition.
+        std::mutex& mutex() const { return *mutex_; }
 
-        /// Position of a value, NO_POSITION for an unknown key. The caller holds the definition's mutex.
-        std::uint32_t valuePosition(unsigned short key) const;
+        /// Slot of a value, MV_COUNT or more for an unknown key. The caller holds the mutex.
+        std::size_t valuePosition(std::uint16_t key) const {
+            for (auto place = homeOf(key);; place = nextTo(place)) {
+                auto const& value = values_[place];
+                if (value.key == key || value.pos == noSlot) {
+                    return value.pos;
+                }
+            }
+        }
+
+    private:
+        friend class PointIndex;
+
+        struct Value {
+            std::uint16_t key = 0;
+            std::uint16_t pos = noSlot;
+        };
+
+        static constexpr unsigned int hashBits = 32;
+
+        std::uint32_t homeOf(std::uint32_t key) const {
+            constexpr std::uint32_t goldenRatio = 0x9E3779B9;
+            return (key * goldenRatio) >> shift_;
+        }
+
+        std::uint32_t nextTo(std::uint32_t place) const { return (place + 1) & mask_; }
+
+        void takeOver(MPDef const& definition);
+
+        std::mutex* mutex_ = nullptr; // not owned; the definition lives in the writer's map
+        std::vector<Value> values_;   // a power of two of places, at least a quarter of them free
+        std::uint32_t mask_ = 0;      // keeps a place's number inside them
+        std::uint8_t shift_ = 0;      // leaves as many bits of a hash
+        std::uint16_t pos_ = noSlot;
     };
 
     PointIndex();
 
     /// Null for an unknown point.
-    Point const* find(long long svid) const;
+    Point const* find(long long svid) const {
+        auto const pos = table_[placeOf(svid)];
+        return pos == noSlot ? nullptr : &points_[pos];
+    }
 
     /// A point that was not there; its definition stays where it is until remove().
-    void add(long long svid, MPDef& definition);
+    void add(long long svid, MPDef const& definition);
 
     /// Takes over the values that the definition has now. The caller holds the definition's mutex.
     void update(MPDef const& definition);
@@ -47,16 +84,28 @@ public:
     void remove(long long svid);
 
 private:
-    static constexpr unsigned int tableBits = 11; // 2048 places for at most 800 points
+    static constexpr unsigned int tableBits = 12; // 4096 places for at most 800 points
     static constexpr std::size_t tableSize = std::size_t{1} << tableBits;
-    static constexpr std::uint16_t noPoint = 0xFFFF;
-    static_assert(tableSize / 2 >= MP_COUNT && noPoint >= MP_COUNT);
+    static_assert(tableSize / 2 >= MP_COUNT);
 
-    static std::size_t placeFor(long long svid);
-    std::size_t placeOf(long long svid) const;
+    // Fibonacci hashing: the product's high bits depend on all bytes of the id.
+    static std::size_t homeOf(long long svid) {
+        constexpr std::uint64_t goldenRatio = 0x9E3779B97F4A7C15;
+        return static_cast<std::size_t>(static_cast<std::uint64_t>(svid) * goldenRatio >> (64U - tableBits));
+    }
+
+    /// The place that holds the point, or the free one where it would be put.
+    std::size_t placeOf(long long svid) const {
+        auto place = homeOf(svid);
+        while (table_[place] != noSlot && svids_[table_[place]] != svid) {
+            place = (place + 1) % tableSize;
+        }
+        return place;
+    }
 
     std::array<std::uint16_t, tableSize> table_{}; // slot positions
-    std::vector<Point> points_;                    // by slot position
+    std::array<long long, MP_COUNT> svids_{};      // by slot position
+    std::array<Point, MP_COUNT> points_;           // by slot position
 };
 
 } // namespace shm

@@ -1,6 +1,5 @@
 #include "writer/QelSharedMemoryWriter.h"
 
-#include "domain/SensorIdentifier.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "writer/PointIndex.h"
@@ -28,7 +27,7 @@ bool QelSharedMemoryWriter::modifyStructure(std::unordered_set<long long> const&
     for (auto const svid : svids) {
         auto const point = pointSvid(svid);
         auto& definition = definitions[point];
-        auto const key = SensorIdentifier::getKey(svid);
+        auto const key = valueKey(svid);
         if (svid != point && !isPointStateKey(key)) {
             std::lock_guard<std::mutex> const lock(definition.mutex);
             definition.mvs.emplace(key, NO_POSITION);

@@ -1,6 +1,5 @@
 #include "writer/QelSharedMemoryWriter.h"
 
-#include "domain/SensorIdentifier.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "states/QelStateLedThread.h"
@@ -10,6 +9,8 @@
 
 #include <log4cpp/Priority.hh>
 
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 
 namespace shm {
@@ -18,8 +19,8 @@ namespace {
 
 constexpr double thousandths = 1000.0;
 
-unsigned int valuePosition(PointIndex::Point const& point, unsigned short key) {
-    std::lock_guard<std::mutex> const lock(point.definition->mutex);
+std::size_t valuePosition(PointIndex::Point const& point, unsigned short key) {
+    std::lock_guard<std::mutex> const lock(point.mutex());
     return point.valuePosition(key);
 }
 
@@ -41,31 +42,29 @@ void QelSharedMemoryWriter::setActive() {
 bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept {
     try {
         auto const* const point = index_->find(pointSvid(svid));
-        if (!value || point == nullptr) {
+        if (point == nullptr || !value || region() == nullptr) {
             return false;
         }
-        auto* const mp = pointAt(point->definition->pos);
-        if (mp == nullptr) {
-            return false;
-        }
-        auto const key = SensorIdentifier::getKey(svid);
+        auto const key = valueKey(svid);
         if (isPointStateKey(key)) {
-            storeField(mp->state, value->state());
-            storeField(mp->at, value->timestamp());
+            auto& mp = region()->points[point->pos()];
+            storeField(mp.state, value->state());
+            storeField(mp.at, value->timestamp());
             return true;
         }
-        auto* const mv = valueAt(valuePosition(*point, key));
-        if (mv == nullptr) {
+        auto const pos = valuePosition(*point, key);
+        if (pos >= MV_COUNT) {
             return false;
         }
-        storeField(mv->at, value->timestamp());
-        storeField(mv->state, value->state());
+        auto& mv = region()->values[pos];
+        storeField(mv.at, value->timestamp());
+        storeField(mv.state, value->state());
         // Deliberate: a value that is no number has left its time and state by now; the old number stays.
         auto const number = value->toDouble();
         if (number.type != measval::Double) {
             return false;
         }
-        storeField(mv->value, isInThousandths(key) ? number.value / thousandths : number.value);
+        storeField(mv.value, isInThousandths(key) ? number.value / thousandths : number.value);
         return true;
     } catch (std::exception const&) {
         return false;
@@ -81,7 +80,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
             return;
         }
         auto& root = region()->root;
-        auto const global = StatePropagation(*region(), *this).combineAll();
+        auto const global = StatePropagation(*region()).combineAll();
         if (global != root.state) {
             storeField(root.state, global);
             if (ledThread_) {
@@ -95,7 +94,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
 }
 
 void QelSharedMemoryWriter::defineState(QelShmMP& mp, std::list<eStatus_Bits>& out) {
-    StatePropagation(*region(), *this).combineSiblings(mp, out);
+    StatePropagation(*region()).combineSiblings(mp, out);
 }
 
 } // namespace shm

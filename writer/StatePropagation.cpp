@@ -63,12 +63,14 @@ void StatePropagation::siblings(std::uint32_t pos, Sink& sink) const {
 
 eStatus_Bits StatePropagation::combine(QelShmMP& mp, eStatus_Bits children) const {
     ValueFold values;
-    for (auto pos = mp.mvs; pos < MV_COUNT; pos = region_.values[pos].next) {
-        if (!values.add(region_.values[pos].state)) {
+    for (auto pos = mp.mvs; pos < MV_COUNT;) {
+        auto const& value = region_.values[pos];
+        pos = value.next;
+        if (!values.add(value.state)) {
             break;
         }
     }
-    auto const state = combineStates(rules_.mpInitial(mp.state), values.result(), children);
+    auto const state = combineStates(ownPart(mp.state), values.result(), children);
     if (state != mp.state) {
         storeField(mp.state, state);
     }

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "region/QelShmRecords.h"
-#include "states/QelSharedMemoryStates.h"
 
 #include <list>
 
@@ -15,10 +14,8 @@ namespace shm {
 /// Threads: belongs to the thread that changes the structure.
 class StatePropagation {
 public:
-    /// Both must outlive the object.
-    StatePropagation(record::Region& region, QelSharedMemoryStates const& rules)
-        : region_(region),
-          rules_(rules) {}
+    /// @param region must outlive the object
+    explicit StatePropagation(record::Region& region) : region_(region) {}
 
     /// The global state, after all points were combined.
     eStatus_Bits combineAll() const;
@@ -33,7 +30,6 @@ private:
     eStatus_Bits combine(QelShmMP& mp, eStatus_Bits children) const;
 
     record::Region& region_;
-    QelSharedMemoryStates const& rules_;
 };
 
 } // namespace shm

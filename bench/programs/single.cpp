@@ -10,6 +10,7 @@
 #include <valgrind/callgrind.h>
 
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -41,22 +42,27 @@ void markSystemCalls(bench::CountedRound& round) {
 }
 
 void runSingle(bench::Options const& options) {
+    bool const time = options.measure == "time";
+    bool const instructions = options.measure == "instructions";
+    if (!time && !instructions && options.measure != "system-calls") {
+        throw std::invalid_argument("there is no measure " + options.measure);
+    }
     bench::Plan const plan(options.shape);
     checkSameRegion(plan);
     std::vector<bench::Finding> findings;
     for (auto const& work : bench::singleProcessWorks()) {
-        if (options.measure == "time") {
+        if (time) {
             auto found = timeInPasses(work, plan, options.passes, options.seconds);
             std::move(found.begin(), found.end(), std::back_inserter(findings));
             continue;
         }
         for (auto const& candidate : work.candidates) {
-            if (options.measure == "instructions" && !candidate.throughServer) {
-                bench::CountedRound round(work, candidate, plan);
-                countInstructions(round);
-            } else if (options.measure == "system-calls") {
+            if (!instructions) {
                 bench::CountedRound round(work, candidate, plan);
                 markSystemCalls(round);
+            } else if (!candidate.throughServer) {
+                bench::CountedRound round(work, candidate, plan);
+                countInstructions(round);
             }
         }
     }

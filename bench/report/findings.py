@@ -100,7 +100,7 @@ class Findings:
             label = re.search(r"^desc: Trigger: Client Request: (.*)$", text, re.MULTILINE)
             if label:
                 row, operations = self._labelled(shape, label.group(1))
-                row.instructions = int(re.search(r"^summary: (\d+)", text, re.MULTILINE).group(1)) / operations
+                row.instructions = int(re.search(r"^totals: (\d+)", text, re.MULTILINE).group(1)) / operations
 
     def _read_strace(self, directory, shape):
         path = os.path.join(directory, f"{shape}.strace")

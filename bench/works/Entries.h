@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -149,5 +150,14 @@ private:
     typename Contender::Input input_;
     std::optional<typename Contender::Writer> writer_;
 };
+
+/// A contender's row in a work: its entry is made from a plan and the arguments.
+template <typename Contender, typename EntryType, typename... Arguments>
+Candidate candidate(std::string const& variant, Arguments... arguments) {
+    return {Contender::name, variant, Contender::throughServer, Contender::waits,
+            [=](Plan const& plan) -> std::unique_ptr<Entry> {
+                return std::make_unique<EntryType>(plan, arguments...);
+            }};
+}
 
 } // namespace bench

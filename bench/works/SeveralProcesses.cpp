@@ -201,14 +201,6 @@ private:
     double mean_ = 0;
 };
 
-template <typename Contender, typename EntryType, typename... Arguments>
-Candidate candidate(std::string const& variant, Arguments... arguments) {
-    return {Contender::name, variant, Contender::throughServer, Contender::waits,
-            [=](Plan const& plan) -> std::unique_ptr<Entry> {
-                return std::make_unique<EntryType>(plan, arguments...);
-            }};
-}
-
 /// As many readers as there are cores beside the writer's, at least one.
 unsigned int mostReaders() {
     return std::max(std::thread::hardware_concurrency(), 2U) - 1;

@@ -16,32 +16,24 @@ namespace bench {
 
 namespace {
 
-template <typename Contender, typename EntryType, typename... Arguments>
-Candidate candidate(Arguments... arguments) {
-    return {Contender::name, "", Contender::throughServer, Contender::waits,
-            [=](Plan const& plan) -> std::unique_ptr<Entry> {
-                return std::make_unique<EntryType>(plan, arguments...);
-            }};
-}
-
 template <typename Operation, template <typename> class Side, typename... Contenders>
 std::vector<Candidate> sweeps() {
-    return {candidate<Contenders, Sweep<Side<Contenders>, Operation>>(Contenders::roundLimit)...};
+    return {candidate<Contenders, Sweep<Side<Contenders>, Operation>>("", Contenders::roundLimit)...};
 }
 
 template <typename Operation, template <typename> class Side, typename... Contenders>
 std::vector<Candidate> wholes() {
-    return {candidate<Contenders, Whole<Side<Contenders>, Operation>>()...};
+    return {candidate<Contenders, Whole<Side<Contenders>, Operation>>("")...};
 }
 
 template <bool fresh, typename... Contenders>
 std::vector<Candidate> builds() {
-    return {candidate<Contenders, Build<Contenders, fresh>>()...};
+    return {candidate<Contenders, Build<Contenders, fresh>>("")...};
 }
 
 template <typename... Formats>
 std::vector<Candidate> formats() {
-    return {candidate<Formats, Sweep<FormatSide, Formats>>(InProcess::roundLimit)...};
+    return {candidate<Formats, Sweep<FormatSide, Formats>>("", InProcess::roundLimit)...};
 }
 
 } // namespace

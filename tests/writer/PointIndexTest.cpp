@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <vector>
@@ -12,7 +13,7 @@ namespace qel::test {
 
 namespace {
 
-constexpr std::uint32_t none = 0xFFFFFFFF;
+constexpr std::size_t values = 8800; // positions from here on are none
 
 using Points = std::map<long long, shm::MPDef>;
 
@@ -21,8 +22,8 @@ void expectSame(Points const& expected, shm::PointIndex const& sut, long long sv
     auto const* const found = sut.find(svid);
     ASSERT_EQ(known != expected.end(), found != nullptr);
     if (found != nullptr) {
-        EXPECT_EQ(svid, found->svid);
-        EXPECT_EQ(&known->second, found->definition);
+        EXPECT_EQ(known->second.pos, found->pos());
+        EXPECT_EQ(&known->second.mutex, &found->mutex());
     }
 }
 
@@ -42,10 +43,42 @@ TEST(PointIndexTest, ValuePosition_FindsEachKeyAndNoOther) {
     ASSERT_NE(nullptr, point);
     EXPECT_EQ(7U, point->valuePosition(0));
     EXPECT_EQ(8799U, point->valuePosition(1));
-    EXPECT_EQ(none, point->valuePosition(2));
+    EXPECT_GE(point->valuePosition(2), values);
     EXPECT_EQ(3U, point->valuePosition(0x100));
     EXPECT_EQ(4U, point->valuePosition(0xFFFF));
-    EXPECT_EQ(none, point->valuePosition(0xFFFE));
+    EXPECT_GE(point->valuePosition(0xFFFE), values);
+}
+
+TEST(PointIndexTest, ValuePosition_OfAPointWithoutValues_IsNone) {
+    shm::PointIndex sut;
+    shm::MPDef const definition(3, {});
+    sut.add(1, definition);
+    for (unsigned int key = 0; key <= 0xFFFF; ++key) {
+        EXPECT_GE(sut.find(1)->valuePosition(static_cast<std::uint16_t>(key)), values);
+    }
+}
+
+TEST(PointIndexTest, ValuePosition_AgreesWithAMapForRandomKeys) {
+    auto random = randomNumbers(11);
+    shm::PointIndex sut;
+    shm::MPDef definition(3, {});
+    sut.add(1, definition);
+    // Up to the 91 keys of one point, of a narrow range or any.
+    for (int step = 0; step < 400; ++step) {
+        unsigned int const range = step % 2 == 0 ? 0x100 : 0x10000;
+        if (definition.mvs.size() > 90) {
+            definition.mvs.clear();
+        }
+        definition.mvs[static_cast<std::uint16_t>(random() % range)] = static_cast<unsigned int>(step);
+        sut.update(definition);
+        for (unsigned int key = 0; key <= 0xFFFF; ++key) {
+            auto const known = definition.mvs.find(static_cast<std::uint16_t>(key));
+            auto const found = sut.find(1)->valuePosition(static_cast<std::uint16_t>(key));
+            if (known == definition.mvs.end() ? found < values : found != known->second) {
+                FAIL() << "step " << step << ", key " << key << ": " << found;
+            }
+        }
+    }
 }
 
 TEST(PointIndexTest, Update_TakesOverNewValues) {
@@ -53,7 +86,7 @@ TEST(PointIndexTest, Update_TakesOverNewValues) {
     shm::MPDef definition(5, {{1, 10}});
     sut.add(1, definition);
     definition.mvs[4] = 11;
-    EXPECT_EQ(none, sut.find(1)->valuePosition(4));
+    EXPECT_GE(sut.find(1)->valuePosition(4), values);
     sut.update(definition);
     EXPECT_EQ(11U, sut.find(1)->valuePosition(4));
 }
