@@ -21,18 +21,16 @@ constexpr std::size_t nameWidth = 16;
 constexpr std::size_t numberWidth = 16;
 constexpr std::size_t stateWidth = 14;
 
-// A value that was never delivered has no time.
-std::string timeOf(shm::record::QelShmMVal const& value) {
-    return value.at == 0 ? "-" : timeText(value.at);
-}
-
 } // namespace
 
-std::string padded(std::string_view text, std::size_t width) {
-    auto const characters = static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+std::size_t characterCount(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
         return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; // not one that continues a character
     }));
-    return std::string(text) + std::string(width - std::min(width, characters), ' ');
+}
+
+std::string padded(std::string_view text, std::size_t width) {
+    return std::string(text) + std::string(width - std::min(width, characterCount(text)), ' ');
 }
 
 std::string numberText(shm::record::QelShmMVal const& value) {
@@ -49,11 +47,11 @@ std::string pointLine(PointView const& point) {
 std::string valueLine(PointView const& point, shm::record::QelShmMVal const& value) {
     return "  " + inspect::svidText(point.svid | value.key) + "  " +
            padded(shm::keyName(value.key), nameWidth) + "  " + padded(numberText(value), numberWidth) + "  " +
-           padded(inspect::stateText(value.state), stateWidth) + "  " + timeOf(value);
+           padded(inspect::stateText(value.state), stateWidth) + "  " + momentText(value.at);
 }
 
 std::string changeLine(PointView const& point, shm::record::QelShmMVal const& value) {
-    return timeOf(value) + "  " + padded(inspect::pointLabel(point.svid), labelWidth) + "  " +
+    return momentText(value.at) + "  " + padded(inspect::pointLabel(point.svid), labelWidth) + "  " +
            padded(shm::keyName(value.key), nameWidth) + "  " + padded(numberText(value), numberWidth) + "  " +
            inspect::stateText(value.state);
 }

@@ -12,7 +12,10 @@
 
 namespace qel::tools {
 
-/// The text, filled with blanks on the right to a number of characters (not bytes; the text is UTF-8).
+/// Number of characters (not bytes) of a text in UTF-8.
+std::size_t characterCount(std::string_view text);
+
+/// The text, filled with blanks on the right to a number of characters.
 std::string padded(std::string_view text, std::size_t width);
 
 /// Number and unit of a value, "--" or "n/a" when it has none.
