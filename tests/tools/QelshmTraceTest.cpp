@@ -100,7 +100,10 @@ INSTANTIATE_TEST_SUITE_P(
     All, QelshmTraceTest,
     testing::Values(Verb{"Status", {"status", "--json"}}, Verb{"Tree", {"tree", "--values"}},
                     Verb{"List", {"list", "--wait", "5"}}, Verb{"Get", {"get", "unit1/inlet1"}},
-                    Verb{"Find", {"find", "voltage"}}, Verb{"Dump", {"dump", "saved.img"}}),
+                    Verb{"Find", {"find", "voltage"}}, Verb{"Dump", {"dump", "saved.img"}},
+                    Verb{"Check", {"check"}}, Verb{"Why", {"why", "unit1/inlet1"}},
+                    Verb{"Diff", {"diff", "live", "live"}}, Verb{"Hz", {"hz", "--duration", "0.1"}},
+                    Verb{"Record", {"record", "saved.rec", "--count", "2", "--interval", "0.05"}}),
     [](testing::TestParamInfo<Verb> const& tested) { return tested.param.name; });
 
 // Otherwise the test above would show nothing.

@@ -256,6 +256,14 @@ Image oddContent() {
     });
 }
 
+/// An alarm was delivered and not yet propagated.
+Image unfolded() {
+    SampleWriter unit;
+    unit.finish();
+    unit.deliver(sample::socket2 | activePower, watts, eStatus_HighAlarm);
+    return SampleWriter::copy();
+}
+
 /// A list of points and a chain of values that lead back into themselves.
 Image cyclic() {
     return changed(healthy(), [](shm::record::Region& region) {
@@ -287,23 +295,24 @@ std::ostream& operator<<(std::ostream& out, SampleImage const& sample) {
 
 std::vector<SampleImage> const& sampleImages() {
     static std::vector<SampleImage> const images{
-        {"wiped", "created and nothing more", wiped, false, true},
-        {"inactive", "laid out but not yet announced", inactive, false, true},
-        {"one-device", "a unit without anything", oneDevice, true, true},
-        {"healthy", "a small unit", healthy, true, true},
-        {"recorded", "the recorded unit after 300 rows", recorded, true, true},
-        {"full", "all slots in use", full, true, true},
-        {"alarm", "a value in alarm", alarm, true, true},
-        {"warning", "a value in warning", warning, true, true},
-        {"lost", "the unit lost", lost, true, true},
-        {"updating", "the unit updating", updating, true, true},
-        {"update-error", "the unit's update failed", updateError, true, true},
-        {"recycled", "slots in their second life", recycled, true, true},
-        {"odd-content", "numbers, times and codes that are none", oddContent, true, true},
-        {"cyclic", "lists that lead back into themselves", cyclic, true, false},
-        {"wrong-position", "a point that says it is elsewhere", wrongPosition, true, false},
-        {"truncated", "a file that was cut off", truncated, false, true},
-        {"bad-version", "a version that is not known", badVersion, false, true},
+        {"wiped", "created and nothing more", wiped, false, true, true, false},
+        {"inactive", "laid out but not yet announced", inactive, false, true, true, true},
+        {"one-device", "a unit without anything", oneDevice, true, true, true, true},
+        {"healthy", "a small unit", healthy, true, true, true, true},
+        {"recorded", "the recorded unit after 300 rows", recorded, true, true, true, false},
+        {"full", "all slots in use", full, true, true, true, true},
+        {"alarm", "a value in alarm", alarm, true, true, true, false},
+        {"warning", "a value in warning", warning, true, true, true, false},
+        {"lost", "the unit lost", lost, true, true, true, false},
+        {"updating", "the unit updating", updating, true, true, true, false},
+        {"update-error", "the unit's update failed", updateError, true, true, true, false},
+        {"recycled", "slots in their second life", recycled, true, true, true, true},
+        {"unfolded", "an alarm not yet propagated", unfolded, true, true, true, false},
+        {"odd-content", "numbers, times and codes that are none", oddContent, true, true, false, true},
+        {"cyclic", "lists that lead back into themselves", cyclic, true, false, false, true},
+        {"wrong-position", "a point that says it is elsewhere", wrongPosition, true, false, false, true},
+        {"truncated", "a file that was cut off", truncated, false, true, false, false},
+        {"bad-version", "a version that is not known", badVersion, false, true, false, true},
     };
     return images;
 }

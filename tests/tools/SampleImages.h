@@ -31,7 +31,9 @@ struct SampleImage {
     char const* content; ///< in words
     inspect::Image (*build)();
     bool isActive;
-    bool isSound; ///< whether its tree can be walked without finding fault
+    bool isSound;     ///< whether its tree can be walked without finding fault
+    bool isUndamaged; ///< whether everything is as a writer leaves it
+    bool isOn;        ///< whether its global state is "On", by its values
 };
 
 std::ostream& operator<<(std::ostream& out, SampleImage const& sample);

@@ -1,42 +1,35 @@
 #include "tools/qelshm/WatchCommand.h"
 
-#include "tools/common/ExitStatus.h"
-#include "tools/qelshm/PlainView.h"
-#include "tools/qelshm/RegionLink.h"
-#include "tools/qelshm/ScreenView.h"
-#include "tools/qelshm/Watch.h"
-
-#include "inspect/Svid.h"
+#include "tools/watch/Watch.h"
+#include "tools/watch/WatchedNames.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
 
-#include <unistd.h>
-
-#include <algorithm>
 #include <csignal>
-#include <memory>
+#include <ostream>
 
 namespace qel::tools {
 
 namespace {
 
 constexpr char const* footer =
-    "On a terminal: a table that is redrawn when something changes. Arrows, page up and down, home and end "
-    "scroll, q "
-    "quits.\nElsewhere: a line for each value whose number or state has changed.\n\nWaits, if --wait does "
-    "not tell "
-    "otherwise, 5 s for the hardware manager (org.qel.HardwareManager) on the system bus.";
+    "NAME is a sensor id or a path such as unit1/inlet1/circuit2/socket5; a point stands for all its values. "
+    "What does\n"
+    "not exist yet is watched once it does.\n"
+    "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
+    "Elsewhere: a line for each value whose number or state has changed: time, point, value, state; waits 5 s for\n"
+    "something to watch, if --wait does not tell otherwise.\n"
+    "Follows the shared memory when another writer creates it anew.";
 
 constexpr std::uint64_t mostLines = 1000000000000;
 constexpr unsigned defaultWait = 5; ///< s
 
-std::string checkSvid(std::string const& text) {
-    return inspect::parseSvid(text)
-               ? ""
-               : '"' + text +
-                     "\" is no sensor id; expected 0x and up to 16 hexadecimal digits, or a "
-                     "decimal number of 64 bits";
+std::string checkName(std::string const& text) {
+    return watch::WatchedNames::isName(text) ? ""
+                                             : '"' + text +
+                                                   "\" is no sensor id and no path; expected for example "
+                                                   "0x010001ffffff0000 or unit1/inlet1";
 }
 
 } // namespace
@@ -44,8 +37,8 @@ std::string checkSvid(std::string const& text) {
 CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
     auto& verb = *app.add_subcommand("watch", "Show values as they change");
     verb.footer(footer);
-    verb.add_option("SVID", svids_, "Points and values to watch; all without any")
-        ->check(checkSvid)
+    verb.add_option("NAME", names_, "Points and values to watch; all without any")
+        ->check(checkName)
         ->type_name("");
     verb.add_option("--count", count_, "Write so many lines and exit, also on a terminal")
         ->check(CLI::Range(std::uint64_t{1}, mostLines).description(""))
@@ -60,23 +53,12 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
 }
 
 int WatchCommand::run(CommandContext const& context) {
-    constexpr double msPerSecond = 1000.0;
+    using Seconds = std::chrono::duration<double>;
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // a closed output shows in the stream
-    RegionLink link(std::max(1U, context.options.wait.value_or(defaultWait)),
-                    [&](std::string const& missing) { context.tell("waiting, " + missing); });
-    std::unique_ptr<IWatchView> view;
-    if (isatty(STDOUT_FILENO) == 1 && isatty(STDIN_FILENO) == 1 && !count_) {
-        view = std::make_unique<ScreenView>();
-    } else {
-        view = std::make_unique<PlainView>(context.out, count_);
-    }
-    std::vector<long long> svids;
-    for (auto const& text : svids_) {
-        svids.push_back(inspect::parseSvid(text).value()); // checked with the arguments
-    }
-    std::chrono::milliseconds const interval(static_cast<int>(interval_ * msPerSecond));
-    Watch(link, *view, WatchFilter(svids), interval).run();
-    return exitSuccess;
+    watch::WatchOptions const options{
+        names_, count_, std::chrono::duration_cast<std::chrono::milliseconds>(Seconds(interval_)),
+        std::chrono::seconds(context.options.wait.value_or(defaultWait))};
+    return watch::runWatch(options, context.out, context.tell);
 }
 
 } // namespace qel::tools

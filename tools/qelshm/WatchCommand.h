@@ -16,11 +16,11 @@ class WatchCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Throws std::runtime_error when there is nothing to watch, or the hardware manager leaves.
+    /// Throws std::runtime_error when there is nothing to watch.
     int run(CommandContext const& context) override;
 
 private:
-    std::vector<std::string> svids_;
+    std::vector<std::string> names_;
     std::optional<std::uint64_t> count_;
     double interval_ = 0.25; ///< s between two looks
 };
