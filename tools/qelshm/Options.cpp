@@ -2,6 +2,7 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/Logging.h"
+#include "tools/watch/WatchedNames.h"
 
 #include "inspect/Svid.h"
 
@@ -29,7 +30,7 @@ Sensor ids:
 
 Exit status:
   0  done, or watch ended by q or a signal
-  1  nothing to read: no bus, no hardware manager, no active region or no such id; watch: the hardware manager is gone
+  1  nothing to read: no bus, no hardware manager, no active region or no such id
   2  wrong arguments
 
 Examples:
@@ -38,9 +39,12 @@ Examples:
   qelshm watch --count 20 0x010001ffffff0000)";
 
 constexpr char const* watchFooter =
-    "On a terminal: a table that is redrawn when something changes. Arrows, page up and down, home and end "
-    "scroll, q "
-    "quits.\nElsewhere: a line for each value whose number or state has changed.";
+    "NAME is a sensor id or a path such as unit1/inlet1/circuit2/socket5; a point stands for all its values. "
+    "What does\n"
+    "not exist yet is watched once it does.\n"
+    "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
+    "Elsewhere: a line for each value whose number or state has changed: time, point, value, state.\n"
+    "Needs no D-Bus, and follows the shared memory when another writer creates it anew.";
 
 constexpr std::uint64_t mostLines = 1000000000000;
 
@@ -52,11 +56,18 @@ std::string checkSvid(std::string const& text) {
                      "decimal number of 64 bits";
 }
 
+std::string checkName(std::string const& text) {
+    return watch::WatchedNames::isName(text) ? ""
+                                             : '"' + text +
+                                                   "\" is no sensor id and no path; expected for example "
+                                                   "0x010001ffffff0000 or unit1/inlet1";
+}
+
 void defineWatch(CLI::App& app, ReaderOptions& options) {
     auto& watch = *app.add_subcommand("watch", "Show values as they change");
     watch.footer(watchFooter);
-    watch.add_option("SVID", options.svids, "Points and values to watch; all without any")
-        ->check(checkSvid)
+    watch.add_option("NAME", options.svids, "Points and values to watch; all without any")
+        ->check(checkName)
         ->type_name("");
     watch.add_option("--count", options.count, "Write so many lines and exit, also on a terminal")
         ->check(CLI::Range(std::uint64_t{1}, mostLines).description(""))

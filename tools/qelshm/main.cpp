@@ -3,10 +3,8 @@
 #include "tools/common/Logging.h"
 #include "tools/qelshm/Commands.h"
 #include "tools/qelshm/Options.h"
-#include "tools/qelshm/PlainView.h"
 #include "tools/qelshm/RegionLink.h"
-#include "tools/qelshm/ScreenView.h"
-#include "tools/qelshm/Watch.h"
+#include "tools/watch/Watch.h"
 
 #include "inspect/Svid.h"
 
@@ -14,13 +12,11 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
-#include <unistd.h>
-
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -36,17 +32,13 @@ std::vector<long long> svidsOf(ReaderOptions const& options) {
     return svids;
 }
 
-void watch(RegionLink& link, ReaderOptions const& options) {
-    constexpr double msPerSecond = 1000.0;
-    bool const isScreen = isatty(STDOUT_FILENO) == 1 && isatty(STDIN_FILENO) == 1 && !options.count;
-    std::unique_ptr<IWatchView> view;
-    if (isScreen) {
-        view = std::make_unique<ScreenView>();
-    } else {
-        view = std::make_unique<PlainView>(std::cout, options.count);
-    }
-    std::chrono::milliseconds const interval(static_cast<int>(options.interval * msPerSecond));
-    Watch(link, *view, WatchFilter(svidsOf(options)), interval).run();
+int watchLive(ReaderOptions const& options, CLI::App const& app) {
+    using Seconds = std::chrono::duration<double>;
+    watch::WatchOptions const live{
+        options.svids, options.count,
+        std::chrono::duration_cast<std::chrono::milliseconds>(Seconds(options.interval)),
+        std::chrono::seconds(options.wait)};
+    return watch::runWatch(live, std::cout, [&](std::string const& message) { tellError(app, message); });
 }
 
 void runCommand(RegionLink& link, ReaderOptions const& options) {
@@ -65,8 +57,7 @@ void runCommand(RegionLink& link, ReaderOptions const& options) {
         }
         break;
     case Command::Watch:
-        watch(link, options);
-        break;
+        break; // needs no link
     }
     std::cout << std::flush;
 }
@@ -81,6 +72,9 @@ int qelshm(int argc, char const* const* argv) {
     logToStandardError(options.logLevel);
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // a closed output shows in the stream
     try {
+        if (options.command == Command::Watch) {
+            return watchLive(options, app);
+        }
         RegionLink link(options.wait,
                         [&](std::string const& missing) { tellError(app, "waiting, " + missing); });
         runCommand(link, options);
