@@ -1,5 +1,6 @@
 #include "inspect/Causes.h"
 
+#include "inspect/FoldedStates.h"
 #include "inspect/PointPath.h"
 
 #include "domain/SensorIdentifier.h"
@@ -35,18 +36,6 @@ constexpr std::array<RuleName, 7> ruleNames{{
 static_assert(ruleNames.size() == static_cast<std::size_t>(CauseRule::ChildUpdate) + 1);
 
 constexpr char const* globalPath = "global";
-
-/// Whether a circuit that shows "Off" stands at this id: electrical, with a circuit and without a socket.
-bool isCircuit(long long svid) {
-    auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    return parts[SensorIdentifier::Kind] == SensorType::Electrical &&
-           parts[SensorIdentifier::Circuit] != -1 && parts[SensorIdentifier::Socket] == -1;
-}
-
-/// What a point's state counts as for its parent.
-eStatus_Bits reported(long long svid, eStatus_Bits state) {
-    return state == eStatus_Off && isCircuit(svid) ? eStatus_Alarm : state;
-}
 
 std::optional<CauseRule> valueRule(eStatus_Bits state) {
     if (shm::valueAlarms.has(state)) {
@@ -95,14 +84,10 @@ public:
         : image_(image),
           tree_(tree),
           now_(now),
-          states_(tree.nodes().size()) {
-        for (auto node = static_cast<std::uint32_t>(states_.size()); node-- != 0;) {
-            states_[node] = propagated(node); // children stand behind their parents
-        }
-    }
+          folded_(image, tree) {}
 
     Causes ofAll() {
-        auto const state = shm::combineStates(eStatus_On, shm::ValueFold().result(), foldChildren(NO_NODE));
+        auto const state = folded_.global();
         findBelow(NO_NODE, {shm::NO_POSITION, shm::ROOT_SVID, globalPath, state, {}, false});
         return {image_.root().state, state, std::move(causes_)};
     }
@@ -110,7 +95,7 @@ public:
     Causes of(std::uint32_t node) {
         isAsked_ = true;
         findIn(node);
-        return {pointAt(node).state, states_.at(node), std::move(causes_)};
+        return {pointAt(node).state, folded(node).state, std::move(causes_)};
     }
 
 private:
@@ -118,27 +103,11 @@ private:
         return image_.region().points[tree_.nodes().at(node).pos];
     }
 
-    eStatus_Bits foldChildren(std::uint32_t node) const {
-        shm::ChildFold fold;
-        for (auto const child : tree_.childrenOf(node)) {
-            fold.add(reported(pointAt(child).guid, states_[child]));
-        }
-        return fold.result();
-    }
-
-    eStatus_Bits propagated(std::uint32_t node) const {
-        shm::ValueFold values;
-        for (auto const pos : tree_.valuesOf(tree_.nodes()[node])) {
-            if (!values.add(image_.region().values[pos].state)) {
-                break;
-            }
-        }
-        return shm::combineStates(shm::ownPart(pointAt(node).state), values.result(), foldChildren(node));
-    }
+    FoldedState const& folded(std::uint32_t node) const { return folded_.nodes().at(node); }
 
     CauseStep stepAt(std::uint32_t node) const {
         auto const& point = pointAt(node);
-        return {tree_.nodes()[node].pos, point.guid, pointPath(point.guid), states_[node], {}, false};
+        return {tree_.nodes()[node].pos, point.guid, pointPath(point.guid), folded(node).state, {}, false};
     }
 
     /// The rule by which a point's own part keeps what is asked about from being "On".
@@ -149,7 +118,7 @@ private:
         if (childRule(own)) {
             return CauseRule::OwnState;
         }
-        bool const isOff = own == eStatus_Off && isCircuit(pointAt(node).guid);
+        bool const isOff = own == eStatus_Off && shm::isCircuit(pointAt(node).guid);
         return isOff ? std::optional(CauseRule::SwitchedOffCircuit) : std::nullopt;
     }
 
@@ -179,7 +148,7 @@ private:
     /// Every child that reports trouble holds a cause, and no other child does.
     void findBelow(std::uint32_t node, CauseStep step) {
         for (auto const child : tree_.childrenOf(node)) {
-            if (auto const rule = childRule(reported(pointAt(child).guid, states_[child]))) {
+            if (auto const rule = childRule(folded(child).reported)) {
                 step.rule = *rule;
                 step.isShown = shows(step.state, *rule);
                 above_.push_back(step);
@@ -205,9 +174,9 @@ private:
     Image const& image_;
     PointTree const& tree_;
     std::uint64_t now_;
-    std::vector<eStatus_Bits> states_; // by node, as a propagation would leave them
-    bool isAsked_ = false;             // a point was asked about, not the root
-    std::vector<CauseStep> above_;     // the levels above the current point, highest first
+    FoldedStates folded_;
+    bool isAsked_ = false;         // a point was asked about, not the root
+    std::vector<CauseStep> above_; // the levels above the current point, highest first
     std::vector<Cause> causes_;
 };
 

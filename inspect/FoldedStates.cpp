@@ -1,6 +1,5 @@
 #include "inspect/FoldedStates.h"
 
-#include "domain/SensorIdentifier.h"
 #include "states/StateRules.h"
 
 #include <cstddef>
@@ -32,16 +31,6 @@ eStatus_Bits siblingsOf(PointTree const& tree, std::vector<FoldedState> const& n
 
 } // namespace
 
-eStatus_Bits reportedState(long long svid, eStatus_Bits state) {
-    if (state != eStatus_Off) {
-        return state;
-    }
-    auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    bool const isCircuit = parts[SensorIdentifier::Kind] == SensorType::Electrical &&
-                           parts[SensorIdentifier::Circuit] != -1 && parts[SensorIdentifier::Socket] == -1;
-    return isCircuit ? eStatus_Alarm : state;
-}
-
 FoldedStates::FoldedStates(Image const& image, PointTree const& tree) : nodes_(tree.nodes().size()) {
     // Children stand behind their parents in the tree.
     for (auto index = nodes_.size(); index-- > 0;) {
@@ -52,7 +41,7 @@ FoldedStates::FoldedStates(Image const& image, PointTree const& tree) : nodes_(t
         folded.values = valuesOf(image, tree.valuesOf(node));
         folded.children = siblingsOf(tree, nodes_, index + 1, node.end);
         folded.state = shm::combineStates(folded.own, folded.values, folded.children);
-        folded.reported = reportedState(point.guid, folded.state);
+        folded.reported = shm::reportedState(point.guid, folded.state);
     }
     global_ =
         shm::combineStates(eStatus_On, shm::ValueFold().result(), siblingsOf(tree, nodes_, 0, nodes_.size()));

@@ -20,10 +20,6 @@ struct FoldedState {
     eStatus_Bits reported; ///< what it counts as for its parent
 };
 
-/// What a point of some state counts as for its parent: a circuit that is switched off as an alarm, every other point
-/// as what it shows. Any thread.
-eStatus_Bits reportedState(long long svid, eStatus_Bits state);
-
 /// States of all points in a tree and the global state, by the data plane's own rules, children before their parents.
 /// Independent of the image afterwards. Threads: const operations from any thread.
 class FoldedStates {

@@ -1,6 +1,7 @@
 #include "inspect/FoldedStates.h"
 
 #include "inspect/LiveRegion.h"
+#include "states/StateRules.h"
 #include "tests/inspect/RandomUnit.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -58,12 +59,12 @@ TEST(FoldedStates, SwitchedOffCircuit_ReportsAnAlarm_AndShowsOff) {
 }
 
 TEST(FoldedStates, ReportedState_OnlyOfAnElectricalCircuitDiffers) {
-    EXPECT_EQ(eStatus_Alarm, reportedState(circuit, eStatus_Off));
-    EXPECT_EQ(eStatus_On, reportedState(circuit, eStatus_On));
-    EXPECT_EQ(eStatus_OffAlarm, reportedState(circuit, eStatus_OffAlarm));
-    EXPECT_EQ(eStatus_Off, reportedState(socket, eStatus_Off));
-    EXPECT_EQ(eStatus_Off, reportedState(inlet, eStatus_Off));
-    EXPECT_EQ(eStatus_Off, reportedState(pointId(1, 4, 1, -1, 1), eStatus_Off));
+    EXPECT_EQ(eStatus_Alarm, shm::reportedState(circuit, eStatus_Off));
+    EXPECT_EQ(eStatus_On, shm::reportedState(circuit, eStatus_On));
+    EXPECT_EQ(eStatus_OffAlarm, shm::reportedState(circuit, eStatus_OffAlarm));
+    EXPECT_EQ(eStatus_Off, shm::reportedState(socket, eStatus_Off));
+    EXPECT_EQ(eStatus_Off, shm::reportedState(inlet, eStatus_Off));
+    EXPECT_EQ(eStatus_Off, shm::reportedState(pointId(1, 4, 1, -1, 1), eStatus_Off));
 }
 
 TEST(FoldedStates, WithoutPoints_GlobalStateIsOn) {
