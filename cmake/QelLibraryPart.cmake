@@ -15,8 +15,9 @@ function(qel_library_part name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(qel-${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${QEL_GENERATED_INCLUDE_DIR}")
-  # Calls into other libraries go through their pointers, without a stub in between.
-  target_compile_options(qel-${name} PRIVATE -fno-plt
+  # Calls into other libraries go through their pointers, without a stub in between; those inside this one are direct,
+  # for nobody is meant to put functions of their own in the place of exported ones.
+  target_compile_options(qel-${name} PRIVATE -fno-plt -fno-semantic-interposition
     "$<$<CXX_COMPILER_ID:Clang>:-Wglobal-constructors;-Wexit-time-destructors>")
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
   foreach(header IN LISTS part_HEADERS)

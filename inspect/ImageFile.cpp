@@ -1,6 +1,7 @@
 #include "inspect/ImageFile.h"
 
 #include "inspect/FileDescriptor.h"
+#include "inspect/FileOutput.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -16,9 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Where Linux shows shared-memory objects.
-constexpr char sharedMemoryDirectory[] = "/dev/shm";
-
 [[noreturn]] void cannot(char const* what, std::string const& path, std::string const& problem) {
     throw ImageFileError("cannot " + std::string(what) + ' ' + path + ": " + problem);
 }
@@ -31,25 +29,6 @@ std::uint64_t regularSize(int fd) {
     struct stat status = {};
     return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size)
                                                                 : 0;
-}
-
-/// Gives 0 or the error number.
-int writeAll(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        auto const count = ::write(fd, bytes.data(), bytes.size());
-        if (count >= 0) {
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        } else if (errno != EINTR) {
-            return errno;
-        }
-    }
-    return 0;
-}
-
-bool isLiveObject(fs::path const& path) {
-    std::error_code ignored;
-    return path.filename() == shm::REGION_NAME &&
-           fs::equivalent(path.has_parent_path() ? path.parent_path() : ".", sharedMemoryDirectory, ignored);
 }
 
 /// A new file beside the target that is removed unless it took the target's name.

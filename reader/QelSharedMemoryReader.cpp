@@ -2,11 +2,14 @@
 
 #include "hardwaremanager/hardwaremanager.h"
 #include "reader/GLibPtr.h"
+#include "reader/MPntPosRefill.h"
+#include "reader/PositionTable.h"
 #include "reader/QelShmInitWaitThread.h"
 #include "reader/callProxy.h"
 #include "region/Exceptions.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "region/SvidParts.h"
 
 #include <gio/gio.h>
 
@@ -55,7 +58,8 @@ private:
 QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForRegion)
     : QelSharedMemoryAccess(ShmAccess::Read),
       IQelShmInitCallback(seconds),
-      positions_(indexBuckets) {
+      positions_(indexBuckets),
+      positionTable_(std::make_unique<PositionTable>(positions_)) {
     LogLine(readerLog(), log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
     connect();
     try {
@@ -199,10 +203,12 @@ void QelSharedMemoryReader::syncPositions(bool force) {
     std::lock_guard<std::recursive_mutex> const lock(mutex_);
     {
         VisitorOnLeave const client(visitor_);
-        positions_.clear();
-        visitor(std::make_unique<MPntPosVisitor>(positions_));
+        positionTable_->invalidate();
+        visitor(std::make_unique<MPntPosRefill>(positions_));
         visit();
     }
+    positionTable_->takeOver();
+    ++rebuilds_;
     // Deliberate: one less, not zero, if the structure changed meanwhile, so that the next look-up rebuilds.
     if (modificationCount == before) {
         modificationCount = 0;
@@ -212,14 +218,54 @@ void QelSharedMemoryReader::syncPositions(bool force) {
     logModifications("syncPositions");
 }
 
+/// The slot of a point, null when the index does not know it. The caller holds the mutex.
+QelShmMP const* QelSharedMemoryReader::pointOf(long long svid) const {
+    auto const pos = positionTable_->find(svid);
+    auto const* const mapped = region();
+    return pos < MP_COUNT && mapped != nullptr ? &mapped->points[pos] : nullptr;
+}
+
 std::unique_ptr<QelShmMPnt> QelSharedMemoryReader::mpnt(long long svid, bool force) {
     syncPositions(force);
     std::lock_guard<std::recursive_mutex> const lock(mutex_);
-    auto const found = positions_.find(svid);
-    if (found == positions_.end() || found->second >= MP_COUNT || region() == nullptr) {
-        return nullptr;
+    auto const* const point = pointOf(svid);
+    return point == nullptr ? nullptr : std::make_unique<QelShmMPnt>(point);
+}
+
+QelShmMVal QelSharedMemoryReader::mval(long long svid, bool force) {
+    syncPositions(force);
+    QelShmKeptMVal once(svid);
+    return lookUp(once);
+}
+
+QelShmMVal QelSharedMemoryReader::mval(QelShmKeptMVal& kept) {
+    // A change of structure shows in the counter until an index follows it, then in that index's number.
+    if (kept.region_ != nullptr && kept.region_ == region() &&
+        modificationCount.load(std::memory_order_relaxed) == 0 &&
+        kept.rebuild_ == rebuilds_.load(std::memory_order_relaxed) &&
+        kept.point_->guid == pointSvid(kept.svid_) && kept.value_->key == valueKey(kept.svid_)) {
+        return QelShmMVal(kept.value_);
     }
-    return std::make_unique<QelShmMPnt>(&region()->points[found->second]);
+    syncPositions(false);
+    return lookUp(kept);
+}
+
+QelShmMVal QelSharedMemoryReader::lookUp(QelShmKeptMVal& kept) {
+    std::lock_guard<std::recursive_mutex> const lock(mutex_);
+    auto const key = valueKey(kept.svid_);
+    kept.region_ = nullptr;
+    kept.rebuild_ = rebuilds_;
+    kept.point_ = pointOf(pointSvid(kept.svid_));
+    auto const first = kept.point_ == nullptr ? NO_POSITION : kept.point_->mvs;
+    for (auto pos = first; pos < MV_COUNT; pos = region()->values[pos].next) {
+        auto const& slot = region()->values[pos];
+        if (slot.key == key) {
+            kept.region_ = region();
+            kept.value_ = &slot;
+            return QelShmMVal(&slot);
+        }
+    }
+    return {};
 }
 
 } // namespace shm

@@ -7,6 +7,7 @@
 #include "reader/IQelShmInitCallback.h"
 #include "reader/IQelVisitorResult.h"
 #include "reader/MPntPosVisitor.h"
+#include "reader/QelShmKeptMVal.h"
 #include "region/QelExport.h"
 #include "region/QelSharedMemoryAccess.h"
 #include "region/QelShmMPnt.h"
@@ -28,6 +29,7 @@ using hardwaremanager = struct _hardwaremanager;
 
 namespace shm {
 
+class PositionTable;
 class QelShmInitWaitThread;
 
 /// Reads the region in place: finds points by sensor id, lists points and values, takes visitors round.
@@ -46,7 +48,7 @@ class QelShmInitWaitThread;
 ///
 /// Logs in "qel.shm.access.reader", beside what QelSharedMemoryAccess logs.
 ///
-/// Threads: mpnt(), syncPositions() and modifications() are thread-safe. Visits and queries take no lock
+/// Threads: mpnt(), mval(), syncPositions() and modifications() are thread-safe. Visits and queries take no lock
 /// against the writer, which may change slots under them, nor against visitor(). The signal arrives in the
 /// GLib main context that was the thread-default one of the constructing thread; the host must run it. The
 /// wait thread calls initialized() and onInitialized() from construction on until the destructor of this
@@ -134,6 +136,16 @@ public:
     /// kept up to date: when the writer reuses the slot, it shows the new content.
     std::unique_ptr<QelShmMPnt> mpnt(long long svid, bool force);
 
+    /// Finds a value by its sensor id, after syncPositions(force): of several values with the same key the
+    /// first one of the point's chain. A null handle when there is none. Allocates nothing.
+    QelShmMVal mval(long long svid, bool force);
+
+    /// The same for a value that is read over and over: while the structure stands, two comparisons tell that
+    /// the slots still hold this point and this key, and nothing is looked up or locked. After a change of
+    /// structure the value is looked up anew by itself.
+    /// @return a null handle when there is no such value, or no longer
+    QelShmMVal mval(QelShmKeptMVal& kept);
+
     /// The modification counter of the process; 0 while the index is current. Any thread.
     unsigned int modifications() const;
 
@@ -156,6 +168,8 @@ private:
     void visitChain(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
     void visitSorted(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
     bool isSortedChain(unsigned int first) const;
+    QelShmMP const* pointOf(long long svid) const;
+    QelShmMVal lookUp(QelShmKeptMVal& kept);
 
     // In the order of the binary contract.
     std::unique_ptr<QelShmInitWaitThread> waitThread_;
@@ -166,6 +180,9 @@ private:
     PositionIndex positions_;
     std::recursive_mutex mutex_; // guards positions_ and visitor_ while the index is built or looked up
     std::unique_ptr<IQelSharedMemoryVisitor> visitor_;
+    // Not part of it, so behind all others.
+    std::atomic<unsigned int> rebuilds_{0};        // counts the indexes that were built
+    std::unique_ptr<PositionTable> positionTable_; // what positions_ holds, flat
 };
 
 } // namespace shm

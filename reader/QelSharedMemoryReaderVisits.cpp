@@ -4,6 +4,8 @@
 
 #include "domain/SensorIdentifier.h"
 
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace shm {
@@ -42,11 +44,14 @@ void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
     if (!visitor_ || mapped == nullptr) {
         return;
     }
-    for (auto pos = point->mvs; pos < MV_COUNT; pos = mapped->values[pos].next) {
-        visitor_->onMVal(QelShmMVal(&mapped->values[pos]), point->guid, depth, result);
+    auto const svid = point->guid;
+    for (auto pos = point->mvs; pos < MV_COUNT;) {
+        auto const& slot = mapped->values[pos];
+        visitor_->onMVal(QelShmMVal(&slot), svid, depth, result);
         if (visitor_->mvFound()) {
             return;
         }
+        pos = slot.next;
     }
 }
 
@@ -68,8 +73,10 @@ inline void
 QelSharedMemoryReader::visitChain(unsigned int first, unsigned int depth,
                                   std::shared_ptr<IQelVisitorResult>& result) {
     auto const* const mapped = region();
-    for (auto pos = first; mapped != nullptr && pos < MP_COUNT; pos = mapped->points[pos].next) {
-        visit(QelShmMPnt(&mapped->points[pos]), depth, result);
+    for (auto pos = first; mapped != nullptr && pos < MP_COUNT;) {
+        auto const& slot = mapped->points[pos];
+        visit(QelShmMPnt(&slot), depth, result);
+        pos = slot.next;
     }
 }
 
@@ -106,10 +113,12 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
     if (!onDown(point, depth, result)) {
         return;
     }
-    if (isSortedChain(point->children)) {
-        visitChain(point->children, depth + 1, result);
-    } else {
-        visitSorted(point->children, depth + 1, result);
+    if (auto const children = point->children; children < MP_COUNT) {
+        if (isSortedChain(children)) {
+            visitChain(children, depth + 1, result);
+        } else {
+            visitSorted(children, depth + 1, result);
+        }
     }
     onUp(result);
 }
@@ -125,17 +134,15 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
 /// Whether sorting the chain would leave it as it is.
 [[gnu::noinline]] bool QelSharedMemoryReader::isSortedChain(unsigned int first) const {
     auto const* const mapped = region();
-    if (mapped == nullptr) {
-        return true;
-    }
-    QelShmMPntCmp const before;
-    QelShmMPnt previous;
-    for (auto pos = first; pos < MP_COUNT; pos = mapped->points[pos].next) {
-        QelShmMPnt const current(&mapped->points[pos]);
-        if (previous && before(current, previous)) {
+    auto previous = std::numeric_limits<std::int64_t>::min();
+    for (auto pos = first; mapped != nullptr && pos < MP_COUNT;) {
+        auto const& slot = mapped->points[pos];
+        auto const key = QelShmMPntCmp::key(slot.guid);
+        if (key < previous) {
             return false;
         }
-        previous = current;
+        previous = key;
+        pos = slot.next;
     }
     return true;
 }

@@ -2,10 +2,6 @@
 
 namespace shm {
 
-PointIndex::PointIndex() {
-    table_.fill(noSlot);
-}
-
 void PointIndex::Point::takeOver(MPDef const& definition) {
     auto const& mvs = definition.mvs;
     unsigned int bits = 1;
@@ -27,8 +23,7 @@ void PointIndex::Point::takeOver(MPDef const& definition) {
 }
 
 void PointIndex::add(long long svid, MPDef const& definition) {
-    table_[placeOf(svid)] = static_cast<std::uint16_t>(definition.pos);
-    svids_[definition.pos] = svid;
+    positions_.insert(svid, static_cast<std::uint16_t>(definition.pos));
     update(definition);
 }
 
@@ -37,20 +32,11 @@ void PointIndex::update(MPDef const& definition) {
 }
 
 void PointIndex::remove(long long svid) {
-    auto hole = placeOf(svid);
-    if (table_[hole] == noSlot) {
-        return;
+    auto const pos = positions_.find(svid);
+    if (pos != SvidTable::none) {
+        points_[pos] = Point();
+        positions_.remove(svid);
     }
-    points_[table_[hole]] = Point();
-    // Closes the gap, so that no probe ends early: whatever may stand in the hole moves there.
-    for (auto place = (hole + 1) % tableSize; table_[place] != noSlot; place = (place + 1) % tableSize) {
-        auto const home = homeOf(svids_[table_[place]]);
-        if ((place - home) % tableSize >= (place - hole) % tableSize) {
-            table_[hole] = table_[place];
-            hole = place;
-        }
-    }
-    table_[hole] = noSlot;
 }
 
 } // namespace shm

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "region/QelShmRecords.h"
+#include "region/SvidTable.h"
 #include "writer/MPDef.h"
 
 #include <array>
@@ -14,13 +15,13 @@
 namespace shm {
 
 /// Stands beside the ordered map of definitions and holds the same, flat: a hash table from point svid to slot
-/// position, and per point one from value key to slot position. Both use open addressing with linear probing.
+/// position, and per point one from value key to slot position.
 ///
 /// Threads: find() may run in any thread while no point comes or goes, as a look-up in the map may. The
 /// values of a point are guarded by its definition's mutex.
 class PointIndex {
     static constexpr std::uint16_t noSlot = 0xFFFF;
-    static_assert(noSlot >= MP_COUNT && noSlot >= MV_COUNT);
+    static_assert(noSlot >= MV_COUNT);
 
 public:
     class Point {
@@ -67,12 +68,10 @@ public:
         std::uint16_t pos_ = noSlot;
     };
 
-    PointIndex();
-
     /// Null for an unknown point.
     Point const* find(long long svid) const {
-        auto const pos = table_[placeOf(svid)];
-        return pos == noSlot ? nullptr : &points_[pos];
+        auto const pos = positions_.find(svid);
+        return pos == SvidTable::none ? nullptr : &points_[pos];
     }
 
     /// A point that was not there; its definition stays where it is until remove().
@@ -84,28 +83,8 @@ public:
     void remove(long long svid);
 
 private:
-    static constexpr unsigned int tableBits = 12; // 4096 places for at most 800 points
-    static constexpr std::size_t tableSize = std::size_t{1} << tableBits;
-    static_assert(tableSize / 2 >= MP_COUNT);
-
-    // Fibonacci hashing: the product's high bits depend on all bytes of the id.
-    static std::size_t homeOf(long long svid) {
-        constexpr std::uint64_t goldenRatio = 0x9E3779B97F4A7C15;
-        return static_cast<std::size_t>(static_cast<std::uint64_t>(svid) * goldenRatio >> (64U - tableBits));
-    }
-
-    /// The place that holds the point, or the free one where it would be put.
-    std::size_t placeOf(long long svid) const {
-        auto place = homeOf(svid);
-        while (table_[place] != noSlot && svids_[table_[place]] != svid) {
-            place = (place + 1) % tableSize;
-        }
-        return place;
-    }
-
-    std::array<std::uint16_t, tableSize> table_{}; // slot positions
-    std::array<long long, MP_COUNT> svids_{};      // by slot position
-    std::array<Point, MP_COUNT> points_;           // by slot position
+    SvidTable positions_;
+    std::array<Point, MP_COUNT> points_; // by slot position
 };
 
 } // namespace shm

@@ -4,10 +4,12 @@
 #include "region/Exceptions.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
 #include "writer/PointIndex.h"
 #include "writer/ValueKeys.h"
 
+#include <log4cpp/Category.hh>
 #include <log4cpp/Priority.hh>
 
 #include <algorithm>
@@ -33,6 +35,13 @@ unsigned int highestPosition(MPDef& point) {
         std::max_element(point.mvs.begin(), point.mvs.end(),
                          [](auto const& left, auto const& right) { return left.second < right.second; });
     return highest == point.mvs.end() ? NO_POSITION : highest->second;
+}
+
+/// lower_bound() that knows at once where a key behind all others belongs, as keys mostly come in their order.
+std::map<unsigned short, unsigned int>::iterator firstNotBelow(std::map<unsigned short, unsigned int>& values,
+                                                               unsigned short key) {
+    bool const isLast = values.empty() || values.rbegin()->first < key;
+    return isLast ? values.end() : values.lower_bound(key);
 }
 
 } // namespace
@@ -119,10 +128,12 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
     // Deliberate: the highest position is taken for the chain's tail, since positions are handed out in
     // ascending order.
     unsigned int tail = highestPosition(definition);
+    bool const isLogged =
+        writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // asked once for all values
     for (auto const& wanted : mvs) {
         auto const key = wanted.first;
         std::unique_lock<std::mutex> lock(definition.mutex);
-        auto const place = definition.mvs.lower_bound(key);
+        auto const place = firstNotBelow(definition.mvs, key);
         if (place != definition.mvs.end() && place->first == key) {
             auto const pos = place->second;
             lock.unlock();
@@ -138,7 +149,11 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
             continue;
         }
         auto const pos = freeMVs_.front();
-        initMV(pos, key);
+        if (isLogged) {
+            initMV(pos, key);
+        } else {
+            wipeMV(pos, key);
+        }
         lock.lock();
         definition.mvs.emplace_hint(place, key, pos);
         lock.unlock();
@@ -171,6 +186,10 @@ QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsign
 
 record::QelShmMVal& QelSharedMemoryWriter::initMV(unsigned int pos, unsigned short key) {
     LogLine(writerLog(), log4cpp::Priority::DEBUG, "initMV") << "pos = " << pos << ", key = " << key;
+    return wipeMV(pos, key);
+}
+
+record::QelShmMVal& QelSharedMemoryWriter::wipeMV(unsigned int pos, unsigned short key) {
     auto& mv = region()->values[pos];
     std::memset(&mv, WIPE_BYTE, sizeof mv);
     storeField(mv.value, 0.0);

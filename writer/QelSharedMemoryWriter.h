@@ -168,6 +168,9 @@ private:
     QelShmMP* pointAt(unsigned int pos) const;
     record::QelShmMVal* valueAt(unsigned int pos) const;
 
+    /// initMV() without the log line.
+    record::QelShmMVal& wipeMV(unsigned int pos, unsigned short key);
+
     /// False, after an ERROR line, while no region is mapped.
     bool isMapped(char const* operation) const;
 

@@ -2,6 +2,7 @@
 
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "region/SvidParts.h"
 #include "writer/PointIndex.h"
 #include "writer/ValueKeys.h"
 

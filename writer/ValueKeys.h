@@ -4,16 +4,6 @@
 
 namespace shm {
 
-/// The point that a value belongs to: the value's svid without its key.
-constexpr long long pointSvid(long long svid) {
-    return svid & ~0xFFFFLL;
-}
-
-/// The low 16 bits of a value's svid.
-constexpr unsigned short valueKey(long long svid) {
-    return static_cast<unsigned short>(svid & 0xFFFFLL);
-}
-
 /// Keys of values that are the state of the point itself ("Fuse State", "Socket" to "State"): such a value
 /// goes to the point's slot and its number is dropped.
 constexpr bool isPointStateKey(unsigned short key) {

@@ -4,6 +4,7 @@
 
 #include "bench/contenders/Contender.h"
 #include "bench/support/Plan.h"
+#include "domain/MeasureValue.h"
 
 #include <boost/functional/hash.hpp>
 #include <boost/interprocess/allocators/allocator.hpp>
@@ -13,6 +14,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -150,5 +152,25 @@ struct Interprocess : InProcess {
 
 using InterprocessMap = Interprocess<interprocess::Map>;
 using InterprocessHash = Interprocess<interprocess::Hash>;
+
+/// The hash where each sample comes as the heap value that the library takes.
+struct InterprocessHashHeapValue : InterprocessHash {
+    static constexpr char name[] = "Boost.Interprocess hash, heap value";
+
+    class Writer : public InterprocessHash::Writer {
+    public:
+        bool update(Access const& access, Sample const& sample) {
+            return take(access,
+                        std::make_unique<measval::MeasureValue>(sample.number, sample.at, sample.state));
+        }
+
+    private:
+        [[gnu::noinline]] // as the library's is a call
+        bool take(Access const& access, std::unique_ptr<measval::MeasureValue> value) {
+            return InterprocessHash::Writer::update(
+                access, {value->toDouble().value, value->timestamp(), value->state()});
+        }
+    };
+};
 
 } // namespace bench

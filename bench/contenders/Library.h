@@ -6,8 +6,11 @@
 #include "bench/contenders/TreeReader.h"
 #include "bench/contenders/TreeWriter.h"
 #include "reader/QelSharedMemoryReader.h"
+#include "reader/QelShmKeptMVal.h"
 #include "region/QelShmMVal.h"
 #include "writer/QelSharedMemoryWriter.h"
+
+#include <vector>
 
 namespace bench {
 
@@ -29,33 +32,46 @@ struct Library : InProcess {
 
     using Input = TreeInput<shm::QelSharedMemoryWriter::Definitions>;
     using Writer = TreeWriter<ClosedWriter, shm::QelSharedMemoryWriter::Definitions>;
-    using Reader = TreeReader<OpenReader>;
+
+    class Reader : public TreeReader<OpenReader> {
+    public:
+        using TreeReader::TreeReader;
+
+    protected:
+        shm::QelShmMVal value(long long svid) { return reader().mval(svid, false); }
+        shm::QelShmMVal value(shm::QelShmKeptMVal& kept) { return reader().mval(kept); }
+    };
 };
 
-/// The library's reader where the client keeps the handle that mvs() gave.
-struct LibraryKept : InProcess {
-    static constexpr char name[] = "library, kept QelShmMVal";
+/// The library's reader, values by their ids.
+struct LibraryByValue : Library {
+    static constexpr char name[] = "library, mval";
 
-    using Input = Library::Input;
-    using Writer = Library::Writer;
-
-    /// Keeps the handle of the value that was fetched last.
-    class Reader {
+    class Reader : public Library::Reader {
     public:
-        explicit Reader(Plan const& plan) : reader_(plan) {}
+        using Library::Reader::Reader;
+        double fetch(Access const& access) { return value(access.svid)->value; }
+    };
+};
+
+/// The library's reader where the client keeps a handle for each value.
+struct LibraryKept : Library {
+    static constexpr char name[] = "library, kept value";
+
+    class Reader : public Library::Reader {
+    public:
+        explicit Reader(Plan const& plan) : Library::Reader(plan) {
+            for (auto const& access : plan.valueAccesses()) {
+                kept_.emplace_back(access.svid);
+            }
+        }
 
         double fetch(Access const& access) {
-            if (access.svid != svid_) {
-                svid_ = access.svid;
-                kept_ = reader_.handle(access);
-            }
-            return *const_cast<double const volatile*>(&kept_->value);
+            return *const_cast<double const volatile*>(&value(kept_[access.value])->value);
         }
 
     private:
-        Library::Reader reader_;
-        long long svid_ = 0;
-        shm::QelShmMVal kept_;
+        std::vector<shm::QelShmKeptMVal> kept_; // by slot, as a client's own order would be
     };
 };
 

@@ -45,19 +45,16 @@ public:
         return reader_.mpnt(pointOf(access.svid), false);
     }
 
-    double fetch(Access const& access) { return handle(access)->value; }
-
-    /// The value's handle, from the list of its point's values.
-    shm::QelShmMVal handle(Access const& access) {
+    double fetch(Access const& access) {
         auto const key = keyOf(access.svid);
         if (auto const point = find(access)) {
             for (auto const& value : reader_.mvs((*point)->mvs)) {
                 if (value->key == key) {
-                    return value;
+                    return value->value;
                 }
             }
         }
-        return {};
+        return 0;
     }
 
     double sumOfPoint(Access const& access) {
@@ -73,6 +70,9 @@ public:
     }
 
     void rebuildIndex() { reader_.syncPositions(true); }
+
+protected:
+    Reader& reader() { return reader_; }
 
 private:
     Reader reader_;

@@ -51,6 +51,13 @@ public:
             access.svid, std::make_unique<measval::MeasureValue>(sample.number, sample.at, sample.state));
     }
 
+    /// The same; the number is asked for when the value's memory is there already.
+    template <typename Number>
+    bool updateLate(Access const& access, Number const& number) {
+        return writer_.updateMV(access.svid, std::unique_ptr<measval::MeasureValue>(
+                                                 new measval::MeasureValue(number(), 0, eStatus_NoError)));
+    }
+
     void propagate() { writer_.propagateStates(); }
 
     std::size_t bytes() const { return shm::REGION_SIZE; }

@@ -55,8 +55,10 @@ class Findings:
         for shape in SHAPES:
             self._read_callgrind(directory, shape)
             self._read_strace(directory, shape)
-        library = os.path.join(directory, "stripped.so")
-        self.library_size = os.path.getsize(library)
+        self.library_sizes = {
+            os.path.basename(library)[len("stripped-") : -len(".so")]: os.path.getsize(library)
+            for library in sorted(glob.glob(os.path.join(directory, "stripped-*.so")))
+        }
 
     def shapes(self):
         return [shape for shape in SHAPES if any(row.shape == shape for row in self.rows())]

@@ -129,6 +129,17 @@ def targets_table(findings):
     return table(["work", "shape", "by", "target", "reached", ""], rows)
 
 
+def notes():
+    """What people found out about the targets."""
+    path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "notes.md")
+    with open(path, encoding="utf-8") as file:
+        return file.read()
+
+
+def library_sizes(findings):
+    return ", ".join(f"{size:,} ({machine})" for machine, size in findings.library_sizes.items())
+
+
 def markdown(findings, facts):
     shape = CHART_SHAPE if CHART_SHAPE in findings.shapes() else findings.shapes()[0]
     shape_lines = "\n".join(f"- `{name}`: {SHAPES[name]}, 11 values each" for name in findings.shapes())
@@ -156,9 +167,11 @@ number would tell nothing (instructions of a contender whose work another proces
 |---|---|
 | floor | plain loads and stores at known positions of a mapped array |
 | open-addressing hash | the same behind a hash from sensor id to position |
-| library | this library |
+| library | this library; one value by `mpnt` and `mvs` |
+| library, mval | one value by `mval` and its id |
+| library, kept value | one value by `mval` and a kept handle |
 | literal | the data structures and steps that the contract names, written down plainly (`bench/literal`) |
-| Boost.Interprocess | its ordered map and an unordered map in a managed segment, not locked |
+| Boost.Interprocess | its ordered map and an unordered map in a managed segment, not locked; "heap value": each sample comes as the object that `updateMV` takes |
 | PCP MMV | memory-mapped values of Performance Co-Pilot: three metrics a key, an instance a point, addresses kept in a hash |
 | LMDB | one database in /dev/shm, a transaction per update, nothing synced |
 | SQLite | a file in /dev/shm, write-ahead log, prepared statements, a transaction per update, nothing synced |
@@ -168,6 +181,7 @@ number would tell nothing (instructions of a contender whose work another proces
 ## Targets
 
 {targets_table(findings)}""",
+        notes(),
         "## Works\n",
     ]
     for work, title, operation in WORKS:
@@ -188,7 +202,7 @@ number would tell nothing (instructions of a contender whose work another proces
 Shape `{shape}`. The store is what processes share; the heap is what a writer and a reader need beside it.
 
 {sizes_table(findings, shape)}
-The stripped library is {findings.library_size:,} bytes long on this machine ({platform.machine()}).
+The stripped library is {library_sizes(findings)} bytes long.
 """
     )
     return "\n".join(parts)
@@ -197,7 +211,7 @@ The stripped library is {findings.library_size:,} bytes long on this machine ({p
 def as_json(findings, facts):
     return {
         "machine": facts,
-        "library_bytes": findings.library_size,
+        "library_bytes": findings.library_sizes,
         "rows": [
             {
                 "shape": row.shape,

@@ -52,13 +52,14 @@ TARGETS = [
         Target("update", shape, "library", "instructions", 330),
         Target("update", shape, "library", "time", 0.3, LITERAL),
         Target("update", shape, "library", "time", 1, ("Boost.Interprocess hash", "")),
+        Target("update", shape, "library", "time", 1, ("Boost.Interprocess hash, heap value", "")),
         Target("visit", shape, "library", "time", 6, FLOOR),
         Target("visit", shape, "library", "instructions", 45 * VALUES),
         Target("rebuild", shape, "library", "instructions", 370_000),
         Target("find", shape, "library", "time", 1, LITERAL),
         Target("find", shape, "library", "allocations", 1),
         Target("point", shape, "library", "instructions", 560),
-        Target("fetch", shape, "library", "ns", 10),
+        Target("fetch", shape, "library, kept value", "ns", 10),
         Target("create", shape, "library", "time", 3.5, FLOOR),
     )
 ] + [
@@ -70,6 +71,6 @@ TARGETS = [
     Target("update beside readers", shape, "library", "time", 2.5, ("library", "0"), variant="1")
     for shape in BOTH_LARGE
 ] + [
-    Target("visible", shape, "library, kept QelShmMVal", "time", 1.1, FLOOR)
+    Target("visible", shape, "library, kept value", "time", 1.1, FLOOR)
     for shape in BOTH_LARGE
 ]

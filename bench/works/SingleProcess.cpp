@@ -41,11 +41,11 @@ std::vector<Candidate> formats() {
 std::vector<Work> singleProcessWorks() {
     return {
         {"update", sweeps<Update, WriterSide, Floor, Hash, Library, Literal, InterprocessMap,
-                          InterprocessHash, Mmv, Lmdb, Sqlite, Redis, DBus>()},
+                          InterprocessHash, InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>()},
         {"find", sweeps<Find, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
                         Lmdb, Sqlite, Redis>()},
-        {"fetch", sweeps<Fetch, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
-                         Mmv, Lmdb, Sqlite, Redis, DBus>()},
+        {"fetch", sweeps<Fetch, ReaderSide, Floor, Hash, Library, LibraryByValue, LibraryKept, Literal,
+                         InterprocessMap, InterprocessHash, Mmv, Lmdb, Sqlite, Redis, DBus>()},
         {"point", sweeps<PointValues, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, Lmdb,
                          Sqlite, Redis>()},
         {"visit", wholes<Visit, ReaderSide, Floor, Library, Literal, InterprocessMap, InterprocessHash, Mmv,

@@ -1,16 +1,15 @@
 #include "inspect/ImageFile.h"
 
 #include "tests/inspect/Lengths.h"
+#include "tests/inspect/SizeLimit.h"
 #include "tests/support/RawRegion.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -23,6 +22,7 @@ namespace qel::inspect {
 namespace {
 
 namespace fs = std::filesystem;
+using test::SizeLimit;
 using test::sourceBytes;
 using testing::HasSubstr;
 
@@ -70,27 +70,6 @@ protected:
 
 private:
     std::string directory_;
-};
-
-/// No file of this process grows beyond a size, as on a full disk.
-class SizeLimit {
-public:
-    explicit SizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        rlimit limit = before_;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        static_cast<void>(std::signal(SIGXFSZ, handler_));
-    }
-    SizeLimit(SizeLimit const&) = delete;
-    SizeLimit& operator=(SizeLimit const&) = delete;
-
-private:
-    rlimit before_{};
-    void (*handler_)(int);
 };
 
 } // namespace

@@ -1,14 +1,18 @@
 #include "reader/BaseQelShmVisitor.h"
 #include "reader/QelSharedMemoryReader.h"
+#include "reader/QelShmMPntCmp.h"
 #include "tests/reader/ForgedRegion.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/support/RandomNumbers.h"
 
 #include <boost/thread/thread.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <string>
 #include <typeinfo>
@@ -487,6 +491,68 @@ TEST(Visits, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
     walker.join();
     ASSERT_NE(deepest, nullptr);
     EXPECT_EQ((*deepest)->pos, 799U);
+}
+
+/// What a visit shows, got the plain way: by lists, each of children sorted.
+void visitPlainly(MappedReader const& reader, std::list<shm::QelShmMPnt> const& points, unsigned int depth,
+                  Events& events) {
+    for (auto const& point : points) {
+        events.push_back("point " + show(point->guid) + " at " + std::to_string(depth));
+        for (auto const& value : reader.mvs(point->mvs)) {
+            events.push_back("value " + std::to_string(value->key) + " of " + show(point->guid) + " at " +
+                             std::to_string(depth));
+            events.emplace_back("found?");
+        }
+        auto children = reader.mps(point->children, SensorType::Any);
+        children.sort(shm::QelShmMPntCmp());
+        visitPlainly(reader, children, depth + 1, events);
+    }
+}
+
+TEST(RandomTrees, Visit_ShowsWhatListsShow) {
+    auto random = qel::test::randomNumbers(21);
+    for (int round = 0; round < 100; ++round) {
+        ForgedRegion const region;
+        // Each point hangs below an earlier one or in a list of the root; children in any order of their ids,
+        // of several kinds, some ids twice.
+        constexpr std::uint32_t points = 60;
+        std::vector<std::vector<std::uint32_t>> children(points);
+        std::vector<std::uint32_t> devices;
+        std::vector<std::uint32_t> groups;
+        for (std::uint32_t pos = 0; pos < points; ++pos) {
+            auto const kind = static_cast<long long>(random() % 5) << 48;
+            region.point(pos, svid(static_cast<int>(random() % 90)) | kind);
+            region.values(pos, pos * 4,
+                          std::vector<std::uint16_t>(random() % 4, static_cast<std::uint16_t>(pos)));
+            auto const parent = random() % (pos + 3);
+            (parent < pos ? children[parent] : parent == pos ? groups : devices).push_back(pos);
+        }
+        bool const inOrder = round % 2 == 0;
+        for (std::uint32_t pos = 0; pos < points; ++pos) {
+            if (inOrder) {
+                std::stable_sort(children[pos].begin(), children[pos].end(), [&](auto left, auto right) {
+                    auto const* const slots = region.raw().bytes();
+                    auto const point = [&](std::uint32_t slot) {
+                        return shm::QelShmMPnt(
+                            reinterpret_cast<shm::QelShmMP const*>(slots + qel::test::rawPoint(slot)));
+                    };
+                    return shm::QelShmMPntCmp()(point(left), point(right));
+                });
+            }
+            region.children(pos, children[pos]);
+        }
+        region.devices(devices);
+        region.groups(groups);
+
+        MappedReader sut;
+        Events expected{"root"};
+        visitPlainly(sut, sut.mps(sut.root()->devices, SensorType::Any), 1, expected);
+        visitPlainly(sut, sut.mps(sut.root()->groups, SensorType::Any), 1, expected);
+        Events events;
+        sut.visitor(std::make_unique<NotingVisitor>(events));
+        sut.visit();
+        ASSERT_EQ(expected, events) << "round " << round;
+    }
 }
 
 } // namespace

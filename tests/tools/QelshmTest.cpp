@@ -1,12 +1,9 @@
 #include "tools/replay/LiveUnit.h"
 
 #include "tests/support/ChildProcess.h"
-#include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/tools/Recorded.h"
 #include "tests/tools/ReplayProcess.h"
 #include "tests/tools/TempFile.h"
-#include "tests/tools/Terminal.h"
 
 #include <gmock/gmock.h>
 
@@ -119,7 +116,7 @@ TEST_F(QelshmTest, GetOfAValue_PrintsOneLine) {
     }
 }
 
-TEST_F(QelshmTest, NoVerbButWatch_NeedsABus) {
+TEST_F(QelshmTest, NoVerb_NeedsABus) {
     for (auto const* const verb : {"status", "tree", "list"}) {
         auto const outcome =
             outcomeWithErrors({"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QELSHM, verb});
@@ -133,14 +130,6 @@ TEST_F(QelshmTest, FullOutput_IsAFailure) {
     EXPECT_EQ("qelshm: the output cannot be written\n", outcome.output);
 }
 
-TEST_F(QelshmWatchTest, LogLevel_WritesTheLibrarysLogToStandardErrorOnly) {
-    std::string const command = QELSHM " --wait 30 --log-level debug watch --count 2";
-    auto const output = outcomeOf({"sh", "-c", command + " 2>/dev/null"}).output;
-    EXPECT_EQ(2, linesIn(output)) << output;
-    EXPECT_THAT(outcomeOf({"sh", "-c", command + " 2>&1 >/dev/null"}).output,
-                testing::ContainsRegex(" INFO +qel.shm.access.reader QelSharedMemoryReader: start\n"));
-}
-
 TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
     auto const outcome = outcomeOf(qelshm({"--wait", longWait, "watch", "--count", "7"}));
 
@@ -148,7 +137,7 @@ TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
     EXPECT_EQ(7, linesIn(outcome.output));
     EXPECT_THAT(outcome.output,
                 testing::ContainsRegex(
-                    "^2023-06-09T[0-9:]+Z  [a-z]+ [0-9/]+ +[A-Z][A-Za-z ]+[-0-9.]+[ A-Za-z]*  No Error\n"));
+                    "^2023-06-09T[0-9:]+Z  unit1[a-z0-9/]* +[A-Z][A-Za-z ]+[-0-9.]+[ A-Za-z]*  No Error\n"));
 }
 
 TEST_F(QelshmWatchTest, Svids_ChooseWhatIsWritten) {
@@ -157,7 +146,8 @@ TEST_F(QelshmWatchTest, Svids_ChooseWhatIsWritten) {
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ(6, linesIn(outcome.output));
-    EXPECT_THAT(outcome.output, testing::Not(testing::ContainsRegex("circuit|unit|Z  inlet 1 +[A-UW-Z]")));
+    EXPECT_THAT(outcome.output,
+                testing::Not(testing::ContainsRegex("circuit[12]|circuit3 |Z  unit1/inlet1 +[A-UW-Z]")));
 }
 
 // The sensor is plugged in 1.5 s after the start.
@@ -167,20 +157,35 @@ TEST_F(QelshmWatchTest, PointThatComesLater_IsWatchedToo) {
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output,
-                testing::ContainsRegex("^2015-02-0[0-9T:-]+Z  sensor 1/1 +Temperature +[0-9.]+ °C +No "
+                testing::ContainsRegex("^2015-02-0[0-9T:-]+Z  unit1/sensor1.1 +Temperature +[0-9.]+ °C +No "
                                        "Error\n$"));
 }
 
-TEST_F(QelshmWatchTest, HardwareManagerThatLeaves_EndsTheWatch) {
-    ChildProcess sut(qelshm({"--wait", longWait, "watch"}), ChildProcess::Errors::IntoOutput);
+TEST_F(QelshmWatchTest, UnitThatGoes_IsToldAndTheNextOneIsWatched) {
+    ChildProcess sut(qelshm({"watch"}), ChildProcess::Errors::IntoOutput);
     ASSERT_TRUE(sut.readUntil("Z  "));
 
     replay_.signal(SIGTERM);
 
-    EXPECT_THAT(
-        sut.readAll(),
-        testing::EndsWith("qelshm: the hardware manager has left the bus; nothing will change any more\n"));
-    EXPECT_EQ(1, sut.wait());
+    ASSERT_TRUE(sut.readUntil("qelshm: waiting, there is no shared-memory object \"QelSharedMemory\""));
+    ReplayProcess next({"--speed", "20", "--loop", outletsFile});
+    EXPECT_TRUE(sut.readUntil("Z  unit1"));
+    sut.signal(SIGTERM);
+    EXPECT_EQ(0, sut.wait());
+}
+
+TEST(QelshmWatchWaitTest, NoUnit_IsToldAndFailsInTheEnd) {
+    auto const outcome = outcomeWithErrors(qelshm({"watch", "--wait", "2"}));
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, there is no shared-memory object \"QelSharedMemory\"\n"
+              "qelshm: nothing to read after 2 s: there is no shared-memory object \"QelSharedMemory\"\n",
+              outcome.output);
+}
+
+TEST_F(QelshmWatchTest, ReaderOfTheLinesThatIsGone_EndsAWatchWithoutLines) {
+    auto const outcome =
+        outcomeOf({"bash", "-c", QELSHM " watch unit7 | true; echo status ${PIPESTATUS[0]}"});
+    EXPECT_EQ("status 0\n", outcome.output);
 }
 
 class WatchSignalTest : public QelshmWatchTest, public testing::WithParamInterface<int> {};
@@ -200,108 +205,6 @@ TEST_F(QelshmWatchTest, ReaderOfTheLinesThatGoesAway_EndsTheWatch) {
     auto const outcome = outcomeOf(
         {"bash", "-c", QELSHM " --wait 30 watch | head -n 2 >/dev/null; echo status ${PIPESTATUS[0]}"});
     EXPECT_EQ("status 0\n", outcome.output);
-}
-
-TEST_F(QelshmWatchTest, Terminal_ShowsATableUntilQ) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-
-    ASSERT_TRUE(sut.readUntil("qelshm  On"));
-    ASSERT_TRUE(sut.readUntil("0x0100ffffffff0000"));
-    ASSERT_TRUE(sut.readUntil("Voltage"));
-    ASSERT_TRUE(sut.readUntil(" V"));
-    ASSERT_TRUE(sut.readUntil("q: quit"));
-    EXPECT_FALSE(sut.isAsBefore());
-
-    sut.type("q");
-
-    ASSERT_TRUE(sut.readUntil("\x1b[?1049l")) << "back to the screen of before";
-    EXPECT_EQ(0, sut.wait());
-    EXPECT_TRUE(sut.isAsBefore());
-}
-
-TEST_F(QelshmWatchTest, Terminal_ScrollsAndFollowsItsSize) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("lines 1 to 22 of "));
-
-    sut.type("\x1bOB"); // down
-    ASSERT_TRUE(sut.readUntil("2 to 23"));
-    sut.type("\x1bOA"); // up
-    sut.type("\x1bOA");
-    ASSERT_TRUE(sut.readUntil("1 to 22"));
-    sut.type("\x1b[6~"); // page down
-    ASSERT_TRUE(sut.readUntil("23 to 44"));
-    sut.resize(12, 100);
-    ASSERT_TRUE(sut.readUntil("lines 23 to 32 of "));
-    sut.type("q");
-    EXPECT_EQ(0, sut.wait());
-}
-
-// The sensor is plugged in 1.5 s after the start. Only a new size makes the program write all of the screen again.
-TEST_F(QelshmWatchTest, Terminal_CountsTheStructureChangesThatAreAnnounced) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("points: 15, values: 102, structure changes: 0"));
-
-    unsigned short lines = 24;
-    EXPECT_TRUE(eventually([&] {
-        sut.resize(++lines, 120);
-        return sut.readUntil("points: 16, values: 105, structure changes: 1", std::chrono::milliseconds(500));
-    }));
-}
-
-TEST_F(QelshmWatchTest, Terminal_IsRestoredAfterASignal) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("q: quit"));
-
-    sut.signal(SIGTERM);
-
-    ASSERT_TRUE(sut.readUntil("\x1b[?1049l"));
-    EXPECT_EQ(0, sut.wait());
-    EXPECT_TRUE(sut.isAsBefore());
-}
-
-TEST_F(QelshmWatchTest, Terminal_IsRestoredWhenTheHardwareManagerLeaves) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("q: quit"));
-
-    replay_.signal(SIGTERM);
-
-    ASSERT_TRUE(sut.readUntil("\x1b[?1049l"));
-    ASSERT_TRUE(sut.readUntil("the hardware manager has left the bus"));
-    EXPECT_EQ(1, sut.wait());
-    EXPECT_TRUE(sut.isAsBefore());
-}
-
-TEST_F(QelshmWatchTest, UnknownTerminal_IsAFailure) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "no-such-terminal");
-
-    EXPECT_TRUE(sut.readUntil(
-        "qelshm: the terminal \"no-such-terminal\" cannot show a table; pipe the output through "
-        "cat for lines"));
-    EXPECT_EQ(1, sut.wait());
-}
-
-TEST(QelshmWaitTest, WatchWithoutABus_IsToldAndFails) {
-    auto const outcome = outcomeWithErrors(
-        {"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QELSHM, "--wait", "2", "watch"});
-    std::string const missing = "no system bus (Could not connect: No such file or directory)";
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: waiting, " + missing + "\nqelshm: nothing to read after 2 s: " + missing + '\n',
-              outcome.output);
-}
-
-TEST(QelshmWaitTest, WatchWithoutAHardwareManager_IsToldAndFails) {
-    auto const outcome = outcomeWithErrors(qelshm({"--wait", "2", "watch"}));
-    std::string const missing = "no hardware manager (org.qel.HardwareManager) on the system bus";
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_THAT(outcome.output, testing::EndsWith("qelshm: nothing to read after 2 s: " + missing + '\n'));
-}
-
-TEST(QelshmWaitTest, WatchOfARegionThatIsNotInitialised_IsToldAndFails) {
-    HardwareManagerService manager;
-    manager.setAnswer(0);
-    EXPECT_THAT(
-        outcomeWithErrors(qelshm({"--wait", "2", "watch"})).output,
-        testing::EndsWith("qelshm: nothing to read after 2 s: the hardware manager is not initialised\n"));
 }
 
 TEST(QelshmWaitTest, NoWait_LooksOnce) {
@@ -342,9 +245,9 @@ TEST(QelshmWaitTest, RegionThatComesInTime_IsRead) {
 TEST(QelshmHelpTest, HelpAndVersion_GoToStandardOutput) {
     auto const help = outcomeOf({"sh", "-c", QELSHM " --help 2>/dev/null"});
     EXPECT_EQ(0, help.status);
-    for (auto const* const part : {"Usage: qelshm [OPTIONS] SUBCOMMAND", "status", "tree", "list", "get",
-                                   "find", "dump", "watch", "completion", "--image", "--wait", "--json",
-                                   "--color", "--log-level", "Exit status:", "Examples:"}) {
+    for (auto const* const part :
+         {"Usage: qelshm [OPTIONS] SUBCOMMAND", "status", "tree", "list", "get", "find", "dump", "watch",
+          "completion", "--image", "--wait", "--json", "--color", "Exit status:", "Examples:"}) {
         EXPECT_THAT(help.output, testing::HasSubstr(part));
     }
     auto const watch = outcomeOf(qelshm({"watch", "--help"}));

@@ -7,25 +7,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <vector>
 
 namespace qel::test {
 
 namespace {
 
 constexpr std::size_t values = 8800; // positions from here on are none
-
-using Points = std::map<long long, shm::MPDef>;
-
-void expectSame(Points const& expected, shm::PointIndex const& sut, long long svid) {
-    auto const known = expected.find(svid);
-    auto const* const found = sut.find(svid);
-    ASSERT_EQ(known != expected.end(), found != nullptr);
-    if (found != nullptr) {
-        EXPECT_EQ(known->second.pos, found->pos());
-        EXPECT_EQ(&known->second.mutex, &found->mutex());
-    }
-}
 
 } // namespace
 
@@ -102,40 +89,29 @@ TEST(PointIndexTest, Remove_OfAnUnknownPoint_ChangesNothing) {
 TEST(PointIndexTest, RandomAddsAndRemoves_AgreeWithAMap) {
     auto random = randomNumbers(7);
     shm::PointIndex sut;
-    Points expected;
-    // Ids of a few levels, so that many differ in one byte only; full tables included.
-    auto const anyLevel = [&](unsigned int count) {
-        return static_cast<int>(random() % count);
-    };
-    auto const anyId = [&] {
-        return pointId(anyLevel(3), 0, anyLevel(200), anyLevel(4));
-    };
-    std::vector<unsigned int> freePositions;
-    for (unsigned int pos = 0; pos < 800; ++pos) {
-        freePositions.push_back(pos);
-    }
-    bool wasFull = false;
-    for (int step = 0; step < 20000; ++step) {
-        auto const svid = anyId();
-        bool const grows = step / 2000 % 2 == 0 ? random() % 8 != 0 : random() % 8 == 0;
+    std::map<long long, shm::MPDef> expected;
+    for (int step = 0; step < 5000; ++step) {
+        auto const pos = static_cast<unsigned int>(random() % 800);
+        auto const svid = pointId(static_cast<int>(pos % 7), 0, static_cast<int>(pos / 7), 1);
         auto const known = expected.find(svid);
-        if (grows && known == expected.end() && !freePositions.empty()) {
+        if (known == expected.end()) {
             auto& definition = expected[svid];
-            definition.pos = freePositions.back();
-            freePositions.pop_back();
+            definition = shm::MPDef(pos, {{1, pos}, {static_cast<std::uint16_t>(pos + 2), pos + 1000}});
             sut.add(svid, definition);
-        } else if (!grows && known != expected.end()) {
+        } else {
             sut.remove(svid);
-            freePositions.push_back(known->second.pos);
             expected.erase(known);
         }
-        wasFull = wasFull || freePositions.empty();
-        expectSame(expected, sut, svid);
-        expectSame(expected, sut, anyId());
+        ASSERT_EQ(expected.count(svid) == 1, sut.find(svid) != nullptr);
     }
-    EXPECT_TRUE(wasFull);
-    for (auto const& point : expected) {
-        expectSame(expected, sut, point.first);
+    for (auto const& [svid, definition] : expected) {
+        auto const* const found = sut.find(svid);
+        ASSERT_NE(nullptr, found);
+        EXPECT_EQ(definition.pos, found->pos());
+        EXPECT_EQ(&definition.mutex, &found->mutex());
+        EXPECT_EQ(definition.pos, found->valuePosition(1));
+        EXPECT_EQ(definition.pos + 1000,
+                  found->valuePosition(static_cast<std::uint16_t>(definition.pos + 2)));
     }
 }
 

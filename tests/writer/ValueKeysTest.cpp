@@ -20,12 +20,4 @@ TEST(ValueKeysTest, IsInThousandths_HoldsForElevenKeysOfAll) {
     }
 }
 
-TEST(ValueKeysTest, PointSvid_ClearsTheLow16Bits) {
-    EXPECT_EQ(0x0100FFFFFFFF0000LL, shm::pointSvid(0x0100FFFFFFFF0000LL));
-    EXPECT_EQ(0x0100FFFFFFFF0000LL, shm::pointSvid(0x0100FFFFFFFFFFFFLL));
-    EXPECT_EQ(0x0100FFFFFFFF0000LL, shm::pointSvid(0x0100FFFFFFFF0001LL));
-    EXPECT_EQ(-0x10000LL, shm::pointSvid(-1LL));
-    EXPECT_EQ(0LL, shm::pointSvid(0xFFFFLL));
-}
-
 } // namespace qel::test

@@ -5,6 +5,7 @@
 
 #include "domain/SensorIdentifier.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/RandomNumbers.h"
 #include "tests/support/RawRegion.h"
 #include "writer/QelSharedMemoryWriter.h"
 
@@ -13,7 +14,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <random>
 #include <set>
 #include <sstream>
 #include <string>
@@ -104,11 +104,6 @@ public:
     explicit WriterLog(log4cpp::Priority::Value threshold = log4cpp::Priority::DEBUG)
         : LogCapture("qel.shm.access.writer", threshold) {}
 };
-
-/// The same sequence in every run.
-inline std::mt19937 randomNumbers(std::uint32_t seed) {
-    return std::mt19937(seed);
-}
 
 /// A writer, and its region as plain bytes.
 class WriterTest : public testing::Test {

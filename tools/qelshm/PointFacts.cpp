@@ -1,12 +1,11 @@
 #include "tools/qelshm/PointFacts.h"
 
-#include "tools/qelshm/Text.h"
-
 #include "format/Names.h"
 #include "format/ValueFormatter.h"
 #include "inspect/PointPath.h"
 #include "inspect/Svid.h"
 #include "region/QelShmMPnt.h"
+#include "region/QelShmMVal.h"
 
 #include <cmath>
 
@@ -53,7 +52,7 @@ ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& nod
     return {inspect::pointOf(image.region().points[node.pos].guid) | value.key,
             value.key,
             shm::keyName(value.key),
-            numberText(value),
+            tav::ValueFormatter::str(shm::QelShmMVal(&value)),
             numberOf(value),
             unitOf(value.key),
             value.state,

@@ -2,7 +2,6 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
-#include "tools/common/Logging.h"
 #include "tools/qelshm/Commands.h"
 
 #include <CLI/App.hpp>
@@ -43,7 +42,6 @@ int runQelshm(int argc, char const* const* argv, std::ostream& out) {
     if (auto const status = parseCommandLine(app, argc, argv)) {
         return *status;
     }
-    logToStandardError(options.logLevel);
     auto const tell = [&](std::string const& message) {
         tellError(app, message);
     };

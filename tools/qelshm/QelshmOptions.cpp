@@ -1,7 +1,6 @@
 #include "tools/qelshm/QelshmOptions.h"
 
 #include "tools/common/CommandLine.h"
-#include "tools/common/Logging.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -25,8 +24,8 @@ constexpr char const* footer = R"(Points:
   By sensor id (0x and hexadecimal digits, or decimal) as list prints it, or by path: unit1/inlet1/circuit2/socket5.
   The sensor id of a value (its point's id with the value's key in the low 16 bits) stands for that value.
 
-Looking does no harm: the shared memory is copied once and never written, mapped or locked; watch alone uses the
-hardware manager on D-Bus.
+Looking does no harm: the shared memory is copied once and never written, mapped or locked, and nothing
+needs D-Bus.
 
 Exit status:
   0  all is well
@@ -71,7 +70,6 @@ OptionalOptions defineQelshmOptions(CLI::App& app, QelshmOptions& options) {
         ->capture_default_str();
     app.add_option("--now", options.now, "Time that ages count from, in ms since 1970 UTC")
         ->group(""); // not shown: for comparisons with what was printed before
-    addLogOption(app, options.logLevel);
     addVersionOption(app);
     return optional;
 }

@@ -19,7 +19,6 @@ struct QelshmOptions {
     bool isJson = false;
     std::string color = "auto";       ///< "auto", "always" or "never"
     std::optional<std::uint64_t> now; ///< ms since 1970 UTC that ages count from, in place of the clock
-    std::string logLevel;
 };
 
 /// The options that not every verb takes.

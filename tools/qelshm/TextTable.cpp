@@ -2,7 +2,7 @@
 
 #include "tools/common/SafeText.h"
 #include "tools/qelshm/Output.h"
-#include "tools/qelshm/Text.h"
+#include "tools/watch/Text.h"
 
 #include <algorithm>
 
@@ -15,7 +15,7 @@ void TextTable::add(std::size_t layout, std::vector<Cell> cells) {
     for (std::size_t column = 0; column < cells.size(); ++column) {
         auto& text = cells[column].text;
         text = safeText(text);
-        widths[column] = std::max(widths[column], characterCount(text));
+        widths[column] = std::max(widths[column], watch::widthOf(text));
     }
     while (!cells.empty() && cells.back().text.empty()) {
         cells.pop_back();
@@ -31,7 +31,7 @@ void TextTable::print(std::ostream& out, bool hasColor) const {
             bool const isLast = column + 1 == row.cells.size();
             auto const width = widths_[row.layout][column] + 2;
             lines.append(hasColor ? styled(cell.text, cell.style) : cell.text)
-                .append(isLast ? 0 : width - characterCount(cell.text), ' ');
+                .append(isLast ? 0 : width - watch::widthOf(cell.text), ' ');
         }
         lines += '\n';
     }

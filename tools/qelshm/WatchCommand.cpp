@@ -18,7 +18,8 @@ constexpr char const* footer =
     "What does\n"
     "not exist yet is watched once it does.\n"
     "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
-    "Elsewhere: a line for each value whose number or state has changed: time, point, value, state; waits 5 s for\n"
+    "Elsewhere: a line for each value whose number or state has changed: time, point, value, state; waits 5 "
+    "s for\n"
     "something to watch, if --wait does not tell otherwise.\n"
     "Follows the shared memory when another writer creates it anew.";
 

@@ -1,0 +1,227 @@
+#include "reader/QelSharedMemoryReader.h"
+#include "tests/reader/ForgedRegion.h"
+#include "tests/reader/MappedReader.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/RandomNumbers.h"
+
+#include <gtest/gtest.h>
+
+#include <gio/gio.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <future>
+#include <numeric>
+#include <vector>
+
+namespace {
+
+using qel::test::ForgedRegion;
+using qel::test::LogCapture;
+using qel::test::MappedReader;
+
+constexpr long long pointId = 0x0100FFFFFFFF0000;
+constexpr long long otherId = 0x0200FFFFFFFF0000;
+
+/// The signal as GLib hands it over; the connection is only compared with null.
+void announceChange() {
+    int connection = 0;
+    auto* const none = g_variant_ref_sink(g_variant_new("()"));
+    shm::QelSharedMemoryReader::handler(reinterpret_cast<GDBusConnection*>(&connection), ":1.1", "/",
+                                        "org.qel.HardwareManager", "shmStructureChanged", none, nullptr);
+    g_variant_unref(none);
+}
+
+/// A point with the keys 1, 4 and 0xFFFF in the value slots from 10 on, and another one with key 1 in 20.
+class KeptValue : public testing::Test {
+protected:
+    KeptValue() {
+        region.point(3, pointId);
+        region.values(3, 10, {1, 4, 0xFFFF});
+        region.point(4, otherId);
+        region.values(4, 20, {1});
+        region.devices({3, 4});
+        for (std::uint32_t slot = 0; slot < 30; ++slot) {
+            region.raw().set<double>(qel::test::rawValue(slot), slot);
+        }
+    }
+
+    /// Number of the value, which is its slot's; -1 for none.
+    double number(shm::QelShmKeptMVal& kept) { return numberOf(sut.mval(kept)); }
+    static double numberOf(shm::QelShmMVal const& value) { return value ? value->value : -1; }
+
+    ForgedRegion region;
+    MappedReader sut;
+};
+
+TEST_F(KeptValue, Mval_FindsEachValueByItsSvid) {
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(11, numberOf(sut.mval(pointId | 4, false)));
+    EXPECT_EQ(12, numberOf(sut.mval(pointId | 0xFFFF, false)));
+    EXPECT_EQ(20, numberOf(sut.mval(otherId | 1, false)));
+}
+
+TEST_F(KeptValue, Mval_UnknownPointOrKey_IsNull) {
+    EXPECT_FALSE(sut.mval(otherId | 4, false));
+    EXPECT_FALSE(sut.mval(pointId, false));
+    EXPECT_FALSE(sut.mval(1, false));
+}
+
+TEST_F(KeptValue, Mval_SeveralValuesOfAKey_GivesTheFirst) {
+    region.values(3, 10, {4, 1, 1});
+    EXPECT_EQ(11, numberOf(sut.mval(pointId | 1, false)));
+}
+
+TEST_F(KeptValue, Mval_Force_FollowsAnUnannouncedChange) {
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    region.point(5, pointId);
+    region.values(5, 25, {1});
+    region.devices({5});
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(25, numberOf(sut.mval(pointId | 1, true)));
+}
+
+TEST_F(KeptValue, Kept_ShowsTheSlotsPresentNumber) {
+    shm::QelShmKeptMVal kept(pointId | 4);
+    EXPECT_EQ(pointId | 4, kept.svid());
+    EXPECT_EQ(11, number(kept));
+    region.raw().set<double>(qel::test::rawValue(11), 111);
+    EXPECT_EQ(111, number(kept));
+}
+
+TEST_F(KeptValue, Kept_WhileTheStructureStands_LooksNothingUp) {
+    shm::QelShmKeptMVal kept(pointId | 4);
+    EXPECT_EQ(11, number(kept));
+    LogCapture const log;
+    region.values(3, 20, {4}); // the chain leads elsewhere, unannounced
+    EXPECT_EQ(11, number(kept));
+    EXPECT_TRUE(log.entries().empty());
+}
+
+TEST_F(KeptValue, Kept_AnnouncedChange_IsLookedUpAnew) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    EXPECT_EQ(10, number(kept));
+    region.values(3, 22, {1});
+    announceChange();
+    EXPECT_EQ(22, number(kept));
+}
+
+TEST_F(KeptValue, Kept_RemovedPointWhoseSlotStands_IsTold) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal other(otherId | 1);
+    EXPECT_EQ(10, number(kept));
+    EXPECT_EQ(20, number(other));
+    region.devices({4});
+    announceChange();
+    EXPECT_EQ(20, number(other)) << "this one builds the index anew";
+    EXPECT_EQ(-1, number(kept)) << "the slot still holds the point, the tree does not";
+    region.devices({3, 4});
+    announceChange();
+    EXPECT_EQ(10, number(kept));
+}
+
+TEST_F(KeptValue, Kept_SlotOfAnotherPoint_IsNotTaken) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    EXPECT_EQ(10, number(kept));
+    region.point(3, otherId);
+    EXPECT_NE(nullptr, sut.mpnt(pointId, false)) << "a look-up by the index takes it";
+    sut.syncPositions(true);
+    EXPECT_EQ(-1, number(kept));
+}
+
+TEST_F(KeptValue, Kept_SlotOfAnotherKey_IsLookedUpAnew) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    EXPECT_EQ(10, number(kept));
+    region.values(3, 10, {7, 4, 1});
+    EXPECT_EQ(12, number(kept)) << "no announcement is needed for this";
+}
+
+TEST_F(KeptValue, Kept_RegionClosed_IsNull) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    EXPECT_EQ(10, number(kept));
+    sut.closeShm();
+    EXPECT_EQ(-1, number(kept));
+    sut.openShm();
+    EXPECT_EQ(10, number(kept));
+}
+
+TEST_F(KeptValue, Kept_Copy_GoesItsOwnWay) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    EXPECT_EQ(10, number(kept));
+    auto copy = kept;
+    kept = shm::QelShmKeptMVal(otherId | 1);
+    EXPECT_EQ(20, number(kept));
+    EXPECT_EQ(10, number(copy));
+}
+
+TEST_F(KeptValue, Kept_InSeveralThreads_EachFindsItsOwn) {
+    auto const readAll = [&](long long svid, double expected) {
+        shm::QelShmKeptMVal kept(svid);
+        bool isRight = true;
+        for (int round = 0; round < 2000; ++round) {
+            if (round % 500 == 0) {
+                sut.syncPositions(true);
+            }
+            isRight = number(kept) == expected && isRight;
+        }
+        return isRight;
+    };
+    auto first = std::async(std::launch::async, readAll, pointId | 1, 10);
+    auto second = std::async(std::launch::async, readAll, otherId | 1, 20);
+    EXPECT_TRUE(first.get());
+    EXPECT_TRUE(second.get());
+}
+
+TEST_F(KeptValue, RandomStructures_AgreeWithTheListOfValues) {
+    auto random = qel::test::randomNumbers(3);
+    constexpr int points = 12;
+    std::vector<shm::QelShmKeptMVal> kept;
+    for (int number = 0; number < points; ++number) {
+        for (int key = 0; key < 6; ++key) {
+            kept.emplace_back((number * 0x10000LL) | key);
+        }
+    }
+    std::vector<std::uint32_t> slots(40);
+    std::iota(slots.begin(), slots.end(), 0U);
+    for (int round = 0; round < 300; ++round) {
+        // Some of the points, in any slots, each with some of the keys in the 6 value slots from 6 * slot on.
+        std::shuffle(slots.begin(), slots.end(), random);
+        std::vector<std::uint32_t> used;
+        for (int number = 0; number < points; ++number) {
+            if (random() % 4 == 0) {
+                continue;
+            }
+            auto const slot = slots[static_cast<std::size_t>(number)];
+            std::vector<std::uint16_t> keys;
+            for (std::uint16_t key = 0; key < 6; ++key) {
+                if (random() % 3 != 0) {
+                    keys.push_back(key);
+                }
+            }
+            std::shuffle(keys.begin(), keys.end(), random);
+            region.point(slot, number * 0x10000LL);
+            region.values(slot, slot * 6, keys);
+            used.push_back(slot);
+        }
+        region.devices(used);
+        announceChange();
+        for (auto& one : kept) {
+            void const* expected = nullptr;
+            if (auto const point = sut.mpnt(one.svid() & ~0xFFFFLL, false)) {
+                for (auto const& value : sut.mvs((*point)->mvs)) {
+                    if (value->key == (one.svid() & 0xFFFF)) {
+                        expected = &*value;
+                    }
+                }
+            }
+            for (int use = 0; use < 2; ++use) {
+                auto const value = sut.mval(one);
+                ASSERT_EQ(expected, value ? &*value : nullptr) << "round " << round << ", " << one.svid();
+            }
+            auto const looked = sut.mval(one.svid(), false);
+            ASSERT_EQ(expected, looked ? &*looked : nullptr);
+        }
+    }
+}
+
+} // namespace
