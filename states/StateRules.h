@@ -2,6 +2,8 @@
 /// The rules of state combination, one state at a time.
 #pragma once
 
+#include "domain/SensorIdentifier.h"
+#include "domain/SensorType.h"
 #include "domain/eStatus_Bits.h"
 #include "region/TableLookup.h"
 
@@ -199,6 +201,19 @@ constexpr eStatus_Bits combineStates(eStatus_Bits initial, eStatus_Bits values, 
         return off ? eStatus_OffChildWarning : eStatus_ChildWarning;
     }
     return withValues;
+}
+
+/// Whether a sensor id names a circuit itself, not one of its sockets.
+inline bool isCircuit(long long svid) {
+    auto const parts = SensorIdentifier::getSensorIdParts(svid);
+    return parts[SensorIdentifier::Kind] == SensorType::Electrical &&
+           parts[SensorIdentifier::Circuit] != -1 && parts[SensorIdentifier::Socket] == -1;
+}
+
+/// What a point of this id and state counts as for its parent.
+/// Deliberate: a circuit that is switched off stands for an alarm above it, while it shows "Off" itself.
+inline eStatus_Bits reportedState(long long svid, eStatus_Bits state) {
+    return state == eStatus_Off && isCircuit(svid) ? eStatus_Alarm : state;
 }
 
 } // namespace shm

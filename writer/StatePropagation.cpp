@@ -1,23 +1,11 @@
 #include "writer/StatePropagation.h"
 
-#include "domain/SensorIdentifier.h"
 #include "region/RegionFields.h"
 #include "states/StateRules.h"
 
 namespace shm {
 
 namespace {
-
-/// Deliberate: a circuit that is switched off stands for an alarm above it, while it shows "Off" itself.
-eStatus_Bits reportedState(long long svid, eStatus_Bits state) {
-    if (state != eStatus_Off) {
-        return state;
-    }
-    auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    bool const isCircuit = parts[SensorIdentifier::Kind] == SensorType::Electrical &&
-                           parts[SensorIdentifier::Circuit] != -1 && parts[SensorIdentifier::Socket] == -1;
-    return isCircuit ? eStatus_Alarm : state;
-}
 
 /// Takes the reported states as a list.
 struct ListSink {

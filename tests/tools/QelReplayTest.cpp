@@ -1,8 +1,15 @@
+#include "inspect/LiveRegion.h"
+#include "tools/replay/RecordPlayer.h"
+
+#include "reader/QelSharedMemoryReader.h"
+#include "tests/inspect/RecordingFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/MainLoopThread.h"
 #include "tests/tools/CreatedObjects.h"
 #include "tests/tools/RawUnit.h"
 #include "tests/tools/Recorded.h"
+#include "tests/tools/RecordingFile.h"
 #include "tests/tools/ReplayProcess.h"
 #include "tests/tools/TempFile.h"
 
@@ -11,7 +18,9 @@
 #include <chrono>
 #include <csignal>
 #include <ostream>
+#include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace qel::test {
@@ -277,6 +286,102 @@ TEST_P(RefusedInputTest, IsOneLineAndStatusTwoAndPublishesNothing) {
 
     EXPECT_EQ(2, outcome.status);
     EXPECT_EQ("qel-replay: " + message + '\n', outcome.output);
+    EXPECT_TRUE(created.names().empty());
+}
+
+namespace {
+
+/// Images of a running replay of the recorded data, taken at short intervals from its start to its end.
+std::vector<inspect::Image> imagesOfAReplay() {
+    ReplayProcess replay({"--speed", "200", "--from", "7480,1", "--until", "300", "--plug-after", "30",
+                          "--unplug-after", "90", "--plug-after", "100", "--group-after", "40", "--limit",
+                          "outlet6_active_power_W:high-warning=2200,high-alarm=2400,hysteresis=20",
+                          outletsFile, environmentFile});
+    std::vector<inspect::Image> images;
+    if (replay.readUntil("region active")) {
+        inspect::LiveRegion const live;
+        while (!live.isReplaced()) {
+            images.push_back(live.copy());
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+    return images;
+}
+
+} // namespace
+
+TEST(QelReplayTest, FromRecord_ReproducesARecordedReplayByteForByte) {
+    RecordingFile const file(imagesOfAReplay());
+    auto const count = file.images().size();
+    ASSERT_GT(count, 20U);
+
+    {
+        std::ostringstream out;
+        tools::ReplayLog log(&out, tools::ReplaySteps::Samples);
+        tools::RecordPlayer player({file.path(), count}, log, [] {});
+        player.begin();
+        for (auto const& image : file.images()) {
+            expectSame(image, inspect::LiveRegion().copy());
+            if (player.due()) {
+                player.step();
+            }
+        }
+        EXPECT_THAT(out.str(), testing::HasSubstr(" => Child Alarm\n"));
+        EXPECT_THAT(out.str(), testing::HasSubstr("  structure  changed, now "));
+    }
+    for (auto const samples : {std::size_t{1}, count / 3, count / 2, count}) {
+        ReplayProcess sut(
+            {"--from-record", file.path(), "--speed", "0", "--hold", "--until", std::to_string(samples)});
+        ASSERT_TRUE(sut.readUntil("all samples replayed; the region stays"));
+        expectSame(file.images()[samples - 1], inspect::LiveRegion().copy());
+    }
+    EXPECT_FALSE(rawRegionExists());
+}
+
+TEST(QelReplayTest, FromRecord_ServesReaders) {
+    auto const images = imagesOfAReplay();
+    ASSERT_FALSE(images.empty());
+    RecordingFile const file(images);
+    shm::QelSharedMemoryReader const listener(0, false); // maps nothing, counts the signals
+    MainLoopThread const loop;
+
+    ReplayProcess sut({"--from-record", file.path(), "--speed", "0", "--hold"});
+
+    ASSERT_TRUE(sut.readUntil("the region stays"));
+    EXPECT_TRUE(eventually([&] { return listener.modifications() != 0; }));
+    auto const outcome = outcomeOf({QELSHM, "get", "0x01010101ffff0000"});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_THAT(outcome.output, testing::HasSubstr("Temperature"));
+}
+
+TEST(QelReplayTest, FromRecord_KeepsTheSpeedAndEndsLikeAnyReplay) {
+    RecordingFile const file({3, randomImages(1, 71).front()});
+    CreatedObjects const created;
+    auto const start = std::chrono::steady_clock::now();
+
+    auto const outcome = outcomeOf(ReplayProcess::command({"--from-record", file.path(), "--speed", "4"}));
+
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(240));
+    EXPECT_THAT(outcome.output,
+                testing::MatchesRegex("qel-replay: region active: .*; 1 recording, 3 samples\n"
+                                      "qel-replay: all samples replayed: 3 samples, .*\n"));
+    EXPECT_EQ((std::vector<std::string>{"QelSharedMemory"}), created.names());
+    EXPECT_FALSE(rawRegionExists());
+}
+
+TEST(QelReplayTest, FromRecord_ThatIsWrongPublishesNothing) {
+    TempFile const file(threeRows);
+    CreatedObjects const created;
+    auto const wrong = outcomeOf(ReplayProcess::command({"--from-record", file.path()}));
+    EXPECT_EQ(2, wrong.status);
+    EXPECT_EQ("qel-replay: --from-record: cannot read " + file.path() +
+                  ": it is no recording; expected a recorded region; --until ends the replay before a "
+                  "damaged sample\n",
+              wrong.output);
+    auto const both = outcomeOf(ReplayProcess::command({"--from-record", "x", file.path()}));
+    EXPECT_EQ(2, both.status);
+    EXPECT_THAT(both.output, testing::StartsWith("qel-replay: FILE: it does not go with --from-record; "));
     EXPECT_TRUE(created.names().empty());
 }
 

@@ -1,12 +1,9 @@
 #include "tools/replay/LiveUnit.h"
 
 #include "tests/support/ChildProcess.h"
-#include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/tools/Recorded.h"
 #include "tests/tools/ReplayProcess.h"
 #include "tests/tools/TempFile.h"
-#include "tests/tools/Terminal.h"
 
 #include <gmock/gmock.h>
 
@@ -57,13 +54,6 @@ long linesIn(std::string const& text) {
     return std::count(text.begin(), text.end(), '\n');
 }
 
-/// Expects that the program tells what it waits for, and in the end what is missing.
-void expectWaitInVain(Outcome const& outcome, std::string const& missing) {
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_THAT(outcome.output, testing::EndsWith("qelshm: waiting, " + missing +
-                                                  "\nqelshm: nothing to read after 2 s: " + missing + '\n'));
-}
-
 /// A region with two rows in it that stays as it is.
 class QelshmTest : public testing::Test {
 protected:
@@ -85,66 +75,59 @@ protected:
 } // namespace
 
 TEST_F(QelshmTest, List_PrintsPointsAndValues) {
-    auto const outcome = outcomeOf(qelshm({"--wait", longWait, "list"}));
+    auto const outcome = outcomeOf(qelshm({"list"}));
 
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ(
-        "0x0100ffffffff0000  unit 1                Master                            Child Warning\n"
-        "0x010001ffffff0000    inlet 1             1P                                On, Warning\n"
-        "  0x010001ffffff0001  Voltage           230.0 V           Lost            2023-06-09T07:34:31Z\n"
-        "  0x010001ffffff0013  Active Power      1000.0 W          High Warning    2023-06-09T07:34:31Z\n"
-        "  0x010001ffffff0024  Active Energy     0.0 kWh           No Error        2023-06-09T07:34:31Z\n",
-        outcome.output);
+    EXPECT_THAT(
+        outcome.output,
+        testing::MatchesRegex(
+            "0x0100ffffffff0000  unit1         Master  Child Warning\n"
+            "0x010001ffffff0000  unit1/inlet1  1P      On, Warning\n"
+            "  0x010001ffffff0001  Voltage        230.0 V   Lost          2023-06-09T07:34:31Z  [0-9]+ d "
+            "[0-9]+ h\n"
+            "  0x010001ffffff0013  Active Power   1000.0 W  High Warning  2023-06-09T07:34:31Z  [0-9]+ d "
+            "[0-9]+ h\n"
+            "  0x010001ffffff0024  Active Energy  0.0 kWh   No Error      2023-06-09T07:34:31Z  [0-9]+ d "
+            "[0-9]+ h\n"));
 }
 
-TEST_F(QelshmTest, Tree_IsTheLibrarysDump) {
-    auto const outcome = outcomeOf(qelshm({"tree", "--wait", longWait}));
+TEST_F(QelshmTest, Tree_PrintsThePoints) {
+    auto const outcome = outcomeOf(qelshm({"tree"}));
 
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ(
-        "0xff00ffffffff0000\n"
-        "  - 0x0100ffffffff0000, this = 0, parent = ffffffff, prev = ffffffff, next = ffffffff []\n"
-        "    - 0x010001ffffff0000, this = 1, parent = 0, prev = ffffffff, next = ffffffff [0x0001, 0x0013, "
-        "0x0024]\n",
-        outcome.output);
+    EXPECT_EQ("unit1           unit   Master  Child Warning\n"
+              "  unit1/inlet1  inlet  1P      On, Warning\n",
+              outcome.output);
 }
 
-TEST_F(QelshmTest, GetOfAPoint_PrintsItWithItsValues) {
-    auto const outcome = outcomeOf(qelshm({"--wait", longWait, "get", "0x010001FFFFFF0000"}));
+TEST_F(QelshmTest, Status_TellsOfTheLiveObject) {
+    auto const outcome = outcomeOf(qelshm({"status"}));
 
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ(
-        "0x010001ffffff0000  inlet 1               1P                                On, Warning\n"
-        "  0x010001ffffff0001  Voltage           230.0 V           Lost            2023-06-09T07:34:31Z\n"
-        "  0x010001ffffff0013  Active Power      1000.0 W          High Warning    2023-06-09T07:34:31Z\n"
-        "  0x010001ffffff0024  Active Energy     0.0 kWh           No Error        2023-06-09T07:34:31Z\n",
-        outcome.output);
+    EXPECT_THAT(outcome.output, testing::HasSubstr("global state   Child Warning\nstatus LED     orange\n"));
 }
 
 TEST_F(QelshmTest, GetOfAValue_PrintsOneLine) {
-    std::string const line =
-        "2023-06-09T07:34:31Z  inlet 1               Voltage           230.0 V           Lost\n";
     for (auto const* const svid : {"0x010001ffffff0001", "72059793061117953"}) {
-        auto const outcome = outcomeOf(qelshm({"--wait", longWait, "get", svid}));
+        auto const outcome = outcomeOf(qelshm({"get", svid}));
         EXPECT_EQ(0, outcome.status);
-        EXPECT_EQ(line, outcome.output);
+        EXPECT_THAT(outcome.output,
+                    testing::StartsWith("2023-06-09T07:34:31Z  unit1/inlet1  Voltage  230.0 V  Lost  "));
     }
 }
 
-TEST_F(QelshmTest, GetOfNothing_IsAFailure) {
-    for (std::string const svid : {"0x010002ffffff0000", "0x010001ffffff0002", "0x0000000000000005"}) {
-        auto const outcome = outcomeWithErrors(qelshm({"--wait", longWait, "get", svid}));
-        EXPECT_EQ(1, outcome.status);
-        EXPECT_THAT(outcome.output, testing::EndsWith("qelshm: there is no point or value " + svid + '\n'));
+TEST_F(QelshmTest, NoVerb_NeedsABus) {
+    for (auto const* const verb : {"status", "tree", "list"}) {
+        auto const outcome =
+            outcomeWithErrors({"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QELSHM, verb});
+        EXPECT_EQ(0, outcome.status) << outcome.output;
     }
 }
 
-TEST_F(QelshmTest, LogLevel_WritesTheLibrarysLogToStandardErrorOnly) {
-    std::string const command = QELSHM " --wait 30 --log-level debug tree";
-    auto const output = outcomeOf({"sh", "-c", command + " 2>/dev/null"}).output;
-    EXPECT_EQ(3, linesIn(output)) << output;
-    EXPECT_THAT(outcomeOf({"sh", "-c", command + " 2>&1 >/dev/null"}).output,
-                testing::ContainsRegex(" INFO +qel.shm.access.reader QelSharedMemoryReader: start\n"));
+TEST_F(QelshmTest, FullOutput_IsAFailure) {
+    auto const outcome = outcomeWithErrors({"sh", "-c", QELSHM " tree >/dev/full"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: the output cannot be written\n", outcome.output);
 }
 
 TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
@@ -154,7 +137,7 @@ TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
     EXPECT_EQ(7, linesIn(outcome.output));
     EXPECT_THAT(outcome.output,
                 testing::ContainsRegex(
-                    "^2023-06-09T[0-9:]+Z  [a-z]+ [0-9/]+ +[A-Z][A-Za-z ]+[-0-9.]+[ A-Za-z]*  No Error\n"));
+                    "^2023-06-09T[0-9:]+Z  unit1[a-z0-9/]* +[A-Z][A-Za-z ]+[-0-9.]+[ A-Za-z]*  No Error\n"));
 }
 
 TEST_F(QelshmWatchTest, Svids_ChooseWhatIsWritten) {
@@ -163,7 +146,8 @@ TEST_F(QelshmWatchTest, Svids_ChooseWhatIsWritten) {
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ(6, linesIn(outcome.output));
-    EXPECT_THAT(outcome.output, testing::Not(testing::ContainsRegex("circuit|unit|Z  inlet 1 +[A-UW-Z]")));
+    EXPECT_THAT(outcome.output,
+                testing::Not(testing::ContainsRegex("circuit[12]|circuit3 |Z  unit1/inlet1 +[A-UW-Z]")));
 }
 
 // The sensor is plugged in 1.5 s after the start.
@@ -173,20 +157,35 @@ TEST_F(QelshmWatchTest, PointThatComesLater_IsWatchedToo) {
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output,
-                testing::ContainsRegex("^2015-02-0[0-9T:-]+Z  sensor 1/1 +Temperature +[0-9.]+ °C +No "
+                testing::ContainsRegex("^2015-02-0[0-9T:-]+Z  unit1/sensor1.1 +Temperature +[0-9.]+ °C +No "
                                        "Error\n$"));
 }
 
-TEST_F(QelshmWatchTest, HardwareManagerThatLeaves_EndsTheWatch) {
-    ChildProcess sut(qelshm({"--wait", longWait, "watch"}), ChildProcess::Errors::IntoOutput);
+TEST_F(QelshmWatchTest, UnitThatGoes_IsToldAndTheNextOneIsWatched) {
+    ChildProcess sut(qelshm({"watch"}), ChildProcess::Errors::IntoOutput);
     ASSERT_TRUE(sut.readUntil("Z  "));
 
     replay_.signal(SIGTERM);
 
-    EXPECT_THAT(
-        sut.readAll(),
-        testing::EndsWith("qelshm: the hardware manager has left the bus; nothing will change any more\n"));
-    EXPECT_EQ(1, sut.wait());
+    ASSERT_TRUE(sut.readUntil("qelshm: waiting, there is no shared-memory object \"QelSharedMemory\""));
+    ReplayProcess next({"--speed", "20", "--loop", outletsFile});
+    EXPECT_TRUE(sut.readUntil("Z  unit1"));
+    sut.signal(SIGTERM);
+    EXPECT_EQ(0, sut.wait());
+}
+
+TEST(QelshmWatchWaitTest, NoUnit_IsToldAndFailsInTheEnd) {
+    auto const outcome = outcomeWithErrors(qelshm({"watch", "--wait", "2"}));
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, there is no shared-memory object \"QelSharedMemory\"\n"
+              "qelshm: nothing to read after 2 s: there is no shared-memory object \"QelSharedMemory\"\n",
+              outcome.output);
+}
+
+TEST_F(QelshmWatchTest, ReaderOfTheLinesThatIsGone_EndsAWatchWithoutLines) {
+    auto const outcome =
+        outcomeOf({"bash", "-c", QELSHM " watch unit7 | true; echo status ${PIPESTATUS[0]}"});
+    EXPECT_EQ("status 0\n", outcome.output);
 }
 
 class WatchSignalTest : public QelshmWatchTest, public testing::WithParamInterface<int> {};
@@ -208,160 +207,47 @@ TEST_F(QelshmWatchTest, ReaderOfTheLinesThatGoesAway_EndsTheWatch) {
     EXPECT_EQ("status 0\n", outcome.output);
 }
 
-TEST_F(QelshmWatchTest, Terminal_ShowsATableUntilQ) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-
-    ASSERT_TRUE(sut.readUntil("qelshm  On"));
-    ASSERT_TRUE(sut.readUntil("0x0100ffffffff0000"));
-    ASSERT_TRUE(sut.readUntil("Voltage"));
-    ASSERT_TRUE(sut.readUntil(" V"));
-    ASSERT_TRUE(sut.readUntil("q: quit"));
-    EXPECT_FALSE(sut.isAsBefore());
-
-    sut.type("q");
-
-    ASSERT_TRUE(sut.readUntil("\x1b[?1049l")) << "back to the screen of before";
-    EXPECT_EQ(0, sut.wait());
-    EXPECT_TRUE(sut.isAsBefore());
+TEST(QelshmWaitTest, NoWait_LooksOnce) {
+    auto const outcome = outcomeWithErrors(qelshm({"list"}));
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: there is no shared-memory object QelSharedMemory\n", outcome.output);
 }
 
-TEST_F(QelshmWatchTest, Terminal_ScrollsAndFollowsItsSize) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("lines 1 to 22 of "));
-
-    sut.type("\x1bOB"); // down
-    ASSERT_TRUE(sut.readUntil("2 to 23"));
-    sut.type("\x1bOA"); // up
-    sut.type("\x1bOA");
-    ASSERT_TRUE(sut.readUntil("1 to 22"));
-    sut.type("\x1b[6~"); // page down
-    ASSERT_TRUE(sut.readUntil("23 to 44"));
-    sut.resize(12, 100);
-    ASSERT_TRUE(sut.readUntil("lines 23 to 32 of "));
-    sut.type("q");
-    EXPECT_EQ(0, sut.wait());
+TEST(QelshmWaitTest, RegionThatDoesNotComeInTime_IsToldAndFails) {
+    auto const outcome = outcomeWithErrors(qelshm({"--wait", "2", "list"}));
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, there is no shared-memory object QelSharedMemory\n"
+              "qelshm: there is no shared-memory object QelSharedMemory\n",
+              outcome.output);
 }
 
-// The sensor is plugged in 1.5 s after the start. Only a new size makes the program write all of the screen again.
-TEST_F(QelshmWatchTest, Terminal_CountsTheStructureChangesThatAreAnnounced) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("points: 15, values: 102, structure changes: 0"));
-
-    unsigned short lines = 24;
-    EXPECT_TRUE(eventually([&] {
-        sut.resize(++lines, 120);
-        return sut.readUntil("points: 16, values: 105, structure changes: 1", std::chrono::milliseconds(500));
-    }));
-}
-
-TEST_F(QelshmWatchTest, Terminal_IsRestoredAfterASignal) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("q: quit"));
-
-    sut.signal(SIGTERM);
-
-    ASSERT_TRUE(sut.readUntil("\x1b[?1049l"));
-    EXPECT_EQ(0, sut.wait());
-    EXPECT_TRUE(sut.isAsBefore());
-}
-
-TEST_F(QelshmWatchTest, Terminal_IsRestoredWhenTheHardwareManagerLeaves) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "xterm");
-    ASSERT_TRUE(sut.readUntil("q: quit"));
-
-    replay_.signal(SIGTERM);
-
-    ASSERT_TRUE(sut.readUntil("\x1b[?1049l"));
-    ASSERT_TRUE(sut.readUntil("the hardware manager has left the bus"));
-    EXPECT_EQ(1, sut.wait());
-    EXPECT_TRUE(sut.isAsBefore());
-}
-
-TEST_F(QelshmWatchTest, UnknownTerminal_IsAFailure) {
-    Terminal sut(qelshm({"--wait", longWait, "watch"}), "no-such-terminal");
-
-    EXPECT_TRUE(sut.readUntil(
-        "qelshm: the terminal \"no-such-terminal\" cannot show a table; pipe the output through "
-        "cat for lines"));
-    EXPECT_EQ(1, sut.wait());
-}
-
-TEST(QelshmWaitTest, NoBus_IsToldAndFails) {
-    expectWaitInVain(outcomeWithErrors({"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QELSHM, "--wait",
-                                        "2", "list"}),
-                     "no system bus (Could not connect: No such file or directory)");
-}
-
-TEST(QelshmWaitTest, NoHardwareManager_IsToldAndFails) {
-    expectWaitInVain(outcomeWithErrors(qelshm({"--wait", "2", "list"})),
-                     "no hardware manager (org.qel.HardwareManager) on the system bus");
-}
-
-TEST(QelshmWaitTest, HardwareManagerThatIsNotInitialised_IsToldAndFails) {
-    HardwareManagerService manager;
-    manager.setAnswer(0);
-
-    expectWaitInVain(outcomeWithErrors(qelshm({"--wait", "2", "list"})),
-                     "the hardware manager is not initialised");
-}
-
-TEST(QelshmWaitTest, RegionThatIsNotActive_IsToldAndFails) {
-    HardwareManagerService const manager;
+TEST(QelshmWaitTest, RegionThatStaysInactive_IsToldAndShown) {
     tools::LiveUnit const region;
-
-    expectWaitInVain(outcomeWithErrors(qelshm({"--wait", "2", "list"})), "the region is not active");
+    auto const outcome = outcomeWithErrors(qelshm({"--wait", "2", "list"}));
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: waiting, the region is not active: its version is 255, not 32\n"
+              "qelshm: warning: the region is not active: its version is 255, not 32\n",
+              outcome.output);
 }
 
 TEST(QelshmWaitTest, RegionThatComesInTime_IsRead) {
     TempFile const file(inletFile);
     ChildProcess sut(qelshm({"--wait", longWait, "list"}), ChildProcess::Errors::IntoOutput);
-    ASSERT_TRUE(sut.readUntil("qelshm: waiting, no hardware manager"));
+    ASSERT_TRUE(sut.readUntil("qelshm: waiting, there is no shared-memory object"));
 
     ReplayProcess const replay({"--speed", "0", "--hold", file.path()});
 
-    EXPECT_TRUE(sut.readUntil("0x010001ffffff0000    inlet 1"));
+    EXPECT_TRUE(sut.readUntil("0x010001ffffff0000  unit1/inlet1"));
     sut.readAll();
     EXPECT_EQ(0, sut.wait());
 }
 
-struct Usage {
-    char const* name;
-    std::vector<std::string> arguments;
-    char const* message;
-};
-
-std::ostream& operator<<(std::ostream& out, Usage const& usage) {
-    return out << usage.name;
-}
-
-class QelshmUsageTest : public testing::TestWithParam<Usage> {};
-
-TEST_P(QelshmUsageTest, WrongArguments_AreOneLineAndStatusTwo) {
-    auto const outcome = outcomeWithErrors(qelshm(GetParam().arguments));
-    EXPECT_EQ(2, outcome.status);
-    EXPECT_EQ("qelshm: " + std::string(GetParam().message) + '\n', outcome.output);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    All, QelshmUsageTest,
-    testing::Values(
-        Usage{"NoCommand", {}, "A subcommand is required"},
-        Usage{"UnknownCommand", {"show"}, "The following argument was not expected: show"},
-        Usage{"GetWithoutId", {"get"}, "SVID is required"},
-        Usage{"GetOfNoId",
-              {"get", "inlet"},
-              "SVID: \"inlet\" is no sensor id; expected 0x and up to 16 hexadecimal digits, or a decimal "
-              "number of 64 bits"},
-        Usage{"NoWait", {"--wait", "0", "list"}, "--wait: Value 0 not in range 1 to 600"},
-        Usage{"CountOfNone", {"watch", "--count", "0"}, "--count: Value 0 not in range 1 to 1000000000000"},
-        Usage{"UnknownOption", {"list", "--fast"}, "The following argument was not expected: --fast"}),
-    [](testing::TestParamInfo<Usage> const& tested) { return tested.param.name; });
-
 TEST(QelshmHelpTest, HelpAndVersion_GoToStandardOutput) {
     auto const help = outcomeOf({"sh", "-c", QELSHM " --help 2>/dev/null"});
     EXPECT_EQ(0, help.status);
-    for (auto const* const part : {"Usage: qelshm [OPTIONS] SUBCOMMAND", "list", "tree", "get", "watch",
-                                   "--wait", "--log-level", "Exit status:", "Examples:"}) {
+    for (auto const* const part :
+         {"Usage: qelshm [OPTIONS] SUBCOMMAND", "status", "tree", "list", "get", "find", "dump", "watch",
+          "completion", "--image", "--wait", "--json", "--color", "Exit status:", "Examples:"}) {
         EXPECT_THAT(help.output, testing::HasSubstr(part));
     }
     auto const watch = outcomeOf(qelshm({"watch", "--help"}));

@@ -1,6 +1,6 @@
 #include "tests/tools/RawUnit.h"
 
-#include "tools/common/Svid.h"
+#include "inspect/Svid.h"
 
 #include <stdexcept>
 
@@ -68,14 +68,14 @@ std::size_t RawUnit::offsetOf(long long point) const {
             found = candidate;
         }
     });
-    return found ? *found : throw std::out_of_range("there is no point " + tools::svidText(point));
+    return found ? *found : throw std::out_of_range("there is no point " + inspect::svidText(point));
 }
 
 std::optional<RawReading> RawUnit::value(long long svid) const {
     if (values().count(svid) == 0) {
         return std::nullopt;
     }
-    auto position = region_.u32(offsetOf(tools::pointOf(svid)) + mvs);
+    auto position = region_.u32(offsetOf(inspect::pointOf(svid)) + mvs);
     while (region_.get<std::uint16_t>(rawValue(position) + valueKey) != (svid & 0xFFFF)) {
         position = region_.u32(rawValue(position) + valueNext);
     }

@@ -74,9 +74,9 @@ TEST_F(ReplayLogTest, End_SumsUpWhatWasCounted) {
         {"outlet6_active_power_W", eStatus_NoError, {valueSvid({socket6, 19}), time0, 1, eStatus_HighAlarm}});
     sut_.changed(time0, {0, sensorPoint, true}, 16, 105);
     sut_.changed(time0, {0, sensorPoint, false}, 16, 105);
-    sut_.countRow();
-    sut_.countUpdate();
-    sut_.countUpdate();
+    sut_.countStep();
+    sut_.countUpdates(1);
+    sut_.countUpdates(1);
     out_.str("");
 
     sut_.ended("all rows replayed", 20.04, eStatus_ChildWarning);
@@ -89,6 +89,24 @@ TEST_F(ReplayLogTest, End_SumsUpWhatWasCounted) {
         "qel-replay: ended by a signal: 1 row, 2 updates in 0.0 s; 1 limit crossing, 2 structure changes; "
         "global state On; 1 update refused\n",
         out_.str());
+}
+
+TEST(ReplayLogOfSamplesTest, Lines_SpeakOfSamplesAndOfNoLimits) {
+    std::ostringstream out;
+    ReplayLog sut(&out, ReplaySteps::Samples);
+    sut.started(15, 102, 1, 20);
+    sut.changed(time0, 16, 105);
+    sut.held();
+    sut.countStep();
+    sut.countUpdates(7);
+    sut.ended(sut.allReplayed(), 1.0, eStatus_On);
+    EXPECT_EQ(
+        "qel-replay: region active: 15 points, 102 values; 1 recording, 20 samples\n"
+        "2023-06-09T07:34:38Z  structure  changed, now 16 points, 105 values\n"
+        "qel-replay: all samples replayed; the region stays until a signal comes\n"
+        "qel-replay: all samples replayed: 1 sample, 7 updates in 1.0 s; 1 structure change; global state "
+        "On\n",
+        out.str());
 }
 
 TEST(QuietReplayLogTest, EveryLine_GoesNowhere) {

@@ -3,7 +3,9 @@
 #include "tools/common/CommandLine.h"
 #include "tools/replay/Topology.h"
 
+#include "tests/inspect/RecordingFixture.h"
 #include "tests/tools/InputFailure.h"
+#include "tests/tools/RecordingFile.h"
 #include "tests/tools/TempFile.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +14,8 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace qel::tools {
@@ -34,6 +38,18 @@ protected:
 
     std::string failureOf(std::vector<std::string> const& arguments) {
         return test::inputFailure([&] { readInput(optionsOf(arguments)); });
+    }
+
+    std::string recordFailureOf(std::vector<std::string> const& arguments) {
+        return test::inputFailure([&] { readRecord(optionsOf(arguments)); });
+    }
+
+    /// Whole images, and in their midst one of a shorter source.
+    static std::vector<inspect::Image> imagesWithAShortOne() {
+        auto images = test::randomImages(4, 61);
+        images.erase(images.begin() + 3);
+        images.insert(images.begin() + 2, inspect::Image(nullptr, 0));
+        return images;
     }
 
     test::TempFile const inlet_{
@@ -154,6 +170,77 @@ TEST_F(ReplayOptionsTest, ScheduleOutOfTurn_IsRefused) {
     EXPECT_EQ("--plug-after: the change after 2000 ms follows that of --plug-after after 1000 ms; expected "
               "--plug-after and --unplug-after by turns, at different times",
               failureOf({"--plug-after", "1", "--plug-after", "2", sensor_.path()}));
+}
+
+TEST_F(ReplayOptionsTest, Record_TakesThePlaceOfFiles) {
+    auto const sut = optionsOf({"--from-record", "r", "--speed", "3", "--until", "4", "--hold", "--quiet"});
+    EXPECT_EQ("r", sut.record);
+    EXPECT_TRUE(sut.files.empty());
+    EXPECT_EQ(4U, sut.until);
+}
+
+TEST_F(ReplayOptionsTest, ReadRecord_CountsTheSamples) {
+    test::RecordingFile const file({3, test::randomImages(1, 60).front()});
+    auto const all = readRecord(optionsOf({"--from-record", file.path()}));
+    EXPECT_EQ(file.path(), all.file);
+    EXPECT_EQ(3U, all.samples);
+    EXPECT_EQ(2U, readRecord(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+    EXPECT_EQ(3U, readRecord(optionsOf({"--from-record", file.path(), "--until", "9"})).samples);
+}
+
+TEST_F(ReplayOptionsTest, OptionsOfMeasurements_DoNotGoWithARecord) {
+    std::vector<std::vector<std::string>> const misplaced{
+        {"--from", "1"},        {"--loop"},
+        {"--limit", "x"},       {"--limits", "x"},
+        {"--plug-after", "1"},  {"--unplug-after", "1"},
+        {"--group-after", "1"}, {"--ungroup-after", "1"},
+    };
+    for (auto arguments : misplaced) {
+        auto const option = arguments.front();
+        arguments.insert(arguments.end(), {"--from-record", "r"});
+        EXPECT_EQ(option + ": it does not go with --from-record; expected none but --speed, --until, --hold, "
+                           "--quiet and --log-level beside it",
+                  recordFailureOf(arguments));
+    }
+    EXPECT_EQ(
+        "FILE: it does not go with --from-record; expected none but --speed, --until, --hold, --quiet and "
+        "--log-level beside it",
+        recordFailureOf({"--from-record", "r", "a.csv"}));
+}
+
+TEST_F(ReplayOptionsTest, RecordThatIsDamaged_IsRefusedUpToTheLimit) {
+    test::RecordingFile const file({3, test::randomImages(1, 60).front()});
+    std::filesystem::resize_file(file.path(), std::filesystem::file_size(file.path()) - 1);
+    auto const failure = recordFailureOf({"--from-record", file.path()});
+    EXPECT_EQ(0U, failure.find("--from-record: cannot read " + file.path() + ": the sample at byte "))
+        << failure;
+    EXPECT_NE(
+        std::string::npos,
+        failure.find(" is cut off; 2 samples before it are complete; expected a recorded region; --until "
+                     "ends the replay before a damaged sample"))
+        << failure;
+    EXPECT_EQ(2U, readRecord(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+}
+
+TEST_F(ReplayOptionsTest, RecordOfAShortObject_IsRefusedUpToTheLimit) {
+    test::RecordingFile const file(imagesWithAShortOne());
+    auto const failure = recordFailureOf({"--from-record", file.path()});
+    EXPECT_NE(
+        std::string::npos,
+        failure.find(" was taken from an object of 0 bytes; expected samples of 320032 bytes; --until ends "
+                     "the replay before it"))
+        << failure;
+    EXPECT_EQ(2U, readRecord(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+}
+
+TEST_F(ReplayOptionsTest, RecordWithoutSamples_IsRefused) {
+    test::RecordingFile const file({});
+    EXPECT_EQ("--from-record: " + file.path() + " holds no sample; expected one sample at least",
+              recordFailureOf({"--from-record", file.path()}));
+    EXPECT_EQ("--from-record: cannot read " + inlet_.path() +
+                  ": it is no recording; expected a recorded region; --until ends the replay before a "
+                  "damaged sample",
+              recordFailureOf({"--from-record", inlet_.path()}));
 }
 
 } // namespace qel::tools

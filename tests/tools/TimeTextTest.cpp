@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <limits>
 
 namespace qel::tools {
 
@@ -55,5 +56,20 @@ INSTANTIATE_TEST_SUITE_P(
                     "2023-02-29T07:34:38Z", "1900-02-29T07:34:38Z", "2100-02-29T00:00:00Z",
                     "2023-06-09T24:00:00Z", "2023-06-09T07:60:38Z", "2023-06-09T07:34:60Z",
                     "1969-12-31T23:59:59Z", "yyyy-mm-ddThh:mm:ssZ", "-023-06-09T07:34:38Z"));
+
+TEST(TimeTextTest, MomentText_IsTheTime) {
+    EXPECT_EQ("2023-11-14T22:13:20Z", momentText(1700000000000));
+    EXPECT_EQ("9999-12-31T23:59:59.999Z", momentText(253402300799999));
+}
+
+TEST(TimeTextTest, MomentTextOfNever_IsADash) {
+    EXPECT_EQ("-", momentText(0));
+}
+
+TEST(TimeTextTest, MomentTextOfNoCalendarTime_IsTheNumber) {
+    EXPECT_FALSE(isCalendarTime(253402300800000));
+    EXPECT_EQ("253402300800000", momentText(253402300800000));
+    EXPECT_EQ("18446744073709551615", momentText(std::numeric_limits<std::uint64_t>::max()));
+}
 
 } // namespace qel::tools

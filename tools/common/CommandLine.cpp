@@ -1,6 +1,7 @@
 #include "tools/common/CommandLine.h"
 
 #include "tools/common/ExitStatus.h"
+#include "tools/common/SafeText.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -35,7 +36,7 @@ std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* 
 }
 
 void tellError(CLI::App const& app, std::string const& message) {
-    std::cerr << app.get_name() << ": " << message << std::endl;
+    std::cerr << app.get_name() << ": " << safeText(message) << std::endl;
 }
 
 } // namespace qel::tools

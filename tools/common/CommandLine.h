@@ -19,7 +19,7 @@ void addVersionOption(CLI::App& app);
 /// @return the status to exit with at once, nothing when the program shall go on
 std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* argv);
 
-/// One line on standard error, "NAME: message".
+/// One line on standard error, "NAME: message"; what could harm a terminal is escaped.
 void tellError(CLI::App const& app, std::string const& message);
 
 } // namespace qel::tools

@@ -122,4 +122,16 @@ std::string timeText(std::uint64_t time) {
     return text + 'Z';
 }
 
+bool isCalendarTime(std::uint64_t time) {
+    constexpr std::uint64_t firstOfYear10000 = 253402300800000;
+    return time < firstOfYear10000;
+}
+
+std::string momentText(std::uint64_t time) {
+    if (time == 0) {
+        return "-";
+    }
+    return isCalendarTime(time) ? timeText(time) : std::to_string(time);
+}
+
 } // namespace qel::tools

@@ -18,4 +18,10 @@ std::optional<std::uint64_t> parseTime(std::string_view text);
 /// @return "YYYY-MM-DDThh:mm:ssZ", with three digits of a fraction where the time has one
 std::string timeText(std::uint64_t time);
 
+/// Whether a number is a time that people would write down: before the year 10000.
+bool isCalendarTime(std::uint64_t time);
+
+/// A time as a region holds it: "-" for 0 (never), the bare number when it is no calendar time.
+std::string momentText(std::uint64_t time);
+
 } // namespace qel::tools

@@ -1,56 +1,37 @@
 #include "tools/qelshm/Commands.h"
 
-#include "tools/common/Svid.h"
-#include "tools/qelshm/Snapshot.h"
-#include "tools/qelshm/Text.h"
-
-#include "domain/SensorIdentifier.h"
-
-#include <algorithm>
-#include <ostream>
+#include "tools/qelshm/CheckCommand.h"
+#include "tools/qelshm/CompletionCommand.h"
+#include "tools/qelshm/DiffCommand.h"
+#include "tools/qelshm/DumpCommand.h"
+#include "tools/qelshm/FindCommand.h"
+#include "tools/qelshm/GetCommand.h"
+#include "tools/qelshm/HzCommand.h"
+#include "tools/qelshm/ListCommand.h"
+#include "tools/qelshm/RecordCommand.h"
+#include "tools/qelshm/StatusCommand.h"
+#include "tools/qelshm/TreeCommand.h"
+#include "tools/qelshm/WatchCommand.h"
+#include "tools/qelshm/WhyCommand.h"
 
 namespace qel::tools {
 
-namespace {
-
-void printPoint(PointView const& point, std::ostream& out) {
-    out << pointLine(point) << '\n';
-    for (auto const& value : point.values) {
-        out << valueLine(point, value) << '\n';
-    }
-}
-
-} // namespace
-
-void printList(shm::QelSharedMemoryReader& reader, std::ostream& out) {
-    for (auto const& point : takeSnapshot(reader).points) {
-        printPoint(point, out);
-    }
-}
-
-void printTree(shm::QelSharedMemoryReader const& reader, std::ostream& out) {
-    out << reader.tree();
-}
-
-bool printOne(shm::QelSharedMemoryReader& reader, long long svid, std::ostream& out) {
-    auto const point = reader.mpnt(pointOf(svid), false);
-    if (!point) {
-        return false;
-    }
-    auto const view = viewOf(reader, *point);
-    auto const key = SensorIdentifier::getKey(svid);
-    if (key == 0) {
-        printPoint(view, out);
-        return true;
-    }
-    auto const value =
-        std::find_if(view.values.begin(), view.values.end(),
-                     [&](shm::record::QelShmMVal const& candidate) { return candidate.key == key; });
-    if (value == view.values.end()) {
-        return false;
-    }
-    out << changeLine(view, *value) << '\n';
-    return true;
+std::vector<std::unique_ptr<ICommand>> allCommands() {
+    std::vector<std::unique_ptr<ICommand>> commands;
+    commands.push_back(std::make_unique<StatusCommand>());
+    commands.push_back(std::make_unique<TreeCommand>());
+    commands.push_back(std::make_unique<ListCommand>());
+    commands.push_back(std::make_unique<GetCommand>());
+    commands.push_back(std::make_unique<FindCommand>());
+    commands.push_back(std::make_unique<CheckCommand>());
+    commands.push_back(std::make_unique<WhyCommand>());
+    commands.push_back(std::make_unique<DumpCommand>());
+    commands.push_back(std::make_unique<DiffCommand>());
+    commands.push_back(std::make_unique<HzCommand>());
+    commands.push_back(std::make_unique<RecordCommand>());
+    commands.push_back(std::make_unique<WatchCommand>());
+    commands.push_back(std::make_unique<CompletionCommand>());
+    return commands;
 }
 
 } // namespace qel::tools

@@ -1,21 +1,15 @@
 /// @file
-/// The commands that print once.
+/// The verbs.
 #pragma once
 
-#include "reader/QelSharedMemoryReader.h"
+#include "tools/qelshm/ICommand.h"
 
-#include <iosfwd>
+#include <memory>
+#include <vector>
 
 namespace qel::tools {
 
-/// Every point, each followed by its values, a line each.
-void printList(shm::QelSharedMemoryReader& reader, std::ostream& out);
-
-/// The library's own dump of the tree.
-void printTree(shm::QelSharedMemoryReader const& reader, std::ostream& out);
-
-/// A point with its values, or one value.
-/// @return false when there is no such point or value; nothing is printed then
-bool printOne(shm::QelSharedMemoryReader& reader, long long svid, std::ostream& out);
+/// Every verb, in the order in which --help lists them.
+std::vector<std::unique_ptr<ICommand>> allCommands();
 
 } // namespace qel::tools

@@ -1,102 +1,11 @@
-#include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
-#include "tools/common/Logging.h"
-#include "tools/common/Svid.h"
-#include "tools/qelshm/Commands.h"
-#include "tools/qelshm/Options.h"
-#include "tools/qelshm/PlainView.h"
-#include "tools/qelshm/RegionLink.h"
-#include "tools/qelshm/ScreenView.h"
-#include "tools/qelshm/Watch.h"
+#include "tools/qelshm/QelshmApp.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
-#include <unistd.h>
-
-#include <csignal>
-#include <cstdlib>
-#include <exception>
 #include <iostream>
-#include <memory>
-#include <stdexcept>
-#include <vector>
-
-namespace qel::tools {
-
-namespace {
-
-std::vector<long long> svidsOf(ReaderOptions const& options) {
-    std::vector<long long> svids;
-    for (auto const& text : options.svids) {
-        svids.push_back(parseSvid(text).value()); // checked with the arguments
-    }
-    return svids;
-}
-
-void watch(RegionLink& link, ReaderOptions const& options) {
-    constexpr double msPerSecond = 1000.0;
-    bool const isScreen = isatty(STDOUT_FILENO) == 1 && isatty(STDIN_FILENO) == 1 && !options.count;
-    std::unique_ptr<IWatchView> view;
-    if (isScreen) {
-        view = std::make_unique<ScreenView>();
-    } else {
-        view = std::make_unique<PlainView>(std::cout, options.count);
-    }
-    std::chrono::milliseconds const interval(static_cast<int>(options.interval * msPerSecond));
-    Watch(link, *view, WatchFilter(svidsOf(options)), interval).run();
-}
-
-void runCommand(RegionLink& link, ReaderOptions const& options) {
-    switch (options.command) {
-    case Command::List:
-        printList(link.reader(), std::cout);
-        break;
-    case Command::Tree:
-        printTree(link.reader(), std::cout);
-        break;
-    case Command::Get:
-        for (auto const svid : svidsOf(options)) {
-            if (!printOne(link.reader(), svid, std::cout)) {
-                throw std::runtime_error("there is no point or value " + svidText(svid));
-            }
-        }
-        break;
-    case Command::Watch:
-        watch(link, options);
-        break;
-    }
-    std::cout << std::flush;
-}
-
-int qelshm(int argc, char const* const* argv) {
-    CLI::App app("", "qelshm");
-    ReaderOptions options;
-    defineOptions(app, options);
-    if (auto const status = parseCommandLine(app, argc, argv)) {
-        return *status;
-    }
-    logToStandardError(options.logLevel);
-    static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // a closed output shows in the stream
-    try {
-        RegionLink link(options.wait,
-                        [&](std::string const& missing) { tellError(app, "waiting, " + missing); });
-        runCommand(link, options);
-        return exitSuccess;
-    } catch (std::exception const& error) {
-        tellError(app, error.what());
-        return exitFailure;
-    }
-}
-
-} // namespace
-
-} // namespace qel::tools
 
 int main(int argc, char** argv) {
     try {
-        return qel::tools::qelshm(argc, argv);
+        return qel::tools::runQelshm(argc, argv, std::cout);
     } catch (...) {
         return qel::tools::exitFailure; // not even the line that tells of the failure could be written
     }

@@ -5,12 +5,15 @@
 #include "tools/common/Logging.h"
 #include "tools/replay/Topology.h"
 
+#include "inspect/RecordingReader.h"
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace qel::tools {
@@ -23,7 +26,8 @@ constexpr char const* description =
     "writes the\n"
     "rows on their own clock, with the times they were recorded. Several files start together, each on its "
     "own clock.\n"
-    "Everything is checked before anything is published.";
+    "Everything is checked before anything is published.\n\n"
+    "With --from-record a recorded region is played instead: every sample byte for byte, at its time.";
 
 constexpr char const* footer = R"(Recordings:
   CSV with one header line. The first column is timestamp_utc (2023-06-09T07:34:38Z, later from row to row), every
@@ -48,6 +52,11 @@ Limits:
   hysteresis, in the unit of the column. A value that reaches a threshold takes its state, and keeps it until it has
   come back by more than the hysteresis. A file of limits has one a line; '#' starts a comment.
 
+Recorded regions:
+  --from-record plays what was recorded from the shared memory itself: slots, states and times are those of the
+  recording, the LED follows its global state, and readers are told when its structure changes. Each sample is one
+  step. --speed, --until (samples), --hold, --quiet and --log-level go with it.
+
 Output:
   Lines about limits, readings, structure and the global state on standard output; errors on standard error.
   SIGINT, SIGTERM and SIGHUP end the replay. The shared memory is removed at the end.
@@ -59,8 +68,10 @@ Exit status:
 
 Examples:
   qel-replay --speed 10 --limit outlet6_active_power_W:high-warning=2000,high-alarm=2400,hysteresis=50 outlets_1s.csv
-  qel-replay --loop --plug-after 120 --unplug-after 600 outlets_1s.csv environment_1min.csv)";
+  qel-replay --loop --plug-after 120 --unplug-after 600 outlets_1s.csv environment_1min.csv
+  qel-replay --from-record night.qelrec --speed 60)";
 
+constexpr std::string_view recordOption = "--from-record";
 constexpr char const* seconds = "SECONDS";
 constexpr std::uint64_t firstRow = 1;
 constexpr std::uint64_t mostRows = 1000000000000;
@@ -112,6 +123,14 @@ void addChanges(Session::Parts& parts, Supply const& supply) {
     parts.schedule.add(appearances);
 }
 
+void defineInput(CLI::App& app, Options& options) {
+    auto* const files =
+        app.add_option("FILE", options.files, "Recordings to replay")->required()->type_name("");
+    app.add_option(std::string(recordOption), options.record, "Play a recorded region instead of FILEs")
+        ->each([files](std::string const& /*record*/) { files->required(false); })
+        ->type_name("FILE");
+}
+
 void defineReplay(CLI::App& app, Options& options) {
     app.add_option("--speed", options.speed, "Recorded seconds per second; 0: as fast as possible")
         ->check(CLI::Range(0.0, 1e9).description(""))
@@ -122,12 +141,52 @@ void defineReplay(CLI::App& app, Options& options) {
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("ROW[,ROW...]");
-    app.add_option("--until", options.until, "End after this many rows, of all files together")
+    app.add_option("--until", options.until, "End after this many rows, of all files together, or samples")
         ->check(CLI::Range(firstRow, mostRows).description(""))
         ->type_name("ROWS");
     app.add_flag("--loop", options.isEndless,
                  "Start each file over when it has ended; times and counters go on");
     app.add_flag("--hold", options.isHeld, "Keep the shared memory after the last row, until a signal comes");
+}
+
+/// The first option given that has no meaning for a recorded region, empty for none.
+std::string_view misplacedOption(Options const& options) {
+    struct Given {
+        std::string_view option;
+        bool isGiven;
+    };
+    std::array<Given, 9> const candidates{{{"FILE", !options.files.empty()},
+                                           {"--from", !options.from.empty()},
+                                           {"--loop", options.isEndless},
+                                           {"--limit", !options.limits.empty()},
+                                           {"--limits", !options.limitFiles.empty()},
+                                           {"--plug-after", !options.plugAfter.empty()},
+                                           {"--unplug-after", !options.unplugAfter.empty()},
+                                           {"--group-after", !options.groupAfter.empty()},
+                                           {"--ungroup-after", !options.ungroupAfter.empty()}}};
+    auto const* const found = std::find_if(candidates.begin(), candidates.end(),
+                                           [](Given const& candidate) { return candidate.isGiven; });
+    return found == candidates.end() ? std::string_view() : found->option;
+}
+
+/// How many samples there are up to the limit; each of them can be read and holds a whole region.
+std::uint64_t countSamples(inspect::RecordingReader& reader, std::optional<std::uint64_t> limit) {
+    while (!limit || reader.samples() < *limit) {
+        auto const offset = reader.offset();
+        auto const sample = reader.next();
+        if (!sample) {
+            break;
+        }
+        if (sample->image.size() != shm::REGION_SIZE) {
+            throw InputError({recordOption},
+                             "the sample at byte " + std::to_string(offset) +
+                                 " was taken from an object of " + std::to_string(sample->image.size()) +
+                                 " bytes",
+                             "samples of " + std::to_string(shm::REGION_SIZE) +
+                                 " bytes; --until ends the replay before it");
+        }
+    }
+    return reader.samples();
 }
 
 void defineStructure(CLI::App& app, Options& options) {
@@ -143,7 +202,7 @@ void defineStructure(CLI::App& app, Options& options) {
 void defineOptions(CLI::App& app, Options& options) {
     app.description(description);
     app.footer(footer);
-    app.add_option("FILE", options.files, "Recordings to replay")->required()->type_name("");
+    defineInput(app, options);
     defineReplay(app, options);
     app.add_option("--limit", options.limits, "Set the limits of a column")
         ->allow_extra_args(false)
@@ -180,6 +239,24 @@ Session::Parts readInput(Options const& options) {
     parts.replay.rowLimit = options.until;
     parts.replay.isEndless = options.isEndless;
     return parts;
+}
+
+RecordPlayer::Parts readRecord(Options const& options) {
+    if (auto const misplaced = misplacedOption(options); !misplaced.empty()) {
+        throw InputError({misplaced}, "it does not go with --from-record",
+                         "none but --speed, --until, --hold, --quiet and --log-level beside it");
+    }
+    try {
+        inspect::RecordingReader reader(options.record);
+        auto const samples = countSamples(reader, options.until);
+        if (samples == 0) {
+            throw InputError({recordOption}, options.record + " holds no sample", "one sample at least");
+        }
+        return {options.record, samples};
+    } catch (inspect::RecordingError const& error) {
+        throw InputError({recordOption}, error.what(),
+                         "a recorded region; --until ends the replay before a damaged sample");
+    }
 }
 
 } // namespace qel::tools

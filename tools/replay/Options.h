@@ -2,6 +2,7 @@
 /// Arguments of qel-replay.
 #pragma once
 
+#include "tools/replay/RecordPlayer.h"
 #include "tools/replay/Session.h"
 
 #include <cstddef>
@@ -18,6 +19,7 @@ namespace qel::tools {
 
 struct Options {
     std::vector<std::string> files;
+    std::string record; ///< a recorded region to play instead of files; empty for none
     double speed = 1.0; ///< recorded seconds per second; 0: as fast as possible
     bool isEndless = false;
     std::vector<std::size_t> from; ///< by file, first row from 1
@@ -40,5 +42,9 @@ void defineOptions(CLI::App& app, Options& options);
 /// Reads and checks everything that the options name.
 /// @throws InputError at the first thing that is wrong
 Session::Parts readInput(Options const& options);
+
+/// Checks the recorded region that the options name, to its end or as far as it is to be played.
+/// @throws InputError at the first thing that is wrong, be it an option that does not go with a recorded region
+RecordPlayer::Parts readRecord(Options const& options);
 
 } // namespace qel::tools

@@ -4,16 +4,15 @@
 #include <csignal>
 #include <exception>
 #include <stdexcept>
-#include <utility>
 
 namespace qel::tools {
 
-ReplayApp::ReplayApp(Session::Parts parts, ReplayLog& log, double speed, bool isHeld)
+ReplayApp::ReplayApp(MakeSession const& makeSession, ReplayLog& log, double speed, bool isHeld)
     : log_(log),
       speed_(speed),
       isHeld_(isHeld),
       loop_(g_main_loop_new(nullptr, FALSE)) {
-    session_.emplace(std::move(parts), log, [this] { service_->announceStructureChange(); });
+    session_ = makeSession([this] { service_->announceStructureChange(); });
     for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
         signals_.push_back(Source::onSignal(number, [this] { g_main_loop_quit(loop_.get()); }));
     }
@@ -41,7 +40,7 @@ void ReplayApp::run() {
 void ReplayApp::begin() {
     try {
         session_->begin();
-        service_->setInitialized();
+        tellWhenActive();
         start_ = Clock::now();
         arm();
     } catch (std::exception const& error) {
@@ -49,11 +48,17 @@ void ReplayApp::begin() {
     }
 }
 
+void ReplayApp::tellWhenActive() {
+    if (session_->isActive()) {
+        service_->setInitialized();
+    }
+}
+
 void ReplayApp::arm() {
     constexpr double longest = 3600000.0; // ms; a longer wait is taken in parts
     auto const due = session_->due();
     if (!due) {
-        reason_ = "all rows replayed";
+        reason_ = log_.allReplayed();
         if (isHeld_) {
             log_.held();
         } else {
@@ -79,6 +84,7 @@ void ReplayApp::onTimer() {
         auto const due = session_->due();
         if (due && (speed_ <= 0.0 || static_cast<double>(*due) / speed_ <= elapsed.count() + 1.0)) {
             session_->step();
+            tellWhenActive();
         }
         arm();
     } catch (std::exception const& error) {

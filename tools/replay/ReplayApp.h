@@ -4,10 +4,12 @@
 
 #include "tools/common/GLib.h"
 #include "tools/replay/HardwareManagerService.h"
+#include "tools/replay/ISession.h"
 #include "tools/replay/ReplayLog.h"
-#include "tools/replay/Session.h"
 
 #include <chrono>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,11 +22,15 @@ namespace qel::tools {
 /// Threads: bound to the main thread.
 class ReplayApp {
 public:
+    /// @param onStructureChanged to be called after each change of the active structure
+    using MakeSession = std::function<std::unique_ptr<ISession>(std::function<void()> onStructureChanged)>;
+
+    /// @param makeSession called once, at once
     /// @param log must outlive the object
     /// @param speed recorded seconds per second; 0: as fast as possible
-    /// @param isHeld stay after the last row until a signal comes
+    /// @param isHeld stay after the last step until a signal comes
     /// @throws std::runtime_error when there is no system bus
-    ReplayApp(Session::Parts parts, ReplayLog& log, double speed, bool isHeld);
+    ReplayApp(MakeSession const& makeSession, ReplayLog& log, double speed, bool isHeld);
     ~ReplayApp();
     ReplayApp(ReplayApp const&) = delete;
     ReplayApp& operator=(ReplayApp const&) = delete;
@@ -37,6 +43,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void begin();
+    void tellWhenActive();
     void arm();
     void onTimer();
     void fail(std::string const& reason);
@@ -44,13 +51,13 @@ private:
     ReplayLog& log_;
     double speed_;
     bool isHeld_;
-    std::optional<Session> session_;
+    std::unique_ptr<ISession> session_;
     GMainLoopPtr loop_;
     std::optional<HardwareManagerService> service_;
     std::vector<Source> signals_;
     guint timer_ = 0; // 0: not armed
     Clock::time_point start_;
-    char const* reason_ = "ended by a signal"; // until all rows are replayed
+    std::string reason_ = "ended by a signal"; // until no step is left
     std::optional<std::string> failure_;
 };
 

@@ -1,12 +1,12 @@
 #include "tools/replay/ReplayLog.h"
 
-#include "tools/common/StateText.h"
-#include "tools/common/Svid.h"
 #include "tools/common/TimeText.h"
 #include "tools/replay/Topology.h"
 #include "tools/replay/ValueKeys.h"
 
 #include "format/ValueFormatter.h"
+#include "inspect/StateText.h"
+#include "inspect/Svid.h"
 
 #include <iomanip>
 #include <ostream>
@@ -22,8 +22,12 @@ std::string counted(std::uint64_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
 
+std::string structureText(std::size_t points, std::size_t values) {
+    return counted(points, "point") + ", " + counted(values, "value");
+}
+
 std::string transition(eStatus_Bits before, eStatus_Bits after) {
-    return stateText(before) + " => " + stateText(after);
+    return inspect::stateText(before) + " => " + inspect::stateText(after);
 }
 
 // As readers will see it: the region keeps energies in thousandths.
@@ -49,9 +53,17 @@ void ReplayLog::event(std::uint64_t time, std::string_view kind, std::string con
     write(line.str());
 }
 
-void ReplayLog::started(std::size_t points, std::size_t values, std::size_t files, std::size_t rows) {
-    write(std::string(program) + "region active: " + counted(points, "point") + ", " +
-          counted(values, "value") + "; " + counted(files, "recording") + ", " + counted(rows, "row"));
+std::string ReplayLog::noun() const {
+    return steps_ == ReplaySteps::Rows ? "row" : "sample";
+}
+
+std::string ReplayLog::allReplayed() const {
+    return "all " + noun() + "s replayed";
+}
+
+void ReplayLog::started(std::size_t points, std::size_t values, std::size_t files, std::size_t steps) {
+    write(std::string(program) + "region active: " + structureText(points, values) + "; " +
+          counted(files, "recording") + ", " + counted(steps, noun()));
 }
 
 void ReplayLog::crossed(Crossing const& crossing) {
@@ -69,8 +81,13 @@ void ReplayLog::missing(std::uint64_t time, std::string const& file, std::size_t
 void ReplayLog::changed(std::uint64_t time, Change const& change, std::size_t points, std::size_t values) {
     ++changes_;
     event(time, "structure",
-          pointLabel(pointSvid(change.point)) + (change.comes ? " added, now " : " removed, now ") +
-              counted(points, "point") + ", " + counted(values, "value"));
+          inspect::pointLabel(pointSvid(change.point)) + (change.comes ? " added, now " : " removed, now ") +
+              structureText(points, values));
+}
+
+void ReplayLog::changed(std::uint64_t time, std::size_t points, std::size_t values) {
+    ++changes_;
+    event(time, "structure", "changed, now " + structureText(points, values));
 }
 
 void ReplayLog::globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bits after) {
@@ -78,15 +95,17 @@ void ReplayLog::globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bit
 }
 
 void ReplayLog::held() {
-    write(std::string(program) + "all rows replayed; the region stays until a signal comes");
+    write(std::string(program) + allReplayed() + "; the region stays until a signal comes");
 }
 
 void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits globalState) {
     std::ostringstream line;
-    line << program << reason << ": " << counted(rows_, "row") << ", " << counted(updates_, "update")
-         << " in " << std::fixed << std::setprecision(1) << seconds << " s; "
-         << counted(crossings_, "limit crossing") << ", " << counted(changes_, "structure change")
-         << "; global state " << stateText(globalState);
+    line << program << reason << ": " << counted(taken_, noun()) << ", " << counted(updates_, "update")
+         << " in " << std::fixed << std::setprecision(1) << seconds << " s; ";
+    if (steps_ == ReplaySteps::Rows) { // a recorded region does not tell its limits
+        line << counted(crossings_, "limit crossing") << ", ";
+    }
+    line << counted(changes_, "structure change") << "; global state " << inspect::stateText(globalState);
     if (refused_ != 0) {
         line << "; " << counted(refused_, "update") << " refused";
     }

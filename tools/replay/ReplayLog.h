@@ -15,6 +15,12 @@
 
 namespace qel::tools {
 
+/// What a replay takes one after the other.
+enum class ReplaySteps : std::uint8_t {
+    Rows,    ///< of recorded measurements
+    Samples, ///< of a recorded region
+};
+
 /// Writes one line for each event, each at once, and counts for the summary. Values are written with their
 /// units; times are those of the recordings.
 ///
@@ -22,27 +28,34 @@ namespace qel::tools {
 class ReplayLog {
 public:
     /// @param out must outlive the log; null for no lines
-    explicit ReplayLog(std::ostream* out) : out_(out) {}
+    explicit ReplayLog(std::ostream* out, ReplaySteps steps = ReplaySteps::Rows) : out_(out), steps_(steps) {}
 
-    void started(std::size_t points, std::size_t values, std::size_t files, std::size_t rows);
+    void started(std::size_t points, std::size_t values, std::size_t files, std::size_t steps);
     void crossed(Crossing const& crossing);
     void missing(std::uint64_t time, std::string const& file, std::size_t cells, std::size_t ofCells);
     void changed(std::uint64_t time, Change const& change, std::size_t points, std::size_t values);
+    void changed(std::uint64_t time, std::size_t points, std::size_t values);
     void globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bits after);
     void held();
     /// @param seconds real time since the start
     void ended(std::string_view reason, double seconds, eStatus_Bits globalState);
 
-    void countRow() { ++rows_; }
-    void countUpdate() { ++updates_; }
+    /// The reason to end when no step is left.
+    std::string allReplayed() const;
+
+    void countStep() { ++taken_; }
+    void countUpdates(std::uint64_t updates) { updates_ += updates; }
     void countRefused() { ++refused_; }
 
 private:
     void write(std::string const& line);
     void event(std::uint64_t time, std::string_view kind, std::string const& text);
 
+    std::string noun() const;
+
     std::ostream* out_;
-    std::uint64_t rows_ = 0;
+    ReplaySteps steps_;
+    std::uint64_t taken_ = 0;
     std::uint64_t updates_ = 0;
     std::uint64_t refused_ = 0;
     std::uint64_t crossings_ = 0;

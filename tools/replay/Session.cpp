@@ -96,13 +96,13 @@ void Session::apply(Change const& change) {
 
 void Session::apply(Replayer::Step const& step) {
     auto const result = feeds_.at(step.recording).convert(step.row);
-    log_.countRow();
+    log_.countStep();
     for (auto const& reading : result.readings) {
         if (!unit_->structure().has(reading.svid)) {
             continue;
         }
         if (unit_->deliver(reading)) {
-            log_.countUpdate();
+            log_.countUpdates(1);
         } else {
             log_.countRefused();
         }

@@ -2,6 +2,7 @@
 /// One replay from the first row to the last.
 #pragma once
 
+#include "tools/replay/ISession.h"
 #include "tools/replay/LimitSet.h"
 #include "tools/replay/LiveUnit.h"
 #include "tools/replay/RecordingFeed.h"
@@ -23,7 +24,7 @@ namespace qel::tools {
 /// caller decides when a step is taken.
 ///
 /// Threads: bound to one thread.
-class Session {
+class Session : public ISession {
 public:
     struct Parts {
         Recordings recordings;
@@ -40,15 +41,16 @@ public:
 
     /// Creates the region, lays out the unit and activates it.
     /// @throws std::exception when there is no region or no room in it
-    void begin();
+    void begin() override;
 
     /// When the next step is due, in ms after the start; nothing after the last row.
-    std::optional<std::uint64_t> due() const;
+    std::optional<std::uint64_t> due() const override;
 
     /// Takes the next step: one row, or one change of structure that is due before it.
-    void step();
+    void step() override;
 
-    eStatus_Bits globalState() const { return globalState_; }
+    bool isActive() const override { return unit_ != nullptr; }
+    eStatus_Bits globalState() const override { return globalState_; }
 
 private:
     bool isChangeNext() const;

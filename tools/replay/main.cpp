@@ -3,8 +3,10 @@
 #include "tools/common/InputError.h"
 #include "tools/common/Logging.h"
 #include "tools/replay/Options.h"
+#include "tools/replay/RecordPlayer.h"
 #include "tools/replay/ReplayApp.h"
 #include "tools/replay/ReplayLog.h"
+#include "tools/replay/Session.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -12,11 +14,26 @@
 
 #include <csignal>
 #include <exception>
+#include <functional>
 #include <iostream>
+#include <memory>
+#include <utility>
 
 namespace qel::tools {
 
 namespace {
+
+/// Reads the input; nothing is published before the maker is called.
+ReplayApp::MakeSession sessionMaker(Options const& options, ReplayLog& log) {
+    if (!options.record.empty()) {
+        return [parts = readRecord(options), &log](std::function<void()> onStructureChanged) {
+            return std::make_unique<RecordPlayer>(parts, log, std::move(onStructureChanged));
+        };
+    }
+    return [parts = readInput(options), &log](std::function<void()> onStructureChanged) mutable {
+        return std::make_unique<Session>(std::move(parts), log, std::move(onStructureChanged));
+    };
+}
 
 int replay(int argc, char const* const* argv) {
     CLI::App app("", "qel-replay");
@@ -29,8 +46,9 @@ int replay(int argc, char const* const* argv) {
     // A reader of the lines that goes away must not keep the region from being removed.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
-        ReplayLog log(options.isQuiet ? nullptr : &std::cout);
-        ReplayApp(readInput(options), log, options.speed, options.isHeld).run();
+        ReplayLog log(options.isQuiet ? nullptr : &std::cout,
+                      options.record.empty() ? ReplaySteps::Rows : ReplaySteps::Samples);
+        ReplayApp(sessionMaker(options, log), log, options.speed, options.isHeld).run();
         return exitSuccess;
     } catch (InputError const& error) {
         tellError(app, error.what());

@@ -1,0 +1,14 @@
+/// @file
+/// Text that may go to a terminal.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qel::tools {
+
+/// The text as UTF-8 without control characters: each byte of a control character (C0, DEL and C1) and each byte that is
+/// no UTF-8 becomes \xHH. Any thread.
+std::string safeText(std::string_view text);
+
+} // namespace qel::tools

@@ -1,0 +1,19 @@
+/// @file
+/// The verb "check".
+#pragma once
+
+#include "tools/qelshm/ICommand.h"
+
+namespace qel::tools {
+
+/// Holds the region against everything that the layout and the writer promise. What a live region shows once only, because
+/// it was being written, does not count.
+class CheckCommand : public ICommand {
+public:
+    CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
+
+    /// Status 1 when something is damaged. Throws NothingThereError.
+    int run(CommandContext const& context) override;
+};
+
+} // namespace qel::tools

@@ -1,0 +1,15 @@
+#include "tools/qelshm/Output.h"
+
+#include <ostream>
+#include <stdexcept>
+
+namespace qel::tools {
+
+void writeOutput(std::ostream& out, std::string_view text) {
+    out << text << std::flush;
+    if (!out) {
+        throw std::runtime_error("the output cannot be written");
+    }
+}
+
+} // namespace qel::tools

@@ -1,0 +1,21 @@
+/// @file
+/// The verb "status".
+#pragma once
+
+#include "tools/qelshm/ICommand.h"
+
+#include <optional>
+
+namespace qel::tools {
+
+/// The region's condition in a few lines: what it is, whose it is, how full it is and what its global state says.
+class StatusCommand : public ICommand {
+public:
+    CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
+    int run(CommandContext const& context) override;
+
+private:
+    std::optional<double> maxAge_; ///< s
+};
+
+} // namespace qel::tools
