@@ -11,7 +11,7 @@ import subprocess
 import sys
 
 from chart import draw, duration
-from findings import SHAPES, Findings
+from findings import INSPECTOR, SHAPES, Findings
 from targets import TARGETS
 
 # Name of the work in the programs, its title, and what one operation is.
@@ -89,6 +89,15 @@ def work_table(findings, work):
             cells += [count(row.instructions)] if counted else []
         rows.append(cells)
     return table(["contender"] + [f"{shape} {column}" for shape in shapes for column in columns], rows)
+
+
+def inspector_table(findings):
+    shapes = findings.shapes()
+    rows = []
+    for call, _ in findings.contenders(INSPECTOR):
+        found = [findings.row(shape, INSPECTOR, call) for shape in shapes]
+        rows.append([f"`{call}`"] + [f"{duration(row.median)} ± {100 * row.spread:.0f} %" for row in found])
+    return table(["call"] + shapes, rows)
 
 
 def counts_table(findings, shape, what):
@@ -187,6 +196,10 @@ number would tell nothing (instructions of a contender whose work another proces
     for work, title, operation in WORKS:
         if findings.contenders(work):
             parts.append(f"### {title}\n\n{operation}.\n\n{work_table(findings, work)}")
+    parts.append(
+        "## Looking into a unit\n\nWhole runs of `qelshm` on a live region, from the program's start to its end; "
+        "`--version` is the start alone.\n\n" + inspector_table(findings)
+    )
     parts.append(
         f"## Allocations per operation\n\nShape `{shape}`; of the process that measures, all threads.\n\n"
         + counts_table(findings, shape, "allocations")

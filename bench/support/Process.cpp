@@ -42,6 +42,13 @@ bool Process::running() const {
            info.si_pid == 0;
 }
 
+int Process::exitStatus() const {
+    siginfo_t info{};
+    while (waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT) != 0) { // a signal came
+    }
+    return info.si_status;
+}
+
 void Process::waitForEnd() const {
     constexpr int attempts = 10000;
     for (int attempt = 0; attempt < attempts && running(); ++attempt) {

@@ -20,6 +20,10 @@ public:
 
     bool running() const;
 
+    /// Blocks until the program has ended.
+    /// @return its exit status, or the number of the signal that ended it
+    int exitStatus() const;
+
     /// Gives the program ten seconds to end by itself.
     void waitForEnd() const;
 

@@ -76,6 +76,17 @@ class QelshmTraceTest : public testing::TestWithParam<Verb> {
 protected:
     QelshmTraceTest() { EXPECT_TRUE(replay_.readUntil("the region stays")); }
 
+    static void expectNothingButReading(std::vector<std::string> const& command) {
+        auto const before = RawRegion().copy();
+        auto const calls = callsOf(command);
+        for (auto const& call : calls) {
+            EXPECT_EQ("", objection(call)) << call;
+        }
+        EXPECT_THAT(calls,
+                    testing::Contains(testing::ContainsRegex("pread64\\([0-9]+</dev/shm/QelSharedMemory>")));
+        EXPECT_EQ(before, RawRegion().copy());
+    }
+
     ImageFolder const folder_;
     TempFile const file_{rows};
     ReplayProcess replay_{{"--speed", "0", "--hold", file_.path()}};
@@ -84,17 +95,22 @@ protected:
 } // namespace
 
 TEST_P(QelshmTraceTest, Verb_ReadsTheObjectAndNothingElse) {
-    auto const before = RawRegion().copy();
     std::vector<std::string> command{QELSHM};
     command.insert(command.end(), GetParam().arguments.begin(), GetParam().arguments.end());
-    auto const calls = callsOf(command);
-    for (auto const& call : calls) {
-        EXPECT_EQ("", objection(call)) << call;
-    }
-    EXPECT_THAT(calls,
-                testing::Contains(testing::ContainsRegex("pread64\\([0-9]+</dev/shm/QelSharedMemory>")));
-    EXPECT_EQ(before, RawRegion().copy());
+    expectNothingButReading(command);
 }
+
+class QelshmWatchTraceTest : public QelshmTraceTest {};
+
+TEST_P(QelshmWatchTraceTest, Watch_ReadsTheObjectAndNothingElse) {
+    std::vector<std::string> command{"timeout", "--preserve-status", "--signal=TERM", "2", QELSHM};
+    command.insert(command.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+    expectNothingButReading(command);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, QelshmWatchTraceTest,
+                         testing::Values(Verb{"Watch", {"watch", "--interval", "0.1"}}),
+                         [](testing::TestParamInfo<Verb> const& tested) { return tested.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
     All, QelshmTraceTest,
