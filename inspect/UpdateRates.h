@@ -49,13 +49,13 @@ private:
     using Time = std::chrono::steady_clock::time_point;
 
     struct Track {
-        long long svid;
-        shm::record::QelShmMVal last; ///< as in the newest image that had it
+        long long svid = 0;
+        shm::record::QelShmMVal last{}; ///< as in the newest image that had it
         Time first;
         Time newest;
-        std::uint64_t newestImage;
-        bool isTimeNew; ///< the newest image brought another time of delivery
-        std::uint64_t count;
+        std::uint64_t newestImage = 0;
+        bool isTimeNew = false; ///< the newest image brought another time of delivery
+        std::uint64_t count = 0;
         std::optional<Time> lastUpdate;
         std::optional<std::chrono::nanoseconds> shortest;
         std::optional<std::chrono::nanoseconds> longest;

@@ -11,6 +11,7 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <numeric>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -53,11 +54,13 @@ void runInspector(bench::Options const& options) {
     std::string const program = build / "tools" / "qelshm" / "qelshm";
 
     std::vector<bench::Finding> findings;
+    findings.reserve(calls.size());
     for (auto const& call : calls) {
         findings.push_back({"inspect", std::string("qelshm ") + call.arguments, "", "ns", {}});
     }
     std::mt19937 random(options.passes); // NOLINT(cert-msc32-c,cert-msc51-cpp): any order is as good
-    std::vector<std::size_t> order{0, 1, 2, 3, 4, 5};
+    std::vector<std::size_t> order(calls.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
     for (unsigned int pass = 0; pass < options.passes; ++pass) {
         std::shuffle(order.begin(), order.end(), random);
         for (auto const index : order) {

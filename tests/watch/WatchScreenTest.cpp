@@ -36,9 +36,9 @@ protected:
     WatchScreenTest() { startUnit(); }
 
     void startUnit() {
-        unit_ = std::make_unique<ReplayProcess>(std::vector<std::string>{"--speed", "10", "--loop", "--limit",
-                                                                         "inlet1_voltage_V:high-alarm=100",
-                                                                         QEL_DATA_DIR "/outlets_1s.csv"});
+        std::string const recording = QEL_DATA_DIR "/outlets_1s.csv";
+        unit_ = std::make_unique<ReplayProcess>(std::vector<std::string>{
+            "--speed", "10", "--loop", "--limit", "inlet1_voltage_V:high-alarm=100", recording});
         ASSERT_TRUE(unit_->readUntil("region active"));
     }
 
