@@ -58,7 +58,7 @@ class Findings:
         for shape in SHAPES:
             self._read_callgrind(directory, shape)
             self._read_strace(directory, shape)
-        self.library_sizes = {
+        self.stripped_sizes = {
             os.path.basename(library)[len("stripped-") : -len(".so")]: os.path.getsize(library)
             for library in sorted(glob.glob(os.path.join(directory, "stripped-*.so")))
         }

@@ -145,8 +145,8 @@ def notes():
         return file.read()
 
 
-def library_sizes(findings):
-    return ", ".join(f"{size:,} ({machine})" for machine, size in findings.library_sizes.items())
+def stripped_sizes(findings):
+    return ", ".join(f"{size:,} ({machine})" for machine, size in findings.stripped_sizes.items())
 
 
 def markdown(findings, facts):
@@ -215,7 +215,7 @@ number would tell nothing (instructions of a contender whose work another proces
 Shape `{shape}`. The store is what processes share; the heap is what a writer and a reader need beside it.
 
 {sizes_table(findings, shape)}
-The stripped library is {library_sizes(findings)} bytes long.
+The stripped library is {stripped_sizes(findings)} bytes long.
 """
     )
     return "\n".join(parts)
@@ -224,7 +224,7 @@ The stripped library is {library_sizes(findings)} bytes long.
 def as_json(findings, facts):
     return {
         "machine": facts,
-        "library_bytes": findings.library_sizes,
+        "library_bytes": findings.stripped_sizes,
         "rows": [
             {
                 "shape": row.shape,
