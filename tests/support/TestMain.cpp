@@ -1,0 +1,35 @@
+/// @file
+/// Runs a test program. What the library logs goes to the descriptor that run-test names, so that it can be shown when a
+/// test fails or crashes.
+#include <gtest/gtest.h>
+
+#include <log4cpp/Category.hh>
+#include <log4cpp/FileAppender.hh>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+/// The descriptor is closed for programs that a test starts.
+void logToCaller() {
+    char const* const given = std::getenv("QEL_TEST_LOG");
+    if (given == nullptr) {
+        return;
+    }
+    int const descriptor = std::stoi(given);
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    auto appender = std::make_unique<log4cpp::FileAppender>("caller of the test", descriptor);
+    log4cpp::Category::getRoot().addAppender(appender.release());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    logToCaller();
+    return RUN_ALL_TESTS();
+}
