@@ -1,6 +1,7 @@
 #include "tests/region/FailingCall.h"
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cerrno>
@@ -24,27 +25,52 @@ int errorFor(qel::test::Call call) {
     return armed.error;
 }
 
+/// Whether this call shall fail; errno is then set.
+bool fails(qel::test::Call call) {
+    int const error = errorFor(call);
+    if (error != 0) {
+        errno = error;
+    }
+    return error != 0;
+}
+
 } // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the linker's names for --wrap.
 extern "C" {
 
+int __real_shm_open(char const* name, int flags, mode_t mode);
+int __real_shm_unlink(char const* name);
+int __real_fstat(int fd, struct stat* status);
 int __real_ftruncate(int fd, off_t length);
 int __real_posix_fallocate(int fd, off_t offset, off_t length);
 void* __real_mmap(void* address, size_t length, int protection, int flags, int fd, off_t offset);
 int __real_munmap(void* address, size_t length);
+int __real_close(int fd);
 
+int __wrap_shm_open(char const* name, int flags, mode_t mode);
+int __wrap_shm_unlink(char const* name);
+int __wrap_fstat(int fd, struct stat* status);
 int __wrap_ftruncate(int fd, off_t length);
 int __wrap_posix_fallocate(int fd, off_t offset, off_t length);
 void* __wrap_mmap(void* address, size_t length, int protection, int flags, int fd, off_t offset);
 int __wrap_munmap(void* address, size_t length);
+int __wrap_close(int fd);
+
+int __wrap_shm_open(char const* name, int flags, mode_t mode) {
+    return fails(qel::test::Call::ShmOpen) ? -1 : __real_shm_open(name, flags, mode);
+}
+
+int __wrap_shm_unlink(char const* name) {
+    return fails(qel::test::Call::ShmUnlink) ? -1 : __real_shm_unlink(name);
+}
+
+int __wrap_fstat(int fd, struct stat* status) {
+    return fails(qel::test::Call::Fstat) ? -1 : __real_fstat(fd, status);
+}
 
 int __wrap_ftruncate(int fd, off_t length) {
-    if (int const error = errorFor(qel::test::Call::Ftruncate)) {
-        errno = error;
-        return -1;
-    }
-    return __real_ftruncate(fd, length);
+    return fails(qel::test::Call::Ftruncate) ? -1 : __real_ftruncate(fd, length);
 }
 
 int __wrap_posix_fallocate(int fd, off_t offset, off_t length) {
@@ -53,19 +79,19 @@ int __wrap_posix_fallocate(int fd, off_t offset, off_t length) {
 }
 
 void* __wrap_mmap(void* address, size_t length, int protection, int flags, int fd, off_t offset) {
-    if (int const error = errorFor(qel::test::Call::Mmap)) {
-        errno = error;
+    if (fails(qel::test::Call::Mmap)) {
         return MAP_FAILED; // NOLINT(performance-no-int-to-ptr): POSIX's constant
     }
     return __real_mmap(address, length, protection, flags, fd, offset);
 }
 
 int __wrap_munmap(void* address, size_t length) {
-    if (int const error = errorFor(qel::test::Call::Munmap)) {
-        errno = error;
-        return -1;
-    }
-    return __real_munmap(address, length);
+    return fails(qel::test::Call::Munmap) ? -1 : __real_munmap(address, length);
+}
+
+int __wrap_close(int fd) {
+    int const result = __real_close(fd);
+    return fails(qel::test::Call::Close) ? -1 : result;
 }
 
 } // extern "C"

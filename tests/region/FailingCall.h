@@ -4,10 +4,11 @@
 
 namespace qel::test {
 
-enum class Call { Ftruncate, PosixFallocate, Mmap, Munmap };
+enum class Call { ShmOpen, ShmUnlink, Fstat, Ftruncate, PosixFallocate, Mmap, Munmap, Close };
 
 /// Lets the next calls of one function fail, those of the library and of the test alike, for as long as it
-/// lives. One at a time. Threads: belongs to one thread.
+/// lives. One at a time; a program links qel-failing-calls for it. A close that fails has closed all the same, as
+/// Linux does. Threads: belongs to one thread.
 class FailingCall {
 public:
     /// @param error what errno becomes, or the result of posix_fallocate

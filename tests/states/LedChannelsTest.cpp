@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <locale>
 #include <string>
 
@@ -73,6 +74,16 @@ TEST_F(LedChannelsTest, WriteLevels_ChannelWithoutAFileIsReportedAndTheOthersAre
                     LogEntry{category, log4cpp::Priority::DEBUG, "update: color = 0x1, old = 0x1, new = 0x5"},
                     LogEntry{category, log4cpp::Priority::DEBUG, "update: color = 0x2, old = 0, new = 0x6"},
                     LogEntry{category, log4cpp::Priority::ERROR, "update: Invalid color 0x2 provided"}));
+}
+
+TEST_F(LedChannelsTest, WriteLevels_FailureWhileClosingIsNotReportedAndTheOthersAreWritten) {
+    std::filesystem::remove(qel::test::ledFile("red"));
+    std::filesystem::create_symlink("/dev/full", qel::test::ledFile("red"));
+    shm::writeLevels(ledTables, stored, {4, 5, 6}, false);
+    std::filesystem::remove(qel::test::ledFile("red"));
+    EXPECT_EQ(ledContents(), "(none)/5/6");
+    EXPECT_EQ(stored, (LedLevels{4, 5, 6}));
+    EXPECT_EQ(log.entries().size(), 3U) << "one line per channel, of the change";
 }
 
 class GroupedDigits : public std::numpunct<char> {

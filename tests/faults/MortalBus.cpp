@@ -1,0 +1,41 @@
+#include "tests/faults/MortalBus.h"
+
+#include "tests/reader/BusFailures.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+constexpr char address[] = "unix:path=/sys/mortal-bus";
+
+} // namespace
+
+MortalBus::MortalBus() {
+    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
+    start();
+}
+
+void MortalBus::kill() {
+    daemon_->signal(SIGKILL);
+    daemon_->wait();
+}
+
+void MortalBus::start() {
+    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--config-file=/sys/bus.conf", "--nofork",
+                                             "--nopidfile", "--print-address",
+                                             std::string("--address=") + address});
+    if (!daemon_->readLine()) {
+        throw std::runtime_error("the bus of the test did not get ready");
+    }
+}
+
+void surviveBusLoss() {
+    g_dbus_connection_set_exit_on_close(sharedConnection().get(), FALSE);
+}
+
+} // namespace qel::test

@@ -1,0 +1,32 @@
+/// @file
+/// A message bus that a test can let die.
+#pragma once
+
+#include "tests/support/ChildProcess.h"
+
+#include <optional>
+#include <string>
+
+namespace qel::test {
+
+/// A bus daemon of the test's own, which DBUS_SYSTEM_BUS_ADDRESS names from its construction to the end of the
+/// process. Comes before anything in the process uses the bus. Threads: not shared.
+class MortalBus {
+public:
+    MortalBus();
+
+    /// Takes the daemon away from one moment to the next; its socket stays behind, and nobody listens.
+    void kill();
+
+    /// Starts a daemon again, at the same address. Throws std::runtime_error when it does not get ready.
+    void start();
+
+private:
+    std::optional<ChildProcess> daemon_;
+};
+
+/// Keeps the process alive when its present connection to the bus ends; GLib ends it otherwise, by SIGTERM. Somebody,
+/// such as a reader, holds that connection already.
+void surviveBusLoss();
+
+} // namespace qel::test

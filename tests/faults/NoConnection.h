@@ -1,0 +1,16 @@
+/// @file
+/// D-Bus proxies that have lost their connection.
+#pragma once
+
+namespace qel::test {
+
+/// While one lives, no proxy of this program tells a connection. Threads: one at a time, before others use proxies.
+class NoConnection {
+public:
+    NoConnection();
+    ~NoConnection();
+    NoConnection(NoConnection const&) = delete;
+    NoConnection& operator=(NoConnection const&) = delete;
+};
+
+} // namespace qel::test
