@@ -49,7 +49,9 @@ class QelShmInitWaitThread;
 /// Logs in "qel.shm.access.reader", beside what QelSharedMemoryAccess logs.
 ///
 /// Threads: mpnt(), mval(), syncPositions() and modifications() are thread-safe. Visits and queries take no lock
-/// against the writer, which may change slots under them, nor against visitor(). The signal arrives in the
+/// against the writer, which may change slots under them, nor against visitor(). The look-ups that may build
+/// the index anew (mpnt(), mval(), syncPositions()) exchange the visitor meanwhile: a client keeps its visits and
+/// values() apart from those of other threads, or gives each thread a reader of its own. The signal arrives in the
 /// GLib main context that was the thread-default one of the constructing thread; the host must run it. The
 /// wait thread calls initialized() and onInitialized() from construction on until the destructor of this
 /// class has joined it, so a derived class that overrides these two must be ready for calls while it is built

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <optional>
 #include <system_error>
 
 namespace qel::test {
@@ -18,6 +19,17 @@ constexpr char const* objectName = "QelSharedMemory";
     throw std::system_error(errno, std::generic_category(), step);
 }
 
+std::optional<struct stat> statusOfObject() {
+    int const fd = ::shm_open(objectName, O_RDONLY, 0);
+    if (fd < 0) {
+        return std::nullopt;
+    }
+    struct stat status = {};
+    int const result = ::fstat(fd, &status);
+    ::close(fd);
+    return result == 0 ? std::optional(status) : std::nullopt;
+}
+
 } // namespace
 
 bool rawRegionExists() {
@@ -25,14 +37,13 @@ bool rawRegionExists() {
 }
 
 long rawRegionSizeNow() {
-    int const fd = ::shm_open(objectName, O_RDONLY, 0);
-    if (fd < 0) {
-        return -1;
-    }
-    struct stat status = {};
-    int const result = ::fstat(fd, &status);
-    ::close(fd);
-    return result == 0 ? static_cast<long>(status.st_size) : -1;
+    auto const status = statusOfObject();
+    return status ? static_cast<long>(status->st_size) : -1;
+}
+
+std::uint64_t rawRegionInode() {
+    auto const status = statusOfObject();
+    return status ? status->st_ino : 0;
 }
 
 RawRegion::RawRegion(bool create) {

@@ -28,6 +28,9 @@ bool rawRegionExists();
 /// Its size in bytes, -1 while there is none.
 long rawRegionSizeNow();
 
+/// Its inode number, which tells objects apart that had the same name; 0 while there is none.
+std::uint64_t rawRegionInode();
+
 /// A mapping of the existing object, independent of the library's; writable, so that tests can forge content.
 class RawRegion {
 public:

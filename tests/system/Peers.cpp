@@ -4,9 +4,9 @@
 
 namespace qel::test {
 
-Peer::Peer(std::string const& program, std::string const& argument) : process_({program, argument}) {
+Peer::Peer(std::vector<std::string> const& command) : process_(command) {
     if (process_.readLine() != "ready") {
-        throw std::runtime_error(program + " did not get ready");
+        throw std::runtime_error(command.front() + " did not get ready");
     }
 }
 
@@ -15,8 +15,10 @@ std::string Peer::ask(std::string const& line, std::chrono::milliseconds timeout
     return process_.readLine(timeout).value_or("no answer");
 }
 
-Writer::Writer() : Peer(SYSTEM_WRITER, "") {}
+std::vector<std::string> Writer::command() {
+    return {SYSTEM_WRITER};
+}
 
-Reader::Reader(unsigned int seconds) : Peer(SYSTEM_READER, std::to_string(seconds)) {}
+Reader::Reader(unsigned int seconds) : Peer({SYSTEM_READER, std::to_string(seconds)}) {}
 
 } // namespace qel::test

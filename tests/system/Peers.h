@@ -6,13 +6,14 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace qel::test {
 
 /// A child that answers each line by one line.
 class Peer {
 public:
-    Peer(std::string const& program, std::string const& argument);
+    explicit Peer(std::vector<std::string> const& command);
 
     /// The answer, "no answer" when none came in time.
     std::string ask(std::string const& line, std::chrono::milliseconds timeout = ChildProcess::patience);
@@ -25,7 +26,10 @@ private:
 
 class Writer : public Peer {
 public:
-    Writer();
+    Writer() : Peer(command()) {}
+
+    /// How it is started.
+    static std::vector<std::string> command();
 };
 
 class Reader : public Peer {

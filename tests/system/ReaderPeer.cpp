@@ -6,9 +6,13 @@
 //   global               the global state's name, as the root prints it
 //   text ID KEY          the value as text and its state, "none" without it
 //   ids                  ids of all points of the index, ascending
+//   tree                 the same with the keys of their values
 //   modifications        the modification counter
+//   renew                destroys the reader and makes a new one
+//   resources            open files, threads and mapped regions of the process
 //   settle N             looks up until the counter has been 0 for N milliseconds
-//   hammer               looks up and visits without pause until the next line arrives; gives what it saw
+//   hammer [FILE]        looks up and visits without pause until the next line arrives; gives what it saw; marks 1 in
+//                        the file during each visit, else 0, and counts the visits
 //   quit                 clean end
 //
 // Each command is answered by one line.
@@ -17,18 +21,22 @@
 #include "format/ValueFormatter.h"
 #include "reader/BaseQelShmVisitor.h"
 #include "reader/QelSharedMemoryReader.h"
+#include "tests/support/ProcessResources.h"
+#include "tests/support/ProgressPage.h"
 #include "tests/system/PeerText.h"
 
 #include <glib.h>
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <exception>
+#include <iomanip>
 #include <iostream>
 #include <memory>
-#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -40,23 +48,40 @@ namespace {
 
 constexpr std::uint8_t activeVersion = 32;
 
+struct SeenPoint {
+    long long svid;
+    std::vector<unsigned short> keys;
+};
+
 // The points of one visit.
 struct Points : shm::IQelVisitorResult {
-    std::multiset<std::string> ids;
-    unsigned long values = 0;
+    std::vector<SeenPoint> seen;
 };
 
 class Collector : public shm::BaseQelShmVisitor {
 public:
     void onMPnt(shm::QelShmMPnt const& point, unsigned int /*depth*/,
                 std::shared_ptr<shm::IQelVisitorResult>& result) override {
-        static_cast<Points&>(*result).ids.insert(idText(point->guid));
+        static_cast<Points&>(*result).seen.push_back({point->guid, {}});
     }
-    void onMVal(shm::QelShmMVal const& /*value*/, long long /*svid*/, unsigned int /*depth*/,
+    void onMVal(shm::QelShmMVal const& value, long long /*svid*/, unsigned int /*depth*/,
                 std::shared_ptr<shm::IQelVisitorResult>& result) override {
-        ++static_cast<Points&>(*result).values;
+        static_cast<Points&>(*result).seen.back().keys.push_back(value->key);
     }
 };
+
+// "[0x0001,0x0004]"
+std::string keyText(std::vector<unsigned short> const& keys) {
+    std::ostringstream text;
+    text << '[' << std::hex << std::setfill('0');
+    char const* separator = "";
+    for (auto const key : keys) {
+        text << separator << "0x" << std::setw(4) << key;
+        separator = ",";
+    }
+    text << ']';
+    return text.str();
+}
 
 // Iterates the default main context, where the signals arrive.
 class MainContext {
@@ -90,14 +115,12 @@ bool lineWaits() {
 
 class ReaderPeer {
 public:
-    explicit ReaderPeer(unsigned int seconds) : reader_(seconds, false) {
-        reader_.visitor(std::make_unique<Collector>());
-    }
+    explicit ReaderPeer(unsigned int seconds) : seconds_(seconds) { renew(); }
 
     std::string answerTo(std::vector<std::string> const& words) {
         auto const& command = words.at(0);
         if (command == "mapped") {
-            return !reader_.root() ? "no" : isActive() ? "active" : "inactive";
+            return !reader_->root() ? "no" : isActive() ? "active" : "inactive";
         }
         if (command == "wait") {
             while (!isActive()) {
@@ -107,7 +130,7 @@ public:
         }
         if (command == "global") {
             std::ostringstream text;
-            text << reader_.root();
+            text << reader_->root();
             return text.str();
         }
         if (command == "text") {
@@ -115,29 +138,41 @@ public:
                         static_cast<unsigned short>(std::stoul(words.at(2), nullptr, 0)));
         }
         if (command == "ids") {
-            return ids();
+            return points(false);
+        }
+        if (command == "tree") {
+            return points(true);
+        }
+        if (command == "renew") {
+            renew();
+            return "renewed";
+        }
+        if (command == "resources") {
+            std::ostringstream line;
+            line << ownResources();
+            return line.str();
         }
         if (command == "modifications") {
-            return std::to_string(reader_.modifications());
+            return std::to_string(reader_->modifications());
         }
         if (command == "settle") {
             return settle(std::chrono::milliseconds(std::stoi(words.at(1))));
         }
         if (command == "hammer") {
-            return hammer();
+            return hammer(words.size() > 1 ? std::make_unique<ProgressPage>(words[1]) : nullptr);
         }
         return "unknown command";
     }
 
 private:
     bool isActive() const {
-        auto const root = reader_.root();
+        auto const root = reader_->root();
         return root && __atomic_load_n(&root->version, __ATOMIC_ACQUIRE) == activeVersion;
     }
 
     std::string text(long long svid, unsigned short key) {
-        if (auto const point = reader_.mpnt(svid, false)) {
-            for (auto const& value : reader_.mvs((*point)->mvs)) {
+        if (auto const point = reader_->mpnt(svid, false)) {
+            for (auto const& value : reader_->mvs((*point)->mvs)) {
                 if (value->key == key) {
                     std::ostringstream line;
                     line << tav::ValueFormatter::str(value) << ", " << int{value->state} << ", " << value->at;
@@ -151,34 +186,45 @@ private:
     std::shared_ptr<Points> visit() {
         auto points = std::make_shared<Points>();
         std::shared_ptr<shm::IQelVisitorResult> result = points;
-        reader_.visit(result);
+        reader_->visit(result);
         return points;
     }
 
     // Every point of the tree that the index finds; an id that the tree shows twice is told.
-    std::string ids() {
-        auto const points = visit();
-        std::string line;
-        std::size_t found = 0;
-        for (auto const& id : points->ids) {
-            if (points->ids.count(id) > 1) {
-                return "twice " + id;
+    std::string points(bool withKeys) {
+        auto seen = visit()->seen;
+        std::sort(seen.begin(), seen.end(), [](auto const& left, auto const& right) {
+            return static_cast<std::uint64_t>(left.svid) < static_cast<std::uint64_t>(right.svid);
+        });
+        std::string line = std::to_string(seen.size());
+        for (std::size_t i = 0; i < seen.size(); ++i) {
+            auto const svid = seen[i].svid;
+            if (i > 0 && seen[i - 1].svid == svid) {
+                return "twice " + idText(svid);
             }
-            auto const point = reader_.mpnt(idFrom(id), false);
-            if (!point || idText((*point)->guid) != id) {
-                return "not in the index " + id;
+            auto const point = reader_->mpnt(svid, false);
+            if (!point || (*point)->guid != svid) {
+                return "not in the index " + idText(svid);
             }
-            line += ' ' + id;
-            ++found;
+            line += ' ' + idText(svid);
+            if (withKeys) {
+                line += keyText(seen[i].keys);
+            }
         }
-        return std::to_string(found) + line;
+        return line;
+    }
+
+    void renew() {
+        reader_.reset();
+        reader_ = std::make_unique<shm::QelSharedMemoryReader>(seconds_, false);
+        reader_->visitor(std::make_unique<Collector>());
     }
 
     std::string settle(std::chrono::milliseconds quiet) {
         auto since = std::chrono::steady_clock::now();
         while (std::chrono::steady_clock::now() - since < quiet) {
-            if (reader_.modifications() != 0) {
-                reader_.syncPositions(false);
+            if (reader_->modifications() != 0) {
+                reader_->syncPositions(false);
                 since = std::chrono::steady_clock::now();
             }
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -186,23 +232,31 @@ private:
         return "settled";
     }
 
-    std::string hammer() {
+    std::string hammer(std::unique_ptr<ProgressPage> const& page) {
         unsigned long visits = 0;
         unsigned long points = 0;
         unsigned long lookups = 0;
         while (!lineWaits()) {
-            auto const seen = visit();
+            if (page) {
+                page->mark(1);
+            }
+            auto const seen = visit()->seen;
+            if (page) {
+                page->mark(0);
+                page->count();
+            }
             ++visits;
-            points += seen->ids.size();
-            for (auto const& id : seen->ids) {
-                lookups += reader_.mpnt(idFrom(id), false) ? 1U : 0U;
+            points += seen.size();
+            for (auto const& point : seen) {
+                lookups += reader_->mpnt(point.svid, false) ? 1U : 0U;
             }
         }
         return std::to_string(visits) + ' ' + std::to_string(points) + ' ' + std::to_string(lookups);
     }
 
+    unsigned int seconds_;
     MainContext context_;
-    shm::QelSharedMemoryReader reader_;
+    std::unique_ptr<shm::QelSharedMemoryReader> reader_;
 };
 
 int run(unsigned int seconds) {

@@ -7,14 +7,21 @@
 //   propagate                   propagateStates
 //   modify ID...                modifyStructure with these ids of points and values
 //   churn ROUNDS SEED           modifyStructure and the signal, that often, with random sockets
+//   whole                       modifyStructure with the whole changing unit
+//   rebuild ROUNDS              removes everything and lays out the whole unit again, and the signal, that often
+//   storm SEED STEPS FILE       all that a writer does, at random, that often (0: for ever); progress in the file
 //   signal                      shmStructureChanged
 //   ids                         ids of all points in the tree, ascending
+//   tree                        the same with the keys of their values
 //   quit                        clean end
 //
 // Each command is answered by one line.
 
+#include "tests/support/ChangingUnit.h"
 #include "tests/support/HardwareManagerService.h"
+#include "tests/support/ProgressPage.h"
 #include "tests/system/PeerText.h"
+#include "tests/system/Storm.h"
 #include "writer/QelSharedMemoryWriter.h"
 
 #include <algorithm>
@@ -66,12 +73,28 @@ public:
             churn(std::stoi(words.at(1)), static_cast<std::uint32_t>(std::stoul(words.at(2))));
             return "done";
         }
+        if (command == "whole") {
+            return writer_.modifyStructure(changingUnit::whole()) ? "changed" : "unchanged";
+        }
+        if (command == "rebuild") {
+            rebuild(std::stoi(words.at(1)));
+            return "done";
+        }
+        if (command == "storm") {
+            ProgressPage page(words.at(3));
+            Storm(writer_, manager_, static_cast<std::uint32_t>(std::stoul(words.at(1))), page)
+                .run(std::stoul(words.at(2)));
+            return "done";
+        }
         if (command == "signal") {
             manager_.emitStructureChanged();
             return "done";
         }
         if (command == "ids") {
-            return ids();
+            return points(false);
+        }
+        if (command == "tree") {
+            return points(true);
         }
         return "unknown command";
     }
@@ -93,42 +116,44 @@ private:
             svid, std::make_unique<measval::MeasureValue>(std::stod(words.at(3)), timestamp, state));
     }
 
-    // One unit, one inlet, one circuit; sockets 1 to 120 and groups 1 to 20 come and go.
     void churn(int rounds, std::uint32_t seed) {
         std::mt19937 random(seed);
-        std::bernoulli_distribution present(0.5);
         for (int round = 0; round < rounds; ++round) {
-            std::unordered_set<long long> svids{0x0100FFFFFFFF0001, 0x010001FFFFFF0001, 0x010001FF01FF0001};
-            for (long long socket = 1; socket <= 120; ++socket) {
-                if (present(random)) {
-                    svids.insert(0x010001FF01000001 | socket << 16U);
-                    svids.insert(0x010001FF01000004 | socket << 16U);
-                }
-            }
-            for (long long group = 1; group <= 20; ++group) {
-                if (present(random)) {
-                    svids.insert(0x0102FF00FFFF0013 | group << 32U);
-                }
-            }
-            writer_.modifyStructure(svids);
+            writer_.modifyStructure(changingUnit::part(random));
             writer_.propagateStates();
             manager_.emitStructureChanged();
         }
     }
 
-    // Out of the tree's text, where each point stands on a line of its own.
-    std::string ids() const {
+    void rebuild(int rounds) {
+        auto const whole = changingUnit::whole();
+        for (int round = 0; round < rounds; ++round) {
+            writer_.removeStructure({});
+            writer_.modifyStructure(whole);
+            writer_.propagateStates();
+            manager_.emitStructureChanged();
+        }
+    }
+
+    // Out of the tree's text, where each point stands on a line of its own, its keys in brackets at the end.
+    std::string points(bool withKeys) const {
         std::istringstream tree(writer_.tree());
         std::vector<std::string> found;
         for (std::string line; std::getline(tree, line);) {
             if (auto const dash = line.find("- 0x"); dash != std::string::npos) {
-                found.push_back(line.substr(dash + 2, 18));
+                auto point = line.substr(dash + 2, 18);
+                if (withKeys) {
+                    auto keys = line.substr(line.find('['));
+                    keys.erase(std::remove(keys.begin(), keys.end(), ' '), keys.end());
+                    point += keys;
+                }
+                found.push_back(point);
             }
         }
         std::sort(found.begin(), found.end());
         std::string text = std::to_string(found.size());
-        for (auto const& id : found) {
-            text += ' ' + id;
+        for (auto const& point : found) {
+            text += ' ' + point;
         }
         return text;
     }
