@@ -70,7 +70,7 @@ QelSharedMemoryWriter::~QelSharedMemoryWriter() {
 bool QelSharedMemoryWriter::addStructure(Definitions const& definitions) {
     bool added = false;
     for (auto const& [svid, definition] : definitions) {
-        if (svid == ROOT_SVID) {
+        if (pointSvid(svid) == ROOT_SVID) { // with a key in it addMP() would make it the root's id
             continue;
         }
         unsigned int ppos = NO_POSITION;

@@ -66,14 +66,14 @@ public:
     // Structure
 
     /// Adds every point and value that is not in the region yet. What was added before an exception stays.
-    /// @param definitions keys are point svids; the root's svid is skipped
+    /// @param definitions keys are point svids; the root's svid is skipped, with a key in it too
     /// @return whether a point or a value had to be added
     /// Throws ex::InvalidSensorIdException when a parent is not known or no slot is free for a point, after
     /// an ERROR line. Logs each new point at DEBUG, and as addMP().
     bool addStructure(Definitions const& definitions);
 
     /// Adds one point, or the missing values of a known one.
-    /// @param svid the point; a key in it is ignored
+    /// @param svid the point, not the root's; a key in it is ignored
     /// @param mvs  its keys are the values to have, what they map to is ignored
     /// @param ppos the parent's position, NO_POSITION for a top-level point; ignored for a known point
     /// @return the point's position, NO_POSITION when no slot is free

@@ -1,11 +1,8 @@
 /// @file
 /// Feeds damaged regions to everything that looks at one.
 ///
-/// An input is a list of patches to a region. Its first byte chooses the region: 0 a small unit as the writer lays it
-/// out, 1 a wiped one, 2 one that consists of the rest of the input itself (numbers modulo 3). Each patch is the kind
-/// of record (0 root, 1 point, 2 value, 3 any offset; modulo 4), the slot (one byte), the offset in the record (one
-/// byte; of kind 3: four bytes in the region, lowest first, instead of slot and offset), the count of bytes (modulo
-/// 16) and the bytes. Whatever is beyond a record or the region is taken modulo its size.
+/// An input is a list of patches to a region, see PatchedRegion.h. Its first byte chooses the region: 0 a small unit as
+/// the writer lays it out, 1 a wiped one, 2 one that consists of the rest of the input itself (numbers modulo 3).
 
 #include "inspect/FoldedStates.h"
 #include "inspect/Image.h"
@@ -16,108 +13,27 @@
 #include "inspect/RegionStatus.h"
 #include "inspect/Svid.h"
 
-#include "tests/inspect/SampleUnit.h"
+#include "tests/fuzz/Input.h"
+#include "tests/fuzz/PatchedRegion.h"
+#include "tests/fuzz/Verdict.h"
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <iostream>
-#include <memory>
-#include <string>
 
 namespace qel::fuzz {
 
 namespace {
 
-using shm::record::Region;
-
-/// Ends the process, so that the fuzzer keeps the input.
-void require(bool condition, char const* what) {
-    if (!condition) {
-        std::cerr << "InspectFuzz: " << what << '\n';
-        std::abort();
-    }
-}
-
-class Input {
-public:
-    Input(std::uint8_t const* data, std::size_t size) : data_(data), size_(size) {}
-
-    bool isEmpty() const { return size_ == 0; }
-    std::uint8_t const* rest() const { return data_; }
-    std::size_t restSize() const { return size_; }
-
-    /// 0 when there is none left.
-    std::uint8_t byte() {
-        if (size_ == 0) {
-            return 0;
-        }
-        --size_;
-        return *data_++;
-    }
-
-    std::uint32_t word() {
-        std::uint32_t word = 0;
-        for (unsigned int shift = 0; shift < 32; shift += 8) {
-            word |= static_cast<std::uint32_t>(byte()) << shift;
-        }
-        return word;
-    }
-
-private:
-    std::uint8_t const* data_;
-    std::size_t size_;
-};
-
-std::size_t patchOffset(Input& input) {
-    switch (input.byte() % 4) {
-    case 0:
-        input.byte();
-        return offsetof(Region, root) + input.byte() % sizeof(Region::root);
-    case 1: {
-        auto const slot = input.byte();
-        return slot * sizeof(shm::record::QelShmMP) + input.byte() % sizeof(shm::record::QelShmMP);
-    }
-    case 2: {
-        auto const slot = input.byte();
-        return offsetof(Region, values) + slot * sizeof(shm::record::QelShmMVal) +
-               input.byte() % sizeof(shm::record::QelShmMVal);
-    }
-    default:
-        return input.word() % sizeof(Region);
-    }
-}
-
-void patch(Input& input, Region& region) {
-    auto* const bytes = reinterpret_cast<std::uint8_t*>(&region);
-    while (!input.isEmpty()) {
-        auto const offset = patchOffset(input);
-        for (std::size_t i = 0, count = input.byte() % 16; i < count; ++i) {
-            bytes[(offset + i) % sizeof region] = input.byte();
-        }
-    }
-}
-
-Region const& goodRegion() {
-    static auto const region = test::sampleUnit();
-    return *region;
-}
-
 inspect::Image imageOf(Input input) {
-    auto region = std::make_unique<Region>();
     switch (input.byte() % 3) {
     case 0:
-        *region = goodRegion();
-        break;
+        return {patchedRegion(Base::SampleUnit, input), shm::REGION_SIZE};
     case 1:
-        std::memset(static_cast<void*>(region.get()), shm::WIPE_BYTE, sizeof(Region));
-        break;
+        return {patchedRegion(Base::Wiped, input), shm::REGION_SIZE};
     default:
         return {input.rest(), input.restSize()};
     }
-    patch(input, *region);
-    return {std::move(region), sizeof(Region)};
 }
 
 void find(inspect::Image const& image, inspect::PointTree const& tree) {
@@ -146,12 +62,22 @@ void check(inspect::Image const& image, inspect::PointTree const& tree) {
     auto const findings = inspect::confirmedFindings(image, [&] { return image; });
     std::size_t length = 0;
     for (auto const& finding : findings) {
-        require(finding.offset <= sizeof(Region), "a finding lies outside the region");
+        require(finding.offset <= shm::REGION_SIZE, "a finding lies outside the region");
         length += placeText(finding).size() + finding.found.text().size() + finding.expected.text().size();
     }
     require(findings.empty() || length != 0, "findings without text");
     require(hasDamage(findings) || tree.cuts().empty(), "a shared or circular list was missed");
-    require(hasDamage(findings) || image.size() == sizeof(Region), "a wrong size was missed");
+    require(hasDamage(findings) || image.size() == shm::REGION_SIZE, "a wrong size was missed");
+}
+
+void look(Input const& input) {
+    auto const image = imageOf(input);
+    inspect::PointTree const tree(image);
+    inspect::regionStatus({}, image, 1700000000000, std::chrono::seconds(10));
+    inspect::FoldedStates const states(image, tree);
+    require(states.nodes().size() == tree.nodes().size(), "points without a folded state");
+    find(image, tree);
+    check(image, tree);
 }
 
 } // namespace
@@ -159,12 +85,6 @@ void check(inspect::Image const& image, inspect::PointTree const& tree) {
 } // namespace qel::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    auto const image = qel::fuzz::imageOf({data, size});
-    qel::inspect::PointTree const tree(image);
-    qel::inspect::regionStatus({}, image, 1700000000000, std::chrono::seconds(10));
-    qel::inspect::FoldedStates const states(image, tree);
-    qel::fuzz::require(states.nodes().size() == tree.nodes().size(), "points without a folded state");
-    qel::fuzz::find(image, tree);
-    qel::fuzz::check(image, tree);
+    qel::fuzz::requireQuick([&] { qel::fuzz::look({data, size}); });
     return 0;
 }

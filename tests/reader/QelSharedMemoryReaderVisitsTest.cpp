@@ -4,8 +4,8 @@
 #include "tests/reader/ForgedRegion.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/RandomNumbers.h"
+#include "tests/support/SmallStack.h"
 
-#include <boost/thread/thread.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -347,17 +347,6 @@ TEST(Visits, Visitor_ReplacedOrLeftAtTheEnd_IsDestroyed) {
     EXPECT_EQ(alive, 0);
 }
 
-// Frames of a sanitizer's build are larger. GCC tells of one by macros, Clang by a query.
-#ifndef __has_feature
-#define __has_feature(feature) 0
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || __has_feature(address_sanitizer) ||     \
-    __has_feature(thread_sanitizer)
-constexpr bool instrumented = true;
-#else
-constexpr bool instrumented = false;
-#endif
-
 /// A result of a test's own.
 class Tally : public IQelVisitorResult {
 public:
@@ -473,7 +462,6 @@ TEST(Visits, Subtrees_AreVisitedThroughTheVirtualOperation) {
 }
 
 TEST(Visits, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
-    constexpr std::size_t stack = std::size_t{instrumented ? 16 : 1} * 128 * 1024;
     ForgedRegion const region;
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
         region.point(pos, svid(static_cast<int>(pos)));
@@ -484,11 +472,8 @@ TEST(Visits, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
     }
     region.devices({0});
     MappedReader sut;
-    boost::thread::attributes attributes;
-    attributes.set_stack_size(stack);
     std::unique_ptr<shm::QelShmMPnt> deepest;
-    boost::thread walker(attributes, [&] { deepest = sut.mpnt(svid(799), false); });
-    walker.join();
+    qel::test::runOnSmallStack([&] { deepest = sut.mpnt(svid(799), false); });
     ASSERT_NE(deepest, nullptr);
     EXPECT_EQ((*deepest)->pos, 799U);
 }

@@ -2,26 +2,17 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "tests/support/SmallStack.h"
 #include "tests/writer/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <csignal>
 #include <initializer_list>
 #include <random>
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QEL_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QEL_TEST_SANITIZED 1
-#endif
-#endif
 
 namespace qel::test {
 
@@ -82,22 +73,6 @@ int combined(int stored, std::vector<int> const& values, std::vector<int> const&
         return own == 18 ? 22 : 24;
     }
     return own;
-}
-
-/// Calls an action in a thread of a small stack.
-template <typename Action>
-void runOnStack(std::size_t bytes, Action action) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(0, pthread_attr_init(&attributes));
-    ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, bytes));
-    pthread_t thread{};
-    auto const run = [](void* argument) -> void* {
-        (*static_cast<Action*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(0, pthread_create(&thread, &attributes, run, &action));
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
 }
 
 } // namespace
@@ -383,11 +358,6 @@ TEST_F(QelSharedMemoryWriterStatesTest, PropagateStates_LetsNoExceptionOut) {
 }
 
 TEST_F(QelSharedMemoryWriterStatesTest, NestingOf800Points_FitsASmallStack) {
-#ifdef QEL_TEST_SANITIZED
-    constexpr std::size_t stackSize = std::size_t{2} << 20U; // sanitizers widen every frame
-#else
-    constexpr std::size_t stackSize = std::size_t{128} << 10U;
-#endif
     sut.setActive();
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
         auto const parent = pos == 0 ? rawNone : pos - 1;
@@ -396,7 +366,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, NestingOf800Points_FitsASmallStack) {
     }
     setValue(799, 0, 1);
 
-    runOnStack(stackSize, [&] { sut.propagateStates(); });
+    runOnSmallStack([&] { sut.propagateStates(); });
 
     EXPECT_EQ(9, pointState(799));
     EXPECT_EQ(23, pointState(0));

@@ -418,6 +418,14 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_RootSvid_IsSkipped) {
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
+TEST_F(QelSharedMemoryWriterTest, AddStructure_RootSvidWithAKey_IsSkipped) {
+    auto const before = raw.copy();
+
+    EXPECT_FALSE(sut.addStructure({{rootSvid | 1, withKeys({1})}, {rootSvid | 0xFFFE, {}}}));
+
+    EXPECT_EQ(before, raw.copy());
+}
+
 TEST_F(QelSharedMemoryWriterTest, AddStructure_EmptyMap_AddsNothing) {
     EXPECT_FALSE(sut.addStructure({}));
 }
