@@ -4,7 +4,8 @@
 
 namespace qel::test {
 
-Peer::Peer(std::string const& program, std::string const& argument) : process_({program, argument}) {
+Peer::Peer(std::string const& program, std::string const& argument)
+    : process_(ownProgram({program, argument})) {
     if (process_.readLine() != "ready") {
         throw std::runtime_error(program + " did not get ready");
     }
