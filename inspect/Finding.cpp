@@ -11,7 +11,7 @@ namespace {
 /// whole has codes of its own.
 std::uint64_t placeKey(Finding const& finding) {
     constexpr unsigned int offsetBits = 32;
-    static_assert(shm::REGION_SIZE >> offsetBits == 0);
+    static_assert(std::uint64_t{shm::REGION_SIZE} >> offsetBits == 0);
     return static_cast<std::uint64_t>(finding.code) << offsetBits | regionOffset(finding.field, finding.pos);
 }
 

@@ -25,13 +25,16 @@ using testing::HasSubstr;
 class RecordingReaderTest : public test::RecordingTest {
 protected:
     /// A recording of random images, 50 ms apart; gives the offset of each sample and of the end.
-    std::vector<std::uint64_t> record(std::size_t count) {
+    std::vector<std::size_t> record(std::size_t count) {
         images_ = test::randomImages(count, 21);
         RecordingWriter writer(path(), 1'700'000'000'000);
-        std::vector<std::uint64_t> offsets{writer.size()};
+        auto const end = [&] {
+            return static_cast<std::size_t>(writer.size());
+        };
+        std::vector<std::size_t> offsets{end()};
         for (std::size_t index = 0; index < count; ++index) {
             writer.append(7 + index * 50, images_[index]);
-            offsets.push_back(writer.size());
+            offsets.push_back(end());
         }
         return offsets;
     }
@@ -112,8 +115,8 @@ TEST_F(RecordingReaderTest, DamagedAnywhere_NamesTheSample) {
     auto const offsets = record(5);
     auto const whole = content(path());
     for (std::size_t index = 0; index < 5; ++index) {
-        for (std::uint64_t const byte : {offsets[index], offsets[index] + 3, offsets[index] + 4,
-                                         offsets[index] + 8, offsets[index + 1] - 1}) {
+        for (auto const byte : {offsets[index], offsets[index] + 3, offsets[index] + 4, offsets[index] + 8,
+                                offsets[index + 1] - 1}) {
             auto damaged = whole;
             damaged[byte] = static_cast<char>(damaged[byte] ^ 0x40);
             fill(path("damaged"), damaged);

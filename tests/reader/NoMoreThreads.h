@@ -4,7 +4,7 @@
 
 #include <pthread.h>
 
-#include <cstddef>
+#include <cstdint>
 
 namespace qel::test {
 
@@ -15,7 +15,7 @@ public:
         pthread_getattr_default_np(&former_);
         pthread_attr_t enormous;
         pthread_attr_init(&enormous);
-        pthread_attr_setstacksize(&enormous, std::size_t{1} << 47U);
+        pthread_attr_setstacksize(&enormous, ~(SIZE_MAX / 4)); // three quarters of all addresses
         pthread_setattr_default_np(&enormous);
         pthread_attr_destroy(&enormous);
     }

@@ -60,6 +60,12 @@ private:
 
 } // namespace
 
+std::vector<std::string> ownProgram(std::vector<std::string> const& words) {
+    std::vector<std::string> command{QEL_TEST_EMULATOR};
+    command.insert(command.end(), words.begin(), words.end());
+    return command;
+}
+
 ChildProcess::ChildProcess(std::vector<std::string> const& arguments, Errors errors) {
     auto const toChild = makeInput();
     auto const fromChild = makePipe();

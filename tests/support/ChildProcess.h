@@ -11,6 +11,9 @@
 
 namespace qel::test {
 
+/// The words to start a program of this build by: where it is for a foreign processor, an emulator goes before it.
+std::vector<std::string> ownProgram(std::vector<std::string> const& words);
+
 /// A child process whose standard input and output the test holds; standard error is the test's own unless it
 /// is merged into the output. Killed and reaped at the latest when the object goes.
 ///

@@ -4,7 +4,7 @@
 
 namespace qel::test {
 
-Peer::Peer(std::vector<std::string> const& command) : process_(command) {
+Peer::Peer(std::vector<std::string> const& command) : process_(ownProgram(command)) {
     if (process_.readLine() != "ready") {
         throw std::runtime_error(command.front() + " did not get ready");
     }
