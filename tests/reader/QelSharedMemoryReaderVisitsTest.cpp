@@ -400,6 +400,20 @@ TEST_F(VisitsOfATree, Result_OfAVisitWithoutOne_IsAPlainOneThatIsDropped) {
     }
 }
 
+TEST(Visits, PointWithLinks_OfAReaderWithoutARegion_IsVisitedAlone) {
+    NotingReader sut;
+    sut.noteVisitor();
+    shm::record::QelShmMP slot{};
+    slot.guid = svid(1);
+    slot.mvs = 0;
+    slot.children = 0;
+
+    auto result = std::make_shared<IQelVisitorResult>();
+    sut.visit(shm::QelShmMPnt(&slot), 3, result);
+
+    EXPECT_THAT(sut.events, ElementsAre("point 1 at 3", "values of 1 at 3", "after", "down 1 at 3", "up"));
+}
+
 TEST(Visits, Children_AreSortedByTheirKeys_TopLevelListsAreNot) {
     ForgedRegion const region;
     // Keys: an electrical point with a large id, a monitor (sorts without its kind byte), an electrical one
