@@ -8,9 +8,9 @@
 #include "tests/support/RandomNumbers.h"
 #include "tests/support/RawRegion.h"
 #include "tests/support/Rounds.h"
+#include "tests/support/TempFile.h"
 #include "tests/system/Peers.h"
 #include "tests/system/Storm.h"
-#include "tests/tools/TempFile.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include "region/Exceptions.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/MortalBus.h"
-#include "tests/reader/ForgedRegion.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 

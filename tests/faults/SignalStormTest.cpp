@@ -3,8 +3,8 @@
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/reader/BusFailures.h"
-#include "tests/reader/ForgedRegion.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 

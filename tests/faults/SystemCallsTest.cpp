@@ -2,8 +2,8 @@
 
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/faults/FaultLines.h"
-#include "tests/reader/ForgedRegion.h"
 #include "tests/region/FailingCall.h"
+#include "tests/support/ForgedRegion.h"
 #include "writer/QelSharedMemoryWriter.h"
 
 #include <gmock/gmock.h>

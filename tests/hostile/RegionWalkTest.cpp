@@ -1,6 +1,6 @@
 #include "tests/hostile/RegionWalk.h"
 
-#include "tests/reader/ForgedRegion.h"
+#include "tests/support/ForgedRegion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "inspect/RegionStatus.h"
 
-#include "tests/reader/ForgedRegion.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "inspect/LiveRegion.h"
 
-#include "tests/reader/ForgedRegion.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gtest/gtest.h>

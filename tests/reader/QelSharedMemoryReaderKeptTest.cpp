@@ -1,6 +1,6 @@
 #include "reader/QelSharedMemoryReader.h"
-#include "tests/reader/ForgedRegion.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/RandomNumbers.h"
 

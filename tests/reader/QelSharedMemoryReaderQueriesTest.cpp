@@ -1,7 +1,7 @@
 #include "reader/QelSharedMemoryReader.h"
 
-#include "tests/reader/ForgedRegion.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/support/ForgedRegion.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,10 +2,10 @@
 
 #include "region/Exceptions.h"
 #include "tests/reader/BusFailures.h"
-#include "tests/reader/ForgedRegion.h"
 #include "tests/reader/NoMoreThreads.h"
 #include "tests/reader/SleepRecorder.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"

@@ -1,8 +1,8 @@
 #include "reader/BaseQelShmVisitor.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "reader/QelShmMPntCmp.h"
-#include "tests/reader/ForgedRegion.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/support/RandomNumbers.h"
 #include "tests/support/SmallStack.h"
 

@@ -1,10 +1,10 @@
 #include "tools/qelshm/CompletionCommand.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TempFile.h"
 #include "tests/tools/ImageFolder.h"
 #include "tests/tools/QelshmRun.h"
 #include "tests/tools/ReplayProcess.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 

@@ -1,7 +1,7 @@
 #include "tools/replay/CsvReader.h"
 
+#include "tests/support/TempFile.h"
 #include "tests/tools/InputFailure.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 

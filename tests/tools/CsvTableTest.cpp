@@ -1,8 +1,8 @@
 #include "tools/replay/CsvTable.h"
 
+#include "tests/support/TempFile.h"
 #include "tests/tools/InputFailure.h"
 #include "tests/tools/Recorded.h"
-#include "tests/tools/TempFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "tools/qelshm/HzCommand.h"
 
+#include "tests/support/TempFile.h"
 #include "tests/tools/QelshmRun.h"
 #include "tests/tools/ReplayProcess.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

@@ -1,6 +1,6 @@
 #include "tools/qelshm/ImageCommand.h"
 
-#include "tests/reader/ForgedRegion.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/tools/ImageFolder.h"
 #include "tests/tools/QelshmRun.h"
 #include "tests/tools/SampleImages.h"

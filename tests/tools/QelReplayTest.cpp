@@ -6,12 +6,12 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/MainLoopThread.h"
+#include "tests/support/TempFile.h"
 #include "tests/tools/CreatedObjects.h"
 #include "tests/tools/RawUnit.h"
 #include "tests/tools/Recorded.h"
 #include "tests/tools/RecordingFile.h"
 #include "tests/tools/ReplayProcess.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 

@@ -1,9 +1,9 @@
 #include "tools/replay/LiveUnit.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/TempFile.h"
 #include "tests/tools/Recorded.h"
 #include "tests/tools/ReplayProcess.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 

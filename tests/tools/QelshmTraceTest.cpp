@@ -1,9 +1,9 @@
 // What qelshm asks of the system while it looks at a live unit.
 #include "tests/support/ChildProcess.h"
 #include "tests/support/RawRegion.h"
+#include "tests/support/TempFile.h"
 #include "tests/tools/ImageFolder.h"
 #include "tests/tools/ReplayProcess.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 

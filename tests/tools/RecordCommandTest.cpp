@@ -1,7 +1,7 @@
 #include "tools/qelshm/RecordCommand.h"
 
-#include "tests/reader/ForgedRegion.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ForgedRegion.h"
 #include "tests/tools/ImageFolder.h"
 #include "tests/tools/QelshmRun.h"
 

@@ -3,7 +3,7 @@
 #include "tools/replay/DewPoint.h"
 #include "tools/replay/Topology.h"
 
-#include "tests/tools/TempFile.h"
+#include "tests/support/TempFile.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include "inspect/Image.h"
 #include "inspect/RecordingWriter.h"
 
-#include "tests/tools/TempFile.h"
+#include "tests/support/TempFile.h"
 
 #include <unistd.h>
 

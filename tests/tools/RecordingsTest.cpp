@@ -1,7 +1,7 @@
 #include "tools/replay/Recordings.h"
 
+#include "tests/support/TempFile.h"
 #include "tests/tools/InputFailure.h"
-#include "tests/tools/TempFile.h"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,9 @@
 #include "tools/replay/Topology.h"
 
 #include "tests/inspect/RecordingFixture.h"
+#include "tests/support/TempFile.h"
 #include "tests/tools/InputFailure.h"
 #include "tests/tools/RecordingFile.h"
-#include "tests/tools/TempFile.h"
 
 #include <gtest/gtest.h>
 

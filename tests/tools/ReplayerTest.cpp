@@ -1,6 +1,6 @@
 #include "tools/replay/Replayer.h"
 
-#include "tests/tools/TempFile.h"
+#include "tests/support/TempFile.h"
 
 #include <gtest/gtest.h>
 

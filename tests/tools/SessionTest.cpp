@@ -2,8 +2,8 @@
 
 #include "tools/replay/Topology.h"
 
+#include "tests/support/TempFile.h"
 #include "tests/tools/RawUnit.h"
-#include "tests/tools/TempFile.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "tests/tools/TempFile.h"
+#include "tests/support/TempFile.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "tests/reader/ForgedRegion.h"
+#include "tests/support/ForgedRegion.h"
 
 namespace qel::test {
 

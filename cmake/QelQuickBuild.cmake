@@ -1,0 +1,24 @@
+# With QEL_QUICK_BUILD tools and tests take less time to build, for builds whose tools and tests are only run: several
+# sources of a target at a time, which reads their common headers once, and without optimisation. The library itself is
+# compiled as ever. A build without it tells when a source leans on the includes of another.
+option(QEL_QUICK_BUILD "Compile tools and tests jointly and without optimisation" OFF)
+
+# qel_compile_jointly(<target> [EXCEPT <source>...])
+#
+# EXCEPT: sources that use the same names for different things.
+function(qel_compile_jointly target)
+  cmake_parse_arguments(PARSE_ARGV 1 jointly "" "" "EXCEPT")
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${QEL_QUICK_BUILD} UNITY_BUILD_BATCH_SIZE 6)
+  set_source_files_properties(${jointly_EXCEPT} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  if(QEL_QUICK_BUILD)
+    # A fixture in an unnamed namespace is no risk in a file that nothing else includes.
+    target_compile_options(${target} PRIVATE "$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>")
+  endif()
+endfunction()
+
+# Of all targets of this folder and those below it.
+macro(qel_skip_optimisation)
+  if(QEL_QUICK_BUILD)
+    add_compile_options(-O0)
+  endif()
+endmacro()
