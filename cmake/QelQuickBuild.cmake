@@ -1,6 +1,6 @@
 # With QEL_QUICK_BUILD tools and tests take less time to build, for builds whose tools and tests are only run: several
 # sources of a target at a time, which reads their common headers once, and without optimisation. The library itself is
-# compiled as ever. A build without it tells when a source leans on the includes of another.
+# compiled as ever. The preset lint, without it, tells when a source leans on the includes of another.
 option(QEL_QUICK_BUILD "Compile tools and tests jointly and without optimisation" OFF)
 
 # qel_compile_jointly(<target> [EXCEPT <source>...])
