@@ -8,7 +8,7 @@ option(QEL_QUICK_BUILD "Compile tools and tests jointly and without optimisation
 # EXCEPT: sources that use the same names for different things.
 function(qel_compile_jointly target)
   cmake_parse_arguments(PARSE_ARGV 1 jointly "" "" "EXCEPT")
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${QEL_QUICK_BUILD} UNITY_BUILD_BATCH_SIZE 10)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${QEL_QUICK_BUILD} UNITY_BUILD_BATCH_SIZE 6)
   set_source_files_properties(${jointly_EXCEPT} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   if(QEL_QUICK_BUILD)
     # What is said of a name of another source, and of fixtures in an unnamed namespace, does not hold here.
