@@ -16,9 +16,11 @@ function(qel_compile_jointly target)
   endif()
 endfunction()
 
-# Of all targets of this folder and those below it.
-macro(qel_skip_optimisation)
+# qel_skip_optimisation(<target>)
+#
+# Not for programs that a test keeps busy.
+function(qel_skip_optimisation target)
   if(QEL_QUICK_BUILD)
-    add_compile_options(-O0)
+    target_compile_options(${target} PRIVATE -O0)
   endif()
-endmacro()
+endfunction()

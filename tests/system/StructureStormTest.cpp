@@ -29,7 +29,7 @@ TEST(StructureStorm, Readers_SurviveAndEndWithTheWritersStructure) {
         reader->process().writeLine("hammer");
     }
 
-    EXPECT_EQ("done", writer.ask("churn " + std::to_string(rounds) + " 2", std::chrono::minutes(14)));
+    EXPECT_EQ("done", writer.ask("churn " + std::to_string(rounds) + " 2", std::chrono::minutes(4)));
 
     auto const expected = writer.ask("ids");
     for (auto& reader : readers) {
