@@ -24,3 +24,12 @@ function(qel_skip_optimisation target)
     target_compile_options(${target} PRIVATE -O0)
   endif()
 endfunction()
+
+# qel_keep_optimised(<source>...)
+#
+# Sources of the calling folder that its tests keep busy.
+function(qel_keep_optimised)
+  if(QEL_QUICK_BUILD)
+    set_source_files_properties(${ARGV} PROPERTIES COMPILE_OPTIONS -O1 SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
+endfunction()

@@ -13,7 +13,8 @@ std::size_t keptBytes(std::uint64_t size) {
 }
 
 std::unique_ptr<shm::record::Region> copyOf(void const* bytes, std::uint64_t size) {
-    auto region = std::make_unique<shm::record::Region>();
+    // Not zeroed: the image wipes what is not copied.
+    std::unique_ptr<shm::record::Region> region(new shm::record::Region);
     if (size != 0) {
         std::memcpy(region.get(), bytes, keptBytes(size));
     }
