@@ -273,6 +273,7 @@ int run(unsigned int seconds) {
 } // namespace qel::test
 
 int main(int argc, char** argv) {
+    std::ios::sync_with_stdio(false); // so that cin knows of lines that were read along with the last one
     try {
         return qel::test::run(argc > 1 ? static_cast<unsigned int>(std::stoul(argv[1])) : 60);
     } catch (std::exception const& failure) {
