@@ -4,6 +4,8 @@
 
 #include "region/QelShmRecords.h"
 
+#include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 namespace shm {
@@ -14,6 +16,26 @@ template <typename Field>
 void storeField(Field& field, std::common_type_t<Field> value) {
     static_assert(std::is_trivially_copyable_v<Field> && sizeof(Field) <= 8);
     *const_cast<Field volatile*>(&field) = value;
+}
+
+/// Writes a link (next, prev, children, mvs, or a list head of the root) after everything that was stored before it, on
+/// weakly ordered cores too: a reader that follows the new link finds the slot behind it initialised.
+inline void storeLink(std::uint32_t& link, std::uint32_t pos) {
+    __atomic_store_n(&link, pos, __ATOMIC_RELEASE);
+}
+
+/// Reads a link exactly once, so that the number that is checked is the number that is used.
+inline std::uint32_t loadLink(std::uint32_t const& link) {
+    return __atomic_load_n(&link, __ATOMIC_RELAXED);
+}
+
+/// Fills a free slot with WIPE_BYTE. The slot may have been linked before: the fence keeps the stores that unlinked it
+/// ahead of the first one that fills it anew, which on weakly ordered cores a release store alone does not.
+template <typename Slot>
+void wipeSlot(Slot& slot) {
+    static_assert(std::is_trivially_copyable_v<Slot>);
+    __atomic_thread_fence(__ATOMIC_ACQ_REL);
+    std::memset(&slot, WIPE_BYTE, sizeof slot);
 }
 
 /// Publishes the root's version after everything that was written before it, on weakly ordered cores too.

@@ -13,7 +13,6 @@
 #include <log4cpp/Priority.hh>
 
 #include <algorithm>
-#include <cstring>
 #include <numeric>
 #include <utility>
 
@@ -160,10 +159,10 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
         freeMVs_.pop_front();
 
         if (mp.mvs >= MV_COUNT) {
-            storeField(mp.mvs, pos);
+            storeLink(mp.mvs, pos);
         }
         if (auto* const last = valueAt(tail)) {
-            storeField(last->next, pos);
+            storeLink(last->next, pos);
         }
         tail = pos;
     }
@@ -174,7 +173,7 @@ QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsign
         << "pos = " << pos << ", guid = " << svid << ", ppos = " << ppos;
     auto const kind = SensorIdentifier::extractSensorType(svid);
     auto& mp = region()->points[pos];
-    std::memset(&mp, WIPE_BYTE, sizeof mp);
+    wipeSlot(mp);
     storeField(mp.pos, pos);
     storeField(mp.parent, ppos);
     storeField(mp.guid, svid);
@@ -191,7 +190,7 @@ record::QelShmMVal& QelSharedMemoryWriter::initMV(unsigned int pos, unsigned sho
 
 record::QelShmMVal& QelSharedMemoryWriter::wipeMV(unsigned int pos, unsigned short key) {
     auto& mv = region()->values[pos];
-    std::memset(&mv, WIPE_BYTE, sizeof mv);
+    wipeSlot(mv);
     storeField(mv.value, 0.0);
     storeField(mv.at, 0);
     storeField(mv.state, eStatus_ExpectedValue);

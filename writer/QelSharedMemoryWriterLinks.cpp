@@ -69,10 +69,10 @@ void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
         curpos = current->next;
     }
     if (auto* const last = pointAt(lastpos)) {
-        storeField(mp.prev, lastpos);
-        storeField(last->next, mp.pos);
+        storeLink(mp.prev, lastpos);
+        storeLink(last->next, mp.pos);
     } else if (parent != nullptr) {
-        storeField(parent->children, mp.pos);
+        storeLink(parent->children, mp.pos);
     } else {
         setListHead(mp.guid, mp.pos);
     }
@@ -81,16 +81,16 @@ void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
 void QelSharedMemoryWriter::insertBefore(QelShmMP& mp, unsigned int curpos) {
     auto& current = *pointAt(curpos);
     LogLine(writerLog(), log4cpp::Priority::INFO, "connectMP") << mp.guid << " < " << current.guid;
-    storeField(mp.next, curpos);
-    storeField(mp.prev, current.prev);
+    storeLink(mp.next, curpos);
+    storeLink(mp.prev, current.prev);
     if (auto* const previous = pointAt(current.prev)) {
-        storeField(previous->next, mp.pos);
+        storeLink(previous->next, mp.pos);
     } else if (auto* const parent = pointAt(current.parent)) {
-        storeField(parent->children, mp.pos);
+        storeLink(parent->children, mp.pos);
     } else {
         setListHead(mp.guid, mp.pos);
     }
-    storeField(current.prev, mp.pos);
+    storeLink(current.prev, mp.pos);
 }
 
 std::uint32_t* QelSharedMemoryWriter::listHead(long long svid) const {
@@ -106,7 +106,7 @@ std::uint32_t* QelSharedMemoryWriter::listHead(long long svid) const {
 
 void QelSharedMemoryWriter::setListHead(long long svid, unsigned int pos) {
     if (auto* const head = listHead(svid)) {
-        storeField(*head, pos);
+        storeLink(*head, pos);
     } else {
         LogLine(writerLog(), log4cpp::Priority::WARN, "operator()")
             << "cannot handle measurement points of type " << SensorIdentifier::extractSensorType(svid);

@@ -95,18 +95,18 @@ void QelSharedMemoryWriter::freeMVsOf(QelShmMP const& mp) {
 
 void QelSharedMemoryWriter::disconnectMP(QelShmMP& mp) {
     if (auto* const previous = pointAt(mp.prev)) {
-        storeField(previous->next, mp.next); // mp keeps its prev
+        storeLink(previous->next, mp.next); // mp keeps its prev
     } else {
         if (auto* const parent = pointAt(mp.parent)) {
-            storeField(parent->children, mp.next);
+            storeLink(parent->children, mp.next);
         } else if (auto* const head = listHead(mp.guid)) {
-            storeField(*head, mp.next);
+            storeLink(*head, mp.next);
         }
-        storeField(mp.prev, NO_POSITION);
+        storeLink(mp.prev, NO_POSITION);
     }
     if (auto* const next = pointAt(mp.next)) {
-        storeField(next->prev, mp.prev);
-        storeField(mp.next, NO_POSITION);
+        storeLink(next->prev, mp.prev);
+        storeLink(mp.next, NO_POSITION);
     }
     storeField(mp.parent, NO_POSITION);
 }

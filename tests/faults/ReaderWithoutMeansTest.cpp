@@ -8,7 +8,7 @@
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
-#include "tests/writer/FailureSeams.h"
+#include "tests/support/FailureSeams.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

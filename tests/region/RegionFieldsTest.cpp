@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -21,6 +22,36 @@ TEST(RegionFieldsTest, StoreField_WritesTheFieldAndNothingBesideIt) {
                                                 0xFF, 0xFF, 0xFF, 0xFF,                         // next
                                                 0x02, 0x01,                                     // key
                                                 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));          // reserved
+}
+
+TEST(RegionFieldsTest, StoreLink_WritesTheLinkAndNothingBesideIt) {
+    shm::record::QelShmMVal sut{};
+    std::memset(&sut, 0xFF, sizeof sut);
+    shm::storeLink(sut.next, 0x01020304);
+    std::vector<std::uint8_t> bytes(sizeof sut);
+    std::memcpy(bytes.data(), &sut, sizeof sut);
+    std::vector<std::uint8_t> expected(32, 0xFF);
+    expected[20] = 4;
+    expected[21] = 3;
+    expected[22] = 2;
+    expected[23] = 1;
+    EXPECT_EQ(bytes, expected);
+}
+
+TEST(RegionFieldsTest, LoadLink_GivesTheLink) {
+    shm::record::QelShmMVal sut{};
+    sut.next = 0x01020304;
+    EXPECT_EQ(shm::loadLink(sut.next), 0x01020304U);
+}
+
+TEST(RegionFieldsTest, WipeSlot_FillsTheSlotAndNothingBesideIt) {
+    shm::record::QelShmMVal slots[3] = {};
+    shm::wipeSlot(slots[1]);
+    std::vector<std::uint8_t> bytes(sizeof slots);
+    std::memcpy(bytes.data(), slots, sizeof slots);
+    std::vector<std::uint8_t> expected(96, 0);
+    std::fill(expected.begin() + 32, expected.begin() + 64, 0xFF);
+    EXPECT_EQ(bytes, expected);
 }
 
 TEST(RegionFieldsTest, StoreVersion_WritesTheVersionAndNothingBesideIt) {

@@ -5,7 +5,7 @@
 #include "tests/reader/NoMoreThreads.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/LedFiles.h"
-#include "tests/writer/FailureSeams.h"
+#include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <boost/thread/exceptions.hpp>

@@ -3,7 +3,7 @@
 #include "writer/QelSharedMemoryWriter.h"
 
 #include "tests/support/SmallStack.h"
-#include "tests/writer/FailureSeams.h"
+#include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>

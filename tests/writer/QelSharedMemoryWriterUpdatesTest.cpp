@@ -2,7 +2,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
-#include "tests/writer/FailureSeams.h"
+#include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>

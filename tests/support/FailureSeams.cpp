@@ -1,4 +1,4 @@
-#include "tests/writer/FailureSeams.h"
+#include "tests/support/FailureSeams.h"
 
 #include "domain/MeasureValue.h"
 
