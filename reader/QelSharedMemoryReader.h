@@ -166,6 +166,7 @@ private:
     unsigned int unsubscribe();
     void releaseProxy();
     void waitUntilActive(unsigned int seconds) const;
+    static void countModification(char const* operation);
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
     void visitChain(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
     void visitSorted(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
