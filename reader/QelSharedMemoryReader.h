@@ -29,6 +29,7 @@ using hardwaremanager = struct _hardwaremanager;
 
 namespace shm {
 
+class BusConnection;
 class PositionTable;
 class QelShmInitWaitThread;
 
@@ -186,6 +187,7 @@ private:
     // Not part of it, so behind all others.
     std::atomic<unsigned int> rebuilds_{0};        // counts the indexes that were built
     std::unique_ptr<PositionTable> positionTable_; // what positions_ holds, flat
+    std::unique_ptr<BusConnection> bus_;           // that subscription_ stands on
 };
 
 } // namespace shm

@@ -3,7 +3,9 @@
 #include "reader/QelSharedMemoryReader.h"
 
 #include "hardwaremanager/hardwaremanager.h"
+#include "reader/BusConnection.h"
 #include "reader/GLibPtr.h"
+#include "reader/MutedCriticals.h"
 #include "reader/PositionTable.h"
 #include "reader/QelShmInitWaitThread.h"
 #include "reader/callProxy.h"
@@ -35,7 +37,8 @@ QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForR
     : QelSharedMemoryAccess(ShmAccess::Read),
       IQelShmInitCallback(seconds),
       positions_(indexBuckets),
-      positionTable_(std::make_unique<PositionTable>(positions_)) {
+      positionTable_(std::make_unique<PositionTable>(positions_)),
+      bus_(std::make_unique<BusConnection>()) {
     LogLine(readerLog(), log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
     connect();
     try {
@@ -57,11 +60,14 @@ QelSharedMemoryReader::~QelSharedMemoryReader() {
         waitThread_->join();
         waitThread_.reset();
     }
-    if (unsigned int const id = unsubscribe()) {
-        LogLine(readerLog(), log4cpp::Priority::DEBUG, "~QelSharedMemoryReader")
-            << "unsubscribed from signal " << structureChanged << ", id = " << id;
+    // A forked child leaves the bus to its parent, whose connection it is.
+    if (bus_->isOwnProcess()) {
+        if (unsigned int const id = unsubscribe()) {
+            LogLine(readerLog(), log4cpp::Priority::DEBUG, "~QelSharedMemoryReader")
+                << "unsubscribed from signal " << structureChanged << ", id = " << id;
+        }
+        releaseProxy();
     }
-    releaseProxy();
     LogLine(readerLog(), log4cpp::Priority::INFO, "~QelSharedMemoryReader") << "done";
 }
 
@@ -70,8 +76,11 @@ void QelSharedMemoryReader::connect() {
     proxy_ = hardwaremanager__proxy_new_for_bus_sync(G_BUS_TYPE_SYSTEM, G_DBUS_PROXY_FLAGS_NONE, busName,
                                                      objectPath, nullptr, &failure);
     GErrorPtr const error(failure);
-    // Deliberate: called for a null proxy too, of which GLib then tells on standard error.
-    g_dbus_proxy_set_default_timeout(G_DBUS_PROXY(proxy_), PROXY_TIMEOUT);
+    {
+        // Deliberate: called for a null proxy too. GLib's complaint says nothing that the exception does not.
+        MutedCriticals const muted;
+        g_dbus_proxy_set_default_timeout(G_DBUS_PROXY(proxy_), PROXY_TIMEOUT);
+    }
     if (proxy_ != nullptr && !error) {
         return;
     }
@@ -90,6 +99,7 @@ void QelSharedMemoryReader::subscribe() {
     if (connection == nullptr) {
         return;
     }
+    bus_->hold(connection);
     subscription_ =
         g_dbus_connection_signal_subscribe(connection, nullptr, busName, structureChanged, objectPath,
                                            nullptr, G_DBUS_SIGNAL_FLAGS_NONE, handler, nullptr, nullptr);
@@ -99,7 +109,7 @@ void QelSharedMemoryReader::subscribe() {
 
 /// Gives the id of the ended subscription, 0 when there was none to end.
 unsigned int QelSharedMemoryReader::unsubscribe() {
-    auto* const connection = proxy_ == nullptr ? nullptr : g_dbus_proxy_get_connection(G_DBUS_PROXY(proxy_));
+    auto* const connection = bus_->held();
     if (connection == nullptr || subscription_ == 0) {
         return 0;
     }
@@ -146,6 +156,11 @@ bool QelSharedMemoryReader::initialized() {
     GErrorPtr const error(failure);
     if (called && !error) {
         return answer == 1;
+    }
+    if (proxy_ == nullptr && bus_->isClosed()) {
+        // Nobody can be reached over it any more: without it the next proxy gets a connection that lives.
+        unsubscribe();
+        bus_->giveBack();
     }
     LogLine line(readerLog(), log4cpp::Priority::DEBUG, "initialized");
     line << "failed to query initialization state";
