@@ -5,6 +5,7 @@
 #include "hardwaremanager/hardwaremanager.h"
 #include "reader/BusConnection.h"
 #include "reader/GLibPtr.h"
+#include "reader/HeldRegion.h"
 #include "reader/MutedCriticals.h"
 #include "reader/PositionTable.h"
 #include "reader/QelShmInitWaitThread.h"
@@ -31,14 +32,24 @@ constexpr char structureChanged[] = "shmStructureChanged";
 
 constexpr std::size_t indexBuckets = 10;
 
+/// Where a reader starts to number its indexes: apart from others of the process, so that what a kept value remembers of
+/// a reader that is gone is not taken for what the next one found.
+unsigned int firstRebuild() {
+    static std::atomic<unsigned int> readers{0};
+    return ++readers << 16U;
+}
+
 } // namespace
 
 QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForRegion)
     : QelSharedMemoryAccess(ShmAccess::Read),
       IQelShmInitCallback(seconds),
       positions_(indexBuckets),
+      rebuilds_(firstRebuild()),
       positionTable_(std::make_unique<PositionTable>(positions_)),
-      bus_(std::make_unique<BusConnection>()) {
+      bus_(std::make_unique<BusConnection>()),
+      held_(std::make_unique<HeldRegion>()),
+      pollsLeft_(polls()) {
     LogLine(readerLog(), log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
     connect();
     try {
@@ -148,6 +159,14 @@ void QelSharedMemoryReader::handler(GDBusConnection* connection, char const* /*s
 }
 
 bool QelSharedMemoryReader::initialized() {
+    bool const answer = askManager();
+    if (!answer && pollsLeft_ > 0) {
+        --pollsLeft_;
+    }
+    return answer;
+}
+
+bool QelSharedMemoryReader::askManager() {
     GError* failure = nullptr;
     int answer = 0;
     bool const called =
@@ -175,7 +194,11 @@ void QelSharedMemoryReader::onInitialized() {
         LogLine(readerLog(), log4cpp::Priority::WARN, "onInitialized") << "don't call this method directly";
         return;
     }
+    auto const before = namedObject();
     openShm();
+    if (root()) {
+        held_->take(before, NamedRegion());
+    }
     countModification("onInitialized");
     initialized_ = true;
 }
