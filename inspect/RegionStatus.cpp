@@ -2,6 +2,8 @@
 
 #include "inspect/PointTree.h"
 
+#include "region/QelShmCondition.h"
+
 #include <algorithm>
 
 namespace qel::inspect {
@@ -22,13 +24,6 @@ void addContent(RegionStatus& status, Image const& image) {
     }
 }
 
-bool isSilent(std::uint64_t newest, std::uint64_t now, std::optional<std::chrono::milliseconds> maxAge) {
-    if (!maxAge) {
-        return false;
-    }
-    return newest == 0 || (newest < now && now - newest > static_cast<std::uint64_t>(maxAge->count()));
-}
-
 Condition conditionOf(RegionStatus const& status, Image const& image, std::uint64_t now,
                       std::optional<std::chrono::milliseconds> maxAge) {
     if (status.source.opening == Opening::Absent) {
@@ -37,16 +32,29 @@ Condition conditionOf(RegionStatus const& status, Image const& image, std::uint6
     if (status.source.opening != Opening::Opened) {
         return Condition::Unreadable;
     }
-    if (status.source.isReplaced) {
-        return Condition::Replaced;
-    }
-    if (!image.isWhole()) {
+    shm::QelShmRegionFacts facts;
+    facts.isHeld = true;
+    facts.isNamed = true; // or to none: the source does not tell these apart
+    facts.isSame = !status.source.isReplaced;
+    facts.isActive = image.isActive();
+    facts.newest = status.newest;
+    facts.now = now;
+    auto const condition = shm::conditionOf(facts, maxAge.value_or(shm::ANY_AGE));
+    if (facts.isSame && !image.isWhole()) {
         return Condition::TooShort;
     }
-    if (!image.isActive()) {
+    switch (condition) {
+    case shm::QelShmCondition::Active:
+        return Condition::Active;
+    case shm::QelShmCondition::Silent:
+        return Condition::Silent;
+    case shm::QelShmCondition::Inactive:
         return Condition::Inactive;
+    case shm::QelShmCondition::Replaced:
+    case shm::QelShmCondition::Gone:
+        break;
     }
-    return isSilent(status.newest, now, maxAge) ? Condition::Silent : Condition::Active;
+    return Condition::Replaced;
 }
 
 } // namespace

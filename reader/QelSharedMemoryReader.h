@@ -10,11 +10,13 @@
 #include "reader/QelShmKeptMVal.h"
 #include "region/QelExport.h"
 #include "region/QelSharedMemoryAccess.h"
+#include "region/QelShmCondition.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
 #include "region/QelShmRecords.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <forward_list>
 #include <list>
@@ -29,6 +31,8 @@ using hardwaremanager = struct _hardwaremanager;
 
 namespace shm {
 
+class BusConnection;
+class HeldRegion;
 class PositionTable;
 class QelShmInitWaitThread;
 
@@ -148,6 +152,23 @@ public:
     /// @return a null handle when there is no such value, or no longer
     QelShmMVal mval(QelShmKeptMVal& kept);
 
+    /// Whether what this reader shows is current; see conditionOf() for how that is decided. Looks at the object under
+    /// the region's name and, for Active and Silent, at the times of all points and values: some ten microseconds.
+    ///
+    /// A writer locks its object from its start to its end. Once this reader has seen its object locked, when it mapped
+    /// it or in an earlier call, the object counts as Gone while it is not: its writer has ended or was killed. An older
+    /// writer, which locks nothing, is found out by the name alone, or by its silence.
+    ///
+    /// The answer is one moment old. Take look-ups after it for current as far as the writer may end in between.
+    /// @param maxAge age up to which the newest delivery is current, by the system clock; one from the future is current.
+    ///        0 or below allows only one of this very millisecond; ANY_AGE never calls a region silent
+    /// Any thread. Logs nothing, throws nothing, allocates nothing.
+    QelShmCondition condition(std::chrono::milliseconds maxAge) const;
+
+    /// The newest time of all points and values that can be reached, in ms since 1970 UTC; 0 for never and while
+    /// nothing is mapped. Any thread. Visits each slot at most once.
+    std::uint64_t lastDelivery() const;
+
     /// The modification counter of the process; 0 while the index is current. Any thread.
     unsigned int modifications() const;
 
@@ -166,6 +187,11 @@ private:
     unsigned int unsubscribe();
     void releaseProxy();
     void waitUntilActive(unsigned int seconds) const;
+    static void countModification(char const* operation);
+    friend class QelSharedMemoryFollower;
+    bool askManager();
+    bool hasLostItsBus() const;
+    bool willMapNothing() const;
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
     void visitChain(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
     void visitSorted(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
@@ -185,6 +211,9 @@ private:
     // Not part of it, so behind all others.
     std::atomic<unsigned int> rebuilds_{0};        // counts the indexes that were built
     std::unique_ptr<PositionTable> positionTable_; // what positions_ holds, flat
+    std::unique_ptr<BusConnection> bus_;           // that subscription_ stands on
+    std::unique_ptr<HeldRegion> held_;             // which object is mapped
+    std::atomic<unsigned int> pollsLeft_;          // of the wait thread; it maps nothing after the last one
 };
 
 } // namespace shm

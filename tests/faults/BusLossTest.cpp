@@ -46,15 +46,14 @@ LogEntry critical(std::string const& reason) {
 
 /// The words of the exception that keeps a reader from being built, "" when there is a reader.
 std::string whyThereIsNoReader() {
-    testing::internal::
-        CaptureStderr(); // the time-out is set on the missing proxy too, of which GLib complains
+    testing::internal::CaptureStderr();
     std::string words;
     try {
         QelSharedMemoryReader const sut(0, false);
     } catch (ex::TAVSimpleException const& failure) {
         words = failure.what();
     }
-    testing::internal::GetCapturedStderr();
+    EXPECT_EQ("", testing::internal::GetCapturedStderr());
     return words;
 }
 

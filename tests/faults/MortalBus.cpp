@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace qel::test {
@@ -15,7 +16,7 @@ constexpr char address[] = "unix:path=/sys/mortal-bus";
 
 } // namespace
 
-MortalBus::MortalBus() {
+MortalBus::MortalBus(std::string config) : config_(std::move(config)) {
     ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
     start();
 }
@@ -26,7 +27,7 @@ void MortalBus::kill() {
 }
 
 void MortalBus::start() {
-    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--config-file=/sys/bus.conf", "--nofork",
+    daemon_.emplace(std::vector<std::string>{"dbus-daemon", "--config-file=" + config_, "--nofork",
                                              "--nopidfile", "--print-address",
                                              std::string("--address=") + address});
     if (!daemon_->readLine()) {

@@ -13,7 +13,8 @@ namespace qel::test {
 /// process. Comes before anything in the process uses the bus. Threads: not shared.
 class MortalBus {
 public:
-    MortalBus();
+    /// @param config of the daemon, by default that of the surroundings
+    explicit MortalBus(std::string config = "/sys/bus.conf");
 
     /// Takes the daemon away from one moment to the next; its socket stays behind, and nobody listens.
     void kill();
@@ -22,6 +23,7 @@ public:
     void start();
 
 private:
+    std::string config_;
     std::optional<ChildProcess> daemon_;
 };
 

@@ -1,0 +1,50 @@
+// Whether what a reader shows is current.
+
+#include "reader/QelSharedMemoryReader.h"
+
+#include "reader/BusConnection.h"
+#include "reader/HeldRegion.h"
+#include "reader/NamedRegion.h"
+#include "reader/newestDelivery.h"
+#include "region/RegionFields.h"
+
+namespace shm {
+
+namespace {
+
+std::uint64_t millisecondsNow() {
+    auto const passed = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
+}
+
+} // namespace
+
+QelShmCondition QelSharedMemoryReader::condition(std::chrono::milliseconds maxAge) const {
+    // The name and its lock before the version: a writer that takes over has wiped the region when it takes the lock.
+    auto facts = held_->compare(NamedRegion());
+    auto const* const mapped = region();
+    facts.isHeld = facts.isHeld && mapped != nullptr;
+    facts.isActive = facts.isHeld && loadVersion(mapped->root) == ACTIVE_VERSION;
+    auto const ageless = conditionOf(facts, ANY_AGE);
+    if (ageless != QelShmCondition::Active || maxAge == ANY_AGE) {
+        return ageless;
+    }
+    facts.newest = newestDelivery(*mapped);
+    facts.now = millisecondsNow();
+    return conditionOf(facts, maxAge);
+}
+
+std::uint64_t QelSharedMemoryReader::lastDelivery() const {
+    auto const* const mapped = region();
+    return mapped == nullptr ? 0 : newestDelivery(*mapped);
+}
+
+bool QelSharedMemoryReader::hasLostItsBus() const {
+    return bus_->isClosed();
+}
+
+bool QelSharedMemoryReader::willMapNothing() const {
+    return region() == nullptr && (initialized_ || pollsLeft_ == 0);
+}
+
+} // namespace shm

@@ -1,0 +1,432 @@
+// A reader that follows its writer: what it gives in each condition, and when it makes another reader.
+
+#include "reader/QelSharedMemoryFollower.h"
+
+#include "tests/reader/BusFailures.h"
+#include "tests/support/Eventually.h"
+#include "tests/support/ForgedRegion.h"
+#include "tests/support/HardwareManagerService.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/MainLoopThread.h"
+#include "tests/support/ObjectLock.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+using qel::test::eventually;
+using qel::test::ForgedRegion;
+using qel::test::HardwareManagerService;
+using qel::test::LogCapture;
+using qel::test::LogEntry;
+using qel::test::MainLoopThread;
+using qel::test::ObjectLock;
+using shm::ANY_AGE;
+using shm::QelSharedMemoryFollower;
+using shm::QelSharedMemoryReader;
+using shm::QelShmCondition;
+using Conditions = std::vector<QelShmCondition>;
+
+constexpr long long point = 0x0100000000000000;
+constexpr long long value = point | 1;
+
+/// An object with one point and one value, of this number.
+std::unique_ptr<ForgedRegion> region(double number, std::uint32_t pos = 5) {
+    auto made = std::make_unique<ForgedRegion>();
+    made->point(pos, point);
+    made->values(pos, 7, {1});
+    made->devices({pos});
+    made->raw().set(qel::test::rawValue(7), number);
+    made->raw().set<std::uint64_t>(qel::test::rawValue(7) + 8, 1000);
+    return made;
+}
+
+std::unique_ptr<ForgedRegion> activeRegion(double number, std::uint32_t pos = 5) {
+    auto made = region(number, pos);
+    made->activate();
+    return made;
+}
+
+void removeName() {
+    ::shm_unlink("QelSharedMemory");
+}
+
+class PointCounter : public shm::IQelSharedMemoryVisitor {
+public:
+    void onRoot(shm::QelShmRoot const& /*root*/,
+                std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
+        ++roots;
+    }
+    void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/,
+                std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
+        ++points;
+    }
+    void onMVal(shm::QelShmMVal const& /*value*/, long long /*svid*/, unsigned int /*depth*/,
+                std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
+        ++values;
+    }
+    bool mvFound() const override { return false; }
+
+    int roots = 0;
+    int points = 0;
+    int values = 0;
+};
+
+class Follower : public testing::Test {
+protected:
+    void become(QelShmCondition condition) {
+        EXPECT_TRUE(eventually([&] { return sut->condition() == condition; }))
+            << "wanted " << condition << ", is " << sut->condition();
+    }
+
+    void expectNumber(double number) {
+        auto const found = sut->mval(value);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(found->value, number);
+        auto const again = sut->mval(kept);
+        ASSERT_TRUE(again);
+        EXPECT_EQ(again->value, number);
+        auto const there = sut->mpnt(point);
+        ASSERT_TRUE(there);
+        EXPECT_EQ((*there)->guid, point);
+        EXPECT_NE(sut->reader(), nullptr);
+        PointCounter counter;
+        auto result = std::make_shared<shm::IQelVisitorResult>();
+        EXPECT_TRUE(sut->visit(counter, result));
+        EXPECT_EQ(counter.roots, 1);
+        EXPECT_EQ(counter.points, 1);
+        EXPECT_EQ(counter.values, 1);
+    }
+
+    void expectNothing() {
+        EXPECT_FALSE(sut->mval(value));
+        EXPECT_FALSE(sut->mval(kept));
+        EXPECT_FALSE(sut->mpnt(point));
+        EXPECT_FALSE(sut->mpnt(point, true));
+        EXPECT_EQ(sut->reader(), nullptr);
+        PointCounter counter;
+        auto result = std::make_shared<shm::IQelVisitorResult>();
+        EXPECT_FALSE(sut->visit(counter, result));
+        EXPECT_EQ(counter.roots, 0);
+    }
+
+    /// How many readers have been made.
+    std::size_t readers() const {
+        return log.count({"qel.shm.access.reader", log4cpp::Priority::INFO, "QelSharedMemoryReader: start"});
+    }
+
+    void make(unsigned int seconds = 60, std::chrono::milliseconds maxAge = ANY_AGE) {
+        sut.emplace(seconds, maxAge, [this](QelShmCondition condition) {
+            voided.push_back(condition);
+            readersAtVoiding.push_back(readers());
+        });
+    }
+
+    LogCapture log;
+    HardwareManagerService manager;
+    MainLoopThread const loop;
+    shm::QelShmKeptMVal kept{value};
+    Conditions voided;
+    std::vector<std::size_t> readersAtVoiding;
+    std::optional<QelSharedMemoryFollower> sut;
+};
+
+TEST_F(Follower, Construction_MakesNoReader) {
+    make();
+    EXPECT_EQ(readers(), 0U);
+}
+
+TEST_F(Follower, ActiveRegion_IsServed) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    EXPECT_EQ(readers(), 1U);
+    EXPECT_EQ(voided, Conditions{});
+}
+
+TEST_F(Follower, WithoutCallback_Follows) {
+    auto first = activeRegion(1);
+    sut.emplace(60U, ANY_AGE);
+    become(QelShmCondition::Active);
+    removeName();
+    become(QelShmCondition::Gone);
+}
+
+TEST_F(Follower, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
+    auto const first = region(1);
+    make();
+    become(QelShmCondition::Inactive);
+    expectNothing();
+    first->activate();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    EXPECT_EQ(readers(), 1U);
+    EXPECT_EQ(voided, Conditions{});
+}
+
+TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    removeName();
+    expectNothing();
+    EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Gone});
+    EXPECT_EQ(readers(), 1U);
+}
+
+TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    removeName();
+    auto const second = activeRegion(2, 9);
+    EXPECT_NE(sut->condition(), QelShmCondition::Active) << "the new reader cannot have it mapped yet";
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Replaced});
+    EXPECT_EQ(readersAtVoiding, std::vector<std::size_t>{1});
+    become(QelShmCondition::Active);
+    expectNumber(2);
+    EXPECT_EQ(readers(), 2U);
+    EXPECT_EQ(voided.size(), 1U);
+}
+
+TEST_F(Follower, WriterThatTookTheSameObjectOver_IsFollowed) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
+    expectNothing();
+    EXPECT_EQ(sut->condition(), QelShmCondition::Inactive);
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Inactive});
+    first->raw().set(qel::test::rawValue(7), 2.0);
+    first->activate();
+    EXPECT_NE(sut->condition(), QelShmCondition::Active) << "not with the reader of the former writer";
+    become(QelShmCondition::Active);
+    expectNumber(2);
+    EXPECT_EQ(readers(), 2U);
+    EXPECT_EQ(voided.size(), 1U);
+}
+
+TEST_F(Follower, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
+    auto const first = activeRegion(1);
+    std::optional<ObjectLock> writer;
+    writer.emplace();
+    make();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    writer.reset();
+    expectNothing();
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Gone});
+    writer.emplace();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    EXPECT_EQ(readers(), 2U);
+}
+
+TEST_F(Follower, LockSeenByAFormerReader_CountsForTheNextOne) {
+    auto const first = activeRegion(1);
+    std::optional<ObjectLock> writer;
+    writer.emplace();
+    make();
+    become(QelShmCondition::Active);
+    writer.reset();
+    EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
+    writer.emplace();
+    manager.setAnswer(0); // so that the next reader maps the region after this writer has ended, too
+    EXPECT_NE(sut->condition(), QelShmCondition::Active);
+    writer.reset();
+    manager.setAnswer(1);
+    EXPECT_FALSE(eventually([&] { return sut->condition() == QelShmCondition::Active; }, 1s));
+    expectNothing();
+}
+
+TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    std::this_thread::sleep_for(20ms); // the clock of files is a coarse one
+    first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
+    int const writer = ::shm_open("QelSharedMemory", O_RDWR, 0);
+    ASSERT_EQ(::ftruncate(writer, 320032), 0); // as each writer does at its start
+    ::close(writer);
+    first->raw().set(qel::test::rawValue(7), 2.0);
+    first->activate();
+    EXPECT_NE(sut->condition(), QelShmCondition::Active);
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Gone});
+    become(QelShmCondition::Active);
+    expectNumber(2);
+    EXPECT_EQ(readers(), 2U);
+}
+
+TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    for (int round = 0; round < 50; ++round) {
+        first->raw().set(qel::test::rawValue(7), 1.0 * round);
+        std::this_thread::sleep_for(2ms);
+        ASSERT_EQ(sut->condition(), QelShmCondition::Active);
+    }
+    EXPECT_EQ(readers(), 1U);
+}
+
+TEST_F(Follower, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
+    auto const first = activeRegion(1);
+    make(60, 1h);
+    become(QelShmCondition::Silent);
+    expectNothing();
+    auto const at = std::chrono::duration_cast<std::chrono::milliseconds>(
+                        std::chrono::system_clock::now().time_since_epoch())
+                        .count();
+    first->raw().set(qel::test::rawValue(7) + 8, static_cast<std::uint64_t>(at));
+    EXPECT_EQ(sut->condition(), QelShmCondition::Active);
+    expectNumber(1);
+    first->raw().set<std::uint64_t>(qel::test::rawValue(7) + 8, 1000);
+    expectNothing();
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Silent});
+    EXPECT_EQ(readers(), 1U);
+}
+
+TEST_F(Follower, WaitBudgetRunsOut_AnotherReaderWaits) {
+    auto const first = activeRegion(1);
+    manager.setAnswer(0);
+    make(1);
+    ASSERT_TRUE(eventually([&] { return sut->condition() == QelShmCondition::Active || readers() >= 3; }));
+    EXPECT_GE(readers(), 3U);
+    expectNothing();
+    manager.setAnswer(1);
+    become(QelShmCondition::Active);
+    expectNumber(1);
+}
+
+TEST_F(Follower, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
+    make();
+    ASSERT_TRUE(eventually([&] {
+        EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
+        return log.contains(
+            {"qel.shm.access.reader", log4cpp::Priority::DEBUG, "onInitialized: modifications = 0x1"});
+    }));
+    std::this_thread::sleep_for(300ms);
+    EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
+    EXPECT_EQ(readers(), 1U) << "another one would find nothing either";
+    auto const first = activeRegion(1);
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    EXPECT_EQ(readers(), 2U);
+}
+
+TEST_F(Follower, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
+    auto const first = activeRegion(1);
+    make(0);
+    auto const start = std::chrono::steady_clock::now();
+    for (int look = 0; look < 100; ++look) {
+        EXPECT_EQ(sut->condition(), QelShmCondition::Inactive);
+    }
+    auto const most = static_cast<std::size_t>((std::chrono::steady_clock::now() - start) / 250ms) + 1;
+    EXPECT_LE(readers(), most);
+}
+
+TEST_F(Follower, KeptValue_IsNotMistakenForThatOfAnotherReader) {
+    // In the second object the same slots hold a point and a key of the same ids, but the value belongs to another point.
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    removeName();
+    auto const second = region(2);
+    second->point(6, point + 0x10000);
+    second->values(6, 7, {1});
+    second->values(5, 8, {1});
+    second->devices({5, 6});
+    second->raw().set(qel::test::rawValue(8), 3.0);
+    second->activate();
+    become(QelShmCondition::Active);
+    auto const found = sut->mval(kept);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->value, 3.0);
+}
+
+TEST_F(Follower, SeveralInOneProcess_EachFindTheNewStructure) {
+    QelSharedMemoryFollower other(60, ANY_AGE);
+    auto const first = activeRegion(1);
+    make();
+    for (auto* follower : {&*sut, &other}) {
+        EXPECT_TRUE(eventually([&] { return follower->condition() == QelShmCondition::Active; }));
+        EXPECT_TRUE(follower->mpnt(point));
+    }
+    removeName();
+    auto const second = activeRegion(2, 9);
+    for (auto* follower : {&*sut, &other}) {
+        EXPECT_TRUE(eventually([&] { return follower->condition() == QelShmCondition::Active; }));
+        auto const there = follower->mpnt(point);
+        ASSERT_TRUE(there);
+        EXPECT_EQ((*there)->pos, 9U);
+    }
+}
+
+TEST_F(Follower, PointWhoseSlotShowsAnother_IsNotGiven) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    first->point(5, point + 0x10000); // and no signal
+    EXPECT_FALSE(sut->mpnt(point));
+}
+
+TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    expectNumber(1);
+    {
+        auto const connection = qel::test::sharedConnection();
+        g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+        g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
+    }
+    EXPECT_TRUE(eventually([&] { return sut->condition() == QelShmCondition::Active && readers() == 2; }));
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Active});
+    expectNumber(1);
+    auto const before = sut->reader()->modifications();
+    manager.emitStructureChanged();
+    EXPECT_TRUE(eventually([&] { return sut->reader()->modifications() > before; }));
+}
+
+TEST(FollowerWithoutBus, NothingIsThrown_AndTriesAreASecondApart) {
+    auto const first = activeRegion(1);
+    LogCapture const log;
+    QelSharedMemoryFollower sut(60, ANY_AGE);
+    std::size_t tries = 0;
+    {
+        qel::test::UnreachableBus const down;
+        auto const start = std::chrono::steady_clock::now();
+        while (std::chrono::steady_clock::now() - start < 2500ms) {
+            EXPECT_EQ(sut.reader(), nullptr);
+            EXPECT_EQ(sut.condition(), QelShmCondition::Gone);
+            EXPECT_FALSE(sut.mval(value));
+            std::this_thread::sleep_for(5ms);
+        }
+        tries = log.count({"qel.shm.access.reader", log4cpp::Priority::INFO, "QelSharedMemoryReader: start"});
+    }
+    EXPECT_GE(tries, 2U);
+    EXPECT_LE(tries, 3U);
+    HardwareManagerService const manager;
+    EXPECT_TRUE(eventually([&] { return sut.condition() == QelShmCondition::Active; }));
+    EXPECT_TRUE(sut.mval(value));
+}
+
+} // namespace

@@ -1,0 +1,104 @@
+// What a reader does with its connection to the bus.
+
+#include "reader/QelSharedMemoryReader.h"
+
+#include "tests/reader/BusFailures.h"
+#include "tests/support/Eventually.h"
+#include "tests/support/HardwareManagerService.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/MainLoopThread.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace {
+
+using qel::test::eventually;
+using qel::test::HardwareManagerService;
+using qel::test::LogCapture;
+using qel::test::LogEntry;
+using qel::test::MainLoopThread;
+using shm::QelSharedMemoryReader;
+
+LogEntry closedLine() {
+    return {
+        "qel.shm.access.reader", log4cpp::Priority::WARN,
+        "onClosed: the connection to the bus was closed, changes of the structure are not heard any more"};
+}
+
+TEST(ReaderOnTheBus, ConnectionClosed_IsToldOnceByEachReader) {
+    QelSharedMemoryReader const first(0, false);
+    QelSharedMemoryReader const second(0, false);
+    LogCapture const log;
+    qel::test::closeSharedConnection();
+    EXPECT_EQ(log.count(closedLine()), 2U);
+}
+
+TEST(ReaderOnTheBus, ConnectionClosedAndExchanged_IsToldOnce) {
+    QelSharedMemoryReader sut(0, false);
+    LogCapture const log;
+    qel::test::closeSharedConnection();
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(sut.initialized());
+    testing::internal::GetCapturedStderr();
+    HardwareManagerService const service;
+    EXPECT_TRUE(eventually([&] { return sut.initialized(); }));
+    EXPECT_EQ(log.count(closedLine()), 1U);
+}
+
+/// Lets a child destroy the reader and end by exit(); its status, nothing when it does not end.
+std::optional<int> statusOfChildThatEnds(std::unique_ptr<QelSharedMemoryReader>& reader) {
+    auto const child = ::fork();
+    if (child == 0) {
+        reader.reset();
+        std::exit(0); // NOLINT(concurrency-mt-unsafe): the child has one thread
+    }
+    int status = -1;
+    auto const ended = [&] {
+        return ::waitpid(child, &status, WNOHANG) == child;
+    };
+    if (!eventually(ended)) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, &status, 0);
+        return std::nullopt;
+    }
+    return status;
+}
+
+class ForkedReader : public testing::Test {
+protected:
+    ForkedReader() { manager.setAnswer(0); }
+
+    void expectSignalsAreHeard() {
+        manager.emitStructureChanged();
+        EXPECT_TRUE(eventually([&] { return reader->modifications() == 1; }));
+    }
+
+    HardwareManagerService manager;
+    MainLoopThread const loop;
+    std::unique_ptr<QelSharedMemoryReader> reader;
+};
+
+TEST_F(ForkedReader, DestroyedInTheChild_LeavesTheParentItsSubscription) {
+    reader = std::make_unique<QelSharedMemoryReader>(0, false);
+    LogCapture const log;
+    EXPECT_EQ(statusOfChildThatEnds(reader), 0);
+    expectSignalsAreHeard();
+}
+
+TEST_F(ForkedReader, DestroyedInTheChildWhileItWaits_EndsAtOnce) {
+    reader = std::make_unique<QelSharedMemoryReader>(600, false);
+    ASSERT_TRUE(manager.waitForCalls(2));
+    EXPECT_EQ(statusOfChildThatEnds(reader), 0);
+    EXPECT_TRUE(manager.waitForCalls(4)) << "the parent's reader goes on waiting";
+    expectSignalsAreHeard();
+}
+
+} // namespace
