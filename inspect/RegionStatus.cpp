@@ -39,7 +39,8 @@ Condition conditionOf(RegionStatus const& status, Image const& image, std::uint6
     facts.isActive = image.isActive();
     facts.newest = status.newest;
     facts.now = now;
-    auto const condition = shm::conditionOf(facts, maxAge.value_or(shm::ANY_AGE));
+    constexpr auto greatest = shm::ANY_AGE - std::chrono::milliseconds(1);
+    auto const condition = shm::conditionOf(facts, maxAge ? std::min(*maxAge, greatest) : shm::ANY_AGE);
     if (facts.isSame && !image.isWhole()) {
         return Condition::TooShort;
     }

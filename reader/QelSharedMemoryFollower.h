@@ -12,7 +12,7 @@
 
 namespace shm {
 
-class NamedRegion;
+class FollowedReader;
 
 /// Owns a reader and makes a new one when the old one cannot become current any more. It hands out what its reader finds
 /// only while the reader's region is Active, so no value of an ended writer is shown as current.
@@ -83,15 +83,7 @@ public:
     bool visit(IQelSharedMemoryVisitor& visitor, std::shared_ptr<IQelVisitorResult>& result);
 
 private:
-    struct State;
-
-    QelShmCondition look();
-    QelShmCondition judge(NamedRegion const& named);
-    bool wantsAnotherReader(QelShmCondition condition, NamedRegion const& named);
-    void leave(QelShmCondition condition);
-    void makeReader();
-
-    std::unique_ptr<State> state_;
+    std::unique_ptr<FollowedReader> followed_;
 };
 
 } // namespace shm

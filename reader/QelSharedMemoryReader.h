@@ -32,6 +32,7 @@ using hardwaremanager = struct _hardwaremanager;
 namespace shm {
 
 class BusConnection;
+class FollowedReader;
 class HeldRegion;
 class PositionTable;
 class QelShmInitWaitThread;
@@ -49,6 +50,12 @@ class QelShmInitWaitThread;
 /// it must not miss a change.
 ///
 /// Links in the region are followed only inside the slot ranges; they must not be cyclic.
+///
+/// The bus: the reader holds the connection that it subscribed on, so a hardware manager that cannot be reached does not
+/// end the subscription. When the connection is closed, the reader says so once at WARN and hears no change any more; what
+/// it has mapped stays readable. QelSharedMemoryFollower makes another one then.
+///
+/// Whether what it shows is current: condition().
 ///
 /// Logs in "qel.shm.access.reader", beside what QelSharedMemoryAccess logs.
 ///
@@ -74,8 +81,12 @@ public:
     // Virtual operations in slot order, part of the binary contract; new ones go last. openShm() stands
     // between the destructor and the others.
 
-    /// Joins the wait thread, which may take a pause of 250 ms and a D-Bus call under way (60 s at most),
-    /// ends the subscription and unmaps the region. Logs at DEBUG that end, at INFO "done".
+    /// Joins the wait thread, which ends after the poll under way and a pause of 250 ms. That poll may be creating the
+    /// proxy, up to three times with a pause of 123 ms after each, and then takes a D-Bus call (60 s at most). Ends the
+    /// subscription and unmaps the region. Logs at DEBUG that end, at INFO "done".
+    ///
+    /// In a forked child, which has none of the threads, nothing is waited for and nothing ended on the bus: both stay
+    /// the parent's.
     ~QelSharedMemoryReader() override;
 
     /// Builds the index from sensor id to slot anew if the structure has changed, or always with force.
@@ -188,7 +199,7 @@ private:
     void releaseProxy();
     void waitUntilActive(unsigned int seconds) const;
     static void countModification(char const* operation);
-    friend class QelSharedMemoryFollower;
+    friend class FollowedReader;
     bool askManager();
     bool hasLostItsBus() const;
     bool willMapNothing() const;

@@ -120,7 +120,9 @@ void QelSharedMemoryReader::subscribe() {
 
 /// Gives the id of the ended subscription, 0 when there was none to end.
 unsigned int QelSharedMemoryReader::unsubscribe() {
-    auto* const connection = bus_->held();
+    // A proxy that could not be made anew is gone, its connection is not.
+    auto* const connection =
+        proxy_ == nullptr ? bus_->held() : g_dbus_proxy_get_connection(G_DBUS_PROXY(proxy_));
     if (connection == nullptr || subscription_ == 0) {
         return 0;
     }

@@ -1,6 +1,8 @@
 // The bus itself dies: before a reader is built, while it waits, and after it has its region.
 
 #include "reader/QelSharedMemoryReader.h"
+
+#include "reader/QelSharedMemoryFollower.h"
 #include "region/Exceptions.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/MortalBus.h"
@@ -155,6 +157,32 @@ TEST_F(BusLoss, AfterTheSubscription_NeedsANewReaderOnceTheOldOneIsGone) {
     next.emplace(0U, false);
     service.emitStructureChanged();
     EXPECT_TRUE(eventually([&] { return next->modifications() == 1; }));
+}
+
+TEST_F(BusLoss, UnderAFollower_ServesOn_AndHearsAgainWithTheBus) {
+    ForgedRegion const region;
+    region.point(5, unit);
+    region.values(5, 7, {1});
+    region.devices({5});
+    region.activate();
+    MainLoopThread const loop;
+    auto manager = std::make_unique<HardwareManagerService>();
+    shm::QelSharedMemoryFollower sut(60, shm::ANY_AGE);
+    ASSERT_TRUE(eventually([&] { return sut.reader() != nullptr; }));
+    surviveBusLoss();
+    bus.kill();
+    EXPECT_FALSE(eventually([&] { return sut.reader() == nullptr; }, 1500ms)) << "the region is as it was";
+    EXPECT_TRUE(sut.mval(unit | 1));
+
+    bus.start();
+    manager = std::make_unique<HardwareManagerService>();
+    EXPECT_TRUE(eventually([&] {
+        auto* const reader = sut.reader();
+        auto const before = reader == nullptr ? 0 : reader->modifications();
+        manager->emitStructureChanged();
+        return reader != nullptr && eventually([&] { return reader->modifications() > before; }, 100ms);
+    }));
+    EXPECT_TRUE(sut.mval(unit | 1));
 }
 
 std::atomic<int> terminations{0};

@@ -19,6 +19,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -404,6 +405,23 @@ TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
     auto const before = sut->reader()->modifications();
     manager.emitStructureChanged();
     EXPECT_TRUE(eventually([&] { return sut->reader()->modifications() > before; }));
+}
+
+/// As the README shows it.
+TEST_F(Follower, ExampleOfTheReadme_Works) {
+    auto const first = activeRegion(21.5);
+    std::ostringstream out;
+    shm::QelSharedMemoryFollower unit(60, ANY_AGE, [&](shm::QelShmCondition now) {
+        out << "handles are void: " << now << '\n'; // "gone", "silent", ...
+    });
+    shm::QelShmKeptMVal outlet(value); // kept across restarts of the writer
+    EXPECT_TRUE(eventually([&] { return static_cast<bool>(unit.mval(outlet)); }));
+    if (auto const found = unit.mval(outlet)) { // null while nothing vouches for it
+        out << found->value << " W\n";
+    }
+    removeName();
+    EXPECT_FALSE(unit.mval(outlet));
+    EXPECT_EQ(out.str(), "21.5 W\nhandles are void: gone\n");
 }
 
 TEST(FollowerWithoutBus, NothingIsThrown_AndTriesAreASecondApart) {

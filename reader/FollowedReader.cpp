@@ -1,0 +1,107 @@
+#include "reader/FollowedReader.h"
+
+#include "reader/busAnswers.h"
+
+#include <exception>
+#include <utility>
+
+namespace shm {
+
+namespace {
+
+/// Between two readers of which the first was never active: that of the polls for the hardware manager.
+constexpr std::chrono::milliseconds readerPause{250};
+/// Between two tries to reach the bus.
+constexpr std::chrono::seconds busPause{1};
+
+bool isLaidOut(QelShmCondition condition) {
+    return condition == QelShmCondition::Active || condition == QelShmCondition::Silent;
+}
+
+} // namespace
+
+FollowedReader::FollowedReader(unsigned int seconds, std::chrono::milliseconds maxAge,
+                               std::function<void(QelShmCondition)> voided)
+    : seconds_(seconds),
+      maxAge_(maxAge),
+      voided_(std::move(voided)) {}
+
+QelShmCondition FollowedReader::look() {
+    NamedRegion const named;
+    if (named.isLocked()) {
+        locked_ = named.id();
+    }
+    auto condition = judge(named);
+    if (wantsAnotherReader(condition, named)) {
+        leave(isOver_ && isLaidOut(condition) ? QelShmCondition::Gone : condition);
+        makeReader();
+        condition = judge(named);
+    }
+    if (isOver_ && isLaidOut(condition)) {
+        condition = QelShmCondition::Gone; // until there is another reader
+    }
+    if (condition == QelShmCondition::Active) {
+        isSound_ = true;
+    } else {
+        leave(condition);
+    }
+    return condition;
+}
+
+/// What the reader says, and what other readers have seen before. Notes whether the writer has ended meanwhile.
+/// @param named a look that is not younger than the reader's own
+QelShmCondition FollowedReader::judge(NamedRegion const& named) {
+    if (!reader_) {
+        return QelShmCondition::Gone;
+    }
+    auto condition = reader_->condition(maxAge_);
+    if (condition != QelShmCondition::Replaced && locked_ && locked_ == named.id() && !named.isLocked()) {
+        condition = QelShmCondition::Gone;
+    }
+    if (!isLaidOut(condition)) {
+        isOver_ = isOver_ || wasLaidOut_;
+        return condition;
+    }
+    if (!wasLaidOut_) {
+        wasLaidOut_ = true;
+        changed_ = named.changed();
+        reader_->syncPositions(true); // other readers of the process may have the counter at 0 already
+    }
+    isOver_ = isOver_ || changed_ != named.changed();
+    return condition;
+}
+
+bool FollowedReader::wantsAnotherReader(QelShmCondition condition, NamedRegion const& named) {
+    auto const now = Clock::now();
+    if (!reader_) {
+        return now >= nextReader_;
+    }
+    if (reader_->hasLostItsBus() && now >= nextProbe_) {
+        nextProbe_ = now + busPause;
+        return busAnswers();
+    }
+    bool const isUseless = condition == QelShmCondition::Replaced || (isOver_ && isLaidOut(condition)) ||
+                           (reader_->willMapNothing() && named.exists());
+    return isUseless && (wasLaidOut_ || now >= nextReader_);
+}
+
+/// Tells that handles became void, if there may be any.
+void FollowedReader::leave(QelShmCondition condition) {
+    if (std::exchange(isSound_, false) && voided_) {
+        voided_(condition);
+    }
+}
+
+void FollowedReader::makeReader() {
+    reader_.reset(); // before the next one, since a closed connection is shared until its last user has gone
+    wasLaidOut_ = false;
+    isOver_ = false;
+    try {
+        reader_ = std::make_unique<QelSharedMemoryReader>(seconds_, false);
+        nextReader_ = Clock::now() + readerPause;
+    } catch (std::exception const&) {
+        nextReader_ = Clock::now() + busPause; // the reader has logged why
+    }
+}
+
+} // namespace shm
