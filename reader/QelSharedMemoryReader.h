@@ -29,8 +29,9 @@ using hardwaremanager = struct _hardwaremanager;
 
 namespace shm {
 
-class PositionTable;
+class PositionList;
 class QelShmInitWaitThread;
+class VisitsOfThread;
 
 /// Reads the region in place: finds points by sensor id, lists points and values, takes visitors round.
 ///
@@ -161,15 +162,24 @@ protected:
     void stopVisits(bool stop) { stop_ = stop; }
 
 private:
+    class VisitorOnLeave;
+
     void connect();
     void subscribe();
     unsigned int unsubscribe();
     void releaseProxy();
     void waitUntilActive(unsigned int seconds) const;
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
-    void visitChain(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
-    void visitSorted(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
-    bool isSortedChain(unsigned int first) const;
+    void visitList(VisitsOfThread& thread, unsigned int first, bool isSorted, unsigned int depth,
+                   std::shared_ptr<IQelVisitorResult>& result);
+    void valuesTo(VisitsOfThread& thread, QelShmMPnt const& point, unsigned int depth,
+                  std::shared_ptr<IQelVisitorResult>& result);
+    void scatteredValuesTo(VisitsOfThread& thread, QelShmMPnt const& point, unsigned int depth,
+                           std::shared_ptr<IQelVisitorResult>& result);
+    bool tell(IQelSharedMemoryVisitor& visitor, QelShmMVal const& value, long long svid, unsigned int depth,
+              std::shared_ptr<IQelVisitorResult>& result);
+    void sort(PositionList& list) const;
+    bool buildIndex();
     QelShmMP const* pointOf(long long svid) const;
     QelShmMVal lookUp(QelShmKeptMVal& kept);
 
@@ -183,8 +193,10 @@ private:
     std::recursive_mutex mutex_; // guards positions_ and visitor_ while the index is built or looked up
     std::unique_ptr<IQelSharedMemoryVisitor> visitor_;
     // Not part of it, so behind all others.
-    std::atomic<unsigned int> rebuilds_{0};        // counts the indexes that were built
-    std::unique_ptr<PositionTable> positionTable_; // what positions_ holds, flat
+    std::atomic<unsigned int> rebuilds_{0}; // counts the indexes that were begun
+    std::atomic<unsigned int> cuts_{0};     // counts the points that were not visited for stop_
+    IQelSharedMemoryVisitor const* indexing_ =
+        nullptr; // the visitor that builds the index, while it is built
 };
 
 } // namespace shm
