@@ -31,7 +31,6 @@ namespace shm {
 
 class PositionList;
 class QelShmInitWaitThread;
-class VisitsOfThread;
 
 /// Reads the region in place: finds points by sensor id, lists points and values, takes visitors round.
 ///
@@ -170,15 +169,13 @@ private:
     void releaseProxy();
     void waitUntilActive(unsigned int seconds) const;
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
-    void visitList(VisitsOfThread& thread, unsigned int first, bool isSorted, unsigned int depth,
-                   std::shared_ptr<IQelVisitorResult>& result);
-    void valuesTo(VisitsOfThread& thread, QelShmMPnt const& point, unsigned int depth,
-                  std::shared_ptr<IQelVisitorResult>& result);
-    void scatteredValuesTo(VisitsOfThread& thread, QelShmMPnt const& point, unsigned int depth,
+    void visitList(PositionList const& list, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+    void valuesTo(QelShmMPnt const& point, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+    void scatteredValuesTo(QelShmMPnt const& point, unsigned int depth,
                            std::shared_ptr<IQelVisitorResult>& result);
     bool tell(IQelSharedMemoryVisitor& visitor, QelShmMVal const& value, long long svid, unsigned int depth,
               std::shared_ptr<IQelVisitorResult>& result);
-    void sort(PositionList& list) const;
+    void collectSorted(PositionList& list, unsigned int head) const;
     bool buildIndex();
     QelShmMP const* pointOf(long long svid) const;
     QelShmMVal lookUp(QelShmKeptMVal& kept);

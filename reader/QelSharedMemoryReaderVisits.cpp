@@ -57,9 +57,8 @@ std::forward_list<QelShmMVal> QelSharedMemoryReader::mvs(unsigned int first) con
 
 void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
                                    std::shared_ptr<IQelVisitorResult>& result) {
-    auto& thread = VisitsOfThread::get();
-    VisitsOfThread::Callback const callback(thread);
-    valuesTo(thread, point, depth, result);
+    VisitsOfThread::Callback const callback(VisitsOfThread::get());
+    valuesTo(point, depth, result);
 }
 
 /// Gives false when the walk over the values is over.
@@ -72,7 +71,7 @@ void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
 }
 
 /// To be called within a VisitsOfThread::Callback.
-void QelSharedMemoryReader::valuesTo(VisitsOfThread& thread, QelShmMPnt const& point, unsigned int depth,
+void QelSharedMemoryReader::valuesTo(QelShmMPnt const& point, unsigned int depth,
                                      std::shared_ptr<IQelVisitorResult>& result) {
     auto* const visitor = visitor_.get();
     auto const* const mapped = region();
@@ -91,7 +90,7 @@ void QelSharedMemoryReader::valuesTo(VisitsOfThread& thread, QelShmMPnt const& p
         next = loadLink(last->next);
     }
     if (next < MV_COUNT) {
-        scatteredValuesTo(thread, point, depth, result);
+        scatteredValuesTo(point, depth, result);
         return;
     }
     auto const svid = point->guid;
@@ -101,12 +100,11 @@ void QelSharedMemoryReader::valuesTo(VisitsOfThread& thread, QelShmMPnt const& p
 }
 
 /// The same, wherever the values lie.
-[[gnu::noinline]] void QelSharedMemoryReader::scatteredValuesTo(VisitsOfThread& thread,
-                                                                QelShmMPnt const& point, unsigned int depth,
+[[gnu::noinline]] void QelSharedMemoryReader::scatteredValuesTo(QelShmMPnt const& point, unsigned int depth,
                                                                 std::shared_ptr<IQelVisitorResult>& result) {
     auto& visitor = *visitor_;
     auto const* const slots = region()->values;
-    PositionList list(thread.positions());
+    PositionList list(VisitsOfThread::get().positions());
     list.collect(slots, MV_COUNT, loadLink(point->mvs));
     auto const svid = point->guid;
     auto const end = list.end();
@@ -133,20 +131,10 @@ void QelSharedMemoryReader::visit(std::shared_ptr<IQelVisitorResult>& result) {
 
 [[gnu::always_inline]] // as a call it would double the stack that a level of nesting takes
 inline void
-QelSharedMemoryReader::visitList(VisitsOfThread& thread, unsigned int first, bool isSorted,
-                                 unsigned int depth, std::shared_ptr<IQelVisitorResult>& result) {
-    auto const* const mapped = region();
-    if (mapped == nullptr || first >= MP_COUNT) {
-        return;
-    }
-    PositionList list(thread.positions());
-    list.collect(mapped->points, MP_COUNT, first);
-    if (isSorted) {
-        sort(list);
-    }
-    auto const end = list.end();
-    for (auto place = list.begin(); place != end; ++place) {
-        visit(QelShmMPnt(&mapped->points[list.at(place)]), depth, result);
+QelSharedMemoryReader::visitList(PositionList const& list, unsigned int depth,
+                                 std::shared_ptr<IQelVisitorResult>& result) {
+    for (auto place = list.begin(); place != list.end(); ++place) {
+        visit(QelShmMPnt(&region()->points[list.at(place)]), depth, result);
     }
 }
 
@@ -156,7 +144,9 @@ void QelSharedMemoryReader::visitTopLevel(std::uint32_t record::QelShmRoot::*hea
         return;
     }
     if (auto const mapped = root()) {
-        visitList(VisitsOfThread::get(), loadLink((*mapped).*head), false, 1, result);
+        PositionList list(VisitsOfThread::get().positions());
+        list.collect(region()->points, MP_COUNT, loadLink((*mapped).*head));
+        visitList(list, 1, result);
     }
     onUp(result);
 }
@@ -174,28 +164,33 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
         ++cuts_;
         return;
     }
-    auto& thread = VisitsOfThread::get();
     {
-        VisitsOfThread::Callback const callback(thread);
+        VisitsOfThread::Callback const callback(VisitsOfThread::get());
         if (visitor_) {
             visitor_->onMPnt(point, depth, result);
         }
         if (beforeValues(point->guid, depth, result)) {
-            valuesTo(thread, point, depth, result);
+            valuesTo(point, depth, result);
             afterValues(result);
         }
     }
     if (!onDown(point, depth, result)) {
         return;
     }
-    visitList(thread, loadLink(point->children), true, depth + 1, result);
+    if (auto const first = loadLink(point->children); first < MP_COUNT && region() != nullptr) {
+        PositionList children(VisitsOfThread::get().positions());
+        collectSorted(children, first);
+        visitList(children, depth + 1, result);
+    }
     onUp(result);
 }
 
-/// Brings points into the order of their keys; points of equal keys stay as they are. Lists are nearly always in order
-/// already. An id that the writer changes meanwhile may put its point in a wrong place, no more.
-[[gnu::noinline]] void QelSharedMemoryReader::sort(PositionList& list) const {
-    auto const keyOf = [points = region()->points](std::uint16_t pos) {
+/// Collects points and brings them into the order of their keys; those of equal keys stay as they are. Lists are nearly
+/// always in order already. An id that the writer changes meanwhile may put its point in a wrong place, no more.
+[[gnu::noinline]] void QelSharedMemoryReader::collectSorted(PositionList& list, unsigned int head) const {
+    auto const* const points = region()->points;
+    list.collect(points, MP_COUNT, head);
+    auto const keyOf = [points](std::uint16_t pos) {
         return QelShmMPntCmp::key(points[pos].guid);
     };
     auto highest = std::numeric_limits<std::int64_t>::min();
