@@ -16,15 +16,15 @@ constexpr std::size_t firstCapacity = MP_COUNT + MV_COUNT;
 
 void PositionStack::grow(std::size_t count) {
     auto const capacity = std::max({firstCapacity, used_ + count, 2 * capacity_});
-    std::unique_ptr<std::uint16_t[]> positions(new std::uint16_t[capacity]);
-    std::copy_n(positions_, used_, positions.get());
-    delete[] positions_;
-    positions_ = positions.release();
+    auto* const positions = std::allocator<std::uint16_t>().allocate(capacity);
+    std::copy_n(positions_, used_, positions);
+    release();
+    positions_ = positions;
     capacity_ = capacity;
 }
 
 void PositionStack::release() {
-    delete[] positions_;
+    std::allocator<std::uint16_t>().deallocate(positions_, capacity_);
     positions_ = nullptr;
     capacity_ = 0;
 }

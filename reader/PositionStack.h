@@ -19,7 +19,7 @@ public:
     PositionStack(PositionStack const&) = delete;
     PositionStack& operator=(PositionStack const&) = delete;
 
-    /// Gives the memory back; nothing may be on the stack.
+    /// Gives the memory back; no list may live.
     void release();
 
 private:
