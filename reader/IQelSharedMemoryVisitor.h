@@ -14,7 +14,8 @@ namespace shm {
 class IQelVisitorResult;
 
 /// Callbacks of QelSharedMemoryReader's visits. Each is handed the visit's result object. The handles are
-/// good until the region is unmapped; the writer may change what they show at any moment.
+/// good until the region is unmapped; the writer may change what they show at any moment. A callback may use the
+/// reader that calls it: look up, visit, and install another visitor.
 ///
 /// Threads: called on the thread that visits.
 class QEL_EXPORT IQelSharedMemoryVisitor {

@@ -23,7 +23,7 @@ public:
     void onMPnt(QelShmMPnt const& point, unsigned int depth,
                 std::shared_ptr<IQelVisitorResult>& result) override;
 
-protected:
+private:
     PositionIndex* index_;
 };
 

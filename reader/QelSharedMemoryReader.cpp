@@ -1,7 +1,9 @@
 #include "reader/QelSharedMemoryReader.h"
 
-#include "reader/MPntPosRefill.h"
-#include "reader/PositionTable.h"
+#include "reader/MPntPosVisitor.h"
+#include "reader/ModificationCounter.h"
+#include "reader/Reachability.h"
+#include "reader/VisitsOfThread.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "region/SvidParts.h"
@@ -12,67 +14,104 @@ namespace shm {
 
 namespace {
 
-/// Structure changes that no index follows yet. One for the whole process, because the signal handler is
-/// given nothing that names the reader it serves.
-std::atomic<unsigned int> modificationCount{0};
+/// Whether the slots of a value that was found still hold it. True is sure; false may be wrong for an instant while the
+/// writer links.
+bool isStillThere(record::Region const& region, QelShmMP const& point, record::QelShmMVal const& value,
+                  long long svid) {
+    return point.guid == pointSvid(svid) && value.key == valueKey(svid) &&
+           isReferred(region, static_cast<std::uint32_t>(&point - region.points)) &&
+           isInChain(region, loadLink(point.mvs), static_cast<std::uint32_t>(&value - region.values));
+}
 
 void logModifications(char const* operation) {
     LogLine(readerLog(), log4cpp::Priority::DEBUG, operation)
-        << "modifications = " << modificationCount.load();
+        << "modifications = " << modificationCounter.current();
 }
-
-/// Takes the visitor out of its slot, and puts it back when it goes out of scope.
-class VisitorOnLeave {
-public:
-    explicit VisitorOnLeave(std::unique_ptr<IQelSharedMemoryVisitor>& slot)
-        : slot_(slot),
-          visitor_(std::move(slot)) {}
-    ~VisitorOnLeave() { slot_ = std::move(visitor_); }
-    VisitorOnLeave(VisitorOnLeave const&) = delete;
-    VisitorOnLeave& operator=(VisitorOnLeave const&) = delete;
-
-private:
-    std::unique_ptr<IQelSharedMemoryVisitor>& slot_;
-    std::unique_ptr<IQelSharedMemoryVisitor> visitor_;
-};
 
 } // namespace
 
+/// Puts the visitor that builds the index into the place of the client's, and the client's back when it goes out of scope.
+/// A visitor that is installed meanwhile stays instead.
+class QelSharedMemoryReader::VisitorOnLeave {
+public:
+    VisitorOnLeave(QelSharedMemoryReader& reader, std::unique_ptr<IQelSharedMemoryVisitor> indexing)
+        : reader_(reader),
+          indexing_(indexing.get()),
+          outer_(reader.indexing_),
+          client_(std::make_unique<RetiredVisitor>()) {
+        client_->visitor = std::move(reader.visitor_);
+        reader.visitor(std::move(indexing));
+        reader.indexing_ = indexing_;
+    }
+    ~VisitorOnLeave() {
+        if (indexes()) {
+            reader_.visitor_ = std::move(client_->visitor);
+            reader_.indexing_ = outer_;
+        } else {
+            reader_.indexing_ = nullptr;
+            VisitsOfThread::get().retire(std::move(client_));
+        }
+    }
+    VisitorOnLeave(VisitorOnLeave const&) = delete;
+    VisitorOnLeave& operator=(VisitorOnLeave const&) = delete;
+
+    /// Whether the visitor that builds the index is the installed one still.
+    bool indexes() const { return reader_.indexing_ == indexing_; }
+
+private:
+    QelSharedMemoryReader& reader_;
+    IQelSharedMemoryVisitor const* indexing_;
+    IQelSharedMemoryVisitor const* outer_; // of the rebuild that this one runs in, if any
+    std::unique_ptr<RetiredVisitor> client_;
+};
+
 void QelSharedMemoryReader::countModification(char const* operation) {
-    ++modificationCount;
+    modificationCounter.raise();
     logModifications(operation);
 }
 
 unsigned int QelSharedMemoryReader::modifications() const {
-    return modificationCount.load();
+    return modificationCounter.current();
 }
 
 void QelSharedMemoryReader::syncPositions(bool force) {
-    if (!force && modificationCount == 0) {
+    if (!force && modificationCounter.current() == 0) {
         return;
     }
-    unsigned int const before = modificationCount;
     std::lock_guard<std::recursive_mutex> const lock(mutex_);
-    {
-        VisitorOnLeave const client(visitor_);
-        positionTable_->invalidate();
-        visitor(std::make_unique<MPntPosRefill>(positions_));
-        visit();
+    auto const before = modificationCounter.snapshot();
+    bool isWhole = false;
+    try {
+        isWhole = buildIndex();
+    } catch (...) {
+        modificationCounter.keepPending();
+        throw;
     }
-    positionTable_->takeOver();
-    ++rebuilds_;
-    // Deliberate: one less, not zero, if the structure changed meanwhile, so that the next look-up rebuilds.
-    if (modificationCount == before) {
-        modificationCount = 0;
+    if (isWhole) {
+        // Deliberate: one less, not zero, if the structure changed meanwhile, so that the next look-up rebuilds.
+        modificationCounter.settle(before);
     } else {
-        --modificationCount;
+        modificationCounter.keepPending();
     }
     logModifications("syncPositions");
 }
 
+/// Gives false when some of the points may be missing. The caller holds the mutex.
+bool QelSharedMemoryReader::buildIndex() {
+    auto indexing = std::make_unique<MPntPosVisitor>(positions_);
+    auto result = std::make_shared<IQelVisitorResult>();
+    auto const cuts = cuts_.load();
+    ++rebuilds_;
+    VisitorOnLeave const client(*this, std::move(indexing));
+    positions_.clear();
+    visit(result);
+    return client.indexes() && cuts_ == cuts;
+}
+
 /// The slot of a point, null when the index does not know it. The caller holds the mutex.
 QelShmMP const* QelSharedMemoryReader::pointOf(long long svid) const {
-    auto const pos = positionTable_->find(svid);
+    auto const known = positions_.find(svid);
+    auto const pos = known == positions_.end() ? NO_POSITION : known->second;
     auto const* const mapped = region();
     return pos < MP_COUNT && mapped != nullptr ? &mapped->points[pos] : nullptr;
 }
@@ -91,11 +130,10 @@ QelShmMVal QelSharedMemoryReader::mval(long long svid, bool force) {
 }
 
 QelShmMVal QelSharedMemoryReader::mval(QelShmKeptMVal& kept) {
-    // A change of structure shows in the counter until an index follows it, then in that index's number.
-    if (kept.region_ != nullptr && kept.region_ == region() &&
-        modificationCount.load(std::memory_order_relaxed) == 0 &&
+    // In this order: who reads the 0 that a rebuild left reads that rebuild's number, too.
+    if (kept.region_ != nullptr && kept.region_ == region() && modificationCounter.current() == 0 &&
         kept.rebuild_ == rebuilds_.load(std::memory_order_relaxed) &&
-        kept.point_->guid == pointSvid(kept.svid_) && kept.value_->key == valueKey(kept.svid_)) {
+        isStillThere(*kept.region_, *kept.point_, *kept.value_, kept.svid_)) {
         return QelShmMVal(kept.value_);
     }
     syncPositions(false);
@@ -104,18 +142,26 @@ QelShmMVal QelSharedMemoryReader::mval(QelShmKeptMVal& kept) {
 
 QelShmMVal QelSharedMemoryReader::lookUp(QelShmKeptMVal& kept) {
     std::lock_guard<std::recursive_mutex> const lock(mutex_);
-    auto const key = valueKey(kept.svid_);
     kept.region_ = nullptr;
     kept.rebuild_ = rebuilds_;
     kept.point_ = pointOf(pointSvid(kept.svid_));
-    auto const first = kept.point_ == nullptr ? NO_POSITION : kept.point_->mvs;
-    for (auto pos = first; pos < MV_COUNT; pos = region()->values[pos].next) {
-        auto const& slot = region()->values[pos];
-        if (slot.key == key) {
-            kept.region_ = region();
+    if (kept.point_ == nullptr || kept.point_->guid != pointSvid(kept.svid_)) {
+        return {};
+    }
+    auto const& mapped = *region();
+    auto const pos = static_cast<std::uint32_t>(kept.point_ - mapped.points);
+    if (!isReferred(mapped, pos) && !isListed(mapped, pos)) {
+        return {};
+    }
+    auto left = MV_COUNT;
+    for (auto value = loadLink(kept.point_->mvs); value < MV_COUNT && left != 0; --left) {
+        auto const& slot = mapped.values[value];
+        if (slot.key == valueKey(kept.svid_)) {
+            kept.region_ = &mapped;
             kept.value_ = &slot;
             return QelShmMVal(&slot);
         }
+        value = loadLink(slot.next);
     }
     return {};
 }

@@ -34,7 +34,7 @@ namespace shm {
 class BusConnection;
 class FollowedReader;
 class HeldRegion;
-class PositionTable;
+class PositionList;
 class QelShmInitWaitThread;
 
 /// Reads the region in place: finds points by sensor id, lists points and values, takes visitors round.
@@ -47,9 +47,19 @@ class QelShmInitWaitThread;
 /// raises a counter. The next look-up that finds the counter raised walks the region and builds its index
 /// anew. The counter is one per process: each reader's subscription raises it for each signal, and whichever
 /// reader rebuilds its index first brings it down for all. A process with several readers passes force where
-/// it must not miss a change.
+/// it must not miss a change. A change that comes during a rebuild leaves the counter raised, and so does a
+/// rebuild that does not finish.
 ///
-/// Links in the region are followed only inside the slot ranges; they must not be cyclic.
+/// Links in the region are followed only inside the slot ranges, each is read once. A circular list of siblings
+/// or values ends after as many slots as its table has; points that are their own descendants must not occur.
+///
+/// A visit collects the positions of each list before its first callback, so what callbacks let the writer
+/// remove or add takes away none of the points and values that stay. A slot that was removed or used anew
+/// meanwhile is shown with what it holds.
+///
+/// Memory that ends is a std::bad_alloc. mpnt(), mps() and mvs() change nothing then, nor do visits, beyond the
+/// callbacks that were made. A rebuild leaves the counter raised, so that the next look-up builds the index
+/// again, and the client's visitor in its place. mval() needs no memory unless it builds the index.
 ///
 /// The bus: the reader holds the connection that it subscribed on, so a hardware manager that cannot be reached does not
 /// end the subscription. When the connection is closed, the reader says so once at WARN and hears no change any more; what
@@ -62,7 +72,8 @@ class QelShmInitWaitThread;
 /// Threads: mpnt(), mval(), syncPositions() and modifications() are thread-safe. Visits and queries take no lock
 /// against the writer, which may change slots under them, nor against visitor(). The look-ups that may build
 /// the index anew (mpnt(), mval(), syncPositions()) exchange the visitor meanwhile: a client keeps its visits and
-/// values() apart from those of other threads, or gives each thread a reader of its own. The signal arrives in the
+/// values() apart from those of other threads, or gives each thread a reader of its own. Several threads may
+/// visit by one reader at once; each thread keeps the memory of its lists until it ends. The signal arrives in the
 /// GLib main context that was the thread-default one of the constructing thread; the host must run it. The
 /// wait thread calls initialized() and onInitialized() from construction on until the destructor of this
 /// class has joined it, so a derived class that overrides these two must be ready for calls while it is built
@@ -81,9 +92,10 @@ public:
     // Virtual operations in slot order, part of the binary contract; new ones go last. openShm() stands
     // between the destructor and the others.
 
-    /// Joins the wait thread, which ends after the poll under way and a pause of 250 ms. That poll may be creating the
-    /// proxy, up to three times with a pause of 123 ms after each, and then takes a D-Bus call (60 s at most). Ends the
-    /// subscription and unmaps the region. Logs at DEBUG that end, at INFO "done".
+    /// Joins the wait thread, ends the subscription and unmaps the region. Logs at DEBUG that end, at INFO "done".
+    /// The join may take a pause of 250 ms, or a poll under way: while nobody owns the hardware manager's bus
+    /// name, three creations of the proxy, each of them a call to the bus with a pause of 123 ms after it; then
+    /// the call "initialized" (60 s at most).
     ///
     /// In a forked child, which has none of the threads, nothing is waited for and nothing ended on the bus: both stay
     /// the parent's.
@@ -91,7 +103,11 @@ public:
 
     /// Builds the index from sensor id to slot anew if the structure has changed, or always with force.
     /// Visits the whole region with a visitor of its own, hooks included, in the place of the client's.
-    /// Logs the counter at DEBUG.
+    /// Brings the counter to 0 if it stands as it did at the beginning. If it was raised meanwhile, it is
+    /// lowered by one, but not below 1. A rebuild that does not finish, since something throws, visits are
+    /// stopped or a hook installs a visitor, leaves it at 1 at least. Logs the counter at DEBUG, unless it throws.
+    /// @throws std::system_error when the mutex cannot be locked; the index and the counter stay then
+    /// @throws std::bad_alloc and whatever a hook throws
     virtual void syncPositions(bool force);
 
     /// Asks the hardware manager once whether it is initialised; false on any failure (logged at DEBUG).
@@ -134,10 +150,17 @@ public:
     void visit();
     void visit(std::shared_ptr<IQelVisitorResult>& result);
 
-    /// Passes the values of a point to the visitor, if there is one, until its mvFound() gives true.
+    /// Passes the values of a point to the visitor, if there is one, until its mvFound() gives true or another
+    /// visitor is installed.
     void values(QelShmMPnt const& point, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
 
     /// Installs the visitor of all further visits and destroys the former one; null for none. Takes no lock.
+    ///
+    /// From inside a callback or a hook of a visit, by the thread that visits: the new visitor is told what comes
+    /// next, but nothing more of the values that were being told; the former one is destroyed when no callback
+    /// runs in this thread any more. From inside a hook of a rebuild: the new visitor stays after it, and the
+    /// rebuild counts as unfinished.
+    /// @throws std::bad_alloc from inside a callback, when there is no memory; the former visitor stays then
     void visitor(std::unique_ptr<IQelSharedMemoryVisitor> visitor);
 
     /// The points of a sibling chain, in its order.
@@ -154,12 +177,16 @@ public:
     std::unique_ptr<QelShmMPnt> mpnt(long long svid, bool force);
 
     /// Finds a value by its sensor id, after syncPositions(force): of several values with the same key the
-    /// first one of the point's chain. A null handle when there is none. Allocates nothing.
+    /// first one of the point's chain. A null handle when there is none. Never another point's value, announced
+    /// or not: the slot that the index names must hold the point's id, a list of the tree must hold the slot, and
+    /// the value is looked for in the point's chain. The handle is not kept up to date: when the writer removes
+    /// the point afterwards, or while this operation looks, it may show what the slot serves next.
     QelShmMVal mval(long long svid, bool force);
 
-    /// The same for a value that is read over and over: while the structure stands, two comparisons tell that
-    /// the slots still hold this point and this key, and nothing is looked up or locked. After a change of
-    /// structure the value is looked up anew by itself.
+    /// The same for a value that is read over and over. While no change is announced, nothing is looked up or
+    /// locked: it is only told that the slots still hold the point's id and the key, that the link before the
+    /// point leads to it, and that the point's chain leads to the value. Whatever does not hold any more is
+    /// looked up anew by itself.
     /// @return a null handle when there is no such value, or no longer
     QelShmMVal mval(QelShmKeptMVal& kept);
 
@@ -180,7 +207,8 @@ public:
     /// nothing is mapped. Any thread. Visits each slot at most once.
     std::uint64_t lastDelivery() const;
 
-    /// The modification counter of the process; 0 while the index is current. Any thread.
+    /// The modification counter of the process: announced changes that no rebuild has settled yet. With one reader
+    /// in the process, 0 says that its index follows all of them. Any thread.
     unsigned int modifications() const;
 
     /// Receives "shmStructureChanged" from GLib and raises the modification counter. Logs at DEBUG the
@@ -189,10 +217,14 @@ public:
                         char const* interface, char const* signal, GVariant* parameters, void* userData);
 
 protected:
-    /// While set, the visit of a point returns at once. Only derived readers set it, from any thread.
+    /// While set, the visit of a point returns at once. Only derived readers set it, from any thread. A rebuild that
+    /// meets it leaves an index without the points that were not visited, and the counter of the process raised:
+    /// each look-up builds the index again until one is whole.
     void stopVisits(bool stop) { stop_ = stop; }
 
 private:
+    class VisitorOnLeave;
+
     void connect();
     void subscribe();
     unsigned int unsubscribe();
@@ -204,9 +236,14 @@ private:
     bool hasLostItsBus() const;
     bool willMapNothing() const;
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
-    void visitChain(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
-    void visitSorted(unsigned int first, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
-    bool isSortedChain(unsigned int first) const;
+    void visitList(PositionList const& list, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+    void valuesTo(QelShmMPnt const& point, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
+    void scatteredValuesTo(QelShmMPnt const& point, unsigned int depth,
+                           std::shared_ptr<IQelVisitorResult>& result);
+    bool tell(IQelSharedMemoryVisitor& visitor, QelShmMVal const& value, long long svid, unsigned int depth,
+              std::shared_ptr<IQelVisitorResult>& result);
+    void collectSorted(PositionList& list, unsigned int head) const;
+    bool buildIndex();
     QelShmMP const* pointOf(long long svid) const;
     QelShmMVal lookUp(QelShmKeptMVal& kept);
 
@@ -220,11 +257,12 @@ private:
     std::recursive_mutex mutex_; // guards positions_ and visitor_ while the index is built or looked up
     std::unique_ptr<IQelSharedMemoryVisitor> visitor_;
     // Not part of it, so behind all others.
-    std::atomic<unsigned int> rebuilds_{0};        // counts the indexes that were built
-    std::unique_ptr<PositionTable> positionTable_; // what positions_ holds, flat
-    std::unique_ptr<BusConnection> bus_;           // that subscription_ stands on
-    std::unique_ptr<HeldRegion> held_;             // which object is mapped
-    std::atomic<unsigned int> pollsLeft_;          // of the wait thread; it maps nothing after the last one
+    std::atomic<unsigned int> rebuilds_{0};             // counts the indexes that were begun
+    std::atomic<unsigned int> cuts_{0};                 // counts the points that were not visited for stop_
+    IQelSharedMemoryVisitor const* indexing_ = nullptr; // the visitor of the rebuild under way
+    std::unique_ptr<BusConnection> bus_;                // that subscription_ stands on
+    std::unique_ptr<HeldRegion> held_;                  // which object is mapped
+    std::atomic<unsigned int> pollsLeft_; // of the wait thread; it maps nothing after the last one
 };
 
 } // namespace shm

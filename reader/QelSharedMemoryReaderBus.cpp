@@ -7,7 +7,6 @@
 #include "reader/GLibPtr.h"
 #include "reader/HeldRegion.h"
 #include "reader/MutedCriticals.h"
-#include "reader/PositionTable.h"
 #include "reader/QelShmInitWaitThread.h"
 #include "reader/callProxy.h"
 #include "region/Exceptions.h"
@@ -46,7 +45,6 @@ QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForR
       IQelShmInitCallback(seconds),
       positions_(indexBuckets),
       rebuilds_(firstRebuild()),
-      positionTable_(std::make_unique<PositionTable>(positions_)),
       bus_(std::make_unique<BusConnection>()),
       held_(std::make_unique<HeldRegion>()),
       pollsLeft_(polls()) {

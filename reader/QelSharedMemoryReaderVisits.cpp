@@ -1,9 +1,13 @@
 #include "reader/QelSharedMemoryReader.h"
 
+#include "reader/PositionStack.h"
 #include "reader/QelShmMPntCmp.h"
+#include "reader/VisitsOfThread.h"
+#include "region/RegionFields.h"
 
 #include "domain/SensorIdentifier.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -11,13 +15,24 @@
 namespace shm {
 
 void QelSharedMemoryReader::visitor(std::unique_ptr<IQelSharedMemoryVisitor> visitor) {
-    visitor_ = std::move(visitor);
+    auto& thread = VisitsOfThread::get();
+    auto retired = visitor_ && thread.isInCallback() ? std::make_unique<RetiredVisitor>() : nullptr;
+    if (visitor_.get() == indexing_) {
+        indexing_ = nullptr;
+    }
+    visitor_.swap(visitor);
+    if (retired) {
+        retired->visitor = std::move(visitor);
+        thread.retire(std::move(retired));
+    }
 }
 
 std::list<QelShmMPnt> QelSharedMemoryReader::mps(unsigned int first, SensorType::SensorType type) const {
     std::list<QelShmMPnt> points;
     if (auto const* const mapped = region()) {
-        for (auto pos = first; pos < MP_COUNT; pos = mapped->points[pos].next) {
+        auto left = MP_COUNT;
+        for (auto pos = first; pos < MP_COUNT && left != 0;
+             pos = loadLink(mapped->points[pos].next), --left) {
             auto const& slot = mapped->points[pos];
             if (type == SensorType::Any || type == SensorIdentifier::extractSensorType(slot.guid)) {
                 points.emplace_back(&slot);
@@ -31,7 +46,9 @@ std::forward_list<QelShmMVal> QelSharedMemoryReader::mvs(unsigned int first) con
     std::forward_list<QelShmMVal> values;
     if (auto const* const mapped = region()) {
         auto last = values.before_begin();
-        for (auto pos = first; pos < MV_COUNT; pos = mapped->values[pos].next) {
+        auto left = MV_COUNT;
+        for (auto pos = first; pos < MV_COUNT && left != 0;
+             pos = loadLink(mapped->values[pos].next), --left) {
             last = values.emplace_after(last, &mapped->values[pos]);
         }
     }
@@ -40,18 +57,61 @@ std::forward_list<QelShmMVal> QelSharedMemoryReader::mvs(unsigned int first) con
 
 void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
                                    std::shared_ptr<IQelVisitorResult>& result) {
+    VisitsOfThread::Callback const callback(VisitsOfThread::get());
+    valuesTo(point, depth, result);
+}
+
+/// Gives false when the walk over the values is over.
+[[gnu::always_inline]] inline bool QelSharedMemoryReader::tell(IQelSharedMemoryVisitor& visitor,
+                                                               QelShmMVal const& value, long long svid,
+                                                               unsigned int depth,
+                                                               std::shared_ptr<IQelVisitorResult>& result) {
+    visitor.onMVal(value, svid, depth, result);
+    return visitor_.get() == &visitor && !visitor.mvFound();
+}
+
+/// To be called within a VisitsOfThread::Callback.
+void QelSharedMemoryReader::valuesTo(QelShmMPnt const& point, unsigned int depth,
+                                     std::shared_ptr<IQelVisitorResult>& result) {
+    auto* const visitor = visitor_.get();
     auto const* const mapped = region();
-    if (!visitor_ || mapped == nullptr) {
+    auto const first = loadLink(point->mvs);
+    if (visitor == nullptr || visitor == indexing_ || mapped == nullptr || first >= MV_COUNT) {
+        return;
+    }
+    // A point's values nearly always lie side by side, in their order: two slots tell them all then.
+    auto const* slot = &mapped->values[first];
+    auto const* last = slot;
+    auto following = first + 1;
+    auto next = loadLink(last->next);
+    while (next == following && next != MV_COUNT) {
+        ++last;
+        ++following;
+        next = loadLink(last->next);
+    }
+    if (next < MV_COUNT) {
+        scatteredValuesTo(point, depth, result);
         return;
     }
     auto const svid = point->guid;
-    for (auto pos = point->mvs; pos < MV_COUNT;) {
-        auto const& slot = mapped->values[pos];
-        visitor_->onMVal(QelShmMVal(&slot), svid, depth, result);
-        if (visitor_->mvFound()) {
+    while (tell(*visitor, QelShmMVal(slot), svid, depth, result) && slot != last) {
+        ++slot;
+    }
+}
+
+/// The same, wherever the values lie.
+[[gnu::noinline]] void QelSharedMemoryReader::scatteredValuesTo(QelShmMPnt const& point, unsigned int depth,
+                                                                std::shared_ptr<IQelVisitorResult>& result) {
+    auto& visitor = *visitor_;
+    auto const* const slots = region()->values;
+    PositionList list(VisitsOfThread::get().positions());
+    list.collect(slots, MV_COUNT, loadLink(point->mvs));
+    auto const svid = point->guid;
+    auto const end = list.end();
+    for (auto place = list.begin(); place != end; ++place) {
+        if (!tell(visitor, QelShmMVal(&slots[list.at(place)]), svid, depth, result)) {
             return;
         }
-        pos = slot.next;
     }
 }
 
@@ -62,6 +122,7 @@ void QelSharedMemoryReader::visit() {
 
 void QelSharedMemoryReader::visit(std::shared_ptr<IQelVisitorResult>& result) {
     if (visitor_) {
+        VisitsOfThread::Callback const callback(VisitsOfThread::get());
         visitor_->onRoot(root(), result);
     }
     visitTopLevel(&record::QelShmRoot::devices, result);
@@ -70,13 +131,10 @@ void QelSharedMemoryReader::visit(std::shared_ptr<IQelVisitorResult>& result) {
 
 [[gnu::always_inline]] // as a call it would double the stack that a level of nesting takes
 inline void
-QelSharedMemoryReader::visitChain(unsigned int first, unsigned int depth,
-                                  std::shared_ptr<IQelVisitorResult>& result) {
-    auto const* const mapped = region();
-    for (auto pos = first; mapped != nullptr && pos < MP_COUNT;) {
-        auto const& slot = mapped->points[pos];
-        visit(QelShmMPnt(&slot), depth, result);
-        pos = slot.next;
+QelSharedMemoryReader::visitList(PositionList const& list, unsigned int depth,
+                                 std::shared_ptr<IQelVisitorResult>& result) {
+    for (auto place = list.begin(); place != list.end(); ++place) {
+        visit(QelShmMPnt(&region()->points[list.at(place)]), depth, result);
     }
 }
 
@@ -86,7 +144,9 @@ void QelSharedMemoryReader::visitTopLevel(std::uint32_t record::QelShmRoot::*hea
         return;
     }
     if (auto const mapped = root()) {
-        visitChain((*mapped).*head, 1, result);
+        PositionList list(VisitsOfThread::get().positions());
+        list.collect(region()->points, MP_COUNT, loadLink((*mapped).*head));
+        visitList(list, 1, result);
     }
     onUp(result);
 }
@@ -101,50 +161,53 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth) {
 void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
                                   std::shared_ptr<IQelVisitorResult>& result) {
     if (stop_) {
+        ++cuts_;
         return;
     }
-    if (visitor_) {
-        visitor_->onMPnt(point, depth, result);
-    }
-    if (beforeValues(point->guid, depth, result)) {
-        values(point, depth, result);
-        afterValues(result);
+    {
+        VisitsOfThread::Callback const callback(VisitsOfThread::get());
+        if (visitor_) {
+            visitor_->onMPnt(point, depth, result);
+        }
+        if (beforeValues(point->guid, depth, result)) {
+            valuesTo(point, depth, result);
+            afterValues(result);
+        }
     }
     if (!onDown(point, depth, result)) {
         return;
     }
-    if (auto const children = point->children; children < MP_COUNT) {
-        if (isSortedChain(children)) {
-            visitChain(children, depth + 1, result);
-        } else {
-            visitSorted(children, depth + 1, result);
-        }
+    if (auto const first = loadLink(point->children); first < MP_COUNT && region() != nullptr) {
+        PositionList children(VisitsOfThread::get().positions());
+        collectSorted(children, first);
+        visitList(children, depth + 1, result);
     }
     onUp(result);
 }
 
-[[gnu::noinline]] void QelSharedMemoryReader::visitSorted(unsigned int first, unsigned int depth,
-                                                          std::shared_ptr<IQelVisitorResult>& result) {
-    auto points = mps(first, SensorType::Any);
-    for (points.sort(QelShmMPntCmp()); !points.empty(); points.pop_front()) {
-        visit(points.front(), depth, result);
-    }
-}
-
-/// Whether sorting the chain would leave it as it is.
-[[gnu::noinline]] bool QelSharedMemoryReader::isSortedChain(unsigned int first) const {
-    auto const* const mapped = region();
-    auto previous = std::numeric_limits<std::int64_t>::min();
-    for (auto pos = first; mapped != nullptr && pos < MP_COUNT;) {
-        auto const& slot = mapped->points[pos];
-        auto const key = QelShmMPntCmp::key(slot.guid);
-        if (key < previous) {
-            return false;
+/// Collects points and brings them into the order of their keys; those of equal keys stay as they are. Lists are nearly
+/// always in order already. An id that the writer changes meanwhile may put its point in a wrong place, no more.
+[[gnu::noinline]] void QelSharedMemoryReader::collectSorted(PositionList& list, unsigned int head) const {
+    auto const* const points = region()->points;
+    list.collect(points, MP_COUNT, head);
+    auto const keyOf = [points](std::uint16_t pos) {
+        return QelShmMPntCmp::key(points[pos].guid);
+    };
+    auto highest = std::numeric_limits<std::int64_t>::min();
+    auto* const first = &list.at(list.begin());
+    auto* const last = first + (list.end() - list.begin());
+    for (auto* current = first; current != last; ++current) {
+        auto const pos = *current;
+        auto const key = keyOf(pos);
+        if (key >= highest) {
+            highest = key;
+            continue;
         }
-        previous = key;
-        pos = slot.next;
+        auto* const place = std::upper_bound(
+            first, current, key, [&](std::int64_t left, std::uint16_t right) { return left < keyOf(right); });
+        std::move_backward(place, current, current + 1);
+        *place = pos;
     }
-    return true;
 }
 
 bool QelSharedMemoryReader::onDown(std::shared_ptr<IQelVisitorResult>& /*result*/) {

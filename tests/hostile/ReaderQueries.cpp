@@ -262,11 +262,34 @@ private:
         return known != index.end() && known->second < pointSlots;
     }
 
+    /// Whether the slot holds the point and the link before it leads to it, or the list that it claims to be in does.
+    bool holdsReachedPoint(std::uint32_t pos, long long svid) const {
+        if (svidOf(pos) != svid) {
+            return false;
+        }
+        auto const link = [&](std::uint32_t slot, std::size_t offset) {
+            return raw_.u32(rawPoint(slot) + offset);
+        };
+        auto const listHolds = [&](std::uint32_t first) {
+            auto const list = walk_.siblings(first);
+            return std::find(list.begin(), list.end(), pos) != list.end();
+        };
+        auto const devices = raw_.u32(field::devices);
+        auto const groups = raw_.u32(field::groups);
+        auto const previous = link(pos, field::prev);
+        auto const parent = link(pos, field::parent);
+        if (previous < pointSlots && link(previous, field::next) == pos) {
+            return true;
+        }
+        return parent < pointSlots ? listHolds(link(parent, field::children))
+                                   : listHolds(devices) || listHolds(groups);
+    }
+
     void askValueLookUps(std::map<long long, std::uint32_t> const& index) {
         constexpr std::size_t perPoint = 12; // a full chain takes long enough as it is
         for (auto const& [svid, pos] : index) {
             auto const point = svid & ~0xFFFFLL;
-            auto const values = isKnown(index, point)
+            auto const values = isKnown(index, point) && holdsReachedPoint(index.at(point), point)
                                     ? walk_.valueChain(raw_.u32(rawPoint(index.at(point)) + field::mvs))
                                     : Positions();
             auto const keyOf = [&](std::uint32_t value) {

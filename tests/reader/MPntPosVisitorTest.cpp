@@ -39,6 +39,11 @@ TEST_F(MPntPosVisitorTest, OnMPnt_PositionOutOfRange_IsNotedAsItIs) {
     EXPECT_EQ(index, (shm::PositionIndex{{5, 0xFFFFFFFF}}));
 }
 
+TEST_F(MPntPosVisitorTest, OnMPnt_LeavesTheFoundFlagUnset) {
+    reach(5, 1, 1);
+    EXPECT_FALSE(sut.mvFound());
+}
+
 TEST_F(MPntPosVisitorTest, Values_AreIgnored) {
     sut.onMVal(shm::QelShmMVal(), 5, 1, result);
     EXPECT_FALSE(sut.mvFound());

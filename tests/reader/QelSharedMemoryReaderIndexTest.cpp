@@ -10,6 +10,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <gio/gio.h>
+
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -44,8 +46,15 @@ LogEntry synced(std::string const& count) {
 }
 
 /// Does something once in the midst of a walk.
-class BusyReader : public MappedReader {
+class BusyReader : public shm::QelSharedMemoryReader {
 public:
+    explicit BusyReader(bool isMapped = true) : QelSharedMemoryReader(0, false) {
+        if (isMapped) {
+            QelSharedMemoryReader::onInitialized();
+        }
+    }
+    void stop(bool isStopped) { stopVisits(isStopped); }
+
     using QelSharedMemoryReader::onDown;
     bool onDown(Result& /*result*/) override {
         ++lists;
@@ -227,15 +236,125 @@ TEST_F(PositionIndex, SyncPositions_IsCalledThroughTheVirtualOperation) {
     EXPECT_THAT(other.forced, ElementsAre(false, true));
 }
 
-TEST_F(PositionIndex, SyncPositions_CounterLoweredMeanwhile_IsHealedByTheNextRebuild) {
+TEST_F(PositionIndex, SyncPositions_CounterLoweredMeanwhile_StaysAtZero) {
     MappedReader other; // counts once more: 2
     sut.duringWalk = [&] {
         other.syncPositions(false);
     };
     sut.syncPositions(false);
-    EXPECT_EQ(log.entries().back(), synced("0xffffffff"));
+    EXPECT_EQ(log.entries().back(), synced("0"));
     EXPECT_EQ(lookUp(svid(5)), 5);
     EXPECT_EQ(sut.modifications(), 0U);
+}
+
+/// Hands the signal to the handler, on a thread of its own as GLib would.
+void announceFromAnotherThread() {
+    std::thread([] {
+        int connection = 0;
+        auto* const none = g_variant_ref_sink(g_variant_new("()"));
+        shm::QelSharedMemoryReader::handler(reinterpret_cast<GDBusConnection*>(&connection), ":1.1", "/",
+                                            "org.qel.HardwareManager", "shmStructureChanged", none, nullptr);
+        g_variant_unref(none);
+    }).join();
+}
+
+TEST_F(PositionIndex, SignalDuringAForcedRebuildFromZero_IsNotLost) {
+    sut.syncPositions(false);
+    sut.duringWalk = announceFromAnotherThread;
+    sut.syncPositions(true);
+    EXPECT_EQ(sut.modifications(), 1U);
+    EXPECT_EQ(log.entries().back(), synced("0x1"));
+    sut.syncPositions(false);
+    EXPECT_EQ(sut.modifications(), 0U);
+}
+
+TEST_F(PositionIndex, TwoThreadsThatRebuildForOneChange_LeaveZero) {
+    std::future<void> other;
+    sut.duringWalk = [&] {
+        other = std::async(std::launch::async, [&] { sut.syncPositions(false); });
+        EXPECT_EQ(other.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+    };
+    sut.syncPositions(false);
+    other.get();
+    EXPECT_EQ(sut.modifications(), 0U);
+    announceFromAnotherThread();
+    EXPECT_EQ(sut.modifications(), 1U) << "it did not wrap";
+}
+
+TEST_F(PositionIndex, ChangeBetweenTwoRebuilds_ThatBringsTheSameNumberBack_IsNotLost) {
+    MappedReader other;
+    other.syncPositions(false);
+    announceFromAnotherThread();
+    sut.duringWalk = [&] {
+        other.syncPositions(false);
+        announceFromAnotherThread(); // 1 again
+    };
+    sut.syncPositions(false);
+    EXPECT_EQ(sut.modifications(), 1U);
+}
+
+TEST_F(PositionIndex, ForcedRebuildThatThrows_LeavesTheCounterRaised) {
+    sut.syncPositions(false);
+    sut.duringWalk = [] {
+        throw std::runtime_error("hook");
+    };
+    EXPECT_THROW(sut.syncPositions(true), std::runtime_error);
+    EXPECT_EQ(sut.modifications(), 1U);
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(sut.modifications(), 0U);
+}
+
+TEST_F(PositionIndex, ForcedRebuildThatIsStopped_LeavesTheCounterRaised) {
+    sut.syncPositions(false);
+    sut.duringWalk = [&] {
+        std::thread([&] { sut.stop(true); }).join();
+    };
+    sut.syncPositions(true);
+    EXPECT_EQ(sut.modifications(), 1U);
+    EXPECT_EQ(log.entries().back(), synced("0x1"));
+    EXPECT_EQ(lookUp(svid(5)), -1) << "still stopped";
+    EXPECT_EQ(sut.modifications(), 1U);
+    sut.stop(false);
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    EXPECT_EQ(sut.modifications(), 0U);
+}
+
+TEST_F(PositionIndex, RegionMappedDuringAForcedRebuild_IsNotMissed) {
+    BusyReader waiting(false);
+    sut.syncPositions(false);
+    waiting.duringWalk = [&] {
+        std::thread([&] { waiting.onInitialized(); }).join();
+    };
+    waiting.syncPositions(true);
+    EXPECT_EQ(waiting.modifications(), 1U);
+    EXPECT_NE(waiting.mpnt(svid(5), false), nullptr);
+    EXPECT_EQ(waiting.modifications(), 0U);
+}
+
+TEST_F(PositionIndex, VisitorInstalledByAHookOfARebuild_Stays_AndTheRebuildCountsAsUnfinished) {
+    class Counting : public shm::BaseQelShmVisitor {
+    public:
+        explicit Counting(int& points) : points_(points) {}
+        void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& /*result*/) override {
+            ++points_;
+        }
+
+    private:
+        int& points_;
+    };
+    int former = 0;
+    int points = 0;
+    sut.visitor(std::make_unique<Counting>(former));
+    sut.duringWalk = [&] {
+        sut.visitor(std::make_unique<Counting>(points));
+    };
+    sut.syncPositions(true);
+    EXPECT_EQ(sut.modifications(), 1U);
+    EXPECT_EQ(lookUp(svid(5)), 5);
+    points = 0;
+    sut.visit();
+    EXPECT_EQ(points, 4);
+    EXPECT_EQ(former, 0);
 }
 
 TEST_F(PositionIndex, OneReadersRebuild_LowersTheCounterForAll) {

@@ -1,5 +1,6 @@
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/RandomNumbers.h"
@@ -9,9 +10,11 @@
 #include <gio/gio.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <future>
 #include <numeric>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -77,7 +80,7 @@ TEST_F(KeptValue, Mval_Force_FollowsAnUnannouncedChange) {
     region.point(5, pointId);
     region.values(5, 25, {1});
     region.devices({5});
-    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false))) << "the tree does not hold the known slot any more";
     EXPECT_EQ(25, numberOf(sut.mval(pointId | 1, true)));
 }
 
@@ -92,10 +95,52 @@ TEST_F(KeptValue, Kept_ShowsTheSlotsPresentNumber) {
 TEST_F(KeptValue, Kept_WhileTheStructureStands_LooksNothingUp) {
     shm::QelShmKeptMVal kept(pointId | 4);
     EXPECT_EQ(11, number(kept));
-    LogCapture const log;
-    region.values(3, 20, {4}); // the chain leads elsewhere, unannounced
+    auto const before = qel::test::locks();
     EXPECT_EQ(11, number(kept));
-    EXPECT_TRUE(log.entries().empty());
+    EXPECT_EQ(before, qel::test::locks());
+}
+
+TEST_F(KeptValue, Kept_ChainThatLeadsElsewhere_IsFollowedUnannounced) {
+    shm::QelShmKeptMVal kept(pointId | 4);
+    EXPECT_EQ(11, number(kept));
+    region.values(3, 20, {4});
+    EXPECT_EQ(20, number(kept)) << "the slot still bears the key, the chain does not hold it";
+    region.values(3, 20, {});
+    EXPECT_EQ(-1, number(kept));
+}
+
+TEST_F(KeptValue, SlotOfAnotherPoint_IsNotTaken) {
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    region.point(3, 0x0300FFFFFFFF0000);
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false)));
+}
+
+TEST_F(KeptValue, PointOutOfItsList_IsNotTaken) {
+    shm::QelShmKeptMVal kept(pointId | 1);
+    EXPECT_EQ(10, number(kept));
+    region.devices({4});
+    EXPECT_EQ(-1, number(kept));
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false)));
+    region.devices({4, 3});
+    EXPECT_EQ(10, number(kept));
+}
+
+TEST_F(KeptValue, NeighbourBeingInserted_LeavesTheValueFound) {
+    shm::QelShmKeptMVal kept(otherId | 1);
+    EXPECT_EQ(20, number(kept));
+    auto const& raw = region.raw();
+    region.point(5, 0x0300FFFFFFFF0000);
+    raw.set<std::uint32_t>(qel::test::rawPoint(5) + qel::test::mpNext, 4);
+    raw.set<std::uint32_t>(qel::test::rawPoint(5) + qel::test::mpPrev, 3);
+    raw.set<std::uint32_t>(qel::test::rawPoint(3) + qel::test::mpNext,
+                           5); // the link back from 4 is still the old one
+    EXPECT_EQ(20, number(kept));
+    EXPECT_EQ(20, numberOf(sut.mval(otherId | 1, false)));
+}
+
+TEST_F(KeptValue, CircularChain_WithoutTheKey_Ends) {
+    region.raw().set<std::uint32_t>(qel::test::rawValue(12) + qel::test::mvNext, 10);
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 2, false)));
 }
 
 TEST_F(KeptValue, Kept_AnnouncedChange_IsLookedUpAnew) {
@@ -170,6 +215,24 @@ TEST_F(KeptValue, Kept_InSeveralThreads_EachFindsItsOwn) {
     auto second = std::async(std::launch::async, readAll, otherId | 1, 20);
     EXPECT_TRUE(first.get());
     EXPECT_TRUE(second.get());
+}
+
+TEST_F(KeptValue, Kept_BesideAThreadThatRebuilds_FindsItsOwn) {
+    std::atomic<bool> isDone{false};
+    std::thread rebuilding([&] {
+        for (int round = 0; round < 2000; ++round) {
+            announceChange();
+            sut.syncPositions(false);
+        }
+        isDone = true;
+    });
+    shm::QelShmKeptMVal kept(pointId | 4);
+    int wrong = 0;
+    while (!isDone) {
+        wrong += number(kept) == 11 ? 0 : 1;
+    }
+    rebuilding.join();
+    EXPECT_EQ(0, wrong);
 }
 
 TEST_F(KeptValue, RandomStructures_AgreeWithTheListOfValues) {

@@ -11,6 +11,10 @@ std::uint32_t ForgedRegion::siblings(std::vector<std::uint32_t> const& positions
     auto next = rawNone;
     for (auto pos = positions.rbegin(); pos != positions.rend(); ++pos) {
         raw_.set<std::uint32_t>(rawPoint(*pos) + mpNext, next);
+        raw_.set<std::uint32_t>(rawPoint(*pos) + mpPrev, rawNone);
+        if (next != rawNone) {
+            raw_.set<std::uint32_t>(rawPoint(next) + mpPrev, *pos);
+        }
         next = *pos;
     }
     return next;
@@ -18,14 +22,23 @@ std::uint32_t ForgedRegion::siblings(std::vector<std::uint32_t> const& positions
 
 void ForgedRegion::children(std::uint32_t parent, std::vector<std::uint32_t> const& positions) const {
     raw_.set<std::uint32_t>(rawPoint(parent) + mpChildren, siblings(positions));
+    for (auto const pos : positions) {
+        raw_.set<std::uint32_t>(rawPoint(pos) + mpParent, parent);
+    }
 }
 
 void ForgedRegion::devices(std::vector<std::uint32_t> const& positions) const {
     raw_.set<std::uint32_t>(rootDevices, siblings(positions));
+    for (auto const pos : positions) {
+        raw_.set<std::uint32_t>(rawPoint(pos) + mpParent, rawNone);
+    }
 }
 
 void ForgedRegion::groups(std::vector<std::uint32_t> const& positions) const {
     raw_.set<std::uint32_t>(rootGroups, siblings(positions));
+    for (auto const pos : positions) {
+        raw_.set<std::uint32_t>(rawPoint(pos) + mpParent, rawNone);
+    }
 }
 
 void ForgedRegion::values(std::uint32_t pos, std::uint32_t first,

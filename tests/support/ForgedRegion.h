@@ -17,7 +17,7 @@ public:
     /// A point without any links.
     void point(std::uint32_t pos, long long svid) const;
 
-    /// Chains points by their next fields and gives the first one's position.
+    /// Chains points by their next and prev fields and gives the first one's position.
     std::uint32_t siblings(std::vector<std::uint32_t> const& positions) const;
 
     /// Hangs a sibling chain below a point, or into one of the root's lists.
@@ -39,8 +39,10 @@ private:
 /// Offsets within a point's slot, a value's slot and the region, once more on purpose.
 constexpr std::size_t mpPos = 0;
 constexpr std::size_t mpNext = 4;
+constexpr std::size_t mpPrev = 8;
 constexpr std::size_t mpMvs = 12;
 constexpr std::size_t mpChildren = 16;
+constexpr std::size_t mpParent = 20;
 constexpr std::size_t mpGuid = 24;
 constexpr std::size_t mvNext = 20;
 constexpr std::size_t mvKey = 24;
