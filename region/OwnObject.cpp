@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 namespace shm {
 
@@ -17,7 +19,9 @@ namespace {
 
 constexpr mode_t objectMode = 0644;
 constexpr mode_t writtenByOthers = S_IWGRP | S_IWOTH;
-constexpr int mostAttempts = 1000; ///< against somebody who takes the name at once each time that it is free
+// Against somebody who takes the name at once each time that it is free. Without a pause the two may go on in step.
+constexpr int mostAttempts = 1000;
+constexpr std::chrono::microseconds outOfStep(50);
 
 /// What stands under the name, as far as the system tells.
 struct Found {
@@ -124,6 +128,7 @@ int openOwnObject() {
         if (fd >= 0 || errno != EEXIST) {
             return fd;
         }
+        std::this_thread::sleep_for(outOfStep);
     }
     errno = EEXIST;
     return -1;

@@ -5,10 +5,10 @@
 #include "tests/faults/NoConnection.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
-#include "tests/support/FailureSeams.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -63,6 +63,7 @@ std::vector<Failure> const& writerFailures() {
          nothing,
          false,
          false},
+        {"Fstat", Call::Fstat, {EIO, EOVERFLOW}, nothing, nothing, true, false},
         {"Ftruncate", Call::Ftruncate, {EFBIG, EINVAL, EIO, EPERM, EINTR}, mapLine, nothing, false, false},
         {"PosixFallocate",
          Call::PosixFallocate,
