@@ -3,7 +3,6 @@
 // writer's. The setting is the whole machine's, so these tests leave it as it is; OwnObjectTest shows the refusal with
 // any setting.
 
-#include "states/QelSharedMemoryStates.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/NobodysObject.h"
 #include "tests/support/RawRegion.h"
@@ -16,9 +15,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <memory>
+#include <vector>
 
 namespace {
 
@@ -37,7 +38,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char const* objectFile = "/dev/shm/QelSharedMemory";
-constexpr char const* linkedFile = "/dev/shm/linked";
 constexpr long long unit = 0x0100FFFFFFFF0000;
 
 class MeasuredWriter : public shm::QelSharedMemoryWriter {
@@ -47,10 +47,7 @@ public:
 
 class ForeignObject : public testing::Test {
 protected:
-    ~ForeignObject() override {
-        fs::remove_all(objectFile);
-        fs::remove_all(linkedFile);
-    }
+    ~ForeignObject() override { fs::remove_all(objectFile); }
 
     LogCapture log{"qel.shm.access", log4cpp::Priority::WARN};
 };
@@ -84,15 +81,26 @@ TEST_F(ForeignObject, IsReplaced_AndItsOwnerNeitherForgesNorEndsTheWriter) {
     }
 }
 
-TEST_F(ForeignObject, IsNotThereAgainAtTheNextStart) {
+TEST_F(ForeignObject, IsNotThereAgainAfterACrashOfTheWriterThatReplacedIt) {
     NobodysObject const foreign(0666);
     if (!foreign.succeeded()) {
         GTEST_SKIP() << "there is no other user";
     }
-    { MeasuredWriter const first; }
-    log.take();
+    pid_t const child = ::fork();
+    if (child == 0) {
+        shm::QelSharedMemoryWriter const crashing;
+        ::_exit(0);
+    }
+    ASSERT_EQ(child, ::waitpid(child, nullptr, 0));
+    struct stat left = {};
+    ASSERT_EQ(0, ::stat(objectFile, &left));
+    EXPECT_EQ(::geteuid(), left.st_uid);
+
     MeasuredWriter const next;
     EXPECT_TRUE(next.root());
+    struct stat reused = {};
+    ASSERT_EQ(0, ::stat(objectFile, &reused));
+    EXPECT_EQ(left.st_ino, reused.st_ino);
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 

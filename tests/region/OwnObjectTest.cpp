@@ -275,7 +275,7 @@ TEST_F(OwnObjectTest, DirectoryUnderTheName_IsAFailedOpening) {
 }
 
 TEST_F(OwnObjectTest, CreationThatFails_IsAFailedOpening) {
-    makeFile(objectFile, 0644, nobody);
+    makeFile(objectFile, 0664);
     FailingCall const failing(Call::ShmOpen, ENOSPC, 1, 1);
     EXPECT_EQ(-1, shm::openOwnObject());
     EXPECT_EQ(ENOSPC, errno);
