@@ -74,6 +74,7 @@ std::vector<Failure> const& writerFailures() {
          false},
         {"Mmap", Call::Mmap, {ENOMEM, EAGAIN, ENODEV, EPERM, ENFILE}, mapLine, nothing, false, false},
         {"Close", Call::Close, {EINTR, EIO}, nothing, nothing, true, false},
+        {"Fcntl", Call::Fcntl, {EINVAL, ENOLCK, EINTR, ENOSYS}, nothing, nothing, true, false},
         {"Munmap",
          Call::Munmap,
          {EINVAL, ENOMEM},
