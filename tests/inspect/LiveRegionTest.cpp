@@ -235,6 +235,35 @@ TEST_P(NotRegularTest, IsNotOpened) {
 
 INSTANTIATE_TEST_SUITE_P(UnderTheName, NotRegularTest, testing::Values("directory", "link", "pipe"));
 
+TEST_F(LiveRegionTest, NamedPipeThatComesBetweenLookAndOpening_HoldsNobodyUp) {
+    std::string const object = std::string(objectPath) + ".object";
+    std::string const pipe = std::string(objectPath) + ".pipe";
+    std::atomic<bool> stop{false};
+    std::thread swapping([&] {
+        while (!stop) {
+            createObject(100);
+            std::filesystem::rename(objectPath, object);
+            ASSERT_EQ(0, ::mkfifo(pipe.c_str(), 0644));
+            std::filesystem::rename(object, objectPath);
+            std::filesystem::rename(pipe, objectPath);
+            std::filesystem::remove(objectPath);
+        }
+    });
+    std::atomic<int> opened{0};
+    std::atomic<int> refused{0};
+    for (int look = 0; look < 20000; ++look) {
+        LiveRegion const live;
+        auto const object = live.object();
+        EXPECT_TRUE(!live.isOpen() || object->isRegular);
+        opened += live.isOpen() ? 1 : 0;
+        refused += live.opening() == Opening::NotRegular ? 1 : 0;
+    }
+    stop = true;
+    swapping.join();
+    EXPECT_GT(opened, 0);
+    EXPECT_GT(refused, 0);
+}
+
 TEST_F(LiveRegionTest, CopiesWhileAWriterIsAtWork) {
     shm::QelSharedMemoryWriter writer;
     auto const base = test::pointId(1, 0);
