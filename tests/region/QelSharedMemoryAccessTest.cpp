@@ -592,6 +592,22 @@ TEST_F(QelSharedMemoryAccessTest, UnlinkShm_WithoutObjectIsLoggedByAWriterAlone)
         ElementsAre(error("unlinkShm: failed to unlink the shared memory, No such file or directory")));
 }
 
+TEST_F(QelSharedMemoryAccessTest, CloseShm_OfAFormerWriterTakesTheNameOfOneThatStartedMeanwhile) {
+    Writer former;
+    former.openShm();
+    Writer next;
+    next.openShm();
+    former.closeShm();
+    EXPECT_FALSE(rawRegionExists()) << "readers do not find the next one";
+    EXPECT_NE(next.region(), nullptr);
+    next.region()->root.version = 32;
+    log.take();
+    next.closeShm();
+    EXPECT_THAT(
+        log.entries(),
+        ElementsAre(error("unlinkShm: failed to unlink the shared memory, No such file or directory")));
+}
+
 // A forked child
 
 /// Runs an action in a forked child; whether it got to the end.
