@@ -13,13 +13,16 @@
 
 #include <fcntl.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -379,6 +382,44 @@ TEST_F(FullSharedMemory, Writer_WhenSpaceEndsAfterItsStart_StoresEverywhere) {
 }
 
 // Limits of the process
+
+/// Lets a child start a writer that may not make files as large as the region; how the child ends.
+template <typename Prepare>
+int startOfWriterWithSmallFiles(Prepare const& prepare) {
+    pid_t const child = ::fork();
+    if (child == 0) {
+        rlimit const limit{rawRegionSize - 1, rawRegionSize - 1};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        rlimit const noDump{0, 0};
+        ::setrlimit(RLIMIT_CORE, &noDump);
+        prepare();
+        LogCapture log("qel.shm.access", log4cpp::Priority::WARN);
+        MeasuredWriter const sut;
+        bool const isTold = testing::Matches(ElementsAre(notMapped(EFBIG)))(log.take());
+        ::_exit(sut.region() != nullptr ? 2 : isTold ? 0 : 1);
+    }
+    int status = -1;
+    EXPECT_EQ(child, ::waitpid(child, &status, 0));
+    return status;
+}
+
+TEST(FileSizeLimit, BelowTheRegionsSize_EndsTheProcessUnlessItIgnoresTheSignal) {
+    int const status = startOfWriterWithSmallFiles([] { ::signal(SIGXFSZ, SIG_DFL); });
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(SIGXFSZ, WTERMSIG(status));
+    EXPECT_EQ(0, rawRegionSizeNow()) << "the object was created, not sized";
+
+    EXPECT_EQ(0, startOfWriterWithSmallFiles([] { ::signal(SIGXFSZ, SIG_IGN); })) << "an ERROR line alone";
+    EXPECT_FALSE(rawRegionExists());
+}
+
+TEST(FileSizeLimit, BelowTheRegionsSize_IsNotMetInAnObjectThatHasItsSize) {
+    makeFile(objectFile, rawRegionSize);
+    int const status = startOfWriterWithSmallFiles([] { ::signal(SIGXFSZ, SIG_DFL); });
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(2, WEXITSTATUS(status)) << "it has a region";
+    fs::remove(objectFile);
+}
 
 TEST(OpeningFiles, ThatNoLongerSucceeds_IsToldByTheWriterOfTheRegionAndOfEachLed) {
     auto const led = [](std::string const& level, std::string const& color) {
