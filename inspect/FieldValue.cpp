@@ -1,5 +1,6 @@
 #include "inspect/FieldValue.h"
 
+#include "inspect/RegionObject.h"
 #include "inspect/StateText.h"
 #include "inspect/Svid.h"
 
@@ -62,6 +63,14 @@ FieldValue FieldValue::number(double number) {
     return {number, Notation::Decimal};
 }
 
+FieldValue FieldValue::user(std::uint32_t uid) {
+    return {std::uint64_t{uid}, Notation::User};
+}
+
+FieldValue FieldValue::mode(std::uint32_t mode) {
+    return {std::uint64_t{mode}, Notation::Mode};
+}
+
 FieldValue FieldValue::words(char const* words) {
     FieldValue value(std::monostate(), Notation::Words);
     value.words_ = words;
@@ -84,6 +93,14 @@ std::string FieldValue::text() const {
         return hexText(std::get<std::uint64_t>(number_), 4);
     case Notation::Decimal:
         return std::visit(decimalText, number_);
+    case Notation::User: {
+        auto const number = static_cast<uid_t>(std::get<std::uint64_t>(number_));
+        auto const name = userName(number);
+        auto const decimal = std::to_string(number);
+        return name == decimal ? decimal : name + " (" + decimal + ')';
+    }
+    case Notation::Mode:
+        return modeText(static_cast<mode_t>(std::get<std::uint64_t>(number_)));
     case Notation::Words:
         return words_;
     }

@@ -31,6 +31,10 @@ public:
     static FieldValue count(std::uint64_t count);
     /// "230.1", as many digits as tell it from every other double; "nan", "-inf".
     static FieldValue number(double number);
+    /// "nobody (65534)", "65534" for a user without a name.
+    static FieldValue user(std::uint32_t uid);
+    /// Permission bits as "rw-r--r--".
+    static FieldValue mode(std::uint32_t mode);
     /// @param words kept by address; must live as long as the process
     static FieldValue words(char const* words);
 
@@ -40,7 +44,7 @@ public:
     std::string text() const;
 
 private:
-    enum class Notation : std::uint8_t { Position, Svid, State, Byte, Key, Decimal, Words };
+    enum class Notation : std::uint8_t { Position, Svid, State, Byte, Key, Decimal, User, Mode, Words };
 
     FieldValue(Number number, Notation notation) : number_(number), notation_(notation) {}
 

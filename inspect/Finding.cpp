@@ -27,6 +27,8 @@ std::string placeText(Finding const& finding) {
         return "point " + std::to_string(finding.pos);
     case Place::Value:
         return "value " + std::to_string(finding.pos) + " of point " + std::to_string(finding.point);
+    case Place::Object:
+        return "object";
     }
     return {};
 }
@@ -46,10 +48,12 @@ Findings findingsInBoth(Findings const& first, Findings const& second) {
     return both;
 }
 
+bool isDamage(Finding const& finding) {
+    return kindOf(finding.code).severity == Severity::Finding;
+}
+
 bool hasDamage(Findings const& findings) {
-    return std::any_of(findings.begin(), findings.end(), [](Finding const& finding) {
-        return kindOf(finding.code).severity == Severity::Finding;
-    });
+    return std::any_of(findings.begin(), findings.end(), isDamage);
 }
 
 } // namespace qel::inspect

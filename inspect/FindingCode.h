@@ -37,6 +37,9 @@ enum class FindingCode : std::uint8_t {
     ChildNotListed,
     StateNotFolded,
     GlobalStateNotFolded,
+    OwnerNotExpected,
+    ModeTooLoose,
+    NameNotUnique,
 };
 
 enum class Severity : std::uint8_t {
@@ -52,7 +55,7 @@ struct FindingKind {
 };
 
 /// By code.
-inline constexpr std::array<FindingKind, 27> findingKinds{{
+inline constexpr std::array<FindingKind, 30> findingKinds{{
     {FindingCode::RegionTooShort, "region-too-short", Severity::Finding,
      "the object has fewer bytes than the layout; nothing else was checked"},
     {FindingCode::RegionTooLong, "region-too-long", Severity::Finding,
@@ -106,6 +109,12 @@ inline constexpr std::array<FindingKind, 27> findingKinds{{
      "a point's state is not what its values and children make of it; a propagation may be due"},
     {FindingCode::GlobalStateNotFolded, "global-state-not-folded", Severity::Note,
      "the global state is not what the top-level points make of it; a propagation may be due"},
+    {FindingCode::OwnerNotExpected, "owner-not-expected", Severity::Finding,
+     "the object belongs neither to root nor to the user that owns the hardware manager's bus name"},
+    {FindingCode::ModeTooLoose, "mode-too-loose", Severity::Finding,
+     "the object's group or others may write it, and so forge what it says"},
+    {FindingCode::NameNotUnique, "name-not-unique", Severity::Finding,
+     "the object has more names than one, so somebody else knows it by another"},
 }};
 
 namespace detail {
@@ -118,7 +127,7 @@ constexpr bool standsByCode() {
     }
     return true;
 }
-static_assert(standsByCode() && findingKinds.back().code == FindingCode::GlobalStateNotFolded);
+static_assert(standsByCode() && findingKinds.back().code == FindingCode::NameNotUnique);
 
 } // namespace detail
 

@@ -53,10 +53,17 @@ LiveRegion::LiveRegion() {
         opening_ = Opening::NotRegular;
         return;
     }
-    descriptor_ = openName(O_RDONLY);
+    // Something else may stand there by now; a named pipe must hold nobody up.
+    descriptor_ = openName(O_RDONLY | O_NONBLOCK);
     if (!descriptor_) {
         error_ = errno;
         opening_ = Opening::Unreadable;
+        return;
+    }
+    if (auto const opened = factsOf(descriptor_); opened && !opened->isRegular) {
+        found_ = opened;
+        descriptor_ = FileDescriptor();
+        opening_ = Opening::NotRegular;
     }
 }
 

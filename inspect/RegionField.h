@@ -12,16 +12,17 @@ namespace qel::inspect {
 
 /// What a field belongs to.
 enum class Place : std::uint8_t {
-    Region, ///< the object as a whole
+    Region, ///< all of the bytes
     Root,
     Point,
     Value,
+    Object, ///< the object that holds the region, as the system knows it
 };
 
 struct RegionField {
     Place place;
     std::string_view name; ///< as the layout calls it; "size" of the region
-    std::size_t offset;    ///< within the record
+    std::size_t offset;    ///< within the record; of the object, a number that tells its fields apart
 };
 
 constexpr bool operator==(RegionField const& left, RegionField const& right) {
@@ -60,6 +61,10 @@ inline constexpr RegionField valueNext{Place::Value, "next", offsetof(QelShmMVal
 inline constexpr RegionField key{Place::Value, "key", offsetof(QelShmMVal, key)};
 inline constexpr RegionField valueReserved{Place::Value, "reserved", offsetof(QelShmMVal, reserved)};
 
+inline constexpr RegionField owner{Place::Object, "owner", 0};
+inline constexpr RegionField mode{Place::Object, "mode", 1};
+inline constexpr RegionField names{Place::Object, "names", 2};
+
 } // namespace field
 
 /// Where a field stands in the region, in bytes from its start.
@@ -74,6 +79,7 @@ constexpr std::uint64_t regionOffset(RegionField const& field, std::uint32_t pos
         return offsetof(shm::record::Region, values) + std::uint64_t{pos} * sizeof(shm::record::QelShmMVal) +
                field.offset;
     case Place::Region:
+    case Place::Object:
         return 0;
     }
     return 0;

@@ -56,6 +56,7 @@ RegionObject regionObject(struct stat const& status) {
             status.st_gid,
             status.st_mode & permissions,
             static_cast<std::uint64_t>(status.st_size),
+            static_cast<std::uint64_t>(status.st_nlink),
             S_ISREG(status.st_mode)};
 }
 

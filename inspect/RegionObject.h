@@ -18,7 +18,8 @@ struct RegionObject {
     gid_t gid = 0;
     mode_t mode = 0; ///< permission bits
     std::uint64_t size = 0;
-    bool isRegular = false; ///< a shared-memory object is; a directory or link under its name is not
+    std::uint64_t names = 0; ///< hard links to it; 0 once the last one was removed
+    bool isRegular = false;  ///< a shared-memory object is; a directory or link under its name is not
 };
 
 RegionObject regionObject(struct stat const& status);

@@ -1,6 +1,8 @@
 #include "region/QelSharedMemoryAccess.h"
 
 #include "region/LogLine.h"
+#include "region/OwnObject.h"
+#include "region/RegionFields.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -18,7 +20,15 @@ namespace shm {
 
 namespace {
 
-constexpr mode_t objectMode = 0644;
+/// The process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its mapping,
+/// but not the right to remove the name. (No member: size and layout of the class are a contract.)
+std::atomic<pid_t> writingProcess{0};
+static_assert(std::atomic<pid_t>::is_always_lock_free);
+
+bool isForkedChild() {
+    pid_t const process = writingProcess;
+    return process != 0 && process != ::getpid();
+}
 
 /// Makes the object as large as the region and reserves its memory, so that a full /dev/shm shows here and
 /// not as a SIGBUS at the first write. Gives 0 or the error number.
@@ -33,10 +43,16 @@ int sizeObject(int fd) {
     return error;
 }
 
-/// Reading past the end of a shorter object would raise SIGBUS.
-bool isTooShort(int fd) {
+/// Without blocking, so that a named pipe without a writer holds nobody up. Gives a descriptor, or -1 with errno.
+int openToRead() {
+    return ::shm_open(REGION_NAME, O_RDONLY | O_NONBLOCK, 0);
+}
+
+/// Reading past the end of a shorter object would raise SIGBUS; what is no regular file is no object.
+bool isNoRegion(int fd) {
     struct stat status = {};
-    return ::fstat(fd, &status) == 0 && status.st_size < static_cast<off_t>(REGION_SIZE);
+    return ::fstat(fd, &status) == 0 &&
+           (!S_ISREG(status.st_mode) || status.st_size < static_cast<off_t>(REGION_SIZE));
 }
 
 void writeHex16(std::ostringstream& out, std::int64_t number) {
@@ -58,7 +74,10 @@ QelSharedMemoryAccess::~QelSharedMemoryAccess() {
 
 void QelSharedMemoryAccess::openShm() {
     bool const writer = access_ == ShmAccess::Write;
-    int const fd = ::shm_open(REGION_NAME, writer ? O_RDWR | O_CREAT : O_RDONLY, writer ? objectMode : 0);
+    if (writer) {
+        writingProcess = ::getpid();
+    }
+    int const fd = writer ? openOwnObject() : openToRead();
     if (fd < 0) {
         errorShm(ShmError::Open, errno);
     }
@@ -69,7 +88,7 @@ void QelSharedMemoryAccess::openShm() {
     }
 
     void* mapping = MAP_FAILED; // NOLINT(performance-no-int-to-ptr): POSIX's constant
-    if (!writer && isTooShort(fd)) {
+    if (!writer && isNoRegion(fd)) {
         errorShm(ShmError::Map, ENXIO); // POSIX mmap: addresses that are invalid for the object
     } else {
         mapping =
@@ -106,7 +125,7 @@ void QelSharedMemoryAccess::closeShm() {
 
 void QelSharedMemoryAccess::unlinkShm() {
     region_.store(nullptr);
-    if (access_ == ShmAccess::Write && ::shm_unlink(REGION_NAME) != 0) {
+    if (access_ == ShmAccess::Write && !isForkedChild() && ::shm_unlink(REGION_NAME) != 0) {
         int const error = errno;
         LogLine(accessLog(), log4cpp::Priority::ERROR, "unlinkShm")
             << "failed to unlink the shared memory, " << std::strerror(error);
@@ -138,7 +157,7 @@ std::string QelSharedMemoryAccess::tree() const {
     std::ostringstream out;
     out.imbue(std::locale::classic()); // no digit grouping, whatever the process's locale
     out << std::hex << "0x" << static_cast<std::uint64_t>(mapped->root.guid) << '\n';
-    for (auto const head : {mapped->root.devices, mapped->root.groups}) {
+    for (auto const head : {loadLink(mapped->root.devices), loadLink(mapped->root.groups)}) {
         if (head < MP_COUNT) {
             treenode(mapped->points[head], 2, out);
         }
@@ -163,12 +182,14 @@ void QelSharedMemoryAccess::treenode(QelShmMP const& mp, unsigned int indent, st
         auto const [point, depth] = pending.back();
         pending.pop_back();
 
+        auto const next = loadLink(point->next);
+        auto const first = loadLink(point->mvs);
         out << std::hex << std::string(depth, ' ') << "- ";
         writeHex16(out, point->guid);
-        out << ", this = " << point->pos << ", parent = " << point->parent << ", prev = " << point->prev
-            << ", next = " << point->next << " [";
-        for (auto pos = point->mvs; pos < MV_COUNT; pos = region()->values[pos].next) {
-            if (pos != point->mvs) {
+        out << ", this = " << point->pos << ", parent = " << loadLink(point->parent)
+            << ", prev = " << loadLink(point->prev) << ", next = " << next << " [";
+        for (auto pos = first; pos < MV_COUNT; pos = loadLink(region()->values[pos].next)) {
+            if (pos != first) {
                 out << ", ";
             }
             auto const fill = out.fill('0');
@@ -177,8 +198,8 @@ void QelSharedMemoryAccess::treenode(QelShmMP const& mp, unsigned int indent, st
         }
         out << "]\n";
 
-        postpone(point->next, depth);
-        postpone(point->children, depth + 2);
+        postpone(next, depth);
+        postpone(loadLink(point->children), depth + 2);
     }
 }
 

@@ -45,11 +45,14 @@ public:
     virtual ~QelSharedMemoryAccess();
 
     /// Maps the region. A writer creates the object (mode 0644) or reuses what an earlier writer left, sizes it,
-    /// reserves its memory and fills it with 0xFF, so readers see it inactive. A reader maps what is there, if it is
-    /// large enough. Every step that fails is logged and leaves the access without a region in the end.
+    /// reserves its memory and fills it with 0xFF, so readers see it inactive. What is not the writer's own (another
+    /// owner, write rights for group or others, several names, no regular file) it first removes, with one WARN line.
+    /// A reader maps what is there, if it is a regular file and large enough; it waits for nobody. Every step that
+    /// fails is logged and leaves the access without a region in the end.
     virtual void openShm();
 
-    /// Unmaps the region; a writer also removes the object's name. Does nothing while nothing is mapped.
+    /// Unmaps the region; a writer also removes the object's name, but not in a process that was forked from the one
+    /// that opened it. Does nothing while nothing is mapped.
     void closeShm();
 
     /// The root, a null handle while nothing is mapped.
@@ -60,7 +63,7 @@ public:
     std::string tree() const;
 
 protected:
-    /// Forgets the mapping without unmapping it; a writer also removes the object's name.
+    /// Forgets the mapping without unmapping it; a writer also removes the object's name, as closeShm() does.
     void unlinkShm();
 
     /// Logs the failed step with the text of errnum, and cleans up after a failed Resize or Map by unlinkShm().

@@ -8,6 +8,7 @@
 #include "states/QelStateLedThread.h"
 #include "writer/PointIndex.h"
 #include "writer/ValueKeys.h"
+#include "writer/WriterLock.h"
 
 #include <log4cpp/Category.hh>
 #include <log4cpp/Priority.hh>
@@ -43,6 +44,16 @@ std::map<unsigned short, unsigned int>::iterator firstNotBelow(std::map<unsigned
     return isLast ? values.end() : values.lower_bound(key);
 }
 
+/// Shows others that a writer lives, and says so when one lives already.
+std::unique_ptr<WriterLock> lockRegion() {
+    auto lock = std::make_unique<WriterLock>();
+    if (lock->isOfAnotherWriter()) {
+        LogLine(writerLog(), log4cpp::Priority::WARN, "QelSharedMemoryWriter")
+            << "another writer is alive and writes into the same shared memory";
+    }
+    return lock;
+}
+
 } // namespace
 
 QelSharedMemoryWriter::QelSharedMemoryWriter()
@@ -52,6 +63,7 @@ QelSharedMemoryWriter::QelSharedMemoryWriter()
       index_(std::make_unique<PointIndex>()) {
     LogLine(writerLog(), log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
     QelSharedMemoryAccess::openShm();
+    lock_ = root() ? lockRegion() : nullptr;
     std::iota(freeMVs_.begin(), freeMVs_.end(), 0U);
     std::iota(freeMPs_.begin(), freeMPs_.end(), 0U);
     ledThread_ = std::make_unique<QelStateLedThread>();

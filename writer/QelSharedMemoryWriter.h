@@ -23,6 +23,7 @@ namespace shm {
 
 class PointIndex;
 class QelStateLedThread;
+class WriterLock;
 
 /// Owns the region, in one process at a time. Order of use: construct, addStructure(), setActive() (readers
 /// start now), then updateMV() for every measured value and propagateStates() after each batch of them;
@@ -50,8 +51,8 @@ public:
     using Definitions = std::map<long long, MPDef, SvidCmp>;
 
     /// Creates or reuses the shared-memory object and wipes it; readers see it inactive until setActive().
-    /// Makes the status LED green and starts its thread. Logs at INFO "start", and what fails as openShm()
-    /// does. Throws boost::thread_resource_error when the LED thread cannot be created.
+    /// Makes the status LED green and starts its thread. Logs at INFO "start", what fails as openShm() does,
+    /// and at WARN another writer that is alive and writes into the same object. Throws boost::thread_resource_error when the LED thread cannot be created.
     QelSharedMemoryWriter();
 
     QelSharedMemoryWriter(QelSharedMemoryWriter const&) = delete;
@@ -193,6 +194,7 @@ private:
     Definitions points_; // by point svid
     // Not part of it, so behind all others.
     std::unique_ptr<PointIndex> index_; // the same points, flat
+    std::unique_ptr<WriterLock> lock_;  // null without a region
 };
 
 } // namespace shm

@@ -12,6 +12,11 @@ namespace qel::test {
 inline LogEntry accessError(std::string const& text) {
     return {"qel.shm.access", log4cpp::Priority::ERROR, text};
 }
+/// @param what stands under the name, and why it is not the writer's
+inline LogEntry notOurs(std::string const& what) {
+    return {"qel.shm.access", log4cpp::Priority::WARN,
+            "openShm: removing what stands under the name of the shared memory and is not ours: " + what};
+}
 inline LogEntry notOpened(int error) {
     return accessError(std::string("errorShm: failed to open the shared memory file, ") +
                        std::strerror(error));

@@ -19,6 +19,9 @@ TEST(FieldValue, Text_IsThatOfTheField) {
     EXPECT_EQ("18446744073709551615", FieldValue::count(std::numeric_limits<std::uint64_t>::max()).text());
     EXPECT_EQ("4294967295", FieldValue::count(0xFFFFFFFF).text());
     EXPECT_EQ("a finite number", FieldValue::words("a finite number").text());
+    EXPECT_EQ("root (0)", FieldValue::user(0).text());
+    EXPECT_EQ("3999999999", FieldValue::user(3999999999).text());
+    EXPECT_EQ("rw-r--rw-", FieldValue::mode(0646).text());
 }
 
 TEST(FieldValue, Text_OfAnyDoubleFits) {
@@ -38,6 +41,8 @@ TEST(FieldValue, Number_IsNothingForWordsOnly) {
     EXPECT_EQ(Number(std::uint64_t{19}), FieldValue::key(19).number());
     EXPECT_EQ(Number(2.5), FieldValue::number(2.5).number());
     EXPECT_EQ(Number(), FieldValue::words("none").number());
+    EXPECT_EQ(Number(std::uint64_t{3999999999}), FieldValue::user(3999999999).number());
+    EXPECT_EQ(Number(std::uint64_t{0646}), FieldValue::mode(0646).number());
 }
 
 } // namespace qel::inspect

@@ -23,17 +23,18 @@ TEST(FindingCode, NamesAreThoseThatScriptsKnow) {
     for (auto const& kind : findingKinds) {
         names.emplace_back(kind.name);
     }
-    EXPECT_THAT(names, testing::ElementsAre(
-                           "region-too-short", "region-too-long", "version-unknown", "root-id-wrong",
-                           "root-unused-set", "reserved-changed", "link-out-of-range", "link-to-unused-slot",
-                           "head-not-first", "next-not-mirrored", "prev-not-mirrored", "parent-mismatch",
-                           "point-linked-twice", "value-linked-twice", "pos-mismatch", "id-has-key",
-                           "id-of-root", "id-not-unique", "kind-not-of-list", "order-broken", "key-missing",
-                           "key-not-unique", "state-out-of-range", "number-not-finite", "child-not-listed",
-                           "state-not-folded", "global-state-not-folded"));
+    EXPECT_THAT(names,
+                testing::ElementsAre(
+                    "region-too-short", "region-too-long", "version-unknown", "root-id-wrong",
+                    "root-unused-set", "reserved-changed", "link-out-of-range", "link-to-unused-slot",
+                    "head-not-first", "next-not-mirrored", "prev-not-mirrored", "parent-mismatch",
+                    "point-linked-twice", "value-linked-twice", "pos-mismatch", "id-has-key", "id-of-root",
+                    "id-not-unique", "kind-not-of-list", "order-broken", "key-missing", "key-not-unique",
+                    "state-out-of-range", "number-not-finite", "child-not-listed", "state-not-folded",
+                    "global-state-not-folded", "owner-not-expected", "mode-too-loose", "name-not-unique"));
 }
 
-TEST(FindingCode, EachHasOneLineOfExplanation_AndOnlyTheLastThreeAreNotes) {
+TEST(FindingCode, EachHasOneLineOfExplanation_AndOnlyThreeAreNotes) {
     std::set<std::string_view> explanations;
     int notes = 0;
     for (auto const& kind : findingKinds) {
@@ -56,6 +57,7 @@ TEST(Finding, PlaceText_NamesSlotAndOwner) {
     EXPECT_EQ("point 7", placeText(findingOf(FindingCode::ReservedChanged, field::pointReserved, 7)));
     EXPECT_EQ("value 17 of point 3",
               placeText(findingOf(FindingCode::ReservedChanged, field::valueReserved, 17)));
+    EXPECT_EQ("object", placeText(findingOf(FindingCode::ModeTooLoose, field::mode, 0)));
 }
 
 TEST(Finding, IsSamePlace_ComparesCodeSlotAndField_NotValues) {
@@ -65,6 +67,8 @@ TEST(Finding, IsSamePlace_ComparesCodeSlotAndField_NotValues) {
     EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::LinkOutOfRange, field::children, 7)));
     EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::NextNotMirrored, field::next, 7)));
     EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::LinkOutOfRange, field::valueNext, 7)));
+    EXPECT_FALSE(isSamePlace(findingOf(FindingCode::OwnerNotExpected, field::owner, 0),
+                             findingOf(FindingCode::ModeTooLoose, field::mode, 0)));
 }
 
 TEST(Finding, InBoth_KeepsTheOrderAndValuesOfTheSecondList) {

@@ -12,6 +12,7 @@ TEST(RegionObjectTest, TakesWhatTheSystemSays) {
     status.st_gid = 10;
     status.st_mode = S_IFREG | 0640;
     status.st_size = 320032;
+    status.st_nlink = 2;
     auto const object = regionObject(status);
     EXPECT_EQ(7U, object.device);
     EXPECT_EQ(8U, object.inode);
@@ -19,6 +20,7 @@ TEST(RegionObjectTest, TakesWhatTheSystemSays) {
     EXPECT_EQ(10U, object.gid);
     EXPECT_EQ(0640U, object.mode);
     EXPECT_EQ(320032U, object.size);
+    EXPECT_EQ(2U, object.names);
     EXPECT_TRUE(object.isRegular);
     status.st_mode = S_IFDIR | 0755;
     EXPECT_FALSE(regionObject(status).isRegular);

@@ -11,6 +11,8 @@
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -53,6 +55,9 @@ constexpr char const* objectFile = "/dev/shm/QelSharedMemory";
 
 LogEntry info(std::string const& text) {
     return {category, Priority::INFO, text};
+}
+LogEntry warning(std::string const& text) {
+    return {category, Priority::WARN, text};
 }
 LogEntry error(std::string const& text) {
     return {category, Priority::ERROR, text};
@@ -417,7 +422,9 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_DirectoryInPlaceOfTheObjectIsLogged) {
     log.take();
     writer.openShm();
     EXPECT_THAT(log.take(),
-                ElementsAre(error("errorShm: failed to open the shared memory file, Invalid argument"),
+                ElementsAre(warning("openShm: removing what stands under the name of the shared memory and "
+                                    "is not ours: a directory of user 0"),
+                            error("errorShm: failed to open the shared memory file, Is a directory"),
                             error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
                             error("unlinkShm: failed to unlink the shared memory, Is a directory"),
                             error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
@@ -433,7 +440,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_DirectoryInPlaceOfTheObjectIsLogged) {
     EXPECT_TRUE(fs::is_directory(objectFile));
 }
 
-TEST_F(QelSharedMemoryAccessTest, OpenShm_DanglingSymlinkInPlaceOfTheObjectIsLoggedAndRemoved) {
+TEST_F(QelSharedMemoryAccessTest, OpenShm_DanglingSymlinkInPlaceOfTheObjectIsReplacedByAWriter) {
     fs::create_symlink("/dev/shm/nowhere", objectFile);
     Reader reader;
     log.take();
@@ -448,15 +455,35 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_DanglingSymlinkInPlaceOfTheObjectIsLog
     Writer writer;
     log.take();
     writer.openShm();
+    EXPECT_THAT(log.take(),
+                ElementsAre(warning("openShm: removing what stands under the name of the shared memory and "
+                                    "is not ours: a symbolic link of user 0")));
+    EXPECT_NE(writer.region(), nullptr);
+    EXPECT_FALSE(fs::is_symlink(objectFile));
+    EXPECT_FALSE(fs::exists("/dev/shm/nowhere"));
+}
+
+TEST_F(QelSharedMemoryAccessTest, OpenShm_NamedPipeInPlaceOfTheObjectHoldsNoReaderUp) {
+    ASSERT_EQ(::mkfifo(objectFile, 0644), 0);
+    Reader sut;
+    log.take();
+    sut.openShm();
     EXPECT_THAT(
         log.take(),
-        ElementsAre(
-            error("errorShm: failed to open the shared memory file, Too many levels of symbolic links"),
-            error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
-            error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
-            error("unlinkShm: failed to unlink the shared memory, No such file or directory")));
-    EXPECT_EQ(writer.region(), nullptr);
-    EXPECT_FALSE(fs::exists("/dev/shm/nowhere"));
+        ElementsAre(error("errorShm: failed to resize/map the shared memory, No such device or address")));
+    EXPECT_EQ(sut.region(), nullptr);
+    EXPECT_TRUE(fs::is_fifo(objectFile));
+}
+
+TEST_F(QelSharedMemoryAccessTest, OpenShm_DeviceInPlaceOfTheObjectIsRefusedByAReader) {
+    ASSERT_EQ(::mknod(objectFile, S_IFCHR | 0644U, makedev(1, 5)), 0); // endless zeros, which could be mapped
+    Reader sut;
+    log.take();
+    sut.openShm();
+    EXPECT_THAT(
+        log.take(),
+        ElementsAre(error("errorShm: failed to resize/map the shared memory, No such device or address")));
+    EXPECT_EQ(sut.region(), nullptr);
 }
 
 // Closing
@@ -563,6 +590,75 @@ TEST_F(QelSharedMemoryAccessTest, UnlinkShm_WithoutObjectIsLoggedByAWriterAlone)
     EXPECT_THAT(
         log.entries(),
         ElementsAre(error("unlinkShm: failed to unlink the shared memory, No such file or directory")));
+}
+
+TEST_F(QelSharedMemoryAccessTest, CloseShm_OfAFormerWriterTakesTheNameOfOneThatStartedMeanwhile) {
+    Writer former;
+    former.openShm();
+    Writer next;
+    next.openShm();
+    former.closeShm();
+    EXPECT_FALSE(rawRegionExists()) << "readers do not find the next one";
+    EXPECT_NE(next.region(), nullptr);
+    next.region()->root.version = 32;
+    log.take();
+    next.closeShm();
+    EXPECT_THAT(
+        log.entries(),
+        ElementsAre(error("unlinkShm: failed to unlink the shared memory, No such file or directory")));
+}
+
+// A forked child
+
+/// Runs an action in a forked child; whether it got to the end.
+template <typename Action>
+bool inChild(Action const& action) {
+    pid_t const child = ::fork();
+    if (child == 0) {
+        action();
+        ::_exit(0);
+    }
+    int status = -1;
+    return ::waitpid(child, &status, 0) == child && status == 0;
+}
+
+TEST_F(QelSharedMemoryAccessTest, ForkedChild_UnmapsAndLeavesTheNameToItsParent) {
+    auto sut = std::make_unique<Writer>();
+    sut->openShm();
+    ASSERT_TRUE(inChild([&] {
+        void const* const address = sut->region();
+        sut.reset();
+        if (isMapped(address)) {
+            ::_exit(1);
+        }
+    }));
+    EXPECT_TRUE(rawRegionExists());
+    sut->region()->root.version = 32;
+    EXPECT_EQ(RawRegion().bytes()[rawRootOffset + 28], 32);
+    log.take();
+    sut.reset();
+    EXPECT_FALSE(rawRegionExists()) << "the parent removes it";
+    EXPECT_THAT(log.entries(), ElementsAre(info("~QelSharedMemoryAccess: done")));
+}
+
+TEST_F(QelSharedMemoryAccessTest, ForkedChild_ThatClosesOrUnlinksLeavesTheName) {
+    Writer sut;
+    sut.openShm();
+    EXPECT_TRUE(inChild([&] { sut.closeShm(); }));
+    EXPECT_TRUE(inChild([&] { sut.unlinkShm(); }));
+    EXPECT_TRUE(inChild([&] { sut.errorShm(ShmError::Map, ENOMEM); }));
+    EXPECT_TRUE(rawRegionExists());
+}
+
+TEST_F(QelSharedMemoryAccessTest, ForkedChild_ThatOpensForItselfRemovesTheName) {
+    EXPECT_TRUE(inChild([] {
+        Writer sut;
+        sut.openShm();
+        sut.closeShm();
+        if (rawRegionExists()) {
+            ::_exit(1);
+        }
+    }));
 }
 
 // Reporting failures

@@ -1,12 +1,17 @@
 // What the verbs print of each sample image, compared with golden/. QEL_UPDATE_GOLDEN=1 writes the files anew.
+#include "tests/support/RawRegion.h"
 #include "tests/tools/ImageFolder.h"
 #include "tests/tools/QelshmRun.h"
 #include "tests/tools/SampleImages.h"
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -91,6 +96,40 @@ TEST_P(GoldenTest, Verbs_PrintWhatTheGoldenFilesHold) {
     for (auto const& printed : printedOf(GetParam())) {
         compare(printed, "txt");
         compare(printed, "json");
+    }
+}
+
+// A live object has an owner, rights and names; an image has none of them.
+TEST(GoldenLiveTest, ObjectOfSomebodyElse_IsPrintedAsTheGoldenFilesHoldIt) {
+    constexpr char const* object = "/dev/shm/QelSharedMemory";
+    constexpr char const* second = "/dev/shm/second";
+    constexpr uid_t withoutName = 3999999999;
+    auto const image = sampleImage("healthy");
+    RawRegion const raw(true);
+    std::memcpy(raw.bytes(), image.bytes().data(), rawRegionSize);
+    bool const isGiven = ::chown(object, withoutName, withoutName) == 0;
+    EXPECT_EQ(0, ::chmod(object, 0666));
+    EXPECT_EQ(0, ::link(object, second));
+    for (std::string const verb : {"status", "check"}) {
+        for (std::string const format : {"txt", "json"}) {
+            std::vector<std::string> arguments{verb, "--now", std::to_string(sampleTime + 5000)};
+            if (format == "json") {
+                arguments.emplace_back("--json");
+            }
+            auto const outcome = runQelshm(arguments);
+            EXPECT_EQ(1, outcome.status);
+            auto const golden = QEL_GOLDEN_DIR "/live-foreign." + verb + '.' + format;
+            if (std::getenv("QEL_UPDATE_GOLDEN") != nullptr) {
+                std::ofstream(golden) << outcome.output;
+            }
+            if (isGiven) {
+                EXPECT_EQ(contentOf(golden), outcome.output) << golden;
+            }
+        }
+    }
+    ::unlink(second);
+    if (!isGiven) {
+        GTEST_SKIP() << "there is no other user";
     }
 }
 

@@ -22,6 +22,15 @@ TEST(RecordedRegionTest, End_RemovesTheRegion) {
     EXPECT_FALSE(test::rawRegionExists());
 }
 
+TEST(RecordedRegionTest, Writers_SeeThatItLives) {
+    {
+        RecordedRegion const sut;
+        EXPECT_TRUE(shm::WriterLock().isOfAnotherWriter());
+    }
+    test::RawRegion const left(true);
+    EXPECT_TRUE(shm::WriterLock().isHeld());
+}
+
 TEST(RecordedRegionTest, Store_MakesTheObjectEqualToTheImage) {
     RecordedRegion sut;
     for (auto const& image : test::randomImages(20, 41)) {

@@ -73,6 +73,42 @@ TEST(StatusCommandTest, LiveObject_IsToldWithOwnerAndMode) {
     EXPECT_THAT(outcome.output, HasSubstr("points         1 of 800\nvalues         0 of 8800\n"));
 }
 
+TEST(StatusCommandTest, ObjectThatOthersMayWrite_IsAFindingAndStatusOne) {
+    ForgedRegion const region;
+    region.activate();
+    ASSERT_EQ(0, ::chmod("/dev/shm/QelSharedMemory", 0666));
+    ASSERT_EQ(0, ::link("/dev/shm/QelSharedMemory", "/dev/shm/second"));
+    auto const outcome = runQelshm({"status"});
+    auto const json = runQelshm({"status", "--json"});
+    ::unlink("/dev/shm/second");
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_THAT(outcome.output, HasSubstr("condition      active\n"));
+    EXPECT_THAT(outcome.output,
+                HasSubstr("mode           rw-rw-rw-\n"
+                          "finding        mode-too-loose, found rw-rw-rw-, expected write rights for the "
+                          "owner alone\n"
+                          "finding        name-not-unique, found 2, expected 1\n"));
+    EXPECT_EQ(1, json.status);
+    auto const object = nlohmann::json::parse(json.output).at("object");
+    EXPECT_EQ(2, object.at("names"));
+    ASSERT_EQ(2U, object.at("findings").size());
+    EXPECT_EQ("mode-too-loose", object.at("findings").at(0).at("code"));
+}
+
+TEST(StatusCommandTest, ObjectOfAnotherUser_IsAFinding_AlsoWhenItCannotBeOpened) {
+    ::unlink("/dev/shm/QelSharedMemory");
+    ASSERT_EQ(0, ::mkfifo("/dev/shm/QelSharedMemory", 0644));
+    bool const isGiven = ::chown("/dev/shm/QelSharedMemory", 65534, 65534) == 0;
+    auto const outcome = runQelshm({"status"});
+    ::unlink("/dev/shm/QelSharedMemory");
+    if (!isGiven) {
+        GTEST_SKIP() << "there is no other user";
+    }
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_THAT(outcome.output, HasSubstr("condition  unreadable\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("finding    owner-not-expected, found "));
+}
+
 TEST(StatusCommandTest, MaxAge_TellsASilentRegion) {
     ImageFolder const folder;
     auto const file = folder.add("healthy");

@@ -10,20 +10,13 @@
 #include <CLI/App.hpp>
 
 #include <algorithm>
-#include <string_view>
-#include <variant>
 
 namespace qel::tools {
 
 namespace {
 
-using inspect::Finding;
 using inspect::FindingCode;
 using inspect::Findings;
-
-bool isDamage(Finding const& finding) {
-    return kindOf(finding.code).severity == inspect::Severity::Finding;
-}
 
 std::string nameOf(FindingCode code) {
     return std::string(kindOf(code).name);
@@ -35,13 +28,15 @@ void printText(Findings const& findings, CommandContext const& context) {
     std::vector<FindingCode> codes;
     for (auto const& finding : findings) {
         table.add(0,
-                  {{isDamage(finding) ? "damage" : "note", isDamage(finding) ? Style::Alarm : Style::Warning},
+                  {{inspect::isDamage(finding) ? "damage" : "note",
+                    inspect::isDamage(finding) ? Style::Alarm : Style::Warning},
                    nameOf(finding.code),
                    placeText(finding),
                    std::string(finding.field.name),
                    "found " + finding.found.text(),
                    "expected " + finding.expected.text(),
-                   "byte " + std::to_string(finding.offset)});
+                   finding.field.place == inspect::Place::Object ? std::string()
+                                                                 : "byte " + std::to_string(finding.offset)});
         if (std::find(codes.begin(), codes.end(), finding.code) == codes.end()) {
             codes.push_back(finding.code);
         }
@@ -55,31 +50,6 @@ void printText(Findings const& findings, CommandContext const& context) {
     table.print(context.out, context.hasColor);
 }
 
-Json jsonField(inspect::FieldValue const& value) {
-    auto const number = std::visit(
-        [](auto const& content) {
-            if constexpr (std::is_same_v<std::decay_t<decltype(content)>, std::monostate>) {
-                return Json();
-            } else {
-                return Json(content);
-            }
-        },
-        value.number());
-    return {{"number", number}, {"text", value.text()}};
-}
-
-Json jsonFinding(Finding const& finding) {
-    return {{"code", nameOf(finding.code)},
-            {"severity", isDamage(finding) ? "damage" : "note"},
-            {"explanation", std::string(kindOf(finding.code).explanation)},
-            {"place", placeText(finding)},
-            {"field", std::string(finding.field.name)},
-            {"slot", finding.pos},
-            {"found", jsonField(finding.found)},
-            {"expected", jsonField(finding.expected)},
-            {"offset", finding.offset}};
-}
-
 } // namespace
 
 CLI::App& CheckCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
@@ -89,15 +59,14 @@ CLI::App& CheckCommand::define(CLI::App& app, OptionalOptions const& /*optional*
 int CheckCommand::run(CommandContext const& context) {
     auto const input = openInput(context);
     requireOpened(input);
-    auto const findings = input.file.empty()
+    auto findings = objectFindings(input);
+    auto const ofRegion = input.file.empty()
                               ? inspect::confirmedFindings(input.image, [] { return liveInput().image; })
                               : inspect::checkRegion(input.image);
+    findings.insert(findings.end(), ofRegion.begin(), ofRegion.end());
     if (context.options.isJson) {
         auto document = jsonDocument("check", input, {});
-        auto& list = document["findings"] = Json::array();
-        for (auto const& finding : findings) {
-            list.push_back(jsonFinding(finding));
-        }
+        document["findings"] = jsonFindings(findings);
         printJson(context.out, document);
     } else {
         printText(findings, context);

@@ -6,7 +6,8 @@
 
 namespace qel::tools {
 
-/// Holds the region against everything that the layout and the writer promise. What a live region shows once only, because
+/// Holds the region against everything that the layout and the writer promise, and a live object against what a rightful
+/// writer makes of it. What a live region shows once only, because
 /// it was being written, does not count.
 class CheckCommand : public ICommand {
 public:

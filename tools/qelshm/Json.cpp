@@ -9,11 +9,39 @@
 #include "inspect/StateText.h"
 #include "inspect/Svid.h"
 
+#include <type_traits>
+#include <variant>
+
 namespace qel::tools {
 
 namespace {
 
 constexpr int schemaVersion = 1; ///< of all documents; members are added without a new one
+
+Json jsonField(inspect::FieldValue const& value) {
+    auto const number = std::visit(
+        [](auto const& content) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(content)>, std::monostate>) {
+                return Json();
+            } else {
+                return Json(content);
+            }
+        },
+        value.number());
+    return {{"number", number}, {"text", value.text()}};
+}
+
+Json jsonFinding(inspect::Finding const& finding) {
+    return {{"code", std::string(kindOf(finding.code).name)},
+            {"severity", inspect::isDamage(finding) ? "damage" : "note"},
+            {"explanation", std::string(kindOf(finding.code).explanation)},
+            {"place", placeText(finding)},
+            {"field", std::string(finding.field.name)},
+            {"slot", finding.pos},
+            {"found", jsonField(finding.found)},
+            {"expected", jsonField(finding.expected)},
+            {"offset", finding.offset}};
+}
 
 } // namespace
 
@@ -80,6 +108,14 @@ Json jsonValues(std::vector<ValueFacts> const& values, std::uint64_t now) {
     auto list = Json::array();
     for (auto const& value : values) {
         list.push_back(jsonValue(value, now));
+    }
+    return list;
+}
+
+Json jsonFindings(inspect::Findings const& findings) {
+    auto list = Json::array();
+    for (auto const& finding : findings) {
+        list.push_back(jsonFinding(finding));
     }
     return list;
 }

@@ -5,6 +5,8 @@
 #include "tools/qelshm/PointFacts.h"
 #include "tools/qelshm/RegionInput.h"
 
+#include "inspect/Finding.h"
+
 #include <nlohmann/json.hpp>
 
 #include <iosfwd>
@@ -38,6 +40,8 @@ Json jsonMoment(std::uint64_t at, std::uint64_t now);
 Json jsonPoint(PointFacts const& point, std::uint64_t now);
 Json jsonValue(ValueFacts const& value, std::uint64_t now);
 Json jsonValues(std::vector<ValueFacts> const& values, std::uint64_t now);
+
+Json jsonFindings(inspect::Findings const& findings);
 
 /// Indented, ASCII alone, a line end behind it.
 void printJson(std::ostream& out, Json const& document);

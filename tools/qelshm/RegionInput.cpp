@@ -1,6 +1,9 @@
 #include "tools/qelshm/RegionInput.h"
 
+#include "tools/qelshm/ManagerUser.h"
+
 #include "inspect/ImageFile.h"
+#include "inspect/ObjectCheck.h"
 #include "inspect/PointPath.h"
 #include "inspect/RegionStatus.h"
 
@@ -100,6 +103,15 @@ RegionInput awaitActive(std::chrono::seconds longest, std::function<void(std::st
         }
         std::this_thread::sleep_for(interval);
     }
+}
+
+inspect::Findings objectFindings(RegionInput const& input) {
+    auto const& object = input.source.object;
+    if (!object) {
+        return {};
+    }
+    constexpr uid_t root = 0;
+    return inspect::checkObject(*object, object->uid == root ? std::nullopt : managerUser());
 }
 
 void requireOpened(RegionInput const& input) {

@@ -2,6 +2,7 @@
 /// Where the verbs get their image from.
 #pragma once
 
+#include "inspect/Finding.h"
 #include "inspect/Image.h"
 #include "inspect/LiveRegion.h"
 #include "inspect/PointTree.h"
@@ -38,6 +39,10 @@ RegionInput liveInput();
 /// Copies the live object as soon as it is active, or what there is when the time is up.
 /// @param tell called with what is waited for, when that takes more than a moment
 RegionInput awaitActive(std::chrono::seconds longest, std::function<void(std::string const&)> const& tell);
+
+/// What of the live object tells that somebody else than the rightful writer made it or may change it; empty for an image
+/// and when there is no object. Asks the bus for the hardware manager's user, but only when that matters.
+inspect::Findings objectFindings(RegionInput const& input);
 
 /// Throws NothingThereError when the live object could not be opened. Any thread.
 void requireOpened(RegionInput const& input);

@@ -41,7 +41,14 @@ std::string newestText(inspect::RegionStatus const& status, std::uint64_t now) {
     return momentText(status.newest) + ", " + ageText(status.newest, now) + (*age < 0 ? "" : " ago");
 }
 
-void printText(inspect::RegionStatus const& status, RegionInput const& input, CommandContext const& context) {
+std::string findingText(inspect::Finding const& finding) {
+    return std::string(kindOf(finding.code).name) + ", found " + finding.found.text() + ", expected " +
+           finding.expected.text();
+}
+
+/// @param findings of the object
+void printText(inspect::RegionStatus const& status, RegionInput const& input,
+               inspect::Findings const& findings, CommandContext const& context) {
     TextTable table;
     auto const add = [&](char const* name, Cell const& cell) {
         table.add(0, {name, cell});
@@ -55,6 +62,9 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input, Co
     if (auto const& object = status.source.object) {
         add("owner", {inspect::userName(object->uid) + ':' + inspect::groupName(object->gid)});
         add("mode", {inspect::modeText(object->mode)});
+    }
+    for (auto const& finding : findings) {
+        add("finding", {findingText(finding), Style::Alarm});
     }
     if (hasContent(status)) {
         add("size", {usedOf(status.size, shm::REGION_SIZE) + " bytes"});
@@ -72,14 +82,16 @@ Json jsonUse(std::size_t used, std::uint32_t slots) {
     return {{"used", used}, {"slots", slots}};
 }
 
-Json jsonObject(inspect::RegionStatus const& status) {
+Json jsonObject(inspect::RegionStatus const& status, inspect::Findings const& findings) {
     auto const& object = status.source.object;
     if (!object) {
         return nullptr;
     }
     return {{"owner", inspect::userName(object->uid)},
             {"group", inspect::groupName(object->gid)},
-            {"mode", inspect::modeText(object->mode)}};
+            {"mode", inspect::modeText(object->mode)},
+            {"names", object->names},
+            {"findings", jsonFindings(findings)}};
 }
 
 /// The members of the content; null when there is none.
@@ -115,6 +127,7 @@ int StatusCommand::run(CommandContext const& context) {
         maxAge = std::chrono::milliseconds(static_cast<std::int64_t>(*maxAge_ * msPerSecond));
     }
     auto const status = inspect::regionStatus(input.source, input.image, input.now, maxAge);
+    auto const findings = objectFindings(input);
     auto const problems = treeProblems(input.image, inspect::PointTree(input.image));
     for (auto const& problem : problems) {
         context.tell("warning: " + problem);
@@ -123,13 +136,15 @@ int StatusCommand::run(CommandContext const& context) {
         auto document = jsonDocument("status", input, problems);
         document["condition"] = inspect::conditionName(status.condition);
         document["problem"] = textOrNull(inspect::openingProblem(status.source));
-        document["object"] = jsonObject(status);
+        document["object"] = jsonObject(status, findings);
         document["content"] = jsonContent(status, input.now);
         printJson(context.out, document);
     } else {
-        printText(status, input, context);
+        printText(status, input, findings, context);
     }
-    return status.condition == inspect::Condition::Active && problems.empty() ? exitSuccess : exitFailure;
+    bool const isWell =
+        status.condition == inspect::Condition::Active && problems.empty() && findings.empty();
+    return isWell ? exitSuccess : exitFailure;
 }
 
 } // namespace qel::tools

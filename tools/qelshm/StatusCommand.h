@@ -8,7 +8,8 @@
 
 namespace qel::tools {
 
-/// The region's condition in a few lines: what it is, whose it is, how full it is and what its global state says.
+/// The region's condition in a few lines: what it is, whose it is, how full it is and what its global state says; and
+/// what tells that somebody else than its writer made it or may change it.
 class StatusCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -9,6 +9,7 @@ RecordedRegion::RecordedRegion() : QelSharedMemoryAccess(shm::ShmAccess::Write) 
     if (!root()) {
         throw std::runtime_error("the shared memory cannot be created; --log-level error tells why");
     }
+    lock_.emplace();
 }
 
 RegionChange RecordedRegion::store(inspect::Image const& image) {

@@ -6,6 +6,9 @@
 
 #include "inspect/Image.h"
 #include "region/QelSharedMemoryAccess.h"
+#include "writer/WriterLock.h"
+
+#include <optional>
 
 namespace qel::tools {
 
@@ -23,6 +26,9 @@ public:
     /// fewer points and values meanwhile, as while a writer changes the structure.
     /// @param image of a whole region
     RegionChange store(inspect::Image const& image);
+
+private:
+    std::optional<shm::WriterLock> lock_; ///< others see that a writer lives
 };
 
 } // namespace qel::tools

@@ -1,0 +1,137 @@
+#include "region/OwnObject.h"
+
+#include "region/LogLine.h"
+#include "region/QelShmRecords.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+namespace shm {
+
+namespace {
+
+constexpr mode_t objectMode = 0644;
+constexpr mode_t writtenByOthers = S_IWGRP | S_IWOTH;
+// Against somebody who takes the name at once each time that it is free. Without a pause the two may go on in step.
+constexpr int mostAttempts = 1000;
+constexpr std::chrono::microseconds outOfStep(50);
+
+/// What stands under the name, as far as the system tells.
+struct Found {
+    int error = 0; ///< errno when it cannot be looked at
+    struct stat status = {};
+};
+
+bool isOurs(Found const& found) {
+    auto const& status = found.status;
+    return found.error == 0 && S_ISREG(status.st_mode) && status.st_uid == ::geteuid() &&
+           status.st_nlink == 1 && (status.st_mode & writtenByOthers) == 0;
+}
+
+Found lookAt(int fd) {
+    Found found;
+    found.error = ::fstat(fd, &found.status) == 0 ? 0 : errno;
+    return found;
+}
+
+char const* typeText(mode_t mode) {
+    switch (mode & S_IFMT) {
+    case S_IFREG:
+        return "a file";
+    case S_IFLNK:
+        return "a symbolic link";
+    case S_IFDIR:
+        return "a directory";
+    case S_IFIFO:
+        return "a named pipe";
+    case S_IFSOCK:
+        return "a socket";
+    default:
+        return "a device";
+    }
+}
+
+void warn(Found const& found) {
+    auto const& status = found.status;
+    LogLine line(accessLog(), log4cpp::Priority::WARN, "openShm");
+    line << "removing what stands under the name of the shared memory and is not ours: ";
+    if (found.error != 0) {
+        line << "the system does not tell what it is, " << std::strerror(found.error);
+        return;
+    }
+    line << typeText(status.st_mode) << " of user " << status.st_uid;
+    if (S_ISREG(status.st_mode)) {
+        if ((status.st_mode & S_IWGRP) != 0) {
+            line << ", which its group may write";
+        }
+        if ((status.st_mode & S_IWOTH) != 0) {
+            line << ", which others may write";
+        }
+        if (status.st_nlink != 1) {
+            line << ", which has " << status.st_nlink << " names";
+        }
+    }
+}
+
+/// Whether an opening that failed met something that is not ours, and what.
+bool isInTheWay(Found& found) {
+    // O_PATH needs no right to what stands there, opens a link itself and waits for nobody.
+    int const fd = ::shm_open(REGION_NAME, O_PATH | O_CLOEXEC, 0);
+    if (fd < 0) {
+        return false;
+    }
+    found = lookAt(fd);
+    ::close(fd);
+    return !isOurs(found);
+}
+
+/// Creates an object that was not there before. A descriptor, or -1 with errno; EEXIST when somebody was faster.
+int createAnew() {
+    if (::shm_unlink(REGION_NAME) != 0 && errno != ENOENT) {
+        return -1;
+    }
+    return ::shm_open(REGION_NAME, O_RDWR | O_CREAT | O_EXCL, objectMode);
+}
+
+} // namespace
+
+int openOwnObject() {
+    bool isTold = false;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        int fd = ::shm_open(REGION_NAME, O_RDWR | O_CREAT, objectMode);
+        Found found;
+        if (fd >= 0) {
+            found = lookAt(fd);
+            if (isOurs(found)) {
+                return fd;
+            }
+            ::close(fd);
+            if (found.error == 0 && found.status.st_nlink == 0) {
+                continue; // its writer removed the name just now
+            }
+        } else if (int const error = errno; !isInTheWay(found)) {
+            errno = error;
+            return -1;
+        }
+        if (!isTold) {
+            warn(found);
+            isTold = true;
+        }
+        fd = createAnew();
+        if (fd >= 0 || errno != EEXIST) {
+            return fd;
+        }
+        std::this_thread::sleep_for(outOfStep);
+    }
+    errno = EEXIST;
+    return -1;
+}
+
+} // namespace shm

@@ -1,0 +1,325 @@
+// What stands under the region's name when a writer starts is not its own: the writer takes the name for an object of its
+// own, and leaves alone what stood there. Owners are made by chown, for which the tests need root.
+
+#include "region/OwnObject.h"
+
+#include "region/QelSharedMemoryAccess.h"
+#include "tests/region/FailingCall.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/RawRegion.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/fsuid.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <ostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using log4cpp::Priority;
+using qel::test::Call;
+using qel::test::FailingCall;
+using qel::test::LogCapture;
+using qel::test::LogEntry;
+using qel::test::rawRegionExists;
+using qel::test::rawRegionSize;
+using qel::test::rawRegionSizeNow;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+constexpr char const* objectFile = "/dev/shm/QelSharedMemory";
+constexpr char const* linkedFile = "/dev/shm/linked";
+constexpr uid_t nobody = 65534;
+
+LogEntry removing(std::string const& what) {
+    return {"qel.shm.access", Priority::WARN,
+            "openShm: removing what stands under the name of the shared memory and is not ours: " + what};
+}
+LogEntry error(std::string const& text) {
+    return {"qel.shm.access", Priority::ERROR, text};
+}
+LogEntry notOpened(int number) {
+    return error(std::string("errorShm: failed to open the shared memory file, ") + std::strerror(number));
+}
+
+class Writer : public shm::QelSharedMemoryAccess {
+public:
+    Writer() : QelSharedMemoryAccess(shm::ShmAccess::Write) {}
+};
+
+void makeFile(char const* path, mode_t mode, uid_t owner = ::geteuid()) {
+    std::ofstream(path, std::ios::binary) << std::string(rawRegionSize, '\x5A');
+    ASSERT_EQ(0, ::chown(path, owner, static_cast<gid_t>(-1)));
+    ASSERT_EQ(0, ::chmod(path, mode));
+}
+
+bool isUntouched(char const* path) {
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {}) == std::string(rawRegionSize, '\x5A');
+}
+
+struct stat statusOf(char const* path) {
+    struct stat status = {};
+    EXPECT_EQ(0, ::lstat(path, &status));
+    return status;
+}
+
+class OwnObjectTest : public testing::Test {
+protected:
+    OwnObjectTest() { clear(); }
+    ~OwnObjectTest() override { clear(); }
+
+    /// That the writer has a region, in an object of its own with mode 0644.
+    static void expectOwn(Writer const& writer) {
+        ASSERT_TRUE(writer.root());
+        auto const status = statusOf(objectFile);
+        EXPECT_TRUE(S_ISREG(status.st_mode));
+        EXPECT_EQ(::geteuid(), status.st_uid);
+        EXPECT_EQ(0644U, status.st_mode & 07777U);
+        EXPECT_EQ(1U, status.st_nlink);
+        EXPECT_EQ(static_cast<long>(rawRegionSize), rawRegionSizeNow());
+    }
+
+    LogCapture log{"qel.shm.access", Priority::WARN};
+
+private:
+    static void clear() {
+        fs::remove_all(objectFile);
+        fs::remove_all(linkedFile);
+    }
+};
+
+struct Foreign {
+    std::string name;
+    std::function<void()> make;
+    std::string text; ///< of the line
+
+    friend std::ostream& operator<<(std::ostream& out, Foreign const& foreign) { return out << foreign.name; }
+};
+
+void makeSocket() {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, objectFile, sizeof address.sun_path - 1);
+    int const fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    EXPECT_EQ(0, ::bind(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address));
+    ::close(fd);
+}
+
+std::vector<Foreign> const& foreigners() {
+    static auto const* const all = new std::vector<Foreign>{
+        {"AnotherUser", [] { makeFile(objectFile, 0644, nobody); }, "a file of user 0xfffe"},
+        {"AnotherUserForAll", [] { makeFile(objectFile, 0666, nobody); },
+         "a file of user 0xfffe, which its group may write, which others may write"},
+        {"GroupMayWrite", [] { makeFile(objectFile, 0664); }, "a file of user 0, which its group may write"},
+        {"OthersMayWrite", [] { makeFile(objectFile, 0646); }, "a file of user 0, which others may write"},
+        {"HardLink",
+         [] {
+             makeFile(linkedFile, 0644);
+             fs::create_hard_link(linkedFile, objectFile);
+         },
+         "a file of user 0, which has 0x2 names"},
+        {"HardLinkOfAnotherUser",
+         [] {
+             makeFile(linkedFile, 0644, nobody);
+             fs::create_hard_link(linkedFile, objectFile);
+         },
+         "a file of user 0xfffe, which has 0x2 names"},
+        {"SymbolicLink",
+         [] {
+             makeFile(linkedFile, 0644);
+             fs::create_symlink(linkedFile, objectFile);
+             ASSERT_EQ(0, ::lchown(objectFile, nobody, nobody));
+         },
+         "a symbolic link of user 0xfffe"},
+        {"DanglingLink", [] { fs::create_symlink(linkedFile, objectFile); }, "a symbolic link of user 0"},
+        {"Pipe", [] { ASSERT_EQ(0, ::mkfifo(objectFile, 0644)); }, "a named pipe of user 0"},
+        {"Socket", makeSocket, "a socket of user 0"},
+        {"Device", [] { ASSERT_EQ(0, ::mknod(objectFile, S_IFCHR | 0644U, 0)); }, "a device of user 0"},
+    };
+    return *all;
+}
+
+class ForeignObjectTest : public OwnObjectTest, public testing::WithParamInterface<Foreign> {};
+
+TEST_P(ForeignObjectTest, Writer_ReplacesIt_AndLeavesAloneWhatItWas) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can make objects of others";
+    }
+    GetParam().make();
+    auto const former = statusOf(objectFile);
+    bool const isLinked = fs::exists(linkedFile);
+    {
+        Writer sut;
+        sut.openShm();
+        EXPECT_THAT(log.take(), ElementsAre(removing(GetParam().text)));
+        expectOwn(sut);
+        EXPECT_NE(former.st_ino, statusOf(objectFile).st_ino);
+        if (isLinked) {
+            EXPECT_TRUE(isUntouched(linkedFile));
+        }
+        EXPECT_EQ(isLinked, fs::exists(linkedFile));
+    }
+    EXPECT_FALSE(rawRegionExists());
+    EXPECT_THAT(log.entries(), IsEmpty()) << "at the end";
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, ForeignObjectTest, testing::ValuesIn(foreigners()),
+                         [](auto const& instance) { return instance.param.name; });
+
+TEST_F(OwnObjectTest, OwnObjectOfANarrowerMode_IsReused) {
+    for (mode_t const mode : {0644U, 0640U, 0600U, 0755U}) {
+        makeFile(objectFile, mode);
+        auto const former = statusOf(objectFile);
+        Writer sut;
+        sut.openShm();
+        ASSERT_TRUE(sut.root());
+        EXPECT_EQ(former.st_ino, statusOf(objectFile).st_ino);
+        EXPECT_EQ(mode, statusOf(objectFile).st_mode & 07777U);
+        EXPECT_THAT(log.entries(), IsEmpty());
+    }
+}
+
+TEST_F(OwnObjectTest, ObjectOfAnotherUserThatIsHeldOpen_IsNeitherWipedNorResized) {
+    makeFile(objectFile, 0666, nobody);
+    int const fd = ::open(objectFile, O_RDWR | O_CLOEXEC);
+    fs::resize_file(objectFile, 5);
+    Writer sut;
+    sut.openShm();
+    struct stat status = {};
+    ASSERT_EQ(0, ::fstat(fd, &status));
+    EXPECT_EQ(5, status.st_size);
+    char first = 0;
+    EXPECT_EQ(1, ::pread(fd, &first, 1, 0));
+    EXPECT_EQ('\x5A', first);
+    ASSERT_EQ(0, ::ftruncate(fd, 0));
+    ::close(fd);
+    expectOwn(sut);
+}
+
+TEST_F(OwnObjectTest, OpeningThatIsRefusedForAnotherUsersObject_IsThatObjectRemoved) {
+    // What the kernel says with fs.protected_regular, and of leases.
+    for (int const refusal : {EACCES, EWOULDBLOCK}) {
+        makeFile(objectFile, 0666, nobody);
+        FailingCall const failing(Call::ShmOpen, refusal);
+        Writer sut;
+        sut.openShm();
+        EXPECT_EQ(0, FailingCall::left());
+        EXPECT_THAT(log.take(), ElementsAre(removing("a file of user 0xfffe, which its group may write, "
+                                                     "which others may write")));
+        expectOwn(sut);
+    }
+}
+
+TEST_F(OwnObjectTest, OpeningThatIsRefusedForAnOwnObject_Fails) {
+    makeFile(objectFile, 0644);
+    FailingCall const failing(Call::ShmOpen, EACCES);
+    EXPECT_EQ(-1, shm::openOwnObject());
+    EXPECT_EQ(EACCES, errno);
+    EXPECT_THAT(log.entries(), IsEmpty());
+    EXPECT_TRUE(isUntouched(objectFile));
+}
+
+TEST_F(OwnObjectTest, ObjectThatCannotBeLookedAt_IsReplaced) {
+    makeFile(objectFile, 0644);
+    auto const former = statusOf(objectFile);
+    FailingCall const failing(Call::Fstat, EIO);
+    Writer sut;
+    sut.openShm();
+    EXPECT_THAT(log.entries(),
+                ElementsAre(removing("the system does not tell what it is, Input/output error")));
+    expectOwn(sut);
+    EXPECT_NE(former.st_ino, statusOf(objectFile).st_ino);
+}
+
+TEST_F(OwnObjectTest, NameThatCannotBeRemoved_IsAFailedOpening) {
+    makeFile(objectFile, 0644, nobody);
+    FailingCall const failing(Call::ShmUnlink, EPERM);
+    EXPECT_EQ(-1, shm::openOwnObject());
+    EXPECT_EQ(EPERM, errno);
+    EXPECT_THAT(log.entries(), ElementsAre(removing("a file of user 0xfffe")));
+    EXPECT_TRUE(isUntouched(objectFile));
+}
+
+TEST_F(OwnObjectTest, DirectoryUnderTheName_IsAFailedOpening) {
+    fs::create_directory(objectFile);
+    Writer sut;
+    sut.openShm();
+    EXPECT_FALSE(sut.root());
+    EXPECT_THAT(log.entries(),
+                ElementsAreArray(std::vector<LogEntry>{
+                    removing("a directory of user 0"), notOpened(EISDIR),
+                    error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
+                    error("unlinkShm: failed to unlink the shared memory, Is a directory"),
+                    error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
+                    error("unlinkShm: failed to unlink the shared memory, Is a directory")}));
+    EXPECT_TRUE(fs::is_directory(objectFile));
+}
+
+TEST_F(OwnObjectTest, CreationThatFails_IsAFailedOpening) {
+    makeFile(objectFile, 0664);
+    FailingCall const failing(Call::ShmOpen, ENOSPC, 1, 1);
+    EXPECT_EQ(-1, shm::openOwnObject());
+    EXPECT_EQ(ENOSPC, errno);
+    EXPECT_EQ(0, FailingCall::left());
+}
+
+TEST_F(OwnObjectTest, NameThatIsTakenAnewEachTime_EndsTheOpeningWithOneLine) {
+    makeFile(objectFile, 0644, nobody);
+    constexpr int many = 1000000;
+    FailingCall const failing(Call::ShmUnlink, 0, many); // as if somebody put it back at once
+    EXPECT_EQ(-1, shm::openOwnObject());
+    EXPECT_EQ(EEXIST, errno);
+    EXPECT_LT(many - FailingCall::left(), 10000) << "attempts";
+    EXPECT_THAT(log.entries(), ElementsAre(removing("a file of user 0xfffe")));
+    EXPECT_TRUE(isUntouched(objectFile));
+}
+
+TEST_F(OwnObjectTest, SomebodyWhoPutsHisObjectBackInALoop_NeverHasItAdopted) {
+    std::atomic<bool> stop{false};
+    std::thread somebody([&] {
+        ::setfsuid(nobody); // of this thread alone
+        while (!stop) {
+            ::close(::open(objectFile, O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666));
+        }
+        ::setfsuid(0);
+    });
+    int opened = 0;
+    for (int round = 0; round < 100; ++round) {
+        int const fd = shm::openOwnObject();
+        if (fd < 0) {
+            EXPECT_EQ(EEXIST, errno);
+            continue;
+        }
+        ++opened;
+        struct stat status = {};
+        EXPECT_EQ(0, ::fstat(fd, &status));
+        EXPECT_EQ(0U, status.st_uid);
+        EXPECT_EQ(0644U, status.st_mode & 07777U);
+        ::close(fd);
+        fs::remove(objectFile);
+    }
+    stop = true;
+    somebody.join();
+    RecordProperty("opened", opened);
+}
+
+} // namespace
