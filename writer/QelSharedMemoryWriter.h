@@ -182,8 +182,9 @@ private:
 
     void insertBefore(QelShmMP& mp, unsigned int curpos);
 
-    /// Gives the value slots of a point back; logs at WARN a point that is not known.
-    void freeMVsOf(QelShmMP const& mp);
+    /// Gives the slots of a point and of its values back and enters its svid into removed; strong. Logs at WARN a
+    /// point that is not known.
+    void freeSlotsOf(QelShmMP const& mp, unsigned int pos, std::unordered_set<long long>& removed);
 
     // In the order of the binary contract.
     std::unique_ptr<QelStateLedThread> ledThread_;
