@@ -29,12 +29,17 @@ inline std::uint32_t loadLink(std::uint32_t const& link) {
     return __atomic_load_n(&link, __ATOMIC_RELAXED);
 }
 
-/// Fills a free slot with WIPE_BYTE. The slot may have been linked before: the fence keeps the stores that unlinked it
-/// ahead of the first one that fills it anew, which on weakly ordered cores a release store alone does not.
+/// Stands between the stores that unlink slots and the first one that fills such a slot anew. On weakly ordered cores a
+/// plain store may pass a release store before it, and a reader that still follows the old link would meet new content.
+inline void orderUnlinkBeforeReuse() {
+    __atomic_thread_fence(__ATOMIC_ACQ_REL);
+}
+
+/// Fills a free slot, which may have been linked before, with WIPE_BYTE.
 template <typename Slot>
 void wipeSlot(Slot& slot) {
     static_assert(std::is_trivially_copyable_v<Slot>);
-    __atomic_thread_fence(__ATOMIC_ACQ_REL);
+    orderUnlinkBeforeReuse();
     std::memset(&slot, WIPE_BYTE, sizeof slot);
 }
 

@@ -31,6 +31,9 @@ public:
         svids_[number] = svid;
     }
 
+    /// The point that was inserted last with a number.
+    long long svidOf(std::size_t number) const { return svids_[number]; }
+
     void remove(long long svid);
 
 private:

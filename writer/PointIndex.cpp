@@ -1,37 +1,55 @@
 #include "writer/PointIndex.h"
 
+#include <utility>
+
 namespace shm {
 
-void PointIndex::Point::takeOver(MPDef const& definition) {
-    auto const& mvs = definition.mvs;
+void PointIndex::Point::reserve(std::size_t count) {
     unsigned int bits = 1;
-    while ((std::size_t{3} << bits) < 4 * (mvs.size() + 1)) {
+    while ((std::size_t{3} << bits) < 4 * (count + 1)) {
         ++bits;
     }
-    mutex_ = &definition.mutex;
-    pos_ = static_cast<std::uint16_t>(definition.pos);
+    if (std::size_t{1} << bits <= values_.size()) {
+        return;
+    }
+    std::vector<Value> roomier(std::size_t{1} << bits);
+    // Nothing fails from here on.
+    values_.swap(roomier);
     shift_ = static_cast<std::uint8_t>(hashBits - bits);
     mask_ = (std::uint32_t{1} << bits) - 1;
-    values_.assign(std::size_t{1} << bits, {});
-    for (auto const& [key, pos] : mvs) {
-        auto place = homeOf(key);
-        while (values_[place].pos != noSlot) {
-            place = nextTo(place);
+    for (auto const& value : roomier) {
+        if (value.pos != noSlot) {
+            insert(value.key, value.pos);
         }
-        values_[place] = {key, static_cast<std::uint16_t>(pos)};
     }
 }
 
-void PointIndex::add(long long svid, MPDef const& definition) {
+void PointIndex::Point::insert(std::uint16_t key, std::size_t pos) noexcept {
+    auto place = homeOf(key);
+    while (values_[place].pos != noSlot) {
+        place = nextTo(place);
+    }
+    values_[place] = {key, static_cast<std::uint16_t>(pos)};
+}
+
+void PointIndex::add(long long svid, MPDef const& definition, std::size_t room) {
+    Point point;
+    point.mutex_ = &definition.mutex;
+    point.pos_ = static_cast<std::uint16_t>(definition.pos);
+    point.reserve(std::max(room, definition.mvs.size()));
+    for (auto const& [key, pos] : definition.mvs) {
+        point.insert(key, pos);
+    }
+    points_[definition.pos] = std::move(point);
     positions_.insert(svid, static_cast<std::uint16_t>(definition.pos));
-    update(definition);
 }
 
-void PointIndex::update(MPDef const& definition) {
-    points_[definition.pos].takeOver(definition);
+PointIndex::Point* PointIndex::pointOf(MPDef const& definition) {
+    bool const isIndexed = definition.pos < MP_COUNT && points_[definition.pos].mutex_ == &definition.mutex;
+    return isIndexed ? &points_[definition.pos] : nullptr;
 }
 
-void PointIndex::remove(long long svid) {
+void PointIndex::remove(long long svid) noexcept {
     auto const pos = positions_.find(svid);
     if (pos != SvidTable::none) {
         points_[pos] = Point();

@@ -6,6 +6,7 @@
 #include "region/SvidTable.h"
 #include "writer/MPDef.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -15,10 +16,12 @@
 namespace shm {
 
 /// Stands beside the ordered map of definitions and holds the same, flat: a hash table from point svid to slot
-/// position, and per point one from value key to slot position.
+/// position, and per point one from value key to slot position. What can run out of memory does so before anything
+/// has changed.
 ///
-/// Threads: find() may run in any thread while no point comes or goes, as a look-up in the map may. The
-/// values of a point are guarded by its definition's mutex.
+/// Threads: find(), pos() and mutex() may run in any thread while no point comes or goes: what they read is set by
+/// add() and stays as it is until remove(). The values of a point may change meanwhile; its definition's mutex guards
+/// them.
 class PointIndex {
     static constexpr std::uint16_t noSlot = 0xFFFF;
     static_assert(noSlot >= MV_COUNT);
@@ -42,6 +45,16 @@ public:
             }
         }
 
+        /// Makes room for as many values in all, so that insert() need not. Strong: when memory ends the values stay
+        /// as they are. The caller holds the mutex.
+        void reserve(std::size_t count);
+
+        /// Enters a value whose key is not there and for which there is room. The caller holds the mutex.
+        void insert(std::uint16_t key, std::size_t pos) noexcept;
+
+        /// Leaves no value; the room stays. The caller holds the mutex, or is alone with the index.
+        void clear() noexcept { std::fill(values_.begin(), values_.end(), Value()); }
+
     private:
         friend class PointIndex;
 
@@ -59,8 +72,6 @@ public:
 
         std::uint32_t nextTo(std::uint32_t place) const { return (place + 1) & mask_; }
 
-        void takeOver(MPDef const& definition);
-
         std::mutex* mutex_ = nullptr; // not owned; the definition lives in the writer's map
         std::vector<Value> values_;   // a power of two of places, at least a quarter of them free
         std::uint32_t mask_ = 0;      // keeps a place's number inside them
@@ -74,13 +85,22 @@ public:
         return pos == SvidTable::none ? nullptr : &points_[pos];
     }
 
-    /// A point that was not there; its definition stays where it is until remove().
-    void add(long long svid, MPDef const& definition);
+    /// A point that was not there, with the values that its definition has. The definition stays where it is until
+    /// remove(). Strong: when memory ends the index does not know the point.
+    /// @param room values to make room for, those of the definition included
+    void add(long long svid, MPDef const& definition, std::size_t room = 0);
 
-    /// Takes over the values that the definition has now. The caller holds the definition's mutex.
-    void update(MPDef const& definition);
+    /// The point of this very definition, null when it is not here (a copy of it, for example).
+    Point* pointOf(MPDef const& definition);
 
-    void remove(long long svid);
+    /// Whether a known point has the slot.
+    bool isTaken(std::size_t pos) const { return points_[pos].mutex_ != nullptr; }
+
+    /// The point that has a slot, which must be taken.
+    long long svidAt(std::size_t pos) const { return positions_.svidOf(pos); }
+
+    /// Changes nothing when the point is not there.
+    void remove(long long svid) noexcept;
 
 private:
     SvidTable positions_;

@@ -54,6 +54,20 @@ std::unique_ptr<WriterLock> lockRegion() {
     return lock;
 }
 
+/// A point that the writer knows from now on, without values. When memory ends it does not know it.
+/// @param room values to make room for in the index
+MPDef& makeKnown(QelSharedMemoryWriter::Definitions& points, PointIndex& index, long long svid,
+                 unsigned int pos, std::size_t room) {
+    auto const known = points.emplace(svid, MPDef(pos, {})).first;
+    try {
+        index.add(svid, known->second, room);
+    } catch (...) {
+        points.erase(known);
+        throw;
+    }
+    return known->second;
+}
+
 } // namespace
 
 QelSharedMemoryWriter::QelSharedMemoryWriter()
@@ -108,12 +122,13 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
     }
 
     auto const point = pointSvid(svid);
+    if (point == ROOT_SVID) {
+        return NO_POSITION;
+    }
     if (auto const known = points_.find(point); known != points_.end()) {
         auto& definition = known->second;
         if (auto* const mp = pointAt(definition.pos)) {
             addMVs(*mp, definition, mvs);
-            std::lock_guard<std::mutex> const lock(definition.mutex);
-            index_->update(definition);
         }
         return definition.pos;
     }
@@ -124,14 +139,14 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
             << "no free measurement points left, cannot add " << point;
         return NO_POSITION;
     }
-    MPDef definition(freeMPs_.front(), {});
+    // What the point itself needs of memory comes first: a slot is taken and linked for good.
+    auto& definition =
+        makeKnown(points_, *index_, point, freeMPs_.front(), std::min(mvs.size(), freeMVs_.size()));
     freeMPs_.pop_front();
     auto& mp = initMP(definition.pos, point, ppos);
     connectMP(mp);
     addMVs(mp, definition, mvs);
-    auto& known = points_.emplace(point, std::move(definition)).first->second;
-    index_->add(point, known);
-    return known.pos;
+    return definition.pos;
 }
 
 void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
@@ -139,6 +154,7 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
     // Deliberate: the highest position is taken for the chain's tail, since positions are handed out in
     // ascending order.
     unsigned int tail = highestPosition(definition);
+    auto* const indexed = index_->pointOf(definition);
     bool const isLogged =
         writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // asked once for all values
     for (auto const& wanted : mvs) {
@@ -166,7 +182,13 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
             wipeMV(pos, key);
         }
         lock.lock();
+        if (indexed != nullptr) {
+            indexed->reserve(definition.mvs.size() + 1);
+        }
         definition.mvs.emplace_hint(place, key, pos);
+        if (indexed != nullptr) {
+            indexed->insert(key, pos);
+        }
         lock.unlock();
         freeMVs_.pop_front();
 

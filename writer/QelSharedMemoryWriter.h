@@ -43,8 +43,13 @@ class WriterLock;
 /// Logs in "qel.shm.access.writer". A failing mutex surfaces as std::system_error except from updateMV() and
 /// propagateStates().
 ///
-/// Threads: whoever changes the structure is alone with the writer meanwhile. updateMV() may run in several
-/// threads for different points, but not while propagateStates() runs.
+/// When memory ends (std::bad_alloc), no slot is ever freed twice or in use twice, each point that the region shows is
+/// known, and each value that it shows can be updated. Strong below means that a failed call has changed nothing that
+/// can be seen, basic that a part of it is done and that the same call, made again, does the rest.
+///
+/// Threads: whoever adds or removes points is alone with the writer meanwhile, and one thread at a time changes the
+/// structure. Values may be added to a known point while other threads call updateMV(), for the same point too.
+/// updateMV() may run in several threads for different points, but not while propagateStates() runs.
 class QEL_EXPORT QelSharedMemoryWriter : public QelSharedMemoryAccess, public QelSharedMemoryStates {
 public:
     /// Point svid to definition, parents before their children.
@@ -70,14 +75,16 @@ public:
     /// @param definitions keys are point svids; the root's svid is skipped, with a key in it too
     /// @return whether a point or a value had to be added
     /// Throws ex::InvalidSensorIdException when a parent is not known or no slot is free for a point, after
-    /// an ERROR line. Logs each new point at DEBUG, and as addMP().
+    /// an ERROR line. Logs each new point at DEBUG, and as addMP(). Memory: basic, point by point as addMP().
     bool addStructure(Definitions const& definitions);
 
     /// Adds one point, or the missing values of a known one.
-    /// @param svid the point, not the root's; a key in it is ignored
+    /// @param svid the point; a key in it is ignored
     /// @param mvs  its keys are the values to have, what they map to is ignored
     /// @param ppos the parent's position, NO_POSITION for a top-level point; ignored for a known point
-    /// @return the point's position, NO_POSITION when no slot is free
+    /// @return the point's position, NO_POSITION when no slot is free, and for the root's id
+    /// Memory: strong as to the point, which is linked and known or is neither; basic as to its values, each of which
+    /// is linked and known or neither. A value's slot that was taken in vain is filled anew and stays free.
     /// Logs at INFO; at WARN when no slot is free, for each value that the point has already, for each value
     /// beyond MV_COUNT (it is left out), and for a top-level point of a sensor type that has no list in the
     /// root.
@@ -86,24 +93,28 @@ public:
     /// Stores sub-type codes into points. Logs each at DEBUG.
     /// @param types svid (of a point or any of its values) to code; the low 8 bits count
     /// @return the svids whose points are known, as they were handed in
+    /// Memory: basic; codes that are stored stay.
     std::unordered_set<long long> injectTypes(std::unordered_map<long long, int> const& types);
 
     /// Brings the region in line with the sensors that exist now: adds what is new, then removes what has
     /// gone.
     /// @param svids every point and value that exists; the point-level state keys need no value slot
     /// @return whether anything was added or removed
-    /// Throws and logs as addStructure() and removeStructure(); logs the number of svids at DEBUG.
+    /// Throws and logs as addStructure() and removeStructure(); logs the number of svids at DEBUG. Memory: basic; when
+    /// an addition fails nothing has been removed.
     bool modifyStructure(std::unordered_set<long long> const& svids);
 
     /// Takes every known point that has no definition out of the tree and frees its slots; values are not
     /// compared. Points are removed one by one: one that stays keeps its links even if its parent goes.
     /// @return whether a point was removed
-    /// Logs each removed point at INFO.
+    /// Memory: basic; each point is removed and forgotten, its slots free, or stays as it was. Logs each removed point
+    /// at INFO.
     bool removeStructure(Definitions const& definitions);
 
     // Values and states
 
-    /// Stamps the root, its version last, so that readers may begin. Logs at INFO.
+    /// Stamps the root, its version last, so that readers may begin; the LED shows "On" as the root does. Logs at INFO.
+    /// Takes the LED thread's mutex when the root's state was another one before.
     void setActive();
 
     /// Stores one value's time, state and number; the number of an energy is divided by 1000. A point-level
@@ -112,13 +123,13 @@ public:
     /// @param value released when the call ends
     /// @return false when the value is null, when its point or key is unknown, when it is no number (time and
     ///         state are stored nevertheless), or when something failed
-    /// Logs nothing, but at ERROR an exception that is no std::exception. Throws nothing. Takes the mutex of
-    /// the point's definition for the look-up of the key.
+    /// Logs nothing, but at ERROR an exception that is no std::exception. Throws nothing and needs no memory. Takes the
+    /// mutex of the point's definition for the look-up of the key.
     bool updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept;
 
     /// Combines the states of all points, children before their parents, and from them the global state,
     /// which goes to the root and, when it changed, to the status LED. A std::exception ends it early and is
-    /// swallowed, any other one ends the process.
+    /// swallowed, any other one ends the process. Needs no memory.
     void propagateStates() noexcept;
 
 protected:
@@ -130,7 +141,7 @@ protected:
 
     // References to slots are references into the mapped region.
 
-    /// Appends the values that the point does not have yet to its chain, keys ascending.
+    /// Appends the values that the point does not have yet to its chain, keys ascending. Memory: basic as addMP().
     void addMVs(QelShmMP& mp, MPDef& definition, std::map<unsigned short, unsigned int> const& mvs);
 
     /// Initialises a slot that nothing refers to. The region must be mapped and pos below MP_COUNT
@@ -154,7 +165,8 @@ protected:
     /// @param topnode true: just this point, taken out of its sibling list; false: its following siblings and
     ///                everything below them as well, links untouched
     /// @param removed collects the svids of freed points
-    /// Logs at INFO, at WARN a point that is not known.
+    /// A slot that is free already is not freed again. Memory: strong for each point. Logs at INFO, at WARN a point that
+    /// is not known.
     void unlinkMP(unsigned int pos, bool topnode, std::unordered_set<long long>& removed);
 
     /// Takes a point out of its sibling list; its children stay linked to it.
@@ -162,6 +174,7 @@ protected:
 
     /// Combines the states of a point, all points below it, and its following siblings.
     /// @param out takes what each of the siblings reports to its parent
+    /// Memory: basic; what is combined stays.
     void defineState(QelShmMP& mp, std::list<eStatus_Bits>& out);
 
 private:
@@ -183,8 +196,9 @@ private:
 
     void insertBefore(QelShmMP& mp, unsigned int curpos);
 
-    /// Gives the value slots of a point back; logs at WARN a point that is not known.
-    void freeMVsOf(QelShmMP const& mp);
+    /// Gives the slots of a point and of its values back and enters its svid into removed; strong. Logs at WARN a
+    /// point that is not known.
+    void freeSlotsOf(QelShmMP const& mp, unsigned int pos, std::unordered_set<long long>& removed);
 
     // In the order of the binary contract.
     std::unique_ptr<QelStateLedThread> ledThread_;

@@ -8,6 +8,12 @@
 
 #include <log4cpp/Priority.hh>
 
+#include <cstddef>
+#include <deque>
+#include <ios>
+#include <mutex>
+#include <unordered_set>
+
 namespace shm {
 
 namespace {
@@ -18,6 +24,69 @@ constexpr std::size_t removedBuckets = 10;
 void logUnlink(unsigned int pos, bool topnode, std::size_t removed) {
     LogLine(writerLog(), log4cpp::Priority::INFO, "unlinkMP")
         << "pos = " << pos << ", topnode = " << std::boolalpha << topnode << ", #svids = " << removed;
+}
+
+/// Takes back what is appended to a queue while it lives, unless it is kept.
+class Appending {
+public:
+    explicit Appending(std::deque<unsigned int>& queue) : queue_(queue), size_(queue.size()) {}
+    ~Appending() {
+        while (!isKept_ && queue_.size() > size_) {
+            queue_.pop_back();
+        }
+    }
+    Appending(Appending const&) = delete;
+    Appending& operator=(Appending const&) = delete;
+
+    void keep() { isKept_ = true; }
+
+private:
+    std::deque<unsigned int>& queue_;
+    std::size_t size_;
+    bool isKept_ = false;
+};
+
+/// The removed points of one call; forgets them when it goes out of scope, also when a later one cannot be removed.
+class Forgotten {
+public:
+    Forgotten(QelSharedMemoryWriter::Definitions& points, PointIndex& index)
+        : points_(points),
+          index_(index),
+          svids_(removedBuckets) {}
+    ~Forgotten() {
+        for (auto const svid : svids_) {
+            index_.remove(svid);
+            points_.erase(svid);
+        }
+    }
+    Forgotten(Forgotten const&) = delete;
+    Forgotten& operator=(Forgotten const&) = delete;
+
+    std::unordered_set<long long>& svids() { return svids_; }
+
+private:
+    QelSharedMemoryWriter::Definitions& points_;
+    PointIndex& index_;
+    std::unordered_set<long long> svids_;
+};
+
+/// The points that had these slots have them no more, so that nobody frees one again. They are two where a slot bears
+/// the id of another point.
+/// @param pos  the slot that was freed
+/// @param guid the id in it, whose values were freed
+void loseSlots(QelSharedMemoryWriter::Definitions& points, PointIndex& index, unsigned int pos,
+               long long guid) {
+    if (auto const named = points.find(guid); named != points.end()) {
+        named->second.mvs.clear();
+        if (auto* const indexed = index.pointOf(named->second)) {
+            indexed->clear();
+        }
+    }
+    if (index.isTaken(pos)) {
+        auto const owner = index.svidAt(pos);
+        points.find(owner)->second.pos = NO_POSITION;
+        index.remove(owner);
+    }
 }
 
 } // namespace
@@ -45,17 +114,20 @@ bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
         return false;
     }
     std::lock_guard<std::recursive_mutex> const lock(structureMutex_);
-    std::unordered_set<long long> removed(removedBuckets);
+    Forgotten forgotten(points_, *index_);
+    auto& removed = forgotten.svids();
     bool anyRemoved = false;
-    for (auto const& [svid, definition] : points_) {
-        if (definitions.count(svid) == 0 && removed.count(svid) == 0) {
-            unlinkMP(definition.pos, true, removed);
-            anyRemoved = true;
+    for (auto next = points_.begin(); next != points_.end();) {
+        auto const known = next++;
+        if (definitions.count(known->first) != 0 || removed.count(known->first) != 0) {
+            continue;
         }
-    }
-    for (auto const svid : removed) {
-        index_->remove(svid);
-        points_.erase(svid);
+        unlinkMP(known->second.pos, true, removed);
+        anyRemoved = true;
+        if (removed.count(known->first) == 0) { // its slot bore another id
+            index_->remove(known->first);
+            points_.erase(known);
+        }
     }
     return anyRemoved;
 }
@@ -70,27 +142,35 @@ void QelSharedMemoryWriter::unlinkMP(unsigned int pos, bool topnode, std::unorde
         unlinkMP(mp->next, false, removed);
         unlinkMP(mp->children, false, removed);
     }
-    freeMVsOf(*mp);
+    freeSlotsOf(*mp, pos, removed);
     if (topnode) {
         disconnectMP(*mp);
     }
-    freeMPs_.push_back(pos);
-    removed.insert(mp->guid);
 }
 
+// What may fail comes first, and leaves everything as it was when it does.
 [[gnu::noinline]] // keeps its variables out of the recursion's frame
-void QelSharedMemoryWriter::freeMVsOf(QelShmMP const& mp) {
-    auto const known = points_.find(mp.guid);
-    if (known == points_.end()) {
+void QelSharedMemoryWriter::freeSlotsOf(QelShmMP const& mp, unsigned int pos,
+                                        std::unordered_set<long long>& removed) {
+    Appending points(freeMPs_);
+    Appending values(freeMVs_);
+    if (auto const known = points_.find(mp.guid); known != points_.end()) {
+        auto& definition = known->second;
+        std::lock_guard<std::mutex> const lock(definition.mutex);
+        for (auto const& value : definition.mvs) {
+            freeMVs_.push_back(value.second);
+        }
+    } else {
         LogLine(writerLog(), log4cpp::Priority::WARN, "unlinkMP")
             << "failed to find " << std::dec << mp.guid << " in local cache (no mvs are freed, ignored)";
-        return;
     }
-    auto& definition = known->second;
-    std::lock_guard<std::mutex> const lock(definition.mutex);
-    for (auto const& value : definition.mvs) {
-        freeMVs_.push_back(value.second);
+    if (index_->isTaken(pos)) { // else it is free already
+        freeMPs_.push_back(pos);
     }
+    removed.insert(mp.guid);
+    points.keep();
+    values.keep();
+    loseSlots(points_, *index_, pos, mp.guid);
 }
 
 void QelSharedMemoryWriter::disconnectMP(QelShmMP& mp) {

@@ -32,12 +32,16 @@ void QelSharedMemoryWriter::setActive() {
         return;
     }
     auto& root = region()->root;
+    auto const before = root.state;
     storeField(root.guid, ROOT_SVID);
     storeField(root.state, eStatus_On);
     storeField(root.unused, 0);
     storeVersion(root, ACTIVE_VERSION);
     LogLine(writerLog(), log4cpp::Priority::INFO, "setActive")
         << "root.version = " << static_cast<unsigned int>(ACTIVE_VERSION);
+    if (before != eStatus_On && ledThread_) { // it may show a state that the root has lost just now
+        ledThread_->request(eStatus_On);
+    }
 }
 
 bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept {

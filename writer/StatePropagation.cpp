@@ -17,10 +17,10 @@ struct ListSink {
 
 eStatus_Bits StatePropagation::combineAll() const {
     ChildFold reported;
-    for (auto const head : {region_.root.devices, region_.root.groups}) {
+    for (auto const head : {loadLink(region_.root.devices), loadLink(region_.root.groups)}) {
         // Deliberate: each step follows the siblings by itself, so the k-th point is visited k times; the
         // result is that of one visit.
-        for (auto pos = head; pos < MP_COUNT; pos = region_.points[pos].next) {
+        for (auto pos = head; pos < MP_COUNT; pos = loadLink(region_.points[pos].next)) {
             siblings(pos, reported);
         }
     }
@@ -30,9 +30,9 @@ eStatus_Bits StatePropagation::combineAll() const {
 void StatePropagation::combineSiblings(QelShmMP& first, std::list<eStatus_Bits>& out) const {
     ListSink sink{out};
     ChildFold children;
-    siblings(first.children, children);
+    siblings(loadLink(first.children), children);
     sink.add(combine(first, children.result()));
-    siblings(first.next, sink);
+    siblings(loadLink(first.next), sink);
 }
 
 // Only nesting costs stack, and little: a tree may be MP_COUNT deep.
@@ -41,19 +41,19 @@ void StatePropagation::siblings(std::uint32_t pos, Sink& sink) const {
     while (pos < MP_COUNT) {
         auto& mp = region_.points[pos];
         ChildFold children;
-        if (mp.children < MP_COUNT) {
-            siblings(mp.children, children);
+        if (auto const first = loadLink(mp.children); first < MP_COUNT) {
+            siblings(first, children);
         }
         sink.add(combine(mp, children.result()));
-        pos = mp.next;
+        pos = loadLink(mp.next);
     }
 }
 
 eStatus_Bits StatePropagation::combine(QelShmMP& mp, eStatus_Bits children) const {
     ValueFold values;
-    for (auto pos = mp.mvs; pos < MV_COUNT;) {
+    for (auto pos = loadLink(mp.mvs); pos < MV_COUNT;) {
         auto const& value = region_.values[pos];
-        pos = value.next;
+        pos = loadLink(value.next);
         if (!values.add(value.state)) {
             break;
         }

@@ -27,12 +27,23 @@ std::unique_ptr<Region> regionOf(inspect::Image const& image) {
 
 /// Stores, and calls the observer after each single store.
 template <typename Observer>
-RegionChange update(Region& live, Region const& wanted, Observer const& observer) {
-    auto const storeOne = [&](auto& field, auto const& value) {
+struct ObservedStores {
+    Observer const& observer;
+
+    void link(std::uint32_t& field, std::uint32_t pos) const {
+        shm::storeLink(field, pos);
+        observer(&field);
+    }
+    template <typename Field>
+    void field(Field& field, Field const& value) const {
         shm::storeField(field, value);
         observer(&field);
-    };
-    return RegionUpdate(live, wanted, storeOne).run();
+    }
+};
+
+template <typename Observer>
+RegionChange update(Region& live, Region const& wanted, Observer const& observer) {
+    return RegionUpdate(live, wanted, ObservedStores<Observer>{observer}).run();
 }
 
 RegionChange update(Region& live, Region const& wanted) {

@@ -1,5 +1,6 @@
 #include "writer/PointIndex.h"
 
+#include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gtest/gtest.h>
@@ -7,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <new>
 
 namespace qel::test {
 
@@ -55,9 +57,13 @@ TEST(PointIndexTest, ValuePosition_AgreesWithAMapForRandomKeys) {
         unsigned int const range = step % 2 == 0 ? 0x100 : 0x10000;
         if (definition.mvs.size() > 90) {
             definition.mvs.clear();
+            sut.pointOf(definition)->clear();
         }
-        definition.mvs[static_cast<std::uint16_t>(random() % range)] = static_cast<unsigned int>(step);
-        sut.update(definition);
+        auto const newKey = static_cast<std::uint16_t>(random() % range);
+        if (definition.mvs.emplace(newKey, static_cast<unsigned int>(step)).second) {
+            sut.pointOf(definition)->reserve(definition.mvs.size());
+            sut.pointOf(definition)->insert(newKey, static_cast<std::size_t>(step));
+        }
         for (unsigned int key = 0; key <= 0xFFFF; ++key) {
             auto const known = definition.mvs.find(static_cast<std::uint16_t>(key));
             auto const found = sut.find(1)->valuePosition(static_cast<std::uint16_t>(key));
@@ -68,14 +74,68 @@ TEST(PointIndexTest, ValuePosition_AgreesWithAMapForRandomKeys) {
     }
 }
 
-TEST(PointIndexTest, Update_TakesOverNewValues) {
+TEST(PointIndexTest, InsertedValue_IsFound_BesideThoseBefore) {
     shm::PointIndex sut;
-    shm::MPDef definition(5, {{1, 10}});
+    shm::MPDef const definition(5, {{1, 10}});
     sut.add(1, definition);
-    definition.mvs[4] = 11;
     EXPECT_GE(sut.find(1)->valuePosition(4), values);
-    sut.update(definition);
+
+    sut.pointOf(definition)->reserve(2);
+    sut.pointOf(definition)->insert(4, 11);
+
     EXPECT_EQ(11U, sut.find(1)->valuePosition(4));
+    EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
+}
+
+TEST(PointIndexTest, RoomOnceMade_NeedsNoMemoryLater) {
+    shm::PointIndex sut;
+    shm::MPDef const definition(5, {});
+    sut.add(1, definition, 91);
+    auto const before = allocations();
+    for (std::uint16_t key = 0; key < 91; ++key) {
+        sut.pointOf(definition)->reserve(key + std::size_t{1});
+        sut.pointOf(definition)->insert(key, key);
+    }
+    EXPECT_EQ(before, allocations());
+    EXPECT_EQ(90U, sut.find(1)->valuePosition(90));
+}
+
+TEST(PointIndexTest, Reserve_WithoutMemory_LeavesTheValuesAsTheyAre) {
+    shm::PointIndex sut;
+    shm::MPDef const definition(5, {{1, 10}, {0x101, 11}});
+    sut.add(1, definition);
+    {
+        MemoryRunsOut const none(0);
+        EXPECT_THROW(sut.pointOf(definition)->reserve(1000), std::bad_alloc);
+    }
+    EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
+    EXPECT_EQ(11U, sut.find(1)->valuePosition(0x101));
+    EXPECT_GE(sut.find(1)->valuePosition(2), values);
+}
+
+TEST(PointIndexTest, Add_WithoutMemory_DoesNotKnowThePoint) {
+    shm::PointIndex sut;
+    shm::MPDef const definition(5, {{1, 10}});
+    {
+        MemoryRunsOut const none(0);
+        EXPECT_THROW(sut.add(1, definition), std::bad_alloc);
+    }
+    EXPECT_EQ(nullptr, sut.find(1));
+    EXPECT_FALSE(sut.isTaken(5));
+    EXPECT_EQ(nullptr, sut.pointOf(definition));
+}
+
+TEST(PointIndexTest, PointOf_KnowsADefinitionByItself_NotByItsContent) {
+    shm::PointIndex sut;
+    shm::MPDef const definition(5, {});
+    shm::MPDef const copy(definition);
+    sut.add(1, definition);
+    EXPECT_EQ(sut.find(1), sut.pointOf(definition));
+    EXPECT_EQ(nullptr, sut.pointOf(copy));
+    EXPECT_EQ(nullptr, sut.pointOf(shm::MPDef()));
+    EXPECT_TRUE(sut.isTaken(5));
+    EXPECT_EQ(1, sut.svidAt(5));
+    EXPECT_FALSE(sut.isTaken(4));
 }
 
 TEST(PointIndexTest, Remove_OfAnUnknownPoint_ChangesNothing) {

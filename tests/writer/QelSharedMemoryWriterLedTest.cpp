@@ -4,8 +4,8 @@
 
 #include "tests/reader/NoMoreThreads.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/LedFiles.h"
 #include "tests/support/FailureSeams.h"
+#include "tests/support/LedFiles.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <boost/thread/exceptions.hpp>
@@ -79,6 +79,32 @@ TEST_F(QelSharedMemoryWriterLedTest, ActivationAlone_DoesNotTouchTheLedThread) {
     sut.propagateStates(); // "On" as before
 
     EXPECT_EQ(before, locks());
+}
+
+TEST_F(QelSharedMemoryWriterLedTest, ActivationAfterAnAlarm_MakesLedAndRootAgree) {
+    setValue(eStatus_HighAlarm);
+    sut.propagateStates();
+    ASSERT_TRUE(ledShows("1/0/0"));
+
+    sut.setActive();
+    setValue(eStatus_NoError);
+    sut.propagateStates(); // "On", as the root says already
+
+    EXPECT_EQ(17, globalState());
+    EXPECT_TRUE(ledShows("0/1/0"));
+}
+
+TEST_F(QelSharedMemoryWriterLedTest, ActivationDuringAnAlarm_TheNextPropagationShowsItAgain) {
+    setValue(eStatus_HighAlarm);
+    sut.propagateStates();
+    ASSERT_TRUE(ledShows("1/0/0"));
+
+    sut.setActive();
+    EXPECT_TRUE(ledShows("0/1/0"));
+    sut.propagateStates();
+
+    EXPECT_EQ(23, globalState());
+    EXPECT_TRUE(ledShows("1/0/0"));
 }
 
 TEST_F(QelSharedMemoryWriterLedTest, FailingMutexOfTheLedThread_IsSwallowed_TheRootHasTheState) {

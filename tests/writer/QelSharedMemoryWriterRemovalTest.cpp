@@ -10,7 +10,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <new>
 #include <numeric>
+#include <set>
 #include <system_error>
 
 namespace qel::test {
@@ -349,6 +351,65 @@ TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_SlotThatIsNotKnown_IsLogged_Ke
     EXPECT_THAT(removed, UnorderedElementsAre(pointId(3, 0, 4)));
     EXPECT_THAT(devices(), IsEmpty());
     EXPECT_EQ(8799U, takeFreeValues().size());
+    EXPECT_EQ(799U, takeFreePoints().size());
+}
+
+TEST_F(QelSharedMemoryWriterRemovalTest, SlotThatBearsAnUnknownId_IsFreedOnce_AndItsPointComesBackFresh) {
+    sut.addStructure({{device, withKeys({1})}});
+    raw.set<std::int64_t>(field::guid, pointId(3, 0, 4));
+
+    EXPECT_TRUE(sut.removeStructure({}));
+    EXPECT_FALSE(sut.removeStructure({}));
+
+    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
+    EXPECT_TRUE(sut.addStructure({{device, withKeys({1})}}));
+    EXPECT_EQ(1U, raw.u32(field::devices));
+    EXPECT_EQ(8798U, takeFreeValues().size()); // the former value's slot stays behind
+    auto const free = takeFreePoints();
+    EXPECT_EQ(798U, free.size()); // one is the device's, one the values'
+    EXPECT_EQ(free.size(), std::set<std::uint32_t>(free.begin(), free.end()).size());
+}
+
+TEST_F(QelSharedMemoryWriterRemovalTest, SlotThatBearsTheIdOfAnotherPoint_NoSlotIsFreedTwice) {
+    sut.addStructure({{device, withKeys({1})}, {pointId(2, 0), withKeys({1, 2})}});
+    raw.set<std::int64_t>(rawPoint(1) + field::guid, device);
+
+    EXPECT_TRUE(sut.removeStructure({}));
+    EXPECT_FALSE(sut.removeStructure({}));
+
+    auto const values = takeFreeValues();
+    EXPECT_EQ(values.size(), std::set<std::uint32_t>(values.begin(), values.end()).size());
+    auto const free = takeFreePoints();
+    EXPECT_EQ(799U, free.size());
+    EXPECT_EQ(free.size(), std::set<std::uint32_t>(free.begin(), free.end()).size());
+}
+
+TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_OfAFreeSlot_DoesNotFreeItAgain) {
+    sut.addStructure({{device, withKeys({1})}});
+    std::unordered_set<long long> removed;
+
+    sut.unlinkMP(0, true, removed);
+    sut.unlinkMP(0, true, removed);
+    sut.removeStructure({});
+
+    EXPECT_EQ(8800U, takeFreeValues().size());
+    EXPECT_EQ(799U, takeFreePoints().size());
+}
+
+TEST_F(QelSharedMemoryWriterRemovalTest, LaterRemovalThatFails_LeavesTheEarlierOnesDone) {
+    sut.addStructure({{device, withKeys({1})}, {pointId(2, 0), withKeys({1})}});
+    {
+        MemoryRunsOut const soon(2); // for the ids of removed points: its places, and one of them
+        EXPECT_THROW(sut.removeStructure({}), std::bad_alloc);
+    }
+    EXPECT_THAT(devices(), ElementsAre(1));
+    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
+    EXPECT_TRUE(sut.updateMV(pointId(2, 0) | 1, measured(1.0)));
+
+    EXPECT_TRUE(sut.removeStructure({}));
+
+    EXPECT_THAT(devices(), IsEmpty());
+    EXPECT_EQ(8800U, takeFreeValues().size());
     EXPECT_EQ(799U, takeFreePoints().size());
 }
 

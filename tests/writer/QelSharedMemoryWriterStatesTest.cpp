@@ -2,8 +2,8 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
-#include "tests/support/SmallStack.h"
 #include "tests/support/FailureSeams.h"
+#include "tests/support/SmallStack.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>

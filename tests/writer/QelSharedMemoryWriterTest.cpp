@@ -408,6 +408,21 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_OneNewKeyOfAKnownPoint_AddsOneVal
     EXPECT_THAT(values(1), ElementsAre(3));                         // three values so far
 }
 
+TEST_F(QelSharedMemoryWriterTest, AddMP_RootsId_TakesNoSlot) {
+    for (auto const svid : {rootSvid, rootSvid | 1}) {
+        auto const before = raw.copy();
+        WriterLog log;
+
+        EXPECT_EQ(rawNone, sut.addMP(svid, {{1, 0}}, rawNone));
+
+        EXPECT_THAT(log.take(), ElementsAre(writerLine(Priority::INFO, "addMP: svid = " + hex(svid) +
+                                                                           ", ppos = 0xffffffff")));
+        EXPECT_EQ(before, raw.copy());
+    }
+    EXPECT_EQ(0U, sut.addMP(device, {}, rawNone)); // the first slot is still there
+    EXPECT_FALSE(sut.updateMV(rootSvid | 1, measured(1.0)));
+}
+
 TEST_F(QelSharedMemoryWriterTest, AddStructure_RootSvid_IsSkipped) {
     auto const before = raw.copy();
     WriterLog const log;

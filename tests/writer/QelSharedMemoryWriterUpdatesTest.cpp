@@ -2,15 +2,18 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cmath>
 #include <limits>
 #include <set>
+#include <thread>
 
 namespace qel::test {
 
@@ -263,6 +266,32 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_ExceptionOfNoStandardType_IsLo
     EXPECT_FALSE(updated);
     EXPECT_THAT(log.entries(),
                 ElementsAre(writerLine(Priority::ERROR, "updateMV: ran into a very exceptional state")));
+}
+
+TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_WhileItsPointGetsMoreValues_StoresEachTime) {
+    WriterLog const silence(log4cpp::Priority::EMERG);
+    sut.addMP(pointId(7, 0), {{0x100, 0}}, rawNone);
+    std::atomic<bool> stop{false};
+    std::atomic<unsigned int> stored{0};
+    std::atomic<unsigned int> refused{0};
+    std::thread updating([&] {
+        for (std::uint64_t time = 1; !stop; ++time) {
+            ++(sut.updateMV(pointId(7, 0) | 0x100, measured(1.0, time)) ? stored : refused);
+            sut.updateMV(pointId(7, 0) | (0x100 + static_cast<long long>(time % 600)), measured(2.0, time));
+            sut.updateMV(pointId(7, 0) | 0x30, measured(0.0, time));
+        }
+    });
+    for (unsigned int key = 0x101; key < 0x101 + 500; ++key) {
+        sut.addMP(pointId(7, 0), {{static_cast<unsigned short>(key), 0}}, rawNone);
+    }
+    eventually([&] { return stored > 0; });
+    stop = true;
+    updating.join();
+    EXPECT_EQ(0U, refused);
+    EXPECT_GT(stored, 0U);
+    for (unsigned int key = 0x100; key < 0x101 + 500; ++key) {
+        EXPECT_TRUE(sut.updateMV(pointId(7, 0) | key, measured(3.0))) << key;
+    }
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_Success_NeitherLogsNorAllocates) {

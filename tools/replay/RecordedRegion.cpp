@@ -1,8 +1,23 @@
 #include "tools/replay/RecordedRegion.h"
 
+#include <cstdint>
 #include <stdexcept>
 
 namespace qel::tools {
+
+namespace {
+
+/// Stores as the writer does.
+struct WriterStores {
+    static void link(std::uint32_t& field, std::uint32_t pos) { shm::storeLink(field, pos); }
+
+    template <typename Field>
+    static void field(Field& field, Field const& value) {
+        shm::storeField(field, value);
+    }
+};
+
+} // namespace
 
 RecordedRegion::RecordedRegion() : QelSharedMemoryAccess(shm::ShmAccess::Write) {
     QelSharedMemoryAccess::openShm();
@@ -13,10 +28,7 @@ RecordedRegion::RecordedRegion() : QelSharedMemoryAccess(shm::ShmAccess::Write) 
 }
 
 RegionChange RecordedRegion::store(inspect::Image const& image) {
-    auto const storeOne = [](auto& field, auto const& value) {
-        shm::storeField(field, value);
-    };
-    return RegionUpdate(*region(), image.region(), storeOne).run();
+    return RegionUpdate(*region(), image.region(), WriterStores()).run();
 }
 
 } // namespace qel::tools

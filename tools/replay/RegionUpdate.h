@@ -22,10 +22,11 @@ struct RegionChange {
 /// Stores the fields that differ, and nothing else: first cuts all links that change, then stores what slots hold, then
 /// sets the new links, and the root's version last. So at any moment the links are some of the old ones or some of the
 /// new ones, never both: together they could form a cycle, in which a reader would walk forever. Of a value the number
-/// comes after time and state, as the writer does it.
+/// comes after time and state, as the writer does it. Other processors see the three steps in this order too.
 ///
 /// Threads: not shared.
-/// @tparam Store called as store(field, value) for each single store but that of the version
+/// @tparam Store called for each single store but that of the version: as link(field, position) for links, which it
+///               stores with release order, as field(field, value) for all others
 template <typename Store>
 class RegionUpdate {
 public:
@@ -39,8 +40,9 @@ public:
 
     RegionChange run() {
         forEachLink([this](std::uint32_t& link, std::uint32_t wanted) {
-            return link != wanted && store(link, shm::NO_POSITION);
+            return link != wanted && storeLink(link, shm::NO_POSITION);
         });
+        shm::orderUnlinkBeforeReuse();
         for (auto const pos : points_) {
             storePoint(live_.points[pos], wanted_.points[pos]);
         }
@@ -48,7 +50,7 @@ public:
             storeValue(live_.values[pos], wanted_.values[pos]);
         }
         storeRoot();
-        forEachLink([this](std::uint32_t& link, std::uint32_t wanted) { return store(link, wanted); });
+        forEachLink([this](std::uint32_t& link, std::uint32_t wanted) { return storeLink(link, wanted); });
         if (live_.root.version != wanted_.root.version) {
             shm::storeVersion(live_.root, wanted_.root.version);
         }
@@ -84,7 +86,15 @@ private:
         if (inspect::hasSameBits(field, wanted)) {
             return false;
         }
-        storeOne_(field, wanted);
+        storeOne_.field(field, wanted);
+        return true;
+    }
+
+    bool storeLink(std::uint32_t& link, std::uint32_t wanted) {
+        if (link == wanted) {
+            return false;
+        }
+        storeOne_.link(link, wanted);
         return true;
     }
 

@@ -1,0 +1,334 @@
+// Every operation of the writer that changes the structure, with memory that ends at each of its allocations.
+
+#include "writer/QelSharedMemoryWriter.h"
+
+#include "tests/support/FailureSeams.h"
+#include "tests/writer/PlainTree.h"
+#include "tests/writer/WriterFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+constexpr long long device = pointId(1, 0);
+constexpr long long inlet = pointId(1, 0, 1);
+constexpr long long phase = pointId(1, 0, 1, 1);
+constexpr long long fuse = pointId(1, 0, 1, 1, 1);
+constexpr long long sensor = pointId(1, 1, 0, 1, 1);
+constexpr long long group = pointId(1, 2);
+
+constexpr long long socket(int number) {
+    return pointId(1, 0, 1, 1, 1, number);
+}
+
+/// A unit with points of every kind; its point ids are in no particular order of slots.
+Definitions smallUnit() {
+    return {{device, withKeys({1, 4})}, {inlet, withKeys({1})},        {phase, withKeys({})},
+            {fuse, withKeys({19})},     {socket(1), withKeys({1, 4})}, {socket(3), withKeys({1, 4, 19})},
+            {sensor, withKeys({6, 7})}, {group, withKeys({19})}};
+}
+
+/// One point with more values than one step of the index holds.
+Definitions manyValues() {
+    Definitions unit{{device, {}}};
+    for (unsigned short key = 0; key < 20; ++key) {
+        unit[device].mvs[static_cast<unsigned short>(0x100 + key * 7)] = 0;
+    }
+    return unit;
+}
+
+Definitions without(Definitions unit, std::vector<long long> const& svids) {
+    for (auto const svid : svids) {
+        unit.erase(svid);
+    }
+    return unit;
+}
+
+std::unordered_set<long long> svidsOf(Definitions const& unit) {
+    std::unordered_set<long long> svids;
+    for (auto const& [svid, definition] : unit) {
+        svids.insert(svid);
+        for (auto const& value : definition.mvs) {
+            svids.insert(svid | value.first);
+        }
+    }
+    return svids;
+}
+
+/// Fuses with 38 sockets each: short lists.
+long long filler(int number) {
+    return number % 39 == 0 ? pointId(1, 0, 1, 1, 2 + number / 39)
+                            : pointId(1, 0, 1, 1, 2 + number / 39, number % 39);
+}
+
+/// The small unit and as many points more as there are slots.
+Definitions fullUnit() {
+    auto unit = smallUnit();
+    for (int i = 0; unit.size() < 800; ++i) {
+        unit[filler(i)] = withKeys({1, 2, 3});
+    }
+    return unit;
+}
+
+struct Case {
+    std::string name;
+    std::function<void(ExposedWriter&)> prepare;
+    std::function<void(ExposedWriter&)> operate;
+};
+
+std::ostream& operator<<(std::ostream& out, Case const& one) {
+    return out << one.name;
+}
+
+void nothing(ExposedWriter& /*writer*/) {}
+void layOut(ExposedWriter& writer) {
+    writer.addStructure(smallUnit());
+    writer.setActive();
+}
+void layOutInFullTables(ExposedWriter& writer) {
+    writer.addStructure(fullUnit());
+    writer.removeStructure(without(fullUnit(), {filler(1), filler(2), filler(5), filler(6)}));
+    writer.setActive();
+}
+
+std::vector<Case> cases() {
+    Keys const twoKeys{{2, 0}, {19, 0}};
+    return {
+        {"AddMP_TopLevel", nothing,
+         [=](auto& writer) {
+             writer.addMP(device, twoKeys, rawNone);
+         }},
+        {"AddMP_WithoutValues", layOut,
+         [](auto& writer) {
+             writer.addMP(pointId(2, 0), {}, rawNone);
+         }},
+        {"AddMP_BetweenSiblings", layOut,
+         [=](auto& writer) {
+             writer.addMP(socket(2), twoKeys, 3);
+         }},
+        {"AddMP_BeforeSiblings", layOut,
+         [=](auto& writer) {
+             writer.addMP(socket(0), twoKeys, 3);
+         }},
+        {"AddMP_ManyValues", layOut,
+         [](auto& writer) {
+             writer.addMP(pointId(2, 0), manyValues().at(device).mvs, rawNone);
+         }},
+        {"AddMP_KnownPoint", layOut,
+         [=](auto& writer) {
+             writer.addMP(device, twoKeys, rawNone);
+         }},
+        {"AddMP_KnownPointManyValues", layOut,
+         [](auto& writer) {
+             writer.addMP(device, manyValues().at(device).mvs, rawNone);
+         }},
+        {"AddMP_RecycledSlots", layOutInFullTables,
+         [=](auto& writer) {
+             writer.addMP(socket(2), twoKeys, 3);
+         }},
+        {"AddStructure_FromEmpty", nothing,
+         [](auto& writer) {
+             writer.addStructure(smallUnit());
+         }},
+        {"AddStructure_ManyValues", nothing,
+         [](auto& writer) {
+             writer.addStructure(manyValues());
+         }},
+        {"AddStructure_TheRest",
+         [](auto& writer) {
+             writer.addStructure(without(smallUnit(), {socket(1), sensor, group}));
+         },
+         [](auto& writer) {
+             writer.addStructure(smallUnit());
+         }},
+        {"AddStructure_RecycledSlots", layOutInFullTables,
+         [](auto& writer) {
+             writer.addStructure({{socket(5), withKeys({1, 2})}, {socket(6), withKeys({1, 2, 3})}});
+         }},
+        {"ModifyStructure_AddsAndRemoves", layOut,
+         [](auto& writer) {
+             auto unit = without(smallUnit(), {socket(1), sensor});
+             unit[socket(2)] = withKeys({1, 4});
+             unit[device].mvs[50] = 0;
+             writer.modifyStructure(svidsOf(unit));
+         }},
+        {"RemoveStructure_Leaf", layOut,
+         [](auto& writer) {
+             writer.removeStructure(without(smallUnit(), {socket(3)}));
+         }},
+        {"RemoveStructure_Subtree", layOut,
+         [](auto& writer) {
+             writer.removeStructure(without(smallUnit(), {fuse, socket(1), socket(3)}));
+         }},
+        {"RemoveStructure_Everything", layOut,
+         [](auto& writer) {
+             writer.removeStructure({});
+         }},
+        {"RemoveStructure_ManyValues", [](auto& writer) { writer.addStructure(manyValues()); },
+         [](auto& writer) {
+             writer.removeStructure({});
+         }},
+        {"RemoveStructure_FullTables", layOutInFullTables,
+         [remaining = without(fullUnit(), {socket(3), filler(3), filler(700)})](auto& writer) {
+             writer.removeStructure(remaining);
+         }},
+        {"InjectTypes", layOut,
+         [](auto& writer) {
+             writer.injectTypes({{device, 1}, {socket(1), 5}, {sensor | 6, 3}, {77, 1}});
+         }},
+    };
+}
+
+/// A writer and its region, laid out for a case.
+struct Laid {
+    explicit Laid(Case const& one) { one.prepare(writer); }
+
+    WriterLog silence{log4cpp::Priority::EMERG};
+    ExposedWriter writer;
+    RawRegion raw;
+};
+
+/// What the region may never show: a slot or an id twice, a list whose ways back are not its ways forth; and what
+/// cannot be done with it: to update a value that it shows.
+void expectSound(Laid& laid) {
+    PlainTree const tree(laid.raw);
+    EXPECT_THAT(tree.faults(), testing::IsEmpty());
+    for (auto const& [pos, point] : tree.points()) {
+        for (auto const& [key, value] : point.values) {
+            auto const at = laid.raw.get<std::uint64_t>(rawValue(value) + field::valueAt);
+            EXPECT_TRUE(laid.writer.updateMV(point.guid | key, measured(0.0, at + 1))) << "key " << key;
+            EXPECT_EQ(at + 1, laid.raw.get<std::uint64_t>(rawValue(value) + field::valueAt))
+                << "another slot was stored to, key " << key;
+        }
+    }
+}
+
+/// Takes all free slots: each slot is either among them, once, or in use.
+void expectEachSlotFreeOnceOrInUse(Laid& laid) {
+    PlainTree const before(laid.raw);
+    auto points = before.pointSlots();
+    auto values = before.valueSlots();
+    // The points first, so that one is left for the values.
+    std::vector<unsigned int> taken;
+    for (int i = 0;; ++i) {
+        // Of a kind that is linked nowhere, which takes no time.
+        auto const pos = laid.writer.addMP(pointId(100 + i / 256, 3, i % 256), {}, rawNone);
+        if (pos == rawNone) {
+            break;
+        }
+        EXPECT_TRUE(points.insert(pos).second) << "point slot " << pos << " is in use";
+        taken.push_back(pos);
+        ASSERT_LE(taken.size(), 800U);
+    }
+    EXPECT_EQ(800U, points.size());
+    ASSERT_FALSE(before.points().empty() && taken.empty());
+    auto const owner = taken.empty() ? before.points().begin()->second.guid
+                                     : laid.raw.get<std::int64_t>(rawPoint(taken.front()) + field::guid);
+    Keys keys;
+    for (unsigned int key = 0x400; key < 0x400 + 8801; ++key) {
+        keys[static_cast<unsigned short>(key)] = 0;
+    }
+    auto const known = values.size();
+    laid.writer.addMP(owner, keys, rawNone);
+    std::set<std::uint32_t> handedOut;
+    for (unsigned int key = 0x400; key < 0x400 + 8801; ++key) {
+        // A value's slot is where its time goes.
+        if (laid.writer.updateMV(owner | key, measured(0.0, 0x5E00000000ULL + key))) {
+            handedOut.insert(key);
+        }
+    }
+    EXPECT_EQ(8800U, known + handedOut.size());
+    std::set<std::uint64_t> times;
+    for (std::uint32_t pos = 0; pos < 8800; ++pos) {
+        auto const time = laid.raw.get<std::uint64_t>(rawValue(pos) + field::valueAt);
+        if (time >= 0x5E00000000ULL && times.insert(time).second) {
+            EXPECT_TRUE(values.insert(pos).second) << "value slot " << pos << " is in use";
+        }
+    }
+    EXPECT_EQ(handedOut.size(), times.size()) << "two keys share a slot";
+    EXPECT_EQ(8800U, values.size());
+}
+
+} // namespace
+
+class MemoryEndsTest : public testing::TestWithParam<Case> {};
+
+TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
+    std::vector<std::uint8_t> undisturbed;
+    {
+        Laid laid(GetParam());
+        GetParam().operate(laid.writer);
+        undisturbed = laid.raw.copy();
+        ASSERT_NO_FATAL_FAILURE(expectSound(laid));
+        ASSERT_NO_FATAL_FAILURE(expectEachSlotFreeOnceOrInUse(laid));
+    }
+    for (std::size_t allowed = 0;; ++allowed) {
+        SCOPED_TRACE(std::to_string(allowed) + " allocations succeed");
+        Laid laid(GetParam());
+        bool failed = false;
+        {
+            MemoryRunsOut const then(allowed);
+            try {
+                GetParam().operate(laid.writer);
+            } catch (std::bad_alloc const&) {
+                failed = true;
+            }
+        }
+        if (!failed) {
+            EXPECT_EQ(undisturbed, laid.raw.copy());
+            EXPECT_GT(allowed, 0U) << "nothing was ever allocated";
+            return;
+        }
+        auto const left = laid.raw.copy();
+        expectSound(laid);
+        std::memcpy(laid.raw.bytes(), left.data(), left.size()); // without the updates
+
+        GetParam().operate(laid.writer);
+
+        EXPECT_TRUE(undisturbed == laid.raw.copy()) << "the retry makes another region";
+        expectSound(laid);
+        expectEachSlotFreeOnceOrInUse(laid);
+        if (HasFailure()) {
+            return;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Operation, MemoryEndsTest, testing::ValuesIn(cases()),
+                         [](auto const& one) { return one.param.name; });
+
+TEST(MemoryEndsHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
+    Laid laid({"", layOut, nothing});
+    auto const before = allocations();
+    auto value = measured(2.5, 7, eStatus_HighAlarm);
+    auto own = measured(0.0, 8, eStatus_Off);
+    auto const made = allocations() - before;
+    {
+        MemoryRunsOut const none(0);
+        EXPECT_TRUE(laid.writer.updateMV(device | 1, std::move(value)));
+        EXPECT_TRUE(laid.writer.updateMV(inlet | 0x30, std::move(own)));
+        laid.writer.propagateStates();
+        laid.writer.setActive();
+        laid.writer.propagateStates();
+    }
+    EXPECT_EQ(before + made, allocations());
+    EXPECT_EQ(9, laid.raw.get<std::int32_t>(rawPoint(0) + field::pointState));
+    EXPECT_EQ(23, laid.raw.get<std::int32_t>(field::rootState));
+}
+
+} // namespace qel::test
