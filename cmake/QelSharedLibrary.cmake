@@ -24,6 +24,9 @@ target_link_libraries(QelSharedMemory
           $<BUILD_INTERFACE:PkgConfig::GIO> $<BUILD_INTERFACE:Boost::thread> $<BUILD_INTERFACE:Boost::chrono>
           $<BUILD_INTERFACE:Boost::system> $<BUILD_INTERFACE:Threads::Threads>)
 target_link_options(QelSharedMemory PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
+# Once loaded it stays: GLib never forgets the types that the library has registered, whose code would be gone, and a
+# second load could not register them again.
+target_link_options(QelSharedMemory PRIVATE LINKER:-z,nodelete)
 set_property(TARGET QelSharedMemory APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
 
 install(TARGETS QelSharedMemory EXPORT QelSharedMemoryTargets

@@ -1,6 +1,7 @@
 #include "domain/SensorIdentifier.h"
 
 #include <cstdint>
+#include <locale>
 #include <sstream>
 
 namespace {
@@ -52,6 +53,7 @@ unsigned short SensorIdentifier::getKey(long long svid) {
 std::string SensorIdentifier::explain(long long svid) {
     auto const parts = getSensorIdParts(svid);
     std::ostringstream text;
+    text.imbue(std::locale::classic()); // no digit grouping, whatever the process's locale
     text << std::hex << "0x";
     text.width(16);
     text.fill('0');

@@ -2,6 +2,7 @@
 
 #include "format/HexText.h"
 #include "format/Names.h"
+#include "format/NumberText.h"
 #include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "region/QelShmMPnt.h"
@@ -30,10 +31,10 @@ std::ostream& operator<<(std::ostream& out, QelShmMVal const& mv) {
     if (!mv) {
         return out << "QSMV {}";
     }
-    // Deliberate: the stream stays decimal.
+    // Deliberate: the stream stays decimal. (Numbers and words are no part of the stream's locale.)
     return out << "QSMV {key = " << hexText(mv->key, keyDigits) << " [" << keyName(mv->key)
                << "], value = " << tav::ValueFormatter::str(mv) << ", state = " << stateName(mv->state)
-               << ", at = " << std::dec << mv->at << '}';
+               << ", at = " << std::dec << integerText(mv->at, std::ios_base::dec) << '}';
 }
 
 std::ostream& operator<<(std::ostream& out, QelShmMPnt const& mp) {
@@ -42,18 +43,21 @@ std::ostream& operator<<(std::ostream& out, QelShmMPnt const& mp) {
     }
     // Deliberate: the position is in the base the caller chose; booleans stay words.
     return out << "QSMP {guid = " << hexText(static_cast<std::uint64_t>(mp->guid), guidDigits)
-               << ", pos = " << mp->pos << ", " << keyName(stateKey) << " = " << stateName(mp->state) << ", "
-               << keyName(typeKey) << " = " << mp.tstr() << std::boolalpha
-               << ", mvs = " << (mp->mvs < MV_COUNT) << ", children = " << (mp->children < MP_COUNT) << '}';
+               << ", pos = " << integerText(mp->pos, out.flags()) << ", " << keyName(stateKey) << " = "
+               << stateName(mp->state) << ", " << keyName(typeKey) << " = " << mp.tstr() << std::boolalpha
+               << ", mvs = " << wordOf(mp->mvs < MV_COUNT)
+               << ", children = " << wordOf(mp->children < MP_COUNT) << '}';
 }
 
 std::ostream& operator<<(std::ostream& out, QelShmRoot const& root) {
-    out << std::boolalpha << "QSR {valid = " << static_cast<bool>(root);
+    out << std::boolalpha << "QSR {valid = " << wordOf(static_cast<bool>(root));
     if (root) {
         // Deliberate: the counts are hexadecimal too, and the stream stays so.
-        out << std::hex << std::showbase << ", version = " << static_cast<unsigned int>(root->version) << ", "
-            << keyName(stateKey) << " = " << stateName(root->state) << ", devices = " << root.dvcCnt()
-            << ", groups = " << root.grpCnt();
+        out << std::hex << std::showbase;
+        auto const flags = out.flags();
+        out << ", version = " << integerText(root->version, flags) << ", " << keyName(stateKey) << " = "
+            << stateName(root->state) << ", devices = " << integerText(root.dvcCnt(), flags)
+            << ", groups = " << integerText(root.grpCnt(), flags);
     }
     return out << '}';
 }

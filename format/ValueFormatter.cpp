@@ -1,6 +1,7 @@
 #include "format/ValueFormatter.h"
 
 #include "format/KeyFormat.h"
+#include "format/NumberText.h"
 #include "format/StateName.h"
 #include "format/Units.h"
 #include "region/LogLine.h"
@@ -16,7 +17,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <exception>
 #include <limits>
 #include <string_view>
@@ -100,13 +100,14 @@ std::string ValueFormatter::format(unsigned short key, std::string const& separa
 }
 
 std::string ValueFormatter::str(unsigned short key, double value, std::string const& separator) {
-    constexpr std::size_t textSize = 32;
+    constexpr std::size_t longest = 31;
     auto const keyed = keyFormat(key);
-    auto const tail = printed(suffix(keyed, separator));
-    std::array<char, textSize> text{};
-    // What does not fit is cut off.
-    static_cast<void>(std::snprintf(text.data(), text.size(), "%.*f%s", keyed.decimals, value, tail.c_str()));
-    return text.data();
+    // As far as a terminating zero, as printf would take it.
+    auto text = shm::fixedText(value, keyed.decimals) + printed(suffix(keyed, separator)).c_str();
+    if (text.size() > longest) {
+        text.resize(longest);
+    }
+    return text;
 }
 
 std::string ValueFormatter::str(shm::QelShmMVal const& mv) {

@@ -19,7 +19,7 @@ namespace tav {
 /// Formats by value key: each key has a number of decimals, most a unit and a power of ten for fixed-point
 /// numbers. A key without an entry of its own has one decimal, no unit and no scale. A value that is missing
 /// (free slot, state -1) shows as "--", one that is still expected (state -2) as "n/a".
-/// Numbers are written by the rules of printf, LC_NUMERIC included.
+/// Numbers are written as printf does in the locale "C", whatever the process's locale.
 ///
 /// Threads: all operations may be called from any thread. Nothing is kept.
 class QEL_EXPORT ValueFormatter {

@@ -7,14 +7,18 @@
 #include <atomic>
 #include <memory>
 
-namespace boost {
-class thread;
+namespace shm {
+class OwnedThread;
 }
 
 /// Owns at most one operating-system thread, which runs run() of the derived class. A derived loop asks
 /// running() once per turn and returns when it gives false.
 ///
 /// An object must be joined before it is destroyed: destroying it lets its thread run on, detached.
+///
+/// A forked child has a copy of the object, but not its thread: there start(), join() and the destructor first let go
+/// of the thread that was started before the fork, without a word and without asking the system about it, and the
+/// object counts as never started.
 ///
 /// Threads: start() and join() belong to one thread at a time; running() may be asked from any.
 class QEL_EXPORT Thread {
@@ -53,6 +57,8 @@ protected:
 private:
     void detach();
 
-    std::unique_ptr<boost::thread> thread_;
+    // In the order of the binary contract. What the thread must know about itself stands with it, not here: what
+    // derives from this class begins in the room behind the flag.
+    std::unique_ptr<shm::OwnedThread> thread_;
     std::atomic<bool> running_;
 };

@@ -3,50 +3,106 @@
 #include "domain/Logger.h"
 
 #include <log4cpp/Category.hh>
+#include <log4cpp/LoggingEvent.hh>
+#include <log4cpp/NDC.hh>
 
+#include <atomic>
+#include <cstddef>
 #include <locale>
+#include <new>
 
 namespace shm {
 
-LogLine::LogLine(log4cpp::Category& category, log4cpp::Priority::Value level, std::string_view operation)
+namespace {
+
+using KnownCategory = std::atomic<log4cpp::Category*>;
+
+LogCategory lookUp(KnownCategory& known, char const* name) noexcept {
+    auto* category = known.load(std::memory_order_acquire);
+    if (category == nullptr) {
+        try {
+            category = &Logger::getInstance().getCategory(name);
+            known.store(category, std::memory_order_release);
+        } catch (...) {
+            category = nullptr; // asked for again with the next line
+        }
+    }
+    return LogCategory(category);
+}
+
+/// Throws std::bad_alloc unless the memory is there that appenders usually need for a line of this length. log4cpp ends
+/// the process when an appender throws, so memory that has come to its end shall show here.
+void requireMemoryForAppenders(std::size_t length) {
+    constexpr std::size_t atLeast = 4096;
+    constexpr std::size_t perCharacter = 8;
+    // The functions, not new and delete: a compiler may leave out the pair of those.
+    ::operator delete(::operator new(atLeast + perCharacter * length));
+}
+
+} // namespace
+
+bool LogCategory::isPriorityEnabled(log4cpp::Priority::Value level) const noexcept {
+    return category_ != nullptr && category_->isPriorityEnabled(level);
+}
+
+std::string LogCategory::getName() const {
+    return category_ != nullptr ? category_->getName() : std::string();
+}
+
+LogLine::LogLine(LogCategory category, log4cpp::Priority::Value level, std::string_view operation) noexcept
     : category_(category),
       level_(level) {
-    if (category_.isPriorityEnabled(level_)) {
+    if (!category_.isPriorityEnabled(level_)) {
+        return;
+    }
+    try {
         text_.emplace();
         text_->imbue(std::locale::classic()); // no digit grouping, whatever the process's locale
         *text_ << std::hex << std::showbase << operation << ": ";
+    } catch (...) {
+        text_.reset();
     }
 }
 
 LogLine::~LogLine() {
-    if (text_) {
-        category_.log(level_, text_->str());
+    // A failed stream has swallowed an exception (those of streams' own printing do not pass), so the text has a gap.
+    if (!text_ || text_->fail()) {
+        return;
+    }
+    try {
+        // Not by Category::log(): declared not to throw, it would end the process when memory ends within.
+        log4cpp::LoggingEvent const event(category_.get()->getName(), text_->str(), log4cpp::NDC::get(),
+                                          level_);
+        requireMemoryForAppenders(event.message.size());
+        category_.get()->callAppenders(event);
+    } catch (...) {
+        return; // dropped
     }
 }
 
-log4cpp::Category& accessLog() {
-    static log4cpp::Category& category = Logger::getInstance().getCategory("qel.shm.access");
-    return category;
+LogCategory accessLog() noexcept {
+    static KnownCategory known{nullptr};
+    return lookUp(known, "qel.shm.access");
 }
 
-log4cpp::Category& writerLog() {
-    static log4cpp::Category& category = Logger::getInstance().getCategory("qel.shm.access.writer");
-    return category;
+LogCategory writerLog() noexcept {
+    static KnownCategory known{nullptr};
+    return lookUp(known, "qel.shm.access.writer");
 }
 
-log4cpp::Category& readerLog() {
-    static log4cpp::Category& category = Logger::getInstance().getCategory("qel.shm.access.reader");
-    return category;
+LogCategory readerLog() noexcept {
+    static KnownCategory known{nullptr};
+    return lookUp(known, "qel.shm.access.reader");
 }
 
-log4cpp::Category& statesLog() {
-    static log4cpp::Category& category = Logger::getInstance().getCategory("qel.shm.access.states");
-    return category;
+LogCategory statesLog() noexcept {
+    static KnownCategory known{nullptr};
+    return lookUp(known, "qel.shm.access.states");
 }
 
-log4cpp::Category& formatLog() {
-    static log4cpp::Category& category = Logger::getInstance().getCategory("qel.shm.access.format");
-    return category;
+LogCategory formatLog() noexcept {
+    static KnownCategory known{nullptr};
+    return lookUp(known, "qel.shm.access.format");
 }
 
 } // namespace shm

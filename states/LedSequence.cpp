@@ -39,7 +39,7 @@ LedLevels const* LedSequence::tick(eStatus_Bits requested, eStatus_Bits& shown) 
 
     auto const previous = std::exchange(current_, next_);
     next_ = (current_ + 1) % sequence_->length();
-    if (current_ == previous) {
+    if (current_ == previous && surelyShown_) {
         return nullptr;
     }
     auto const* const color = findRow(tables_.colors, sequence_->at(current_));

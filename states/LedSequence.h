@@ -26,6 +26,13 @@ public:
     /// @return the levels to show now, null when they stay as they are or the colour has no levels
     LedLevels const* tick(eStatus_Bits requested, eStatus_Bits& shown);
 
+    /// Says whether the levels that tick() gave last were surely shown. If not, the next tick() gives levels even if
+    /// the colour stays.
+    void markShown(bool surely) { surelyShown_ = surely; }
+
+    /// What was said last; true to begin with.
+    bool isSurelyShown() const { return surelyShown_; }
+
 private:
     void begin(ColorSequence const& sequence);
 
@@ -34,6 +41,7 @@ private:
     // A place past the end stands for "no colour yet", so the first colour differs from it and is shown.
     std::size_t current_ = 0;
     std::size_t next_ = 0;
+    bool surelyShown_ = true;
 };
 
 } // namespace shm

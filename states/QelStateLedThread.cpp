@@ -48,10 +48,18 @@ void QelStateLedThread::request(eStatus_Bits state) {
     requested_ = state;
 }
 
-void QelStateLedThread::tick(LedSequence& sequence) {
-    std::lock_guard<std::recursive_mutex> const lock(mutex_);
-    if (auto const* const levels = sequence.tick(requested_, shown_)) {
-        update(*levels, false);
+void QelStateLedThread::tick(LedSequence& sequence) noexcept {
+    try {
+        auto const requested = [this] {
+            std::lock_guard<std::recursive_mutex> const lock(mutex_);
+            return requested_;
+        }();
+        if (auto const* const levels = sequence.tick(requested, shown_)) {
+            update(*levels, !sequence.isSurelyShown());
+            sequence.markShown(true);
+        }
+    } catch (...) {
+        sequence.markShown(false);
     }
 }
 

@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <limits>
+#include <locale>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -76,6 +78,20 @@ TEST(SensorIdentifierTest, Explain_LevelsAreDecimalAndTheKeyHexadecimal) {
               "0x0a010b0c0d0e0102 (I2C, device 10, inlet 11, phase 12, circuit 13, socket 14, key 0x102)");
     EXPECT_EQ(SensorIdentifier::explain(0),
               "0x0000000000000000 (Electrical, device 0, inlet 0, phase 0, circuit 0, socket 0)");
+}
+
+/// Puts each digit of a number into a group of its own.
+struct GroupedDigits : std::numpunct<char> {
+    std::string do_grouping() const override { return "\1"; }
+    char do_thousands_sep() const override { return '.'; }
+};
+
+TEST(SensorIdentifierTest, Explain_TheLocaleOfTheProcessDoesNotShow) {
+    auto const former = std::locale::global(std::locale(std::locale::classic(), new GroupedDigits));
+    auto const text = SensorIdentifier::explain(svid(0x0A010B0C0D0E0102ULL));
+    std::locale::global(former);
+    EXPECT_EQ(text,
+              "0x0a010b0c0d0e0102 (I2C, device 10, inlet 11, phase 12, circuit 13, socket 14, key 0x102)");
 }
 
 TEST(SensorIdentifierTest, GetSensorVariableId_AppendsTheKey) {

@@ -7,6 +7,7 @@
 #include "region/QelShmMVal.h"
 #include "region/QelShmRoot.h"
 #include "tests/format/RawValue.h"
+#include "tests/support/CommaLocale.h"
 #include "tests/support/RawRegion.h"
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 #include <cstring>
 #include <iomanip>
 #include <ios>
+#include <locale>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -386,6 +388,42 @@ TEST(PrintRootTest, ReturnsTheStream) {
     std::ostringstream out;
     EXPECT_EQ(&(out << bytes.root()), &out);
     EXPECT_EQ(&(out << QelShmRoot()), &out);
+}
+
+TEST(PrintTest, DoesNotFollowTheLocale) {
+    qel::test::CommaLocale const locale;
+    if (!locale.problem().empty()) {
+        GTEST_SKIP() << locale.problem();
+    }
+    RawValue value(1, 230.1, 0, 1700000000123);
+    std::ostringstream out; // of the process's locale
+    out << value.handle();
+    EXPECT_EQ(out.str(),
+              "QSMV {key = 0x0001 [Voltage], value = 230.1 V, state = No Error, at = 1700000000123}");
+
+    Bytes bytes;
+    out.str("");
+    out << bytes.point();
+    EXPECT_NE(out.str().find(", pos = 4294967295, "), std::string::npos) << out.str();
+}
+
+/// Has words of its own for booleans, and digits in groups.
+struct OwnWords : std::numpunct<char> {
+    std::string do_truename() const override { return "ja"; }
+    std::string do_falsename() const override { return "nein"; }
+    std::string do_grouping() const override { return "\1"; }
+    char do_thousands_sep() const override { return '.'; }
+};
+
+TEST(PrintTest, DoesNotFollowTheStreamsLocale) {
+    Bytes bytes;
+    std::ostringstream out;
+    out.imbue(std::locale(std::locale::classic(), new OwnWords));
+    out << bytes.point() << bytes.root();
+    std::ostringstream plain;
+    plain << bytes.point() << bytes.root();
+    EXPECT_EQ(out.str(), plain.str());
+    EXPECT_NE(out.str().find("version = 0xff"), std::string::npos) << out.str();
 }
 
 TEST(PrintTest, ChangesNothingInTheRegion) {

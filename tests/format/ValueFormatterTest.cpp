@@ -2,6 +2,7 @@
 
 #include "region/QelShmMVal.h"
 #include "tests/format/RawValue.h"
+#include "tests/support/CommaLocale.h"
 #include "tests/support/LogCapture.h"
 
 #include <gmock/gmock.h>
@@ -19,6 +20,7 @@
 
 namespace {
 
+using qel::test::CommaLocale;
 using qel::test::keyOffset;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
@@ -182,6 +184,25 @@ TEST(ValueFormatterTest, Str_LongerThan31Characters_IsCutThere) {
     EXPECT_EQ(ValueFormatter::str(1, 1e27, " "), "1000000000000000013287555072.0 "); // nor here
     EXPECT_EQ(ValueFormatter::str(1, 1e26, " "), "100000000000000004764729344.0 V"); // 31 with it
     EXPECT_EQ(ValueFormatter::str(1, 1, std::string(100, '-')), "1.0" + std::string(28, '-'));
+}
+
+TEST(ValueFormatterTest, Str_TakesTheSeparatorUpToAZero) {
+    EXPECT_EQ(ValueFormatter::str(1, 1, std::string("-\0-", 3)), "1.0-");
+}
+
+TEST(ValueFormatterTest, NoTextFollowsTheLocale) {
+    CommaLocale const locale;
+    if (!locale.problem().empty()) {
+        GTEST_SKIP() << locale.problem();
+    }
+    ASSERT_EQ(plainText(1, 230.1, " "), "230,1 V") << "what printf itself writes";
+    EXPECT_EQ(ValueFormatter::str(1, 230.1, " "), "230.1 V");
+    EXPECT_EQ(ValueFormatter::str(17, 0.95, "|"), "0.950");
+    EXPECT_EQ(ValueFormatter::str(16, 1234567.0, "|"), "1234567|\u00B0");
+    EXPECT_EQ(ValueFormatter::strForDisplay(1, 230.1, eStatus_NoError), "230.1|V");
+    EXPECT_EQ(ValueFormatter::format(4, " "), "%.2f A");
+    RawValue slot(4, 1.234, 0);
+    EXPECT_EQ(ValueFormatter::str(slot.handle()), "1.23 A");
 }
 
 TEST(ValueFormatterTest, StrOfASlot_JoinsWithABlank) {

@@ -2,11 +2,17 @@
 
 #include "tests/reader/NoMoreThreads.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/ForkedChild.h"
+#include "tests/support/ThreadSanitizer.h"
 
 #include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>
 
+#include <sys/types.h>
+#include <unistd.h>
+
 #include <atomic>
+#include <cstdlib>
 #include <functional>
 #include <future>
 #include <memory>
@@ -18,6 +24,7 @@
 namespace {
 
 using qel::test::eventually;
+using qel::test::inForkedChild;
 using qel::test::NoMoreThreads;
 
 /// Notes which of its operations were called, and with which running flag.
@@ -247,6 +254,106 @@ TEST(Thread, Destructor_LetsUnjoinedThreadRunOn) {
     sut.reset();
     shared->release.set_value();
     EXPECT_EQ(shared->ended.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+}
+
+TEST(Thread, LeavesTheRoomBehindItsFlagToDerivedClasses) {
+    class Flagged : public Thread {
+        void run() override {}
+        [[maybe_unused]] bool flag_ = false;
+        [[maybe_unused]] short number_ = 0;
+    };
+    static_assert(sizeof(Thread) == 3 * sizeof(void*));
+    static_assert(sizeof(Flagged) == sizeof(Thread));
+}
+
+TEST(Thread, Join_InAForkedChild_ForgetsTheThreadAndCallsNothing) {
+    std::promise<void> release;
+    NotingThread sut([&] { release.get_future().wait(); });
+    sut.start();
+    ASSERT_TRUE(sut.waitForRun());
+    auto const status = inForkedChild([&] {
+        sut.join();
+        bool const forgotten = !sut.isRunning() && sut.stops().empty();
+        sut.join();
+        return forgotten && sut.stops().empty() ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(sut.isRunning()) << "in the parent";
+    release.set_value();
+    sut.join();
+    EXPECT_EQ(sut.stops(), orderlyStop);
+}
+
+TEST(Thread, Join_InAForkedChild_DoesNotWaitForABodyThatHadEnded) {
+    if (qel::test::underThreadSanitizer) {
+        GTEST_SKIP() << "it demands that the child joins the thread of its parent";
+    }
+    NotingThread sut;
+    sut.start();
+    ASSERT_TRUE(sut.waitForRun());
+    EXPECT_EQ(inForkedChild([&] {
+                  sut.join();
+                  return sut.stops().empty() ? 0 : 1;
+              }),
+              0);
+    sut.join();
+}
+
+TEST(Thread, Destructor_InAForkedChild_LetsGoOfTheThread) {
+    std::promise<void> release;
+    auto sut = std::make_unique<NotingThread>([&] { release.get_future().wait(); });
+    sut->start();
+    ASSERT_TRUE(sut->waitForRun());
+    EXPECT_EQ(inForkedChild([&] {
+                  sut.reset();
+                  return 0;
+              }),
+              0);
+    release.set_value();
+    sut->join();
+    EXPECT_EQ(sut->stops(), orderlyStop);
+}
+
+TEST(Thread, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
+    struct Joined {
+        std::promise<void> release;
+        NotingThread thread{[this] {
+            release.get_future().wait();
+        }};
+        ~Joined() { thread.join(); }
+    };
+    static Joined sut;
+    sut.thread.start();
+    ASSERT_TRUE(sut.thread.waitForRun());
+    EXPECT_EQ(inForkedChild([]() -> int { std::exit(3); }), 3);
+    EXPECT_TRUE(sut.thread.isRunning()) << "in the parent";
+    sut.release.set_value();
+    sut.thread.join();
+}
+
+TEST(Thread, Start_InAForkedChild_StartsAThreadOfTheChildsOwn) {
+    if (qel::test::underThreadSanitizer) {
+        GTEST_SKIP() << "it allows no new thread in a child that a process with threads has forked";
+    }
+    std::promise<void> release;
+    pid_t const parent = ::getpid();
+    NotingThread sut([&] {
+        if (::getpid() == parent) {
+            release.get_future().wait();
+        }
+    });
+    sut.start();
+    ASSERT_TRUE(sut.waitForRun());
+    auto const status = inForkedChild([&] {
+        sut.start();
+        bool const ran = sut.waitForRun(2);
+        sut.join();
+        return ran && sut.stops() == orderlyStop ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+    release.set_value();
+    sut.join();
+    EXPECT_EQ(sut.runs(), 1);
 }
 
 TEST(Thread, DefaultHooks_DoNothing) {

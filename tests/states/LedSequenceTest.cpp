@@ -56,6 +56,25 @@ TEST_F(LedSequenceTest, Tick_OneColorIsShownOnce) {
     }
 }
 
+TEST_F(LedSequenceTest, Tick_AColorThatWasNotSurelyShown_IsShownUntilItWas) {
+    shm::LedSequence sut(ledTables, state);
+    tick(sut, eStatus_On);
+    EXPECT_TRUE(sut.isSurelyShown());
+    sut.markShown(false);
+    EXPECT_FALSE(sut.isSurelyShown());
+    EXPECT_THAT(tick(sut, eStatus_On), ElementsAre(green));
+    EXPECT_THAT(tick(sut, eStatus_On), ElementsAre(green));
+    sut.markShown(true);
+    EXPECT_THAT(tick(sut, eStatus_On), IsEmpty());
+}
+
+TEST_F(LedSequenceTest, Tick_AfterALostColorOfSeveral_TheNextOneFollows) {
+    shm::LedSequence sut(ledTables, state);
+    EXPECT_THAT(tick(sut, eStatus_DeviceIsUpdating), ElementsAre(magenta));
+    sut.markShown(false);
+    EXPECT_THAT(tick(sut, eStatus_DeviceIsUpdating), ElementsAre(off));
+}
+
 TEST_F(LedSequenceTest, Tick_TwoColorsAlternate) {
     shm::LedSequence sut(ledTables, state);
     for (int round = 0; round < 3; ++round) {

@@ -1,8 +1,11 @@
 #include "states/QelStateLedThread.h"
 
 #include "states/LedSequence.h"
+#include "tests/support/Eventually.h"
+#include "tests/support/ForkedChild.h"
 #include "tests/support/LedFiles.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ScarceMemory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,8 +14,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 #include <type_traits>
@@ -23,11 +29,14 @@ namespace {
 
 using namespace std::chrono_literals;
 using qel::test::contentOf;
+using qel::test::eventually;
+using qel::test::inForkedChild;
 using qel::test::ledContents;
 using qel::test::ledDevice;
 using qel::test::ledFile;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
+using qel::test::ScarceMemory;
 using ::testing::ElementsAre;
 using Clock = std::chrono::steady_clock;
 
@@ -300,6 +309,84 @@ TEST_F(QelStateLedThreadTest, Run_GoesOnWithTheShownStateWhenStartedAgain) {
         log.waitFor({category, log4cpp::Priority::INFO, "run: state change Child Alarm => Child Warning"}));
     sut.join();
     EXPECT_EQ(ledContents(), "10/5/0");
+}
+
+TEST_F(QelStateLedThreadTest, Tick_WhenMemoryEnds_IsLostAndTheNextOneWritesAllThree) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    for (auto const limited : {&ScarceMemory::afterAllocations, &ScarceMemory::onceAfterAllocations}) {
+        std::size_t allowed = 0;
+        std::size_t failures = 0;
+        do {
+            SteppedLed sut;
+            sut.tick();
+            sut.request(eStatus_ChildWarning);
+            {
+                auto const memory = limited(allowed);
+                sut.tick();
+                failures = memory.failures();
+            }
+            sut.tick();
+            EXPECT_EQ(ledContents(), "10/5/0") << "memory for " << allowed << " allocations";
+            qel::test::markLedFiles();
+            sut.tick();
+            EXPECT_EQ(ledContents(), "untouched/untouched/untouched") << "once it was written";
+            ++allowed;
+        } while (failures != 0);
+        EXPECT_GT(allowed, 5U) << "places where memory ended";
+    }
+}
+
+TEST_F(QelStateLedThreadTest, Tick_WhenMemoryEndsAgainAndAgain_IsMadeUpForLater) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    SteppedLed sut;
+    sut.tick();
+    qel::test::markLedFiles();
+    sut.request(eStatus_ChildAlarm);
+    for (int lost = 0; lost < 5; ++lost) {
+        auto const memory = ScarceMemory::afterAllocations(0);
+        sut.tick();
+        EXPECT_GT(memory.failures(), 0U);
+    }
+    EXPECT_NE(ledContents(), "1/0/0");
+    sut.tick();
+    EXPECT_EQ(ledContents(), "1/0/0");
+}
+
+TEST_F(QelStateLedThreadTest, Update_WithoutMemory_TellsTheOwner) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    SteppedLed sut;
+    auto const memory = ScarceMemory::afterAllocations(0);
+    EXPECT_THROW(sut.update({1, 1, 1}, true), std::bad_alloc);
+}
+
+TEST_F(QelStateLedThreadTest, Run_WhenMemoryEnds_TheThreadLivesOnAndTheFilesEndUpRight) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    shm::QelStateLedThread sut;
+    sut.start();
+    {
+        auto const memory = ScarceMemory::inOtherThreads();
+        sut.request(eStatus_ChildWarning);
+        // Its lines of the log fail first, then the buffer of the file that it has already emptied.
+        EXPECT_TRUE(eventually([] { return contentOf(ledFile("red")).empty(); }));
+        EXPECT_GT(memory.failures(), 0U);
+    }
+    EXPECT_TRUE(eventually([] { return ledContents() == "10/5/0"; }));
+    sut.request(eStatus_On);
+    EXPECT_TRUE(eventually([] { return ledContents() == "0/1/0"; }));
+    sut.join();
+}
+
+TEST_F(QelStateLedThreadTest, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
+    struct Joined {
+        shm::QelStateLedThread led;
+        ~Joined() { led.join(); } // as the writer does
+    };
+    static Joined sut;
+    sut.led.start();
+    EXPECT_EQ(inForkedChild([]() -> int { std::exit(3); }), 3);
+    sut.led.request(eStatus_ChildAlarm);
+    EXPECT_TRUE(eventually([] { return ledContents() == "1/0/0"; })) << "the parent's thread goes on";
+    sut.led.join();
 }
 
 TEST_F(QelStateLedThreadTest, Join_DoesNotWaitForTheTick) {

@@ -1,8 +1,14 @@
 #include "writer/MPDef.h"
 
+#include "region/LogLine.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScarceMemory.h"
+
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <sstream>
+#include <string>
 #include <utility>
 
 namespace qel::test {
@@ -118,6 +124,31 @@ TEST(MPDefTest, MoveAssignment_TakesSlotAndValues) {
     EXPECT_EQ(7U, sut.pos);
     EXPECT_EQ((std::map<unsigned short, unsigned int>{{1, 2}}), sut.mvs);
     EXPECT_TRUE(isUnlocked(sut));
+}
+
+TEST(MPDefTest, InALineOfTheLog_WhenMemoryEnds_TheLineIsWholeOrNotThere) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    MPDef sut(7, {});
+    std::string const whole = "op: MPDef {pos = 0x7, mvs = [";
+    for (unsigned short key = 0x203; key < 0x20A; ++key) { // names too long to be kept without memory
+        sut.mvs[key] = key;
+    }
+    LogCapture log;
+    std::size_t allowed = 0;
+    std::size_t failures = 0;
+    do {
+        {
+            auto const memory = ScarceMemory::onceAfterAllocations(allowed);
+            shm::LogLine(shm::writerLog(), log4cpp::Priority::DEBUG, "op") << sut;
+            failures = memory.failures();
+        }
+        for (auto const& entry : log.take()) {
+            EXPECT_EQ(entry.text.substr(0, whole.size()), whole);
+            EXPECT_EQ(entry.text.substr(entry.text.size() - 9), ";0x209>]}") << "memory for " << allowed;
+        }
+        ++allowed;
+    } while (failures != 0);
+    EXPECT_GT(allowed, 10U) << "places where memory ended";
 }
 
 } // namespace qel::test

@@ -1,0 +1,53 @@
+#include "reader/OwnedThread.h"
+
+#include "tests/support/ForkedChild.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <memory>
+#include <utility>
+
+namespace {
+
+using qel::test::inForkedChild;
+using shm::OwnedThread;
+
+TEST(OwnedThread, RunsItsBodyInThisProcess) {
+    std::atomic<bool> ran{false};
+    OwnedThread sut([&] { ran = true; });
+    EXPECT_TRUE(sut.isOfThisProcess());
+    sut.thread().join();
+    EXPECT_TRUE(ran);
+    EXPECT_TRUE(sut.isOfThisProcess());
+}
+
+TEST(OwnedThread, InChildrenAndTheirChildren_IsNotOfTheProcess) {
+    std::promise<void> release;
+    OwnedThread sut([&] { release.get_future().wait(); });
+    auto const status = inForkedChild([&] {
+        if (sut.isOfThisProcess()) {
+            return 1;
+        }
+        return inForkedChild([&] { return sut.isOfThisProcess() ? 1 : 0; }) == 0 ? 0 : 2;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(sut.isOfThisProcess());
+    release.set_value();
+    sut.thread().join();
+}
+
+TEST(OwnedThread, Abandon_TouchesNoThread) {
+    std::promise<void> release;
+    auto sut = std::make_unique<OwnedThread>([&] { release.get_future().wait(); });
+    auto const status = inForkedChild([&] {
+        OwnedThread::abandon(std::move(sut));
+        return sut == nullptr ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
+    release.set_value();
+    sut->thread().join();
+}
+
+} // namespace
