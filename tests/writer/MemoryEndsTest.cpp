@@ -292,6 +292,7 @@ TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt
         if (!failed) {
             EXPECT_EQ(undisturbed, laid.raw.copy());
             EXPECT_GT(allowed, 0U) << "nothing was ever allocated";
+            RecordProperty("failed_allocations", static_cast<int>(allowed));
             return;
         }
         auto const left = laid.raw.copy();
