@@ -1,5 +1,9 @@
 #include "reader/VisitsOfThread.h"
 
+#include <pthread.h>
+
+#include <new>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 
@@ -11,10 +15,18 @@ namespace {
 thread_local VisitsOfThread visits;
 static_assert(std::is_trivially_destructible_v<VisitsOfThread>);
 
-/// Gives a thread's memory back at its end. Visits that come later still, from destructors, begin anew.
-struct ReleaseAtThreadEnd {
-    ~ReleaseAtThreadEnd() { visits.positions().release(); }
-};
+/// Called at the end of each thread but the last one. Visits that come later still, from destructors, begin anew.
+void releasePositions(void* positions) {
+    static_cast<PositionStack*>(positions)->release();
+}
+
+pthread_key_t createKey() {
+    pthread_key_t key{};
+    if (int const errnum = pthread_key_create(&key, releasePositions); errnum != 0) {
+        throw std::system_error(errnum, std::generic_category(), "pthread_key_create");
+    }
+    return key;
+}
 
 } // namespace
 
@@ -23,7 +35,11 @@ VisitsOfThread& VisitsOfThread::get() {
 }
 
 void VisitsOfThread::releaseAtEnd() {
-    thread_local ReleaseAtThreadEnd const release;
+    // Not a destructor of a thread's variable: registering one ends the process when memory has ended.
+    static pthread_key_t const key = createKey();
+    if (pthread_setspecific(key, &positions_) != 0) {
+        throw std::bad_alloc();
+    }
     isReleasedAtEnd_ = true;
 }
 

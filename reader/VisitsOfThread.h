@@ -25,6 +25,7 @@ public:
     VisitsOfThread(VisitsOfThread const&) = delete;
     VisitsOfThread& operator=(VisitsOfThread const&) = delete;
 
+    /// @throws std::bad_alloc, std::system_error when nothing can be kept for the thread
     PositionStack& positions() {
         if (!isReleasedAtEnd_) {
             releaseAtEnd();
