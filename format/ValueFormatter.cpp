@@ -14,6 +14,7 @@
 
 #include <log4cpp/Priority.hh>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -65,8 +66,9 @@ std::string suffix(KeyFormat const& format, std::string const& separator) {
     return format.unit ? separator + unitText(*format.unit) : std::string();
 }
 
-/// What printf makes of a format without conversions: "%%" becomes "%".
+/// What printf makes of a format without conversions: it ends at a terminating zero, and "%%" becomes "%".
 std::string printed(std::string text) {
+    text.resize(std::min(text.find('\0'), text.size()));
     for (auto at = text.find("%%"); at != std::string::npos; at = text.find("%%", at + 1)) {
         text.erase(at, 1);
     }
@@ -102,8 +104,7 @@ std::string ValueFormatter::format(unsigned short key, std::string const& separa
 std::string ValueFormatter::str(unsigned short key, double value, std::string const& separator) {
     constexpr std::size_t longest = 31;
     auto const keyed = keyFormat(key);
-    // As far as a terminating zero, as printf would take it.
-    auto text = shm::fixedText(value, keyed.decimals) + printed(suffix(keyed, separator)).c_str();
+    auto text = shm::fixedText(value, keyed.decimals) + printed(suffix(keyed, separator));
     if (text.size() > longest) {
         text.resize(longest);
     }

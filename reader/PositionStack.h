@@ -64,9 +64,9 @@ public:
         stack_.used_ += static_cast<std::size_t>(end - positions);
     }
 
-    /// Places of the list's positions on the stack. end() is good while no younger list lives.
-    std::size_t begin() const { return begin_; }
-    std::size_t end() const { return stack_.used_; }
+    /// Places of the list's positions on the stack. endPlace() is good while no younger list lives.
+    std::size_t firstPlace() const { return begin_; }
+    std::size_t endPlace() const { return stack_.used_; }
 
     /// The position at a place; good for writing, too.
     std::uint16_t& at(std::size_t place) const { return stack_.positions_[place]; }

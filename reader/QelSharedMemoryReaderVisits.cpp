@@ -107,8 +107,8 @@ void QelSharedMemoryReader::valuesTo(QelShmMPnt const& point, unsigned int depth
     PositionList list(VisitsOfThread::get().positions());
     list.collect(slots, MV_COUNT, loadLink(point->mvs));
     auto const svid = point->guid;
-    auto const end = list.end();
-    for (auto place = list.begin(); place != end; ++place) {
+    auto const end = list.endPlace();
+    for (auto place = list.firstPlace(); place != end; ++place) {
         if (!tell(visitor, QelShmMVal(&slots[list.at(place)]), svid, depth, result)) {
             return;
         }
@@ -133,7 +133,7 @@ void QelSharedMemoryReader::visit(std::shared_ptr<IQelVisitorResult>& result) {
 inline void
 QelSharedMemoryReader::visitList(PositionList const& list, unsigned int depth,
                                  std::shared_ptr<IQelVisitorResult>& result) {
-    for (auto place = list.begin(); place != list.end(); ++place) {
+    for (auto place = list.firstPlace(); place != list.endPlace(); ++place) {
         visit(QelShmMPnt(&region()->points[list.at(place)]), depth, result);
     }
 }
@@ -194,8 +194,8 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
         return QelShmMPntCmp::key(points[pos].guid);
     };
     auto highest = std::numeric_limits<std::int64_t>::min();
-    auto* const first = &list.at(list.begin());
-    auto* const last = first + (list.end() - list.begin());
+    auto* const first = &list.at(list.firstPlace());
+    auto* const last = first + (list.endPlace() - list.firstPlace());
     for (auto* current = first; current != last; ++current) {
         auto const pos = *current;
         auto const key = keyOf(pos);

@@ -15,7 +15,8 @@ namespace shm {
 /// in the order of the binary contract.
 ///
 /// Threads: mutex guards mvs; whoever shares a definition between threads locks it around each look-up and
-/// change. pos has no lock: the writer sets it before it knows the point and changes it only when the point goes. Copying, moving and printing take no lock and so belong to whoever owns the definition alone.
+/// change. pos has no lock: the writer sets it before it knows the point and changes it only when the point
+/// goes. Copying, moving and printing take no lock and so belong to whoever owns the definition alone.
 struct QEL_EXPORT MPDef {
     /// No slot and no values.
     MPDef() = default;

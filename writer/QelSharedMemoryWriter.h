@@ -57,7 +57,8 @@ public:
 
     /// Creates or reuses the shared-memory object and wipes it; readers see it inactive until setActive().
     /// Makes the status LED green and starts its thread. Logs at INFO "start", what fails as openShm() does,
-    /// and at WARN another writer that is alive and writes into the same object. Throws boost::thread_resource_error when the LED thread cannot be created.
+    /// and at WARN another writer that is alive and writes into the same object. Throws
+    /// boost::thread_resource_error when the LED thread cannot be created.
     QelSharedMemoryWriter();
 
     QelSharedMemoryWriter(QelSharedMemoryWriter const&) = delete;

@@ -35,7 +35,7 @@ protected:
 
     static Positions told(shm::PositionList const& list) {
         Positions positions;
-        for (auto place = list.begin(); place != list.end(); ++place) {
+        for (auto place = list.firstPlace(); place != list.endPlace(); ++place) {
             positions.push_back(list.at(place));
         }
         return positions;

@@ -211,7 +211,8 @@ TEST(LogLineTest, WhenMemoryEndsBeforeTheFirstLine_TheCategoryIsLookedUpLater) {
                 logMuch();
                 failures = memory.failures();
             } while (failures != 0);
-            std::exit(shm::accessLog().get() != nullptr && allowed > 1 ? 0 : 1);
+            // Without the search for leaks: log4cpp loses a category that it cannot enter for want of memory.
+            std::_Exit(shm::accessLog().get() != nullptr && allowed > 1 ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
