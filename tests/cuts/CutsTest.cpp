@@ -15,9 +15,9 @@
 #include <set>
 #include <string>
 
-namespace {
+namespace qel::test {
 
-using namespace qel::test;
+namespace {
 
 using Clock = std::chrono::steady_clock;
 
@@ -140,3 +140,5 @@ TEST_F(PruningTest, LeavesOut_OnlyWhatShowsNothingNew) {
 }
 
 } // namespace
+
+} // namespace qel::test

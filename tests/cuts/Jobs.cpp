@@ -63,7 +63,7 @@ std::vector<Tree> treesToWalk(std::size_t points, unsigned part, unsigned parts)
         std::size_t const step = isLong || size <= small ? 1 : shapes.size() / sample;
         for (std::size_t shape = 0; shape < shapes.size(); shape += step) {
             for (auto& tree : variants(shapes[shape], isLong)) {
-                if (number++ % (parts * slowness) == part) {
+                if (number++ % (std::size_t{parts} * slowness) == part) {
                     trees.push_back(std::move(tree));
                 }
             }

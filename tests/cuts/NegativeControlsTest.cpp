@@ -19,9 +19,9 @@
 #include <utility>
 #include <vector>
 
-namespace {
+namespace qel::test {
 
-using namespace qel::test;
+namespace {
 
 /// Does this store make a new slot reachable: a list's head, a point's first child or value, a next?
 bool publishes(Store const& store) {
@@ -172,3 +172,5 @@ TEST_F(NegativeControls, PointUnlinkedWithoutReleaseBeforeItsSlotIsFilled_Fails)
 }
 
 } // namespace
+
+} // namespace qel::test

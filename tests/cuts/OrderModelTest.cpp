@@ -8,9 +8,9 @@
 #include <set>
 #include <vector>
 
-namespace {
+namespace qel::test {
 
-using namespace qel::test;
+namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 using States = std::set<Bytes>;
@@ -108,3 +108,5 @@ TEST(OrderModel, Prefixes_AreInOrder) {
 }
 
 } // namespace
+
+} // namespace qel::test

@@ -62,7 +62,7 @@ Past Recording::run(WriterBench& bench, Tree const& tree, Operation const& opera
         apply(store, bytes_);
     }
     isComplete_ = isComplete_ && std::equal(last_.begin(), last_.end(), bytes_);
-    return Past(std::move(pictures), std::move(hidden), bench.stored());
+    return {std::move(pictures), std::move(hidden), bench.stored()};
 }
 
 Stores Recording::fitted(Stores stores) const {

@@ -14,9 +14,9 @@
 #include <memory>
 #include <vector>
 
-namespace {
+namespace qel::test {
 
-using namespace qel::test;
+namespace {
 
 class StoreLogTest : public testing::Test {
 protected:
@@ -102,3 +102,5 @@ TEST_F(RecordingTest, StoreThatBypassesTheRecordedFunctions_IsNoticed) {
 }
 
 } // namespace
+
+} // namespace qel::test

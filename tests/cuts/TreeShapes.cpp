@@ -93,9 +93,12 @@ Lists listsOf(std::size_t points, int level, std::size_t first) {
         std::size_t const most = listOrder[kind] == 'E' ? points - 1 : 0;
         for (std::size_t below = 0; below <= most; ++below) {
             for (auto const& children : listsOf(below, level + 1, 0)) {
-                auto const bracketed = children.empty() ? "" : '(' + children + ')';
+                std::string bracketed(1, listOrder[kind]);
+                if (!children.empty()) {
+                    bracketed += '(' + children + ')';
+                }
                 for (auto const& rest : listsOf(points - 1 - below, level, kind)) {
-                    lists.push_back(listOrder[kind] + bracketed + rest);
+                    lists.push_back(bracketed + rest);
                 }
             }
         }

@@ -12,9 +12,9 @@
 #include <set>
 #include <string>
 
-namespace {
+namespace qel::test {
 
-using namespace qel::test;
+namespace {
 
 /// How many lists of that many points there are, counted instead of made: electrical points with anything below, then
 /// those of three (two, one) other kinds.
@@ -119,3 +119,5 @@ TEST(Operations, NewPoints_FindEachPlaceOfTheirList) {
 }
 
 } // namespace
+
+} // namespace qel::test

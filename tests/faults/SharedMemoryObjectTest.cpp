@@ -404,18 +404,19 @@ int startOfWriterWithSmallFiles(Prepare const& prepare) {
 }
 
 TEST(FileSizeLimit, BelowTheRegionsSize_EndsTheProcessUnlessItIgnoresTheSignal) {
-    int const status = startOfWriterWithSmallFiles([] { ::signal(SIGXFSZ, SIG_DFL); });
+    int const status = startOfWriterWithSmallFiles([] { static_cast<void>(::signal(SIGXFSZ, SIG_DFL)); });
     EXPECT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(SIGXFSZ, WTERMSIG(status));
     EXPECT_EQ(0, rawRegionSizeNow()) << "the object was created, not sized";
 
-    EXPECT_EQ(0, startOfWriterWithSmallFiles([] { ::signal(SIGXFSZ, SIG_IGN); })) << "an ERROR line alone";
+    EXPECT_EQ(0, startOfWriterWithSmallFiles([] { static_cast<void>(::signal(SIGXFSZ, SIG_IGN)); }))
+        << "an ERROR line alone";
     EXPECT_FALSE(rawRegionExists());
 }
 
 TEST(FileSizeLimit, BelowTheRegionsSize_IsNotMetInAnObjectThatHasItsSize) {
     makeFile(objectFile, rawRegionSize);
-    int const status = startOfWriterWithSmallFiles([] { ::signal(SIGXFSZ, SIG_DFL); });
+    int const status = startOfWriterWithSmallFiles([] { static_cast<void>(::signal(SIGXFSZ, SIG_DFL)); });
     EXPECT_TRUE(WIFEXITED(status));
     EXPECT_EQ(2, WEXITSTATUS(status)) << "it has a region";
     fs::remove(objectFile);

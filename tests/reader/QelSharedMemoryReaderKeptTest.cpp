@@ -20,7 +20,6 @@
 namespace {
 
 using qel::test::ForgedRegion;
-using qel::test::LogCapture;
 using qel::test::MappedReader;
 
 constexpr long long pointId = 0x0100FFFFFFFF0000;
