@@ -29,14 +29,19 @@ bool BusConnection::isOwnProcess() const {
 }
 
 void BusConnection::hold(GDBusConnection* connection) {
-    std::lock_guard<std::mutex> const lock(mutex_);
-    auto notice = std::make_unique<std::shared_ptr<Notice>>(notice_);
-    auto const destroy = +[](void* held, GClosure* /*closure*/) {
-        delete static_cast<std::shared_ptr<Notice>*>(held);
-    };
-    connection_ = G_DBUS_CONNECTION(g_object_ref(connection));
-    handler_ = g_signal_connect_data(connection, "closed", G_CALLBACK(onClosed), notice.release(), destroy,
-                                     GConnectFlags{});
+    {
+        std::lock_guard<std::mutex> const lock(mutex_);
+        auto notice = std::make_unique<std::shared_ptr<Notice>>(notice_);
+        auto const destroy = +[](void* held, GClosure* /*closure*/) {
+            delete static_cast<std::shared_ptr<Notice>*>(held);
+        };
+        connection_ = G_DBUS_CONNECTION(g_object_ref(connection));
+        handler_ = g_signal_connect_data(connection, "closed", G_CALLBACK(onClosed), notice.release(),
+                                         destroy, GConnectFlags{});
+    }
+    if (isClosed()) {
+        notice_->tell();
+    }
 }
 
 void BusConnection::onClosed(GDBusConnection* /*connection*/, int /*byPeer*/, GError* /*error*/,

@@ -35,7 +35,8 @@ public:
     /// Whether this is the process that made the object, not a child that was forked since.
     bool isOwnProcess() const;
 
-    /// Takes a reference to the connection, which is called once and not with null.
+    /// Takes a reference to the connection; to be called once, and not with null. Tells at once if it is closed already,
+    /// since nothing else would.
     void hold(GDBusConnection* connection);
 
     /// What is held, null for nothing. The reference stays here.

@@ -35,7 +35,7 @@ QelShmCondition FollowedReader::look() {
     if (wantsAnotherReader(condition, named)) {
         leave(isOver_ && isLaidOut(condition) ? QelShmCondition::Gone : condition);
         makeReader();
-        condition = judge(named);
+        condition = judge(NamedRegion());
     }
     if (isOver_ && isLaidOut(condition)) {
         condition = QelShmCondition::Gone; // until there is another reader
@@ -49,13 +49,13 @@ QelShmCondition FollowedReader::look() {
 }
 
 /// What the reader says, and what other readers have seen before. Notes whether the writer has ended meanwhile.
-/// @param named a look that is not younger than the reader's own
+/// @param named a look that was taken just now
 QelShmCondition FollowedReader::judge(NamedRegion const& named) {
     if (!reader_) {
         return QelShmCondition::Gone;
     }
-    auto condition = reader_->condition(maxAge_);
-    if (condition != QelShmCondition::Replaced && locked_ && locked_ == named.id() && !named.isLocked()) {
+    auto condition = reader_->conditionAt(named, maxAge_);
+    if (condition != QelShmCondition::Replaced && locked_ && locked_ == named.id() && named.isUnlocked()) {
         condition = QelShmCondition::Gone;
     }
     if (!isLaidOut(condition)) {
@@ -72,6 +72,9 @@ QelShmCondition FollowedReader::judge(NamedRegion const& named) {
 }
 
 bool FollowedReader::wantsAnotherReader(QelShmCondition condition, NamedRegion const& named) {
+    if (isLent_) {
+        return false;
+    }
     auto const now = Clock::now();
     if (!reader_) {
         return now >= nextReader_;

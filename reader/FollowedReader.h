@@ -23,11 +23,26 @@ public:
     FollowedReader(unsigned int seconds, std::chrono::milliseconds maxAge,
                    std::function<void(QelShmCondition)> voided);
 
-    /// Looks at the region and makes another reader if needed.
+    /// Looks at the region and makes another reader if needed, but never while this one is lent.
     QelShmCondition look();
 
     /// The reader of the last look, null while there is none.
     QelSharedMemoryReader* get() const { return reader_.get(); }
+
+    /// Whether a visit runs by the reader.
+    bool isLent() const { return isLent_; }
+
+    /// To live while a visit runs by the reader: its callbacks may look, too. One at a time.
+    class Loan {
+    public:
+        explicit Loan(FollowedReader& followed) : followed_(followed) { followed_.isLent_ = true; }
+        ~Loan() { followed_.isLent_ = false; }
+        Loan(Loan const&) = delete;
+        Loan& operator=(Loan const&) = delete;
+
+    private:
+        FollowedReader& followed_;
+    };
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -42,6 +57,7 @@ private:
     std::function<void(QelShmCondition)> const voided_;
 
     std::unique_ptr<QelSharedMemoryReader> reader_;
+    bool isLent_ = false;            // a visit runs by the reader, so it must stay
     bool isSound_ = false;           // the region was Active at the last look, so there may be handles
     bool wasLaidOut_ = false;        // active at some look, with this reader
     bool isOver_ = false;            // the writer of what this reader has seen has ended

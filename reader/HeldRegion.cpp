@@ -19,7 +19,7 @@ QelShmRegionFacts HeldRegion::compare(NamedRegion const& named) {
     facts.isSame = id_ && id_ == named.id();
     if (facts.isSame) {
         wasLocked_ = wasLocked_ || named.isLocked();
-        facts.isAbandoned = wasLocked_ && !named.isLocked();
+        facts.isAbandoned = wasLocked_ && named.isUnlocked();
     }
     return facts;
 }

@@ -1,5 +1,6 @@
 #include "reader/NamedRegion.h"
 
+#include "region/ObjectLock.h"
 #include "region/QelShmRecords.h"
 
 #include <fcntl.h>
@@ -15,14 +16,6 @@ namespace {
 
 /// Where Linux keeps what shm_open(REGION_NAME) opens.
 constexpr char path[] = "/dev/shm/QelSharedMemory";
-
-/// Asks for a read lock, which meets write locks alone: to have one takes the right to write the object.
-bool hasWriteLock(int fd) {
-    struct flock whole = {};
-    whole.l_type = F_RDLCK;
-    whole.l_whence = SEEK_SET; // from 0 up to any end: l_start and l_len are 0
-    return ::fcntl(fd, F_OFD_GETLK, &whole) == 0 && whole.l_type == F_WRLCK;
-}
 
 std::uint64_t nanoseconds(timespec const& time) {
     return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000U +
@@ -46,15 +39,28 @@ NamedRegion::NamedRegion() noexcept {
     int const fd = ::shm_open(REGION_NAME, O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0);
     if (fd < 0) {
         exists_ = errno != ENOENT;
+        struct stat status = {};
+        // Which one it is takes no descriptor, of which the process may have run out.
+        if (exists_ && ::lstat(path, &status) == 0) {
+            note(status);
+        }
         return;
     }
     struct stat status = {};
     if (::fstat(fd, &status) == 0) {
-        id_ = objectId(status);
-        changed_ = nanoseconds(status.st_ctim);
-        isLocked_ = hasWriteLock(fd);
+        note(status);
+        // Asks for a read lock, which meets write locks alone: to have one takes the right to write the object.
+        if (auto const met = wholeFileLock(fd, F_OFD_GETLK, F_RDLCK)) {
+            isLockKnown_ = true;
+            isLocked_ = met == F_WRLCK;
+        }
     }
     ::close(fd);
+}
+
+void NamedRegion::note(struct stat const& status) noexcept {
+    id_ = objectId(status);
+    changed_ = nanoseconds(status.st_ctim);
 }
 
 } // namespace shm

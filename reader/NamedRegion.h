@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 
+#include <sys/stat.h>
+
 namespace shm {
 
 /// Which object it is, for as long as anybody holds it.
@@ -33,18 +35,25 @@ public:
     /// False only if there is nothing under the name; what cannot be opened is there.
     bool exists() const { return exists_; }
 
-    /// Which one it is; nothing if there is none, or when it cannot be told.
+    /// Which one it is; nothing if there is none, or when it cannot be told. Known of what cannot be opened, too.
     std::optional<ObjectId> const& id() const { return id_; }
 
     /// Whether a writer lives that has locked it, as writers do from their start to their end.
     bool isLocked() const { return isLocked_; }
+
+    /// Whether it is known that no writer has it locked. Not the reverse of isLocked(): without the right to open the object,
+    /// or without a descriptor to do so, nothing is known.
+    bool isUnlocked() const { return isLockKnown_ && !isLocked_; }
 
     /// When the object itself changed last, in ns of the system clock; storing into the region does not change it, a
     /// writer that takes it over does. 0 when it cannot be told.
     std::uint64_t changed() const { return changed_; }
 
 private:
+    void note(struct stat const& status) noexcept;
+
     bool exists_ = true;
+    bool isLockKnown_ = false;
     bool isLocked_ = false;
     std::optional<ObjectId> id_;
     std::uint64_t changed_ = 0;

@@ -2,45 +2,79 @@
 
 #include "reader/FollowedReader.h"
 
+#include <new>
 #include <utility>
 
 namespace shm {
 
 namespace {
 
-/// Lends a visitor to a reader, which owns its visitor.
+/// Lends a visitor to a reader, which owns its visitor. It may outlive what it lends, and then tells nobody.
 class LentVisitor : public IQelSharedMemoryVisitor {
 public:
-    explicit LentVisitor(IQelSharedMemoryVisitor& visitor) : visitor_(visitor) {}
+    /// @param self becomes null at the end of this object, unless that comes after forget()
+    LentVisitor(IQelSharedMemoryVisitor& visitor, LentVisitor*& self) : visitor_(&visitor), self_(&self) {
+        self = this;
+    }
+    ~LentVisitor() override {
+        if (self_ != nullptr) {
+            *self_ = nullptr;
+        }
+    }
+    LentVisitor(LentVisitor const&) = delete;
+    LentVisitor& operator=(LentVisitor const&) = delete;
+
+    /// To be called before the visitor is gone.
+    void forget() {
+        visitor_ = nullptr;
+        self_ = nullptr;
+    }
+
     void onRoot(QelShmRoot const& root, std::shared_ptr<IQelVisitorResult>& result) override {
-        visitor_.onRoot(root, result);
+        if (visitor_ != nullptr) {
+            visitor_->onRoot(root, result);
+        }
     }
     void onMPnt(QelShmMPnt const& point, unsigned int depth,
                 std::shared_ptr<IQelVisitorResult>& result) override {
-        visitor_.onMPnt(point, depth, result);
+        if (visitor_ != nullptr) {
+            visitor_->onMPnt(point, depth, result);
+        }
     }
     void onMVal(QelShmMVal const& value, long long svid, unsigned int depth,
                 std::shared_ptr<IQelVisitorResult>& result) override {
-        visitor_.onMVal(value, svid, depth, result);
+        if (visitor_ != nullptr) {
+            visitor_->onMVal(value, svid, depth, result);
+        }
     }
-    bool mvFound() const override { return visitor_.mvFound(); }
+    bool mvFound() const override { return visitor_ == nullptr || visitor_->mvFound(); }
 
 private:
-    IQelSharedMemoryVisitor& visitor_;
+    IQelSharedMemoryVisitor* visitor_;
+    LentVisitor** self_;
 };
 
 /// Installs a lent visitor, and none when it goes out of scope.
 class Lending {
 public:
     Lending(QelSharedMemoryReader& reader, IQelSharedMemoryVisitor& visitor) : reader_(reader) {
-        reader_.visitor(std::make_unique<LentVisitor>(visitor));
+        reader_.visitor(std::make_unique<LentVisitor>(visitor, lent_));
     }
-    ~Lending() { reader_.visitor(nullptr); }
+    ~Lending() {
+        if (lent_ != nullptr) {
+            lent_->forget();
+        }
+        try {
+            reader_.visitor(nullptr);
+        } catch (std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): the visitor that stays tells nobody
+        }
+    }
     Lending(Lending const&) = delete;
     Lending& operator=(Lending const&) = delete;
 
 private:
     QelSharedMemoryReader& reader_;
+    LentVisitor* lent_ = nullptr; // the reader's; null once that has destroyed it
 };
 
 } // namespace
@@ -77,10 +111,11 @@ QelShmMVal QelSharedMemoryFollower::mval(QelShmKeptMVal& kept) {
 
 bool QelSharedMemoryFollower::visit(IQelSharedMemoryVisitor& visitor,
                                     std::shared_ptr<IQelVisitorResult>& result) {
-    auto* const sound = reader();
+    auto* const sound = followed_->isLent() ? nullptr : reader();
     if (sound == nullptr) {
         return false;
     }
+    FollowedReader::Loan const loan(*followed_);
     Lending const lending(*sound, visitor);
     sound->visit(result);
     return true;

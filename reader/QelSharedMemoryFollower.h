@@ -24,6 +24,8 @@ class FollowedReader;
 /// - the reader has no region and will get none: its wait budget ran out, or the region was not there to map when the
 ///   hardware manager was initialised,
 /// - the reader's connection to the bus was closed and the bus can be reached again. Until then its region is served on.
+///   Beside other readers of the process, which share that connection and hold it on, there is no reader from then until
+///   these are gone.
 ///
 /// All of that happens within the operations of this class: without a call nothing is followed, and there is no thread
 /// beside the reader's own. Call one of them at least as often as you want to follow, say every 100 ms. With a hardware
@@ -33,7 +35,8 @@ class FollowedReader;
 /// microseconds; whoever looks up many values in a row takes reader() once. When a new reader is made, the old one is
 /// destroyed first, since the process shares one connection to the bus: that may take a pause of 250 ms, three creations of
 /// a proxy and a D-Bus call under way if it was still waiting (see ~QelSharedMemoryReader()), and the new one's
-/// construction asks the bus, too. At most one reader is made in 250 ms, and one in a second while there is no bus.
+/// construction asks the bus, too. At most one reader is made in 250 ms, unless the former one was of use, and one in a second while there is no bus.
+/// To learn whether a closed bus can be reached again takes a connection to it, at most once in a second, and 2 s at most.
 ///
 /// Logs nothing of its own; its readers log as ever. No operation throws for want of a bus or of a region.
 ///
@@ -77,9 +80,14 @@ public:
     QelShmMVal mval(QelShmKeptMVal& kept);
 
     /// Takes a visitor round the whole region, and none while it is not Active.
-    /// @param visitor not owned, told as the visitor
-    ///        of the follower's reader, whose own visitor, if any, is replaced by none
+    ///
+    /// The callbacks may call the look-ups of this follower, but nothing is followed before the visit has ended: they give
+    /// nothing once the region is not Active any more, and the visit goes on by the region that it began with. A visit
+    /// inside a visit does not take place. The callbacks must not destroy the follower.
+    /// @param visitor not owned. The visitor of the follower's reader for this visit; the reader has none afterwards
+    /// @param result handed to each callback
     /// @return whether the visit took place
+    /// @throws std::bad_alloc and whatever a callback throws
     bool visit(IQelSharedMemoryVisitor& visitor, std::shared_ptr<IQelVisitorResult>& result);
 
 private:

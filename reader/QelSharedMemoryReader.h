@@ -34,6 +34,7 @@ namespace shm {
 class BusConnection;
 class FollowedReader;
 class HeldRegion;
+class NamedRegion;
 class PositionList;
 class QelShmInitWaitThread;
 
@@ -235,6 +236,7 @@ private:
     bool askManager();
     bool hasLostItsBus() const;
     bool willMapNothing() const;
+    QelShmCondition conditionAt(NamedRegion const& named, std::chrono::milliseconds maxAge) const;
     void visitTopLevel(std::uint32_t record::QelShmRoot::*head, std::shared_ptr<IQelVisitorResult>& result);
     void visitList(PositionList const& list, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);
     void valuesTo(QelShmMPnt const& point, unsigned int depth, std::shared_ptr<IQelVisitorResult>& result);

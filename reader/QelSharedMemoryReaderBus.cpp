@@ -16,6 +16,7 @@
 #include <gio/gio.h>
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <thread>
 #include <utility>
@@ -87,7 +88,10 @@ void QelSharedMemoryReader::connect() {
     GErrorPtr const error(failure);
     {
         // Deliberate: called for a null proxy too. GLib's complaint says nothing that the exception does not.
-        MutedCriticals const muted;
+        std::optional<MutedCriticals> muted;
+        if (proxy_ == nullptr) {
+            muted.emplace();
+        }
         g_dbus_proxy_set_default_timeout(G_DBUS_PROXY(proxy_), PROXY_TIMEOUT);
     }
     if (proxy_ != nullptr && !error) {

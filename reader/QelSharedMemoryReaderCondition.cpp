@@ -21,7 +21,13 @@ std::uint64_t millisecondsNow() {
 
 QelShmCondition QelSharedMemoryReader::condition(std::chrono::milliseconds maxAge) const {
     // The name and its lock before the version: a writer that takes over has wiped the region when it takes the lock.
-    auto facts = held_->compare(NamedRegion());
+    return conditionAt(NamedRegion(), maxAge);
+}
+
+/// @param named a look that was taken just now
+QelShmCondition QelSharedMemoryReader::conditionAt(NamedRegion const& named,
+                                                   std::chrono::milliseconds maxAge) const {
+    auto facts = held_->compare(named);
     auto const* const mapped = region();
     facts.isHeld = facts.isHeld && mapped != nullptr;
     facts.isActive = facts.isHeld && loadVersion(mapped->root) == ACTIVE_VERSION;
@@ -44,7 +50,9 @@ bool QelSharedMemoryReader::hasLostItsBus() const {
 }
 
 bool QelSharedMemoryReader::willMapNothing() const {
-    return region() == nullptr && (initialized_ || pollsLeft_ == 0);
+    bool const isWaitOver =
+        initialized_ || pollsLeft_ == 0; // asked first: what was mapped until then is seen
+    return isWaitOver && region() == nullptr;
 }
 
 } // namespace shm

@@ -8,8 +8,9 @@
 namespace shm {
 
 /// Names a value by its sensor id and remembers where QelSharedMemoryReader::mval() found it last, so that
-/// reading it again costs a few nanoseconds. It owns nothing, is copied freely, and belongs to one reader: it
-/// must not be used with another one, nor after the reader is gone.
+/// reading it again costs a few nanoseconds. It owns nothing and is copied freely. It may be used with another reader, also
+/// when the former one is gone: the value is looked up anew then, since what is remembered of one reader is never taken
+/// for what another one found.
 ///
 /// Threads: like a plain variable; each thread keeps its own.
 class QEL_EXPORT QelShmKeptMVal {

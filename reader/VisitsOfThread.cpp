@@ -15,14 +15,9 @@ namespace {
 thread_local VisitsOfThread visits;
 static_assert(std::is_trivially_destructible_v<VisitsOfThread>);
 
-/// Called at the end of each thread but the last one. Visits that come later still, from destructors, begin anew.
-void releasePositions(void* positions) {
-    static_cast<PositionStack*>(positions)->release();
-}
-
-pthread_key_t createKey() {
+pthread_key_t createKey(void (*atEnd)(void*)) {
     pthread_key_t key{};
-    if (int const errnum = pthread_key_create(&key, releasePositions); errnum != 0) {
+    if (int const errnum = pthread_key_create(&key, atEnd); errnum != 0) {
         throw std::system_error(errnum, std::generic_category(), "pthread_key_create");
     }
     return key;
@@ -36,11 +31,17 @@ VisitsOfThread& VisitsOfThread::get() {
 
 void VisitsOfThread::releaseAtEnd() {
     // Not a destructor of a thread's variable: registering one ends the process when memory has ended.
-    static pthread_key_t const key = createKey();
-    if (pthread_setspecific(key, &positions_) != 0) {
+    static pthread_key_t const key = createKey(release);
+    if (pthread_setspecific(key, this) != 0) {
         throw std::bad_alloc();
     }
     isReleasedAtEnd_ = true;
+}
+
+void VisitsOfThread::release(void* visitsOfThread) {
+    auto& ended = *static_cast<VisitsOfThread*>(visitsOfThread);
+    ended.positions_.release();
+    ended.isReleasedAtEnd_ = false;
 }
 
 void VisitsOfThread::retire(std::unique_ptr<RetiredVisitor> visitor) {
@@ -52,8 +53,8 @@ void VisitsOfThread::retire(std::unique_ptr<RetiredVisitor> visitor) {
 
 void VisitsOfThread::destroyRetired() {
     // One by one: a visitor's destructor may visit, too.
-    while (auto const oldest = std::unique_ptr<RetiredVisitor>(std::exchange(retired_, nullptr))) {
-        retired_ = oldest->next.release();
+    while (auto const newest = std::unique_ptr<RetiredVisitor>(std::exchange(retired_, nullptr))) {
+        retired_ = newest->next.release();
     }
 }
 

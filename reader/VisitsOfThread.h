@@ -57,6 +57,10 @@ public:
 
 private:
     void releaseAtEnd();
+
+    /// Called at the end of each thread but the last one. A visit that comes later still, from a destructor of the thread's
+    /// data, registers again.
+    static void release(void* visitsOfThread);
     void destroyRetired();
 
     PositionStack positions_;

@@ -2,6 +2,7 @@
 /// Telling living writers of one region apart.
 #pragma once
 
+#include "region/ObjectLock.h"
 #include "region/QelShmRecords.h"
 
 #include <fcntl.h>
@@ -35,11 +36,11 @@ public:
         if (fd_ < 0) {
             return;
         }
-        if (lock(F_OFD_SETLK, F_WRLCK) == F_WRLCK) {
+        if (wholeFileLock(fd_, F_OFD_SETLK, F_WRLCK) == F_WRLCK) {
             outcome_ = Outcome::Held;
             return;
         }
-        if (lock(F_OFD_GETLK, F_RDLCK) == F_WRLCK) {
+        if (wholeFileLock(fd_, F_OFD_GETLK, F_RDLCK) == F_WRLCK) {
             outcome_ = Outcome::AnotherWriter;
         }
         close();
@@ -56,14 +57,6 @@ public:
 
 private:
     enum class Outcome : std::uint8_t { None, Held, AnotherWriter };
-
-    /// Takes a lock or asks for one. Its type, the type of one that it meets, or F_UNLCK for none and for a failure.
-    short lock(int command, short type) const noexcept {
-        struct flock whole = {};
-        whole.l_type = type;
-        whole.l_whence = SEEK_SET; // from 0 up to any end: l_start and l_len are 0
-        return ::fcntl(fd_, command, &whole) == 0 ? whole.l_type : static_cast<short>(F_UNLCK);
-    }
 
     void close() noexcept {
         if (fd_ >= 0) {

@@ -76,6 +76,18 @@ TEST(BusConnection, Closed_IsToldOnce) {
     EXPECT_EQ(log.entries(), std::vector<LogEntry>{closedLine()});
 }
 
+TEST(BusConnection, ClosedBeforeItIsHeld_IsToldAtOnceAndOnce) {
+    auto const connection = sharedConnection();
+    closeSharedConnection();
+    LogCapture const log;
+    BusConnection sut;
+    sut.hold(connection.get());
+    EXPECT_TRUE(sut.isClosed());
+    EXPECT_EQ(log.entries(), std::vector<LogEntry>{closedLine()});
+    sut.giveBack();
+    EXPECT_EQ(log.entries(), std::vector<LogEntry>{closedLine()});
+}
+
 TEST(BusConnection, ClosedButNotDispatched_IsToldWhenGivenBack) {
     BusConnection sut;
     auto const connection = sharedConnection();

@@ -5,9 +5,15 @@
 #include "reader/GLibPtr.h"
 
 #include <gio/gio.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <string>
+#include <system_error>
 
 namespace qel::test {
 
@@ -27,6 +33,36 @@ public:
 
 private:
     static constexpr char const* variable = "DBUS_SYSTEM_BUS_ADDRESS";
+    std::string former_;
+};
+
+/// While one lives, new connections to the system bus are taken and never greeted, as by a stopped bus.
+class MuteBus {
+public:
+    MuteBus() : socket_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        auto const name = "qel-mute-bus-" + std::to_string(::getpid());
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX; // and a zero at the path's begin: a name without a file
+        name.copy(&address.sun_path[1], sizeof address.sun_path - 1);
+        auto const size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+        if (::bind(socket_, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(socket_, 8) != 0) {
+            throw std::system_error(errno, std::generic_category(), name);
+        }
+        if (char const* const former = std::getenv(variable)) {
+            former_ = former;
+        }
+        ::setenv(variable, ("unix:abstract=" + name).c_str(), 1);
+    }
+    ~MuteBus() {
+        ::setenv(variable, former_.c_str(), 1);
+        ::close(socket_);
+    }
+    MuteBus(MuteBus const&) = delete;
+    MuteBus& operator=(MuteBus const&) = delete;
+
+private:
+    static constexpr char const* variable = "DBUS_SYSTEM_BUS_ADDRESS";
+    int socket_;
     std::string former_;
 };
 

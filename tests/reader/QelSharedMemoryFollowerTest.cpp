@@ -4,10 +4,12 @@
 
 #include "tests/reader/BusFailures.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
+#include "tests/support/NoMoreDescriptors.h"
 #include "tests/support/ObjectLock.h"
 
 #include <fcntl.h>
@@ -20,6 +22,7 @@
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -84,6 +87,22 @@ public:
     int roots = 0;
     int points = 0;
     int values = 0;
+};
+
+/// Does something with the first point that it is told.
+class ActingVisitor : public PointCounter {
+public:
+    explicit ActingVisitor(std::function<void()> act) : act_(std::move(act)) {}
+    void onMPnt(shm::QelShmMPnt const& point, unsigned int depth,
+                std::shared_ptr<shm::IQelVisitorResult>& result) override {
+        PointCounter::onMPnt(point, depth, result);
+        if (points == 1) {
+            act_();
+        }
+    }
+
+private:
+    std::function<void()> act_;
 };
 
 class Follower : public testing::Test {
@@ -284,6 +303,103 @@ TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
         ASSERT_EQ(sut->condition(), QelShmCondition::Active);
     }
     EXPECT_EQ(readers(), 1U);
+}
+
+TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    std::unique_ptr<ForgedRegion> second;
+    ActingVisitor visitor([&] {
+        removeName();
+        second = activeRegion(2, 9);
+        EXPECT_EQ(sut->condition(), QelShmCondition::Replaced);
+        EXPECT_FALSE(sut->mval(value));
+        EXPECT_FALSE(sut->mpnt(point));
+        EXPECT_EQ(readers(), 1U) << "the visit needs the reader that it runs by";
+    });
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    EXPECT_TRUE(sut->visit(visitor, result));
+    EXPECT_EQ(visitor.values, 1) << "the visit goes on by the region that it began with";
+    EXPECT_EQ(voided, Conditions{QelShmCondition::Replaced});
+    become(QelShmCondition::Active);
+    expectNumber(2);
+    EXPECT_EQ(readers(), 2U);
+    EXPECT_EQ(voided.size(), 1U);
+}
+
+TEST_F(Follower, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    PointCounter inner;
+    ActingVisitor visitor([&] {
+        auto result = std::make_shared<shm::IQelVisitorResult>();
+        EXPECT_FALSE(sut->visit(inner, result));
+        EXPECT_TRUE(sut->mval(value));
+    });
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    EXPECT_TRUE(sut->visit(visitor, result));
+    EXPECT_EQ(inner.roots, 0);
+    EXPECT_EQ(visitor.values, 1);
+    expectNumber(1);
+}
+
+TEST_F(Follower, VisitThatThrew_IsOver) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    ActingVisitor visitor([] { throw std::runtime_error("of the client"); });
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    EXPECT_THROW(sut->visit(visitor, result), std::runtime_error);
+    expectNumber(1);
+}
+
+TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    QelSharedMemoryFollower other(60, ANY_AGE);
+    ASSERT_TRUE(eventually([&] { return other.condition() == QelShmCondition::Active; }));
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    ActingVisitor outer([&] {
+        std::optional<qel::test::MemoryRunsOut> scarce;
+        {
+            ActingVisitor inner([&] { scarce.emplace(0); });
+            EXPECT_TRUE(sut->visit(inner, result));
+            EXPECT_EQ(inner.values, 1);
+        }
+        scarce.reset();
+        sut->reader()->visit(result); // with nobody to tell, for the visitor is gone
+    });
+    EXPECT_TRUE(other.visit(outer, result));
+    expectNumber(1);
+}
+
+TEST_F(Follower, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
+    auto const first = activeRegion(1);
+    make();
+    become(QelShmCondition::Active);
+    auto result = std::make_shared<shm::IQelVisitorResult>();
+    ActingVisitor visitor([&] { sut->reader()->visitor(nullptr); });
+    EXPECT_TRUE(sut->visit(visitor, result));
+    EXPECT_EQ(visitor.values, 0);
+    expectNumber(1);
+}
+
+TEST_F(Follower, WithoutDescriptors_ServesOn) {
+    auto const first = activeRegion(1);
+    ObjectLock const writer;
+    make();
+    become(QelShmCondition::Active);
+    {
+        qel::test::NoMoreDescriptors const none;
+        EXPECT_EQ(sut->condition(), QelShmCondition::Active);
+        EXPECT_TRUE(sut->mval(value));
+    }
+    EXPECT_EQ(sut->condition(), QelShmCondition::Active);
+    EXPECT_EQ(readers(), 1U);
+    EXPECT_EQ(voided, Conditions{});
 }
 
 TEST_F(Follower, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {

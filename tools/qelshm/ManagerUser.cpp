@@ -1,11 +1,10 @@
 #include "tools/qelshm/ManagerUser.h"
 
+#include "reader/Deadline.h"
 #include "tools/common/GLib.h"
 
 #include <chrono>
-#include <future>
 #include <memory>
-#include <thread>
 
 namespace qel::tools {
 
@@ -20,31 +19,6 @@ struct VariantRelease {
     void operator()(GVariant* variant) const { g_variant_unref(variant); }
 };
 using VariantPtr = std::unique_ptr<GVariant, VariantRelease>;
-
-/// Cancels what takes too long. GLib's own time-out holds for calls alone, not for reaching the bus.
-class Deadline {
-public:
-    Deadline()
-        : cancellable_(g_cancellable_new()),
-          watch_([this, over = over_.get_future()] {
-              if (over.wait_for(patience) == std::future_status::timeout) {
-                  g_cancellable_cancel(cancellable_.get());
-              }
-          }) {}
-    ~Deadline() {
-        over_.set_value();
-        watch_.join();
-    }
-    Deadline(Deadline const&) = delete;
-    Deadline& operator=(Deadline const&) = delete;
-
-    GCancellable* cancellable() const { return cancellable_.get(); }
-
-private:
-    GObjectPtr<GCancellable> cancellable_;
-    std::promise<void> over_;
-    std::thread watch_; // last: uses the others
-};
 
 GObjectPtr<GDBusConnection> connect(GCancellable* cancellable) {
     std::unique_ptr<char, StringRelease> const address(
@@ -62,7 +36,7 @@ GObjectPtr<GDBusConnection> connect(GCancellable* cancellable) {
 } // namespace
 
 std::optional<uid_t> managerUser() {
-    Deadline const deadline;
+    shm::Deadline const deadline(patience);
     auto const bus = connect(deadline.cancellable());
     if (!bus) {
         return std::nullopt;

@@ -1,0 +1,32 @@
+#include "reader/busAnswers.h"
+
+#include "tests/reader/BusFailures.h"
+#include "tests/reader/NoMoreThreads.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using shm::busAnswers;
+
+TEST(BusAnswers, BusThatGreets_Does) {
+    EXPECT_TRUE(busAnswers());
+}
+
+TEST(BusAnswers, WithoutABus_IsFalse) {
+    qel::test::UnreachableBus const down;
+    EXPECT_FALSE(busAnswers());
+}
+
+/// Without a limit the test would not end.
+TEST(BusAnswers, BusThatNeverGreets_IsGivenUp) {
+    qel::test::MuteBus const stopped;
+    EXPECT_FALSE(busAnswers());
+}
+
+TEST(BusAnswers, WithoutAThreadToWatchTheTime_IsFalse) {
+    qel::test::NoMoreThreads const none;
+    EXPECT_FALSE(busAnswers());
+}
+
+} // namespace

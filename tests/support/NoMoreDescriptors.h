@@ -1,0 +1,40 @@
+/// @file
+/// A process without descriptors to give.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <vector>
+
+namespace qel::test {
+
+/// While one lives, the process can open nothing: "Too many open files". What is open goes on to serve.
+class NoMoreDescriptors {
+public:
+    NoMoreDescriptors() {
+        ::getrlimit(RLIMIT_NOFILE, &former_);
+        auto few = former_;
+        few.rlim_cur = 256; // and not 0: poll() takes no more descriptors than that either
+        ::setrlimit(RLIMIT_NOFILE, &few);
+        for (int fd = ::open("/dev/null", O_RDONLY | O_CLOEXEC); fd >= 0;
+             fd = ::fcntl(fd, F_DUPFD_CLOEXEC, 0)) {
+            taken_.push_back(fd);
+        }
+    }
+    ~NoMoreDescriptors() {
+        for (int const fd : taken_) {
+            ::close(fd);
+        }
+        ::setrlimit(RLIMIT_NOFILE, &former_);
+    }
+    NoMoreDescriptors(NoMoreDescriptors const&) = delete;
+    NoMoreDescriptors& operator=(NoMoreDescriptors const&) = delete;
+
+private:
+    rlimit former_{};
+    std::vector<int> taken_;
+};
+
+} // namespace qel::test
