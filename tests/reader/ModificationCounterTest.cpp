@@ -225,8 +225,10 @@ TEST(ModificationCounterTest, ManyThreads_NeitherFallBelowZeroNorLoseTheLastChan
         }
         isTooHigh = isTooHigh || sut.current() > changes;
     };
+    constexpr int threads = 2;
     std::vector<std::thread> rebuilders;
-    for (int i = 0; i < 2; ++i) {
+    rebuilders.reserve(threads);
+    for (int i = 0; i < threads; ++i) {
         rebuilders.emplace_back([&] {
             while (!isDone) {
                 rebuild();

@@ -25,7 +25,6 @@ namespace {
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 using Events = std::vector<std::string>;
 using Result = std::shared_ptr<shm::IQelVisitorResult>;
@@ -254,6 +253,7 @@ TEST_F(CallbacksTest, SeveralThreads_VisitByOneReaderAtOnce) {
     constexpr int threads = 4;
     constexpr int rounds = 300;
     std::vector<std::thread> visiting;
+    visiting.reserve(threads);
     for (int i = 0; i < threads; ++i) {
         visiting.emplace_back([&] {
             for (int round = 0; round < rounds; ++round) {

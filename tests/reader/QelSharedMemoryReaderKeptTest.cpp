@@ -2,7 +2,6 @@
 #include "tests/reader/MappedReader.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/RandomNumbers.h"
 
 #include <gtest/gtest.h>
