@@ -16,18 +16,27 @@ WRITER_SOURCES = (
     "writer/QelSharedMemoryWriterRemoval.cpp",
 )
 READER_SOURCES = (
+    "region/QelSharedMemoryAccess.cpp",
     "region/QelShmRoot.cpp",
     "reader/QelSharedMemoryReader.cpp",
     "reader/QelSharedMemoryReaderVisits.cpp",
+    "reader/Reachability.cpp",
+    "reader/newestDelivery.cpp",
     "writer/StatePropagation.cpp",
 )
+# Headers whose loads are compiled into a reader's source.
+READER_HEADERS = {
+    "reader/QelSharedMemoryReader.cpp": ("reader/Reachability.h",),
+    "reader/QelSharedMemoryReaderVisits.cpp": ("reader/PositionStack.h",),
+}
 # Functions of the writer that store links; nothing else of them goes to memory but through the seams, or to the stack.
 LINKING = ("addMVs", "connectMP", "insertBefore", "setListHead", "unlinkMP", "disconnectMP")
 LINKS = ("next", "prev", "mvs", "children", "devices", "groups")
+FOLLOWED = (*LINKS, "parent")  # readers follow it like a link
 
 CONDITION = r"(?:eq|ne|cs|cc|mi|pl|vs|vc|hi|ls|ge|lt|gt|le)?"
 STORE = re.compile(r"(?:v?st(?!l)|stl|push)\w*")
-LOAD = re.compile(r"(?:ldr|ldur|ldar)" + CONDITION)
+LOAD = re.compile(r"(?:ldr|ldur|ldar|ldapr|lda)" + CONDITION)
 CALL = re.compile(r"(?:bl|blx|blr)")
 BRANCH = re.compile(rf"(b{CONDITION}|b\.\w+|cbn?z|tbn?z)")
 
@@ -55,6 +64,19 @@ class Source:
 
     def lines_with(self, pattern):
         return [number for number, line in enumerate(self.lines) if re.search(pattern, line)]
+
+    def lines_with_outside(self, pattern, function):
+        """The same without what stands in the calls of a function."""
+        text = "\n".join(self.lines)
+        kept, end = "", 0
+        for call in re.finditer(rf"\b{function}\(", text):
+            kept += text[end : call.end()]
+            end, depth = call.end(), 1
+            while end < len(text) and depth != 0:
+                depth += {"(": 1, ")": -1}.get(text[end], 0)
+                end += 1
+            kept += "\n" * text.count("\n", call.end(), end)
+        return [number for number, line in enumerate((kept + text[end:]).split("\n")) if re.search(pattern, line)]
 
 
 def seam_ranges(source):
@@ -260,23 +282,26 @@ def check_fence(instruction, told):
 
 def check_loads(code, path):
     """Gives the lines to print."""
-    source = Source(path)
-    plain = re.compile(r"(?:\.|->)(?:" + "|".join(LINKS) + r")\b(?!\s*\()")
-    for number in source.lines_with(plain):
-        if "loadLink(" not in source.text_at(number) and "loadLink(" not in source.lines[number - 1]:
-            raise LinkError(f"a link is read without loadLink(), {path}:{number}")
+    files = (path, *READER_HEADERS.get(path, ()))
+    plain = re.compile(r"(?:\.|->)(?:" + "|".join(FOLLOWED) + r")\b(?!\s*\()")
+    for file in files:
+        for number in Source(file).lines_with_outside(plain, "loadLink"):
+            raise LinkError(f"a link is read without loadLink(), {file}:{number}")
     seen = {}
     for function, instruction in code.all():
         if "loadLink" not in instruction.seams or not instruction.is_load() or instruction.site is None:
             continue
+        if instruction.operands.startswith("x"):
+            continue  # eight bytes are no link, but the pointer to its slot
         told = f"{plain_name(function)}(): {instruction.told()}"
         again = loaded_again(instruction)
         if again is not None:
             raise LinkError(f"{told} is loaded again by {again.told()}, {instruction.site[0]}:{instruction.site[1]}")
         seen.setdefault(instruction.site, told)
-    for number in source.lines_with(r"\bloadLink\("):
-        if not any(site == (path, number) for site in seen):
-            raise LinkError(f"there is no load for {path}:{number}")
+    for file in files:
+        for number in Source(file).lines_with(r"\bloadLink\("):
+            if not any(site == (file, number) for site in seen):
+                raise LinkError(f"there is no load for {file}:{number}")
     return [f"      {told:<44} once, {Path(site[0]).name}:{site[1]}" for site, told in sorted(seen.items())]
 
 
