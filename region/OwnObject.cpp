@@ -85,7 +85,6 @@ bool isInTheWay(Found& found) {
     // O_PATH needs no right to what stands there, opens a link itself and waits for nobody.
     int const fd = ::shm_open(REGION_NAME, O_PATH | O_CLOEXEC, 0);
     if (fd < 0) {
-        found.error = errno;
         return false;
     }
     found = lookAt(fd);
@@ -118,9 +117,6 @@ int openOwnObject() {
                 continue; // its writer removed the name just now
             }
         } else if (int const error = errno; !isInTheWay(found)) {
-            if (found.error == ENOENT && error != ENOENT) {
-                continue; // what was in the way is gone by now
-            }
             errno = error;
             return -1;
         }

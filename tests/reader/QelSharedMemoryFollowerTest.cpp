@@ -35,12 +35,10 @@ using qel::test::eventually;
 using qel::test::ForgedRegion;
 using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
-using qel::test::LogEntry;
 using qel::test::MainLoopThread;
 using qel::test::ObjectLock;
 using shm::ANY_AGE;
 using shm::QelSharedMemoryFollower;
-using shm::QelSharedMemoryReader;
 using shm::QelShmCondition;
 using Conditions = std::vector<QelShmCondition>;
 

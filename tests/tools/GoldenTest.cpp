@@ -118,7 +118,7 @@ TEST(GoldenLiveTest, ObjectOfSomebodyElse_IsPrintedAsTheGoldenFilesHoldIt) {
             }
             auto const outcome = runQelshm(arguments);
             EXPECT_EQ(1, outcome.status);
-            auto const golden = QEL_GOLDEN_DIR "/live-foreign." + verb + '.' + format;
+            auto const golden = (QEL_GOLDEN_DIR "/live-foreign." + verb).append(".").append(format);
             if (std::getenv("QEL_UPDATE_GOLDEN") != nullptr) {
                 std::ofstream(golden) << outcome.output;
             }

@@ -106,7 +106,7 @@ void layOutInFullTables(ExposedWriter& writer) {
     writer.setActive();
 }
 
-std::vector<Case> cases() {
+std::vector<Case> cases() { // NOLINT(readability-function-size): a table, one row a case
     Keys const twoKeys{{2, 0}, {19, 0}};
     return {
         {"AddMP_TopLevel", nothing,
