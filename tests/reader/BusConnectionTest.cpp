@@ -1,6 +1,7 @@
 #include "reader/BusConnection.h"
 
 #include "tests/reader/BusFailures.h"
+#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/LogCapture.h"
 
@@ -128,6 +129,7 @@ TEST(BusConnection, EndsWhileClosedIsDispatched_WithoutRace) {
 }
 
 TEST(BusConnection, InAForkedChild_IsNotTheOwnProcess_AndGivesNothingBack) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     auto const connection = sharedConnection();
     bool isGone = false;
     auto sut = std::make_unique<BusConnection>();

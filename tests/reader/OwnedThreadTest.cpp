@@ -1,5 +1,6 @@
 #include "reader/OwnedThread.h"
 
+#include "tests/support/AddressSanitizer.h"
 #include "tests/support/ForkedChild.h"
 
 #include <gtest/gtest.h>
@@ -24,6 +25,7 @@ TEST(OwnedThread, RunsItsBodyInThisProcess) {
 }
 
 TEST(OwnedThread, InChildrenAndTheirChildren_IsNotOfTheProcess) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     OwnedThread sut([&] { release.get_future().wait(); });
     auto const status = inForkedChild([&] {
@@ -39,6 +41,7 @@ TEST(OwnedThread, InChildrenAndTheirChildren_IsNotOfTheProcess) {
 }
 
 TEST(OwnedThread, Abandon_TouchesNoThread) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     auto sut = std::make_unique<OwnedThread>([&] { release.get_future().wait(); });
     auto const status = inForkedChild([&] {

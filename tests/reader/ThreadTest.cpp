@@ -1,6 +1,7 @@
 #include "reader/Thread.h"
 
 #include "tests/reader/NoMoreThreads.h"
+#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
 #include "tests/support/ThreadSanitizer.h"
@@ -267,6 +268,7 @@ TEST(Thread, LeavesTheRoomBehindItsFlagToDerivedClasses) {
 }
 
 TEST(Thread, Join_InAForkedChild_ForgetsTheThreadAndCallsNothing) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     NotingThread sut([&] { release.get_future().wait(); });
     sut.start();
@@ -285,6 +287,7 @@ TEST(Thread, Join_InAForkedChild_ForgetsTheThreadAndCallsNothing) {
 }
 
 TEST(Thread, Join_InAForkedChild_DoesNotWaitForABodyThatHadEnded) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     if (qel::test::underThreadSanitizer) {
         GTEST_SKIP() << "it demands that the child joins the thread of its parent";
     }
@@ -300,6 +303,7 @@ TEST(Thread, Join_InAForkedChild_DoesNotWaitForABodyThatHadEnded) {
 }
 
 TEST(Thread, Destructor_InAForkedChild_LetsGoOfTheThread) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     auto sut = std::make_unique<NotingThread>([&] { release.get_future().wait(); });
     sut->start();
@@ -315,6 +319,7 @@ TEST(Thread, Destructor_InAForkedChild_LetsGoOfTheThread) {
 }
 
 TEST(Thread, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     struct Joined {
         std::promise<void> release;
         NotingThread thread{[this] {
@@ -332,6 +337,7 @@ TEST(Thread, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
 }
 
 TEST(Thread, Start_InAForkedChild_StartsAThreadOfTheChildsOwn) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     if (qel::test::underThreadSanitizer) {
         GTEST_SKIP() << "it allows no new thread in a child that a process with threads has forked";
     }

@@ -1,6 +1,7 @@
 #include "states/QelStateLedThread.h"
 
 #include "states/LedSequence.h"
+#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
 #include "tests/support/LedFiles.h"
@@ -377,6 +378,7 @@ TEST_F(QelStateLedThreadTest, Run_WhenMemoryEnds_TheThreadLivesOnAndTheFilesEndU
 }
 
 TEST_F(QelStateLedThreadTest, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     struct Joined {
         shm::QelStateLedThread led;
         ~Joined() { led.join(); } // as the writer does

@@ -2,6 +2,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
 #include "tests/support/LedFiles.h"
@@ -20,6 +21,7 @@ namespace {
 constexpr long long device = pointId(1, 0);
 
 TEST(WriterForkTest, OfStaticDuration_IsLeftAloneByTheExitOfAForkedChild) {
+    QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     static auto sut = std::make_unique<shm::QelSharedMemoryWriter>(); // destroyed at the child's exit
     ASSERT_TRUE(sut->addStructure({{device, withKeys({1})}}));
     sut->setActive();
