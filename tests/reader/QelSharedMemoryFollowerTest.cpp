@@ -91,9 +91,9 @@ public:
 class ActingVisitor : public PointCounter {
 public:
     explicit ActingVisitor(std::function<void()> act) : act_(std::move(act)) {}
-    void onMPnt(shm::QelShmMPnt const& point, unsigned int depth,
+    void onMPnt(shm::QelShmMPnt const& reached, unsigned int depth,
                 std::shared_ptr<shm::IQelVisitorResult>& result) override {
-        PointCounter::onMPnt(point, depth, result);
+        PointCounter::onMPnt(reached, depth, result);
         if (points == 1) {
             act_();
         }
