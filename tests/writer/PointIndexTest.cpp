@@ -128,8 +128,7 @@ TEST(PointIndexTest, Add_WithoutMemory_DoesNotKnowThePoint) {
 TEST(PointIndexTest, PointOf_KnowsADefinitionByItself_NotByItsContent) {
     shm::PointIndex sut;
     shm::MPDef const definition(5, {});
-    shm::MPDef const copy(
-        definition); // NOLINT(performance-unnecessary-copy-initialization): its place counts
+    shm::MPDef const copy(5, {});
     sut.add(1, definition);
     EXPECT_EQ(sut.find(1), sut.pointOf(definition));
     EXPECT_EQ(nullptr, sut.pointOf(copy));
