@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// The data structures and steps that the contract names, written down plainly.
+/// The straightforward way to do the library's work: ordered maps, lists and locks, without shortcuts.
 struct Literal : InProcess {
     static constexpr char name[] = "literal";
 

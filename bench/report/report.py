@@ -179,7 +179,7 @@ number would tell nothing (instructions of a contender whose work another proces
 | library | this library; one value by `mpnt` and `mvs` |
 | library, mval | one value by `mval` and its id |
 | library, kept value | one value by `mval` and a kept handle |
-| literal | the data structures and steps that the contract names, written down plainly (`bench/literal`) |
+| literal | the straightforward way to do the library's work: ordered maps, lists and locks, without shortcuts (`bench/literal`) |
 | Boost.Interprocess | its ordered map and an unordered map in a managed segment, not locked; "heap value": each sample comes as the object that `updateMV` takes |
 | PCP MMV | memory-mapped values of Performance Co-Pilot: three metrics a key, an instance a point, addresses kept in a hash |
 | LMDB | one database in /dev/shm, a transaction per update, nothing synced |
