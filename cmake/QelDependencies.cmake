@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # What the library stands on; each becomes an imported target.
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)

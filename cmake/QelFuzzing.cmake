@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 option(QEL_BUILD_FUZZERS "Build the fuzzing programs; Clang only" OFF)
 
 # qel_guide_fuzzers(<target>)

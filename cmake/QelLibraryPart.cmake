@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # qel_library_part(<name> SOURCES ... HEADERS ... [LINK ...])
 #
 # One folder of the library as an object library "qel-<name>": compiled once, used by the shared library and by the

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # With QEL_QUICK_BUILD tools and tests take less time to build, for builds whose tools and tests are only run: several
 # sources of a target at a time, which reads their common headers once, and without optimisation. The library itself is
 # compiled as ever. The preset lint, without it, tells when a source leans on the includes of another.

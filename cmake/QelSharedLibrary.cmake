@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # The shared library out of its parts, and everything that is installed with it.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Numbers as text that does not depend on a locale, neither the process's nor a stream's. Any thread.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A reader's life and its link to the hardware manager over the bus.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Whether the tree still holds a slot. Contents alone do not tell: a removed point's slot keeps its id and its links
 /// until it is used again, while its values' slots may belong to other points already.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// The two parts of a value's sensor id: the id of its point, and its key in the low 16 bits.
 #pragma once

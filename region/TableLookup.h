@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Look-up in constant tables: constexpr arrays of rows, sorted by the rows' member `code`.
 #pragma once

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # Tests that cannot pass under the emulator, each with the reason. CTest reads this file after the tests of each folder
 # and counts these as disabled.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 """What tools/check-codegen holds of the fast path of a kept value: the modification counter is read before the rebuild
 number, and an acquire keeps the two in this order. Who reads the 0 that a rebuild left then reads that rebuild's number.
 

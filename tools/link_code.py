@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 """What tools/check-codegen holds of links: how the writer stores them, how readers load them.
 
 Instructions are told apart by the debug information, which names for each one the source line and the calls that were

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// The floor: plain loads and stores at known positions of a mapped array.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// An open-addressing hash in front of the floor.
 #pragma once

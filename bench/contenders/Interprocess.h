@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Boost.Interprocess containers in a managed shared-memory segment.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Memory-mapped values of Performance Co-Pilot.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// How clients of the library's reader, and of the literal one, get at values.
 #pragma once

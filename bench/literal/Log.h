@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Log lines as a plain build writes them: the category is looked up by its name for every line.
 #pragma once

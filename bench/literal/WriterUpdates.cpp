@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "bench/literal/Log.h"
 #include "bench/literal/States.h"
 #include "bench/literal/Writer.h"

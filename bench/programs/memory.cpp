@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Memory: allocations per operation, bytes per value in the store, and bytes of heap in its writer and its reader.
 

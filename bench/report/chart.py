@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Draws medians and quartiles as dots on logarithmic axes, one panel per work."""
 
 import math

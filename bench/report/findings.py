@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Reads what the benchmark programs, callgrind and strace left behind."""
 
 import dataclasses

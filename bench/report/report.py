@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 """Writes performance.md, .svg and .json from what the benchmark programs found.
 
 usage: report.py RESULTS-DIRECTORY OUTPUT-DIRECTORY

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # 32-bit ARM with hardware floating point (Debian's armhf: ARMv7-A), against the libraries in the folder that
 # tools/make-sysroot fills.
 set(CMAKE_SYSTEM_NAME Linux)

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Every picture of the region that readers can meet while the writer changes it, see CutWalk.h.
 
 #include "tests/cuts/CutBench.h"

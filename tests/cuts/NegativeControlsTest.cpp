@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The enumeration sees what it is there for: orders that are wrong fail.
 
 #include "tests/cuts/Catalogue.h"

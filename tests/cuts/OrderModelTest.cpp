@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What is allowed and what is not, on stores that one can think through.
 
 #include "tests/cuts/OrderModel.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The stores are recorded, all of them.
 
 #include "tests/cuts/StoreLog.h"

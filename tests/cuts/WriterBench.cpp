@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/cuts/WriterBench.h"
 
 #include <log4cpp/Category.hh>

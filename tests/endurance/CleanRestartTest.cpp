@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A writer that ends as it should and is started again: what readers have then, and how they follow.
 
 #include "tests/support/Eventually.h"

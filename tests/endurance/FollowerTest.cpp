@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A following reader whose writer ends over and over: as it should, and killed.
 
 #include "reader/QelSharedMemoryFollower.h"

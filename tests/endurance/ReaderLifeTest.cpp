@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Readers that come and go thousands of times, and two readers of one process used by many threads at once.
 
 #include "reader/BaseQelShmVisitor.h"

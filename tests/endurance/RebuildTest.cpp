@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A structure that is removed wholly and laid out anew, over and over, under visiting readers.
 
 #include "tests/endurance/Walker.h"

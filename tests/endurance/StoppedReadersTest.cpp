@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Readers that are stopped or killed in the middle of a walk: nothing of the writer's depends on them.
 
 #include "tests/endurance/Walker.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A writer that is killed at any moment and started again, under readers that walk all the time.
 
 #include "tests/endurance/Walker.h"

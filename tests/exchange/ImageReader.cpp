@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Prints all that a reader sees of the region that is there: what a visit meets, and each value looked up by its id.
 
 #include "format/Print.h"

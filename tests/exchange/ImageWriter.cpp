@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Lays out a fixed unit with fixed times, states and numbers, and writes the region's bytes to standard output. What
 // differs between processors is among them: signs of bytes and states, times and ids that need 64 bits, odd doubles.
 

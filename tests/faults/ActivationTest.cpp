@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A hardware manager that the bus is to start, and cannot.
 
 #include "reader/QelSharedMemoryReader.h"

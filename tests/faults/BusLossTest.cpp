@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The bus itself dies: before a reader is built, while it waits, and after it has its region.
 
 #include "reader/QelSharedMemoryReader.h"

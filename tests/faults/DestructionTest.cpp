@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A reader ends in time, whatever the hardware manager and the bus do.
 
 #include "reader/QelSharedMemoryReader.h"

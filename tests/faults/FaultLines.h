@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Log lines of the region's access, of the reader and of its wait thread, as tests of several faults expect them.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Somebody without rights is at the region's name before the writer, which runs as root. What holds must hold whatever
 // fs.protected_regular says: with 1 or 2 the kernel refuses the writer's opening, with 0 it opens what is not the
 // writer's. The setting is the whole machine's, so these tests leave it as it is; OwnObjectTest shows the refusal with

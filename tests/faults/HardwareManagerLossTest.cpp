@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The hardware manager answers late, wrongly or not at all, dies and comes back, while the bus lives.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A reader whose mutex cannot be locked, and one whose proxy has no connection.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What stands under the region's name, or does not fit below it, is not as it should be: what the writer and the reader
 // log, and that both go on without a region.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Announcements of changed structure by the thousand.
 
 #include "reader/QelSharedMemoryReader.h"

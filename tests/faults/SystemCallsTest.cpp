@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Each call of the region's access fails, with several errors each.
 
 #include "reader/QelSharedMemoryReader.h"

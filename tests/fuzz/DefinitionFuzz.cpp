@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Hands arbitrary definitions to a writer and checks the region that it makes of them.
 ///
@@ -12,8 +15,8 @@
 /// numbers with 0xFF for a level that is not used, and leave the key out. The key 0xFFFF, which marks a slot without a
 /// value, is left out everywhere.
 
-#include "inspect/Image.h"
-#include "inspect/RegionCheck.h"
+#include "inspect/image/Image.h"
+#include "inspect/check/RegionCheck.h"
 #include "region/Exceptions.h"
 #include "region/SvidParts.h"
 

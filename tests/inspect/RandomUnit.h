@@ -1,8 +1,11 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// A unit whose sensors come and go at random.
 #pragma once
 
-#include "inspect/Image.h"
+#include "inspect/image/Image.h"
 
 #include "tests/writer/WriterFixture.h"
 

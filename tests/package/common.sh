@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: the libQelSharedMemory authors
+# SPDX-License-Identifier: Apache-2.0
+
 # Sourced by the tests of the installed package.
 #
 # usage of each: TEST BUILD-DIRECTORY C++-COMPILER C++-FLAGS

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A reader that follows its writer: what it gives in each condition, and when it makes another reader.
 
 #include "reader/QelSharedMemoryFollower.h"

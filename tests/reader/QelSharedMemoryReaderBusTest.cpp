@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What a reader does with its connection to the bus.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What callbacks of a visit may do to the reader that visits, and several threads with one reader.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What a reader shows while a writer changes the structure and has not announced it yet, or changes it within a visit.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Whether what a reader shows is current: each condition, and the ways between them.
 
 #include "reader/QelSharedMemoryReader.h"

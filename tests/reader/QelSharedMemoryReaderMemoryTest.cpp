@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What the reader's operations leave behind when memory ends within them.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables that tell people the layout say what the records are.
 
 #include "region/QelShmRecords.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // What stands under the region's name when a writer starts is not its own: the writer takes the name for an object of its
 // own, and leaves alone what stood there. Owners are made by chown, for which the tests need root.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Whether the tests run under AddressSanitizer. It looks for leaks when a process ends, and a child that was forked while
 /// another thread was in its runtime waits there for good.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tests/support/FailureSeams.h"
 
 #include "domain/MeasureValue.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Lets a test watch and break what lies below the writer: memory, mutexes, the conversion of a value.
 #pragma once

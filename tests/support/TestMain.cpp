@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Runs a test program. What the library logs goes to the descriptor that run-test names, so that it can be shown when a
 /// test fails or crashes.

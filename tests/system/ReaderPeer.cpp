@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A reading process of the system tests, driven by lines. Its argument is the reader's wait budget in
 // seconds.
 //

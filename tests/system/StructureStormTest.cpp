@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A writer that changes the structure thousands of times while readers look points up and visit.
 
 #include "tests/system/Peers.h"

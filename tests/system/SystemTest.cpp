@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // One writing process, reading processes, and a real bus between them.
 
 #include "tests/support/Eventually.h"

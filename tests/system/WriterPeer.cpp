@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The writing process of the system tests: a writer and the hardware manager's service, driven by lines.
 //
 //   answer N                    what "initialized" answers from now on

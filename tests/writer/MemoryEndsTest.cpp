@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Every operation of the writer that changes the structure, with memory that ends at each of its allocations.
 
 #include "writer/QelSharedMemoryWriter.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// The writer's rules once more, in the plainest form: a byte image of the region that each operation changes
 /// step by step. Shares nothing with the library; made to be read in one sitting and held against the real

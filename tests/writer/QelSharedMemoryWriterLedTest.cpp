@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The status LED that the writer drives.
 
 #include "writer/QelSharedMemoryWriter.h"

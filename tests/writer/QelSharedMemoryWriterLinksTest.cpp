@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Where a point is linked: the order of siblings, lists of the root, and parents.
 
 #include "writer/QelSharedMemoryWriter.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A writer that has no region: it could not be created, or was closed.
 
 #include "writer/QelSharedMemoryWriter.h"

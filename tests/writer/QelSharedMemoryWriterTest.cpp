@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Construction, destruction, and the building of points and values.
 
 #include "writer/QelSharedMemoryWriter.h"

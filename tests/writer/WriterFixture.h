@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// What the writer's tests share: reach to its protected operations, sensor ids and a raw view of tree and
 /// chains.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A writer of static duration in a program that forks: it stays the parent's.
 
 #include "writer/QelSharedMemoryWriter.h"

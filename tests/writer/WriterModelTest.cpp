@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // The whole writer against a plain model: random sequences of every operation that changes the region, and
 // after each step the region's bytes, the results and both free lists (which slot comes next) are the
 // model's.

@@ -1,5 +1,8 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/QelshmApp.h"
+#include "tools/qelshm/app/QelshmApp.h"
 
 #include <iostream>
 

@@ -1,11 +1,14 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tools/replay/Options.h"
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/InputError.h"
 #include "tools/common/Logging.h"
-#include "tools/replay/Topology.h"
+#include "tools/replay/unit/Topology.h"
 
-#include "inspect/RecordingReader.h"
+#include "inspect/capture/CaptureReader.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -170,7 +173,7 @@ std::string_view misplacedOption(Options const& options) {
 }
 
 /// How many samples there are up to the limit; each of them can be read and holds a whole region.
-std::uint64_t countSamples(inspect::RecordingReader& reader, std::optional<std::uint64_t> limit) {
+std::uint64_t countSamples(inspect::CaptureReader& reader, std::optional<std::uint64_t> limit) {
     while (!limit || reader.samples() < *limit) {
         auto const offset = reader.offset();
         auto const sample = reader.next();
@@ -241,13 +244,13 @@ Session::Parts readInput(Options const& options) {
     return parts;
 }
 
-RecordPlayer::Parts readRecord(Options const& options) {
+CapturePlayer::Parts readRecord(Options const& options) {
     if (auto const misplaced = misplacedOption(options); !misplaced.empty()) {
         throw InputError({misplaced}, "it does not go with --from-record",
                          "none but --speed, --until, --hold, --quiet and --log-level beside it");
     }
     try {
-        inspect::RecordingReader reader(options.record);
+        inspect::CaptureReader reader(options.record);
         auto const samples = countSamples(reader, options.until);
         if (samples == 0) {
             throw InputError({recordOption}, options.record + " holds no sample", "one sample at least");

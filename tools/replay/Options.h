@@ -1,9 +1,12 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Arguments of qel-replay.
 #pragma once
 
-#include "tools/replay/RecordPlayer.h"
-#include "tools/replay/Session.h"
+#include "tools/replay/capture/CapturePlayer.h"
+#include "tools/replay/unit/Session.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -45,6 +48,6 @@ Session::Parts readInput(Options const& options);
 
 /// Checks the recorded region that the options name, to its end or as far as it is to be played.
 /// @throws InputError at the first thing that is wrong, be it an option that does not go with a recorded region
-RecordPlayer::Parts readRecord(Options const& options);
+CapturePlayer::Parts readRecord(Options const& options);
 
 } // namespace qel::tools

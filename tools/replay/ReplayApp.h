@@ -1,9 +1,12 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Runs a replay on the main loop.
 #pragma once
 
 #include "tools/common/GLib.h"
-#include "tools/replay/HardwareManagerService.h"
+#include "tools/replay/unit/HardwareManagerService.h"
 #include "tools/replay/ISession.h"
 #include "tools/replay/ReplayLog.h"
 

@@ -1,12 +1,15 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tools/replay/ReplayLog.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/replay/Topology.h"
+#include "tools/replay/unit/Topology.h"
 #include "tools/replay/ValueKeys.h"
 
 #include "format/ValueFormatter.h"
-#include "inspect/StateText.h"
-#include "inspect/Svid.h"
+#include "inspect/naming/StateText.h"
+#include "inspect/naming/Svid.h"
 
 #include <iomanip>
 #include <ostream>

@@ -1,9 +1,12 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// What a replay tells its user.
 #pragma once
 
-#include "tools/replay/RecordingFeed.h"
-#include "tools/replay/Schedule.h"
+#include "tools/replay/csv/RecordingFeed.h"
+#include "tools/replay/unit/Schedule.h"
 
 #include "domain/eStatus_Bits.h"
 

@@ -1,12 +1,15 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
 #include "tools/common/InputError.h"
 #include "tools/common/Logging.h"
 #include "tools/replay/Options.h"
-#include "tools/replay/RecordPlayer.h"
+#include "tools/replay/capture/CapturePlayer.h"
 #include "tools/replay/ReplayApp.h"
 #include "tools/replay/ReplayLog.h"
-#include "tools/replay/Session.h"
+#include "tools/replay/unit/Session.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -27,7 +30,7 @@ namespace {
 ReplayApp::MakeSession sessionMaker(Options const& options, ReplayLog& log) {
     if (!options.record.empty()) {
         return [parts = readRecord(options), &log](std::function<void()> onStructureChanged) {
-            return std::make_unique<RecordPlayer>(parts, log, std::move(onStructureChanged));
+            return std::make_unique<CapturePlayer>(parts, log, std::move(onStructureChanged));
         };
     }
     return [parts = readInput(options), &log](std::function<void()> onStructureChanged) mutable {

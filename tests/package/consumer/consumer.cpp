@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A program of somebody else: lays out a small unit, stores two values and prints what is there.
 
 #include "domain/MeasureValue.h"

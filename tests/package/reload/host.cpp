@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // Loads a plug-in, has it use the library, and unloads it; twice. Ends with 0 when both times went well.
 //
 // usage: reload-host PLUGIN

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 // A plug-in that brings the library into a process and takes it away again.
 
 #include "reader/QelSharedMemoryReader.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
 /// @file
 /// Stands in the place of region/RegionFields.h where this folder's tests compile the writer once more: the same
 /// functions with the same effect, which also note each store in the StoreLog that lives.

@@ -1,0 +1,76 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "inspect/capture/CaptureWriter.h"
+
+#include "inspect/image/FileOutput.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace qel::inspect {
+
+namespace {
+
+[[noreturn]] void cannotRecord(std::string const& path, std::string const& problem) {
+    throw RecordingError("cannot record to " + path + ": " + problem);
+}
+
+} // namespace
+
+CaptureWriter::CaptureWriter(std::string path, std::uint64_t startTime) : path_(std::move(path)) {
+    if (isLiveObject(path_)) {
+        cannotRecord(path_, "it is the live object; choose another file");
+    }
+    constexpr mode_t anyone = 0666; // less the umask
+    file_ = FileDescriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anyone));
+    if (!file_) {
+        fail(errno);
+    }
+    try {
+        write(recordingHeader(startTime));
+    } catch (RecordingError const&) {
+        ::unlink(path_.c_str()); // so that the same path can be tried again
+        throw;
+    }
+}
+
+void CaptureWriter::append(std::uint64_t time, Image const& image) {
+    if (time < time_) {
+        throw std::invalid_argument("a sample is older than the one before");
+    }
+    write(frameOf(time - time_, last_, image));
+    time_ = time;
+    last_ = image;
+    ++samples_;
+}
+
+void CaptureWriter::close() {
+    if (::fsync(file_.number()) != 0) {
+        fail(errno);
+    }
+    file_ = FileDescriptor();
+}
+
+void CaptureWriter::write(std::string_view bytes) {
+    if (int const error = writeAll(file_.number(), bytes); error != 0) {
+        // What stands behind the last whole sample would be in the way of the next one.
+        auto const end = static_cast<off_t>(size_);
+        if (::ftruncate(file_.number(), end) != 0 || ::lseek(file_.number(), end, SEEK_SET) != end) {
+            file_ = FileDescriptor(); // a later sample must not stand behind half of this one
+        }
+        fail(error);
+    }
+    size_ += bytes.size();
+}
+
+void CaptureWriter::fail(int error) const {
+    cannotRecord(path_, std::generic_category().message(error));
+}
+
+} // namespace qel::inspect

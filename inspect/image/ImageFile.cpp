@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "inspect/image/ImageFile.h"
+
+#include "inspect/image/FileDescriptor.h"
+#include "inspect/image/FileOutput.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+namespace qel::inspect {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void cannot(char const* what, std::string const& path, std::string const& problem) {
+    throw ImageFileError("cannot " + std::string(what) + ' ' + path + ": " + problem);
+}
+
+[[noreturn]] void cannot(char const* what, std::string const& path, int error) {
+    cannot(what, path, std::generic_category().message(error));
+}
+
+std::uint64_t regularSize(int fd) {
+    struct stat status = {};
+    return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size)
+                                                                : 0;
+}
+
+/// A new file beside the target that is removed unless it took the target's name.
+class NewFile {
+public:
+    explicit NewFile(std::string const& target) : target_(target), path_(target + ".new-") {
+        constexpr mode_t anyone = 0666; // less the umask
+        path_ += std::to_string(::getpid());
+        fd_ = FileDescriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anyone));
+        if (!fd_) {
+            cannot("write", path_, errno);
+        }
+    }
+    NewFile(NewFile const&) = delete;
+    NewFile& operator=(NewFile const&) = delete;
+    ~NewFile() {
+        if (fd_) {
+            ::unlink(path_.c_str());
+        }
+    }
+
+    void write(std::string_view bytes) const {
+        int error = writeAll(fd_.number(), bytes);
+        if (error == 0 && ::fsync(fd_.number()) != 0) {
+            error = errno;
+        }
+        if (error != 0) {
+            cannot("write", target_, error);
+        }
+    }
+
+    void takeName() {
+        if (::rename(path_.c_str(), target_.c_str()) != 0) {
+            cannot("write", target_, errno);
+        }
+        fd_ = FileDescriptor();
+    }
+
+private:
+    std::string target_;
+    std::string path_;
+    FileDescriptor fd_;
+};
+
+void writeDirectly(Image const& image, std::string const& path) {
+    FileDescriptor const fd(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    int const error = fd ? writeAll(fd.number(), image.bytes()) : errno;
+    if (error != 0) {
+        cannot("write", path, error);
+    }
+}
+
+} // namespace
+
+Image readImage(std::string const& path) {
+    FileDescriptor const fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!fd) {
+        cannot("read", path, errno);
+    }
+    try {
+        return imageOf([&](void* bytes, std::size_t count,
+                           off_t /*offset*/) { return ::read(fd.number(), bytes, count); },
+                       [&] { return regularSize(fd.number()); });
+    } catch (std::system_error const& error) {
+        cannot("read", path, error.code().value());
+    }
+}
+
+void writeImage(Image const& image, std::string const& path) {
+    std::error_code ignored;
+    // Through links: the file is replaced, not the link that leads to it.
+    auto const canonical = fs::canonical(path, ignored);
+    auto const target = canonical.empty() ? fs::path(path) : canonical;
+    if (isLiveObject(target)) {
+        cannot("write", path, "it is the live object; choose another file");
+    }
+    struct stat status = {};
+    if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        writeDirectly(image, target.string());
+        return;
+    }
+    NewFile file(target.string());
+    file.write(image.bytes());
+    file.takeName();
+}
+
+} // namespace qel::inspect

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// Points as paths that people read and type.
+///
+/// A path is derived from the sensor id alone, so it stays when slots change, and leads back to it:
+///
+/// | point                  | path                              | bytes of the id: device, kind, four levels      |
+/// |------------------------|-----------------------------------|-------------------------------------------------|
+/// | electrical             | `unit1`                           | 1, 0, -, -, -, -                                |
+/// |                        | `unit1/inlet1/phase2`             | 1, 0, 1, 2, -, -                                |
+/// |                        | `unit1/inlet1/circuit3/socket5`   | 1, 0, 1, -, 3, 5: unused levels are left out    |
+/// | I2C sensor             | `unit1/sensor1.2`                 | 1, 1, 1, 2, -, -                                |
+/// | group without an inlet | `group1`                          | 1, 2, -, -, -, 1                                |
+/// |                        | `group2.1`                        | 2, 2, -, -, -, 1: of another device than 1      |
+/// | residual-current       | `unit1/rcm1`                      | 1, 4, 1, -, -, -                                |
+/// | monitor, group         | `unit1/inlet1/rcm2`               | 1, 4, 1, 2, -, -                                |
+/// |                        | `unit1/inlet1/circuit-rcm2`       | 1, 4, 1, -, 2, -: number not in the next level  |
+/// | any other              | `0x0103010000000000`              | the id itself                                   |
+///
+/// Numbers are 0 to 127.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qel::inspect {
+
+/// The path of a point; the key in the id is not looked at. Two points have two paths. Any thread.
+std::string pointPath(long long svid);
+
+/// The point that a path names, its key bits zero; upper and lower case are the same. Nothing when it is no path of
+/// the above. Of an id in hexadecimal, key bits are cleared. Any thread.
+std::optional<long long> parsePath(std::string_view path);
+
+} // namespace qel::inspect

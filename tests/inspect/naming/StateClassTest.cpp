@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "inspect/naming/StateClass.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+namespace qel::inspect {
+
+TEST(StateClassTest, ClassOf_EveryState) {
+    std::map<StateClass, std::set<int>> const expected{
+        {StateClass::NoValue, {-2, -1}},
+        {StateClass::Plain, {0, 37, 38}},
+        {StateClass::Alarm, {1, 2, 5, 7, 8, 9, 10, 19, 20, 23, 25, 26, 29, 30, 31, 32, 35, 39}},
+        {StateClass::Warning, {3, 4, 11, 12, 13, 14, 21, 22, 24, 27, 28, 33, 40, 43}},
+        {StateClass::Out, {6, 16, 18, 42}},
+        {StateClass::Identify, {15}},
+        {StateClass::Good, {17, 41}},
+        {StateClass::Busy, {34, 36}},
+    };
+    int states = 0;
+    for (auto const& [kind, numbers] : expected) {
+        for (auto const number : numbers) {
+            EXPECT_EQ(kind, classOf(static_cast<eStatus_Bits>(number))) << number;
+            ++states;
+        }
+    }
+    EXPECT_EQ(46, states);
+}
+
+TEST(StateClassTest, ClassOf_NumberThatIsNoState) {
+    for (int const number : {-3, 44, 1000, -1000}) {
+        EXPECT_EQ(StateClass::NoState, classOf(static_cast<eStatus_Bits>(number))) << number;
+    }
+}
+
+} // namespace qel::inspect

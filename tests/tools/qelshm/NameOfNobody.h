@@ -1,0 +1,30 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// A hardware manager that is not root.
+#pragma once
+
+#include <gio/gio.h>
+
+namespace qel::test {
+
+/// Owns the hardware manager's bus name as the user "nobody" for as long as it lives, and serves nothing.
+///
+/// Threads: while one is made, no other thread may open files or reach the bus.
+class NameOfNobody {
+public:
+    NameOfNobody();
+    ~NameOfNobody();
+    NameOfNobody(NameOfNobody const&) = delete;
+    NameOfNobody& operator=(NameOfNobody const&) = delete;
+
+    /// False where there is no such user, or no bus.
+    bool isOwned() const { return isOwned_; }
+
+private:
+    GDBusConnection* bus_ = nullptr;
+    bool isOwned_ = false;
+};
+
+} // namespace qel::test

@@ -1,0 +1,93 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/app/QelshmOptions.h"
+
+#include "tests/support/ChildProcess.h"
+#include "tests/tools/qelshm/ImageFolder.h"
+#include "tests/tools/qelshm/QelshmRun.h"
+#include "tests/tools/qelshm/Terminal.h"
+
+#include <gmock/gmock.h>
+
+#include <ostream>
+
+namespace qel::test {
+
+namespace {
+
+/// Whether the program colours what it writes to a terminal, with a setting of its environment.
+bool isColoredOnTerminal(std::string const& setting, std::vector<std::string> const& arguments) {
+    ImageFolder const folder;
+    std::vector<std::string> command{
+        "/usr/bin/env", setting, QELSHM, "status", "--image", (folder.path() / folder.add("alarm")).string()};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    Terminal terminal(command, "xterm");
+    EXPECT_EQ(0, terminal.wait());
+    return terminal.readUntil("\x1b[31mChild Alarm\x1b[0m", std::chrono::milliseconds(500));
+}
+
+struct Usage {
+    char const* name;
+    std::vector<std::string> arguments;
+    char const* message;
+};
+
+std::ostream& operator<<(std::ostream& out, Usage const& usage) {
+    return out << usage.name;
+}
+
+class QelshmUsageTest : public testing::TestWithParam<Usage> {};
+
+} // namespace
+
+TEST(QelshmOptionsTest, Terminal_IsColoredUnlessTheUserWantsNone) {
+    EXPECT_TRUE(isColoredOnTerminal("NO_COLOR=", {}));
+    EXPECT_FALSE(isColoredOnTerminal("NO_COLOR=1", {}));
+    EXPECT_FALSE(isColoredOnTerminal("TERM=dumb", {}));
+    EXPECT_FALSE(isColoredOnTerminal("NO_COLOR=", {"--color", "never"}));
+    EXPECT_TRUE(isColoredOnTerminal("NO_COLOR=1", {"--color=always"})) << "what is said outright holds";
+}
+
+TEST(QelshmOptionsTest, Pipe_IsNotColoredUnlessAskedFor) {
+    ImageFolder const folder;
+    auto const file = folder.add("alarm");
+    ChildProcess plain({QELSHM, "status", "--image", file});
+    EXPECT_THAT(plain.readAll(), testing::Not(testing::HasSubstr("\x1b")));
+    ChildProcess colored({QELSHM, "status", "--image", file, "--color", "always"});
+    EXPECT_THAT(colored.readAll(), testing::HasSubstr("\x1b[31mChild Alarm\x1b[0m"));
+}
+
+TEST_P(QelshmUsageTest, WrongArguments_AreOneLineAndStatusTwo) {
+    auto const outcome = runQelshm(GetParam().arguments);
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("qelshm: " + std::string(GetParam().message) + '\n', outcome.errors);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, QelshmUsageTest,
+    testing::Values(
+        Usage{"NoCommand", {}, "A subcommand is required"},
+        Usage{"UnknownCommand", {"show"}, "The following argument was not expected: show"},
+        Usage{"UnknownOption", {"list", "--fast"}, "The following argument was not expected: --fast"},
+        Usage{"GetWithoutPoint", {"get"}, "POINT is required"},
+        Usage{"FindWithoutText", {"find"}, "TEXT is required"},
+        Usage{"DumpWithoutFile", {"dump"}, "FILE is required"},
+        Usage{"LongWait", {"--wait", "601", "list"}, "--wait: Value 601 not in range 0 to 600"},
+        Usage{"WaitForAnImage", {"--wait", "1", "--image", "x", "list"}, "--image excludes --wait"},
+        Usage{"NoImage", {"--image", "", "list"}, "--image: a file is needed"},
+        Usage{"UnknownColor", {"--color", "blue", "list"}, "--color: blue not in {always,auto,never}"},
+        Usage{"DepthOfNone", {"tree", "--depth", "0"}, "--depth: Value 0 not in range 1 to 800"},
+        Usage{"PathsWithValues", {"tree", "--paths", "--values"}, "--values excludes --paths"},
+        Usage{"PathsAsJson", {"tree", "--paths", "--json"}, "--json excludes --paths"},
+        Usage{"NegativeAge",
+              {"status", "--max-age", "-1"},
+              "--max-age: Value -1 not in range 0.000000 to 1000000000.000000"},
+        Usage{"WatchAsJson", {"watch", "--json"}, "watch excludes --json"},
+        Usage{"WatchOfAnImage", {"watch", "--image", "x"}, "watch excludes --image"},
+        Usage{"UnknownShell", {"completion", "fish"}, "SHELL: fish not in {bash}"},
+        Usage{"ControlCharacters", {"\x1b[2J"}, "The following argument was not expected: \\x1B[2J"}),
+    [](testing::TestParamInfo<Usage> const& tested) { return tested.param.name; });
+
+} // namespace qel::test

@@ -1,0 +1,447 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/watch/WatchModel.h"
+
+#include "tests/tools/qelshm/watch/TestUnit.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <string>
+
+namespace qel::watch {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class WatchModelTest : public testing::Test {
+protected:
+    WatchModelTest() {
+        sut.setPage(100);
+        sut.update(unit.look(0));
+    }
+
+    void act(std::vector<Action> const& actions) {
+        for (auto const action : actions) {
+            sut.handle(action);
+        }
+    }
+
+    void type(std::string const& text) {
+        sut.handle(Action::Filter);
+        for (char const character : text) {
+            sut.type(character);
+        }
+    }
+
+    /// Names of the visible rows, the selected one marked.
+    std::vector<std::string> names() const {
+        std::vector<std::string> texts;
+        for (auto const& row : sut.visibleRows()) {
+            texts.push_back((row.isSelected ? ">" : "") + row.name);
+        }
+        return texts;
+    }
+
+    std::string selected() const {
+        for (auto const& row : sut.visibleRows()) {
+            if (row.isSelected) {
+                return row.name;
+            }
+        }
+        return "(none)";
+    }
+
+    RowView rowNamed(std::string const& name) const {
+        for (auto const& row : sut.visibleRows()) {
+            if (row.name == name) {
+                return row;
+            }
+        }
+        ADD_FAILURE() << "there is no row " << name;
+        return {};
+    }
+
+    test::SmallUnit unit;
+    WatchModel sut{WatchedNames({}), std::chrono::milliseconds(250)};
+};
+
+} // namespace
+
+TEST_F(WatchModelTest, Header_TellsOfTheUnit) {
+    auto const header = sut.header();
+    EXPECT_EQ("active", header.condition);
+    EXPECT_TRUE(header.isLive);
+    EXPECT_EQ("On", header.state);
+    EXPECT_EQ(Severity::Normal, header.severity);
+    EXPECT_EQ("green", header.led);
+    EXPECT_EQ(4U, header.points);
+    EXPECT_EQ(5U, header.values);
+    EXPECT_EQ(0U, header.structureChanges);
+    EXPECT_EQ("-", header.lastDelivery);
+    EXPECT_EQ("2023-06-09T00:00:00Z", header.time);
+    EXPECT_EQ("", header.note);
+    EXPECT_THAT(sut.message(), IsEmpty());
+}
+
+TEST_F(WatchModelTest, Header_FollowsTheGlobalState) {
+    unit.region().root.state = eStatus_ChildAlarm;
+    sut.update(unit.look(61999));
+    EXPECT_EQ("Child Alarm", sut.header().state);
+    EXPECT_EQ(Severity::Alarm, sut.header().severity);
+    EXPECT_EQ("red", sut.header().led);
+    EXPECT_EQ("2023-06-09T00:01:01Z", sut.header().time);
+}
+
+TEST_F(WatchModelTest, Header_TellsTheLastDelivery) {
+    unit.deliver(unit.inletPower, 1.0, 5);
+    sut.update(unit.look(250));
+    EXPECT_EQ("0s ago", sut.header().lastDelivery);
+    sut.update(unit.look(5250));
+    EXPECT_EQ("5s ago", sut.header().lastDelivery);
+}
+
+TEST_F(WatchModelTest, Rows_ShowNameTypeValueStateAndAge) {
+    unit.deliver(unit.inletVoltage, 230.04, 5);
+    sut.update(unit.look(3000));
+    sut.update(unit.look(5000));
+
+    auto const inlet = rowNamed("inlet1");
+    EXPECT_TRUE(inlet.isPoint);
+    EXPECT_TRUE(inlet.isFoldable);
+    EXPECT_FALSE(inlet.isFolded);
+    EXPECT_EQ(1U, inlet.depth);
+    EXPECT_EQ("1P", inlet.type);
+    EXPECT_EQ("", inlet.value);
+    EXPECT_EQ("On", inlet.state);
+    EXPECT_EQ("", inlet.age);
+
+    auto const voltage = rowNamed("Voltage");
+    EXPECT_FALSE(voltage.isPoint);
+    EXPECT_FALSE(voltage.isFoldable);
+    EXPECT_EQ(2U, voltage.depth);
+    EXPECT_EQ("230.0 V", voltage.value);
+    EXPECT_EQ("No Error", voltage.state);
+    EXPECT_EQ(Severity::Normal, voltage.severity);
+    EXPECT_EQ("2s", voltage.age);
+    EXPECT_EQ(">5s", rowNamed("Active Power").age) << "never delivered since the start";
+}
+
+TEST_F(WatchModelTest, ChangedValue_IsFreshForAMoment) {
+    unit.deliver(unit.inletVoltage, 1.0, 5);
+    EXPECT_FALSE(rowNamed("Voltage").isFresh);
+    sut.update(unit.look(250));
+    EXPECT_TRUE(rowNamed("Voltage").isFresh);
+    EXPECT_FALSE(rowNamed("Active Power").isFresh);
+    sut.update(unit.look(849));
+    EXPECT_TRUE(rowNamed("Voltage").isFresh);
+    sut.update(unit.look(850));
+    EXPECT_FALSE(rowNamed("Voltage").isFresh);
+}
+
+TEST_F(WatchModelTest, Cursor_MovesAndStopsAtTheEnds) {
+    EXPECT_THAT(names(), ElementsAre(">unit1", "inlet1", "Voltage", "Active Power", "socket10", "socket2"));
+    act({Action::Up});
+    EXPECT_EQ("unit1", selected());
+    act({Action::Down, Action::Down});
+    EXPECT_EQ("Voltage", selected());
+    act({Action::Up});
+    EXPECT_EQ("inlet1", selected());
+    act({Action::Last});
+    EXPECT_EQ("socket2", selected());
+    act({Action::Down, Action::PageDown});
+    EXPECT_EQ("socket2", selected());
+    act({Action::First});
+    EXPECT_EQ("unit1", selected());
+}
+
+TEST_F(WatchModelTest, Window_FollowsTheCursor) {
+    sut.setPage(3);
+    EXPECT_THAT(names(), ElementsAre(">unit1", "inlet1", "Voltage"));
+    act({Action::Down, Action::Down});
+    EXPECT_EQ(0U, sut.top());
+    act({Action::Down});
+    EXPECT_THAT(names(), ElementsAre("inlet1", "Voltage", ">Active Power"));
+    act({Action::PageDown});
+    EXPECT_THAT(names(), ElementsAre("Active Power", "socket10", ">socket2"));
+    act({Action::PageUp});
+    EXPECT_THAT(names(), ElementsAre(">Voltage", "Active Power", "socket10"));
+    sut.setPage(1);
+    EXPECT_THAT(names(), ElementsAre(">Voltage"));
+    sut.setPage(0);
+    EXPECT_THAT(names(), ElementsAre(">Voltage"));
+    sut.setPage(6);
+    EXPECT_THAT(names(), ElementsAre("unit1", "inlet1", ">Voltage", "Active Power", "socket10", "socket2"));
+}
+
+TEST_F(WatchModelTest, Toggle_FoldsAndUnfolds) {
+    act({Action::Down, Action::Toggle});
+    EXPECT_THAT(names(), ElementsAre("unit1", ">inlet1"));
+    act({Action::Toggle});
+    EXPECT_EQ(6U, sut.rowCount());
+    act({Action::Down, Action::Toggle});
+    EXPECT_EQ(6U, sut.rowCount()) << "a value has nothing to fold";
+}
+
+TEST_F(WatchModelTest, Open_UnfoldsThenGoesDown) {
+    act({Action::Last, Action::Open});
+    EXPECT_THAT(names(), ElementsAre("unit1", "inlet1", "Voltage", "Active Power", "socket10", ">socket2",
+                                     "Active Power", "Voltage"));
+    act({Action::Open});
+    EXPECT_EQ(6U, sut.selected());
+    act({Action::Open});
+    EXPECT_EQ(6U, sut.selected()) << "a value has nothing below";
+}
+
+TEST_F(WatchModelTest, Close_FoldsThenGoesUp) {
+    act({Action::Last, Action::Open, Action::Open, Action::Close});
+    EXPECT_EQ("socket2", selected()) << "from a value to its point";
+    act({Action::Close});
+    EXPECT_EQ(6U, sut.rowCount());
+    act({Action::Close});
+    EXPECT_EQ("inlet1", selected()) << "from a folded point to the one above";
+    act({Action::Close, Action::Close});
+    EXPECT_EQ("unit1", selected());
+    act({Action::Close, Action::Close});
+    EXPECT_THAT(names(), ElementsAre(">unit1")) << "nothing above a top-level point";
+}
+
+TEST_F(WatchModelTest, OpenAllAndCloseAll_KeepTheBranchSelected) {
+    act({Action::Last, Action::OpenAll});
+    EXPECT_EQ(9U, sut.rowCount());
+    EXPECT_EQ("socket2", selected());
+    act({Action::CloseAll});
+    EXPECT_THAT(names(), ElementsAre(">unit1"));
+}
+
+TEST_F(WatchModelTest, Sort_GoesThroughTheOrders) {
+    std::vector<SortOrder> orders;
+    for (int step = 0; step < 5; ++step) {
+        orders.push_back(sut.order());
+        act({Action::Sort});
+    }
+    EXPECT_THAT(orders, ElementsAre(SortOrder::Tree, SortOrder::Severity, SortOrder::Name, SortOrder::Age,
+                                    SortOrder::Tree));
+}
+
+TEST_F(WatchModelTest, FlatOrder_ShowsPathsAndKeepsTheSelectedValue) {
+    act({Action::Down, Action::Down, Action::Down, Action::Sort, Action::Sort});
+    EXPECT_THAT(names(), ElementsAre(">unit1/inlet1  Active Power", "unit1/inlet1  Voltage",
+                                     "unit1/inlet1/socket2  Active Power", "unit1/inlet1/socket2  Voltage",
+                                     "unit1/inlet1/socket10  Active Power"));
+}
+
+TEST_F(WatchModelTest, ToggleInAFlatOrder_ShowsTheValueInTheTree) {
+    act({Action::CloseAll, Action::Sort, Action::Sort, Action::Last, Action::Toggle});
+    EXPECT_EQ(SortOrder::Tree, sut.order());
+    EXPECT_THAT(names(), ElementsAre("unit1", "inlet1", "Voltage", "Active Power", "socket10",
+                                     ">Active Power", "socket2"));
+}
+
+TEST_F(WatchModelTest, Filter_IsAppliedWhileTyped) {
+    type("socket2");
+    EXPECT_TRUE(sut.isTyping());
+    EXPECT_EQ("socket2", sut.filterText());
+    EXPECT_THAT(names(), ElementsAre(">unit1", "inlet1", "socket2", "Active Power", "Voltage"));
+    sut.type(' ');
+    sut.type('g');
+    EXPECT_THAT(names(), ElementsAre(">unit1", "inlet1", "socket2", "Voltage"));
+    sut.erase();
+    sut.erase();
+    EXPECT_EQ("socket2", sut.filterText());
+    EXPECT_EQ(5U, sut.rowCount());
+    sut.endTyping();
+    EXPECT_FALSE(sut.isTyping());
+    EXPECT_EQ(5U, sut.rowCount());
+    act({Action::Clear});
+    EXPECT_EQ("", sut.filterText());
+    EXPECT_EQ(6U, sut.rowCount());
+}
+
+TEST_F(WatchModelTest, EraseWithoutText_DoesNothing) {
+    act({Action::Filter});
+    sut.erase();
+    EXPECT_EQ("", sut.filterText());
+    EXPECT_TRUE(sut.isTyping());
+}
+
+TEST_F(WatchModelTest, FilterThatFitsNothing_LeavesACursorThatComesBack) {
+    act({Action::Last});
+    type("xyz");
+    EXPECT_EQ(0U, sut.rowCount());
+    EXPECT_EQ("", sut.pane().path);
+    act({Action::Up, Action::Down, Action::PageUp, Action::First, Action::Last, Action::Toggle, Action::Open,
+         Action::Close, Action::OpenAll});
+    EXPECT_EQ(0U, sut.rowCount());
+    act({Action::Clear});
+    EXPECT_EQ("socket2", selected());
+}
+
+TEST_F(WatchModelTest, FoldingWithAFilter_DoesNothing) {
+    type("socket");
+    auto const before = sut.rowCount();
+    act({Action::Toggle, Action::Close});
+    EXPECT_EQ(before, sut.rowCount());
+}
+
+TEST_F(WatchModelTest, Help_IsEndedByAnyAction) {
+    act({Action::Help});
+    EXPECT_TRUE(sut.isHelp());
+    act({Action::Quit});
+    EXPECT_FALSE(sut.isHelp());
+    EXPECT_FALSE(sut.isDone());
+    act({Action::Quit});
+    EXPECT_TRUE(sut.isDone());
+}
+
+TEST_F(WatchModelTest, Follow_GoesToEachNewAlarm) {
+    act({Action::Follow});
+    EXPECT_TRUE(sut.isFollowing());
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighWarning);
+    sut.update(unit.look(250));
+    EXPECT_EQ("unit1", selected()) << "a warning is no alarm";
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
+    sut.update(unit.look(500));
+    EXPECT_THAT(names(), ElementsAre("unit1", "inlet1", "Voltage", "Active Power", "socket10", "socket2",
+                                     "Active Power", ">Voltage"));
+    act({Action::First});
+    unit.deliver(unit.socket2Voltage, 2.0, 1, eStatus_Lost);
+    sut.update(unit.look(750));
+    EXPECT_EQ("unit1", selected()) << "it was an alarm before";
+}
+
+TEST_F(WatchModelTest, WithoutFollow_TheCursorStays) {
+    act({Action::Follow, Action::Follow});
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
+    sut.update(unit.look(250));
+    EXPECT_EQ("unit1", selected());
+}
+
+TEST_F(WatchModelTest, ChangedStructure_IsCountedAndKeepsTheCursor) {
+    act({Action::Last});
+    unit.value(unit.unit, 4);
+    sut.update(unit.look(250));
+    EXPECT_EQ(1U, sut.header().structureChanges);
+    EXPECT_EQ("socket2", selected());
+    sut.update(unit.look(500));
+    EXPECT_EQ(1U, sut.header().structureChanges);
+    unit.removeLastChild(unit.inlet);
+    sut.update(unit.look(750));
+    EXPECT_EQ(2U, sut.header().structureChanges);
+    EXPECT_EQ("socket10", selected()) << "what stands in its place now";
+}
+
+TEST_F(WatchModelTest, ValueWhosePointWasFolded_HandsTheCursorToIt) {
+    act({Action::Last, Action::Open, Action::Last, Action::Close, Action::Close});
+    EXPECT_EQ("socket2", selected());
+}
+
+TEST_F(WatchModelTest, InactiveRegion_IsToldAndTheCursorComesBack) {
+    act({Action::Last});
+    unit.region().root.version = 0xFF;
+    sut.update(unit.look(250));
+    EXPECT_EQ("inactive", sut.header().condition);
+    EXPECT_FALSE(sut.header().isLive);
+    EXPECT_EQ("", sut.header().state);
+    EXPECT_EQ(0U, sut.header().points);
+    EXPECT_THAT(sut.message(), ElementsAre("Waiting: the region is not active.",
+                                           "The table goes on by itself as soon as a writer is ready."));
+    EXPECT_THAT(names(), IsEmpty());
+    unit.region().root.version = shm::ACTIVE_VERSION;
+    sut.update(unit.look(500));
+    EXPECT_EQ("socket2", selected());
+    EXPECT_EQ(0U, sut.header().structureChanges) << "the structure is the same as before";
+}
+
+TEST_F(WatchModelTest, EachWayNotToBeThere_IsTold) {
+    struct Case {
+        inspect::RegionSource source;
+        inspect::Image image;
+        char const* condition;
+        char const* text;
+    };
+    auto const image = unit.image();
+    for (auto const& current : {
+             Case{{inspect::Opening::Absent, 0, false, {}}, {}, "absent", "there is no shared-memory object"},
+             Case{{inspect::Opening::Unreadable, EACCES, false, {}}, {}, "unreadable", "Permission denied"},
+             Case{{inspect::Opening::Opened, 0, true, {}}, image, "replaced", "has been replaced"},
+             Case{{}, inspect::Image(&unit.region(), 100), "too short", "has only 100 of 320032 bytes"},
+         }) {
+        sut.update({current.image, current.source, 1, 0, 250});
+        EXPECT_EQ(current.condition, sut.header().condition);
+        ASSERT_FALSE(sut.message().empty()) << current.condition;
+        EXPECT_THAT(sut.message().front(), HasSubstr(current.text));
+        EXPECT_EQ(0U, sut.rowCount()) << current.condition;
+        EXPECT_EQ("", sut.pane().path);
+    }
+}
+
+TEST_F(WatchModelTest, AnotherObject_IsNotedForAWhile) {
+    unit.value(unit.unit, 4);
+    sut.update(unit.look(1000, 2));
+    EXPECT_EQ("a new object has been opened", sut.header().note);
+    EXPECT_EQ(0U, sut.header().structureChanges) << "not a change of the same unit";
+    sut.update(unit.look(10999, 2));
+    EXPECT_EQ("a new object has been opened", sut.header().note);
+    sut.update(unit.look(11000, 2));
+    EXPECT_EQ("", sut.header().note);
+}
+
+TEST_F(WatchModelTest, FirstObject_IsNotNoted) {
+    WatchModel late(WatchedNames({}), std::chrono::milliseconds(250));
+    late.update({{}, {inspect::Opening::Absent, 0, false, {}}, 0, 0, 0});
+    late.update(unit.look(250, 1));
+    EXPECT_EQ("", late.header().note);
+    EXPECT_EQ(0U, late.header().structureChanges);
+    EXPECT_EQ(6U, late.rowCount());
+}
+
+TEST_F(WatchModelTest, Pane_ShowsTheSelectedPointWithItsFirstValue) {
+    act({Action::Down});
+    auto const pane = sut.pane();
+    EXPECT_EQ("unit1/inlet1", pane.path);
+    EXPECT_EQ("0x010001ffffff0000", pane.svid);
+    EXPECT_EQ("1P", pane.type);
+    EXPECT_EQ("On", pane.state);
+    ASSERT_EQ(2U, pane.values.size());
+    EXPECT_TRUE(pane.values[0].isSelected);
+    EXPECT_FALSE(pane.values[1].isSelected);
+    EXPECT_EQ("Voltage", pane.graphName);
+    EXPECT_EQ("never", pane.delivered);
+    EXPECT_NE(nullptr, pane.history);
+}
+
+TEST_F(WatchModelTest, Pane_ShowsTheSelectedValue) {
+    act({Action::Down, Action::Down, Action::Down});
+    unit.deliver(unit.inletPower, 100.0, 1686296078000);
+    sut.update(unit.look(4000));
+    auto const pane = sut.pane();
+    EXPECT_EQ("unit1/inlet1", pane.path);
+    EXPECT_EQ("Active Power", pane.graphName);
+    EXPECT_EQ(test::activePower, pane.key);
+    EXPECT_EQ("2023-06-09T07:34:38Z", pane.delivered);
+    EXPECT_TRUE(pane.values[1].isSelected);
+    ASSERT_NE(nullptr, pane.history);
+    EXPECT_EQ(100.0F, pane.history->at(pane.newestBucket).last);
+    EXPECT_EQ(0.0F, pane.history->at(pane.newestBucket - 2).last);
+}
+
+TEST_F(WatchModelTest, PaneOfAPointWithoutValues_HasNoGraph) {
+    auto const pane = sut.pane();
+    EXPECT_EQ("unit1", pane.path);
+    EXPECT_EQ(nullptr, pane.history);
+    EXPECT_EQ("", pane.graphName);
+}
+
+TEST_F(WatchModelTest, GraphSpan_FollowsTheInterval) {
+    EXPECT_EQ(20000U, sut.graphSpan(10));
+    EXPECT_EQ(180000U, sut.graphSpan(1000)) << "no more than is kept";
+    WatchModel const slow(WatchedNames({}), std::chrono::seconds(60));
+    EXPECT_EQ(600000U, slow.graphSpan(10)) << "a bucket for each look";
+}
+
+} // namespace qel::watch

@@ -1,0 +1,287 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/watch/WatchScreen.h"
+
+#include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/qelshm/watch/Tmux.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+
+namespace qel::test {
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+bool has(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string lineOf(std::string const& screen, std::size_t number) {
+    std::istringstream lines(screen);
+    std::string line;
+    for (std::size_t index = 0; index <= number; ++index) {
+        line.clear();
+        std::getline(lines, line);
+    }
+    return line;
+}
+
+/// `qelshm watch` in a shell in a terminal, on a unit of an inlet, three circuits and ten sockets whose values change.
+class WatchScreenTest : public testing::Test {
+protected:
+    WatchScreenTest() { startUnit(); }
+
+    void startUnit() {
+        std::string const recording = QEL_DATA_DIR "/outlets_1s.csv";
+        unit_ = std::make_unique<ReplayProcess>(std::vector<std::string>{
+            "--speed", "10", "--loop", "--limit", "inlet1_voltage_V:high-alarm=100", recording});
+        ASSERT_TRUE(unit_->readUntil("region active"));
+    }
+
+    /// Has the terminal's settings noted before and after, and its exit status told.
+    void startWatch(std::string const& arguments = "", std::string const& before = "") {
+        tmux_.type("clear; was=$(stty -g); " + before + " " QELSHM " watch " + arguments +
+                   "; echo \"status $? $([ \"$(stty -g)\" = \"$was\" ] && echo same)\"");
+        tmux_.press({"Enter"});
+    }
+
+    void startTable(std::string const& arguments = "") {
+        startWatch(arguments);
+        ASSERT_TRUE(tmux_.shows("? help")) << tmux_.screen();
+        ASSERT_TRUE(tmux_.shows("inlet1")) << tmux_.screen();
+    }
+
+    void expectShellAgain(std::string const& status = "status 0 same") {
+        EXPECT_TRUE(tmux_.shows(status)) << tmux_.screen();
+        EXPECT_EQ("0", tmux_.fact("alternate_on")) << "the primary screen is back";
+        EXPECT_EQ("1", tmux_.fact("cursor_flag")) << "the cursor is visible";
+        EXPECT_THAT(tmux_.screen(), Not(HasSubstr("qelshm watch   ")));
+    }
+
+    /// Sends a signal to the program that runs in the terminal; it has noted its number.
+    void signalWatch(char const* name) {
+        ChildProcess kill({"sh", "-c", std::string("kill -") + name + " $(cat /dev/shm/watch-pid)"});
+        EXPECT_EQ(0, kill.wait());
+    }
+
+    Tmux tmux_{100, 30};
+    std::unique_ptr<ReplayProcess> unit_;
+};
+
+} // namespace
+
+TEST_F(WatchScreenTest, Table_ShowsHeaderTitlesTreePaneAndKeys) {
+    startTable();
+    ASSERT_TRUE(tmux_.shows("last delivery 0s ago"));
+    auto const screen = tmux_.screen();
+    EXPECT_THAT(lineOf(screen, 0),
+                testing::MatchesRegex(" qelshm watch   active +Child Alarm   LED red +20[0-9T:-]+Z"));
+    EXPECT_THAT(lineOf(screen, 1), HasSubstr(" points 15/800   values 102/8800   structure changes 0"));
+    EXPECT_THAT(lineOf(screen, 2), testing::MatchesRegex(" Point, value \\(by tree\\) +Value +State +Age"));
+    EXPECT_THAT(lineOf(screen, 3), testing::MatchesRegex(" ▾ unit1  Master +Child Alarm"));
+    EXPECT_THAT(lineOf(screen, 4), testing::MatchesRegex("   ▾ inlet1  1P +On, Alarm"));
+    EXPECT_THAT(lineOf(screen, 5), testing::MatchesRegex(" +Voltage +2[0-9.]+ V +High Alarm +>?[0-9]+s"));
+    EXPECT_THAT(screen, HasSubstr("       ▸ socket3  Schuko"));
+    EXPECT_THAT(lineOf(screen, 22), testing::MatchesRegex(" unit1  0x0100ffffffff0000  Master +Child Alarm"));
+    EXPECT_THAT(lineOf(screen, 29),
+                testing::MatchesRegex(" Up Down move   Left Right fold   s sort   / filter   f follow   "
+                                      "\\? help   q quit +1/27"));
+    EXPECT_EQ("1", tmux_.fact("alternate_on"));
+    EXPECT_EQ("0", tmux_.fact("cursor_flag"));
+}
+
+TEST_F(WatchScreenTest, Arrows_SelectAndFold) {
+    startTable();
+    tmux_.press({"Down", "Down"});
+    ASSERT_TRUE(tmux_.shows(" 3/27"));
+    ASSERT_TRUE(tmux_.shows(" unit1/inlet1  0x010001ffffff0000  1P"));
+    ASSERT_TRUE(tmux_.shows(" >Voltage"));
+    ASSERT_TRUE(tmux_.shows("Voltage, delivered 20"));
+    EXPECT_TRUE(tmux_.becomes([](std::string const& screen) { return has(screen, "▄") || has(screen, "█"); }))
+        << "a graph";
+    tmux_.press({"Left", "Left"});
+    ASSERT_TRUE(tmux_.shows("   ▸ inlet1")) << "to the point, and folded";
+    ASSERT_TRUE(tmux_.shows(" 2/2"));
+    EXPECT_THAT(tmux_.screen(), Not(HasSubstr("socket3")));
+    tmux_.press({"Enter"});
+    ASSERT_TRUE(tmux_.shows(" 2/27"));
+    tmux_.press({"End", "Right"});
+    ASSERT_TRUE(tmux_.shows("       ▾ socket10"));
+}
+
+TEST_F(WatchScreenTest, Filter_ShowsWhatFits) {
+    startTable();
+    tmux_.press({"/"});
+    tmux_.type("socket6 apparent power");
+    ASSERT_TRUE(tmux_.shows("/socket6 apparent power_   Enter keeps, Esc takes away"));
+    tmux_.press({"Enter"});
+    ASSERT_TRUE(tmux_.shows("(by tree) /socket6 apparent power"));
+    auto const screen = tmux_.screen();
+    EXPECT_THAT(lineOf(screen, 6), HasSubstr("▾ socket6  Schuko"));
+    EXPECT_THAT(lineOf(screen, 7),
+                testing::MatchesRegex(" +Apparent Power +[0-9.]+ VA +No Error +>?[0-9]+s"));
+    EXPECT_EQ("", lineOf(screen, 8));
+    tmux_.press({"/"});
+    tmux_.type("xyz");
+    EXPECT_TRUE(tmux_.shows("Nothing to show"));
+    tmux_.press({"Escape"});
+    EXPECT_TRUE(tmux_.shows("/27"));
+}
+
+TEST_F(WatchScreenTest, Sort_ShowsValuesAlone) {
+    startTable();
+    tmux_.press({"s"});
+    ASSERT_TRUE(tmux_.shows("(by state)"));
+    EXPECT_THAT(lineOf(tmux_.screen(), 3),
+                testing::MatchesRegex("   unit1/inlet1  Voltage +2[0-9.]+ V +High Alarm +>?[0-9]+s"));
+    tmux_.press({"s"});
+    ASSERT_TRUE(tmux_.shows("(by name)"));
+    EXPECT_THAT(lineOf(tmux_.screen(), 3), HasSubstr("unit1/inlet1  Active Energy"));
+    tmux_.press({"s"});
+    ASSERT_TRUE(tmux_.shows("(by age)"));
+}
+
+TEST_F(WatchScreenTest, Help_NamesTheKeysUntilAKeyIsPressed) {
+    startTable();
+    tmux_.press({"?"});
+    ASSERT_TRUE(tmux_.shows(" qelshm watch: keys"));
+    auto const screen = tmux_.screen();
+    EXPECT_THAT(screen,
+                HasSubstr("Enter, space        fold or unfold; in a flat order, show the value in the tree"));
+    EXPECT_THAT(screen, HasSubstr("q, Ctrl-C           quit"));
+    tmux_.press({"q"});
+    EXPECT_TRUE(tmux_.shows("? help")) << "q ends the help alone";
+}
+
+TEST_F(WatchScreenTest, ChangedSize_IsFollowed) {
+    startTable();
+    tmux_.resize(70, 12);
+    ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
+        return has(lineOf(screen, 11), "Up Down move") && has(lineOf(screen, 11), " 1/27");
+    })) << tmux_.screen();
+    EXPECT_THAT(lineOf(tmux_.screen(), 10), Not(HasSubstr("unit1  0x"))) << "no room for the pane";
+    tmux_.resize(120, 40);
+    ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
+        return has(lineOf(screen, 39), " 1/27") && has(lineOf(screen, 32), " unit1  0x0100ffffffff0000");
+    })) << tmux_.screen();
+    tmux_.resize(10, 3);
+    tmux_.resize(1, 1);
+    tmux_.resize(100, 30);
+    ASSERT_TRUE(tmux_.shows("? help"));
+    tmux_.press({"q"});
+    expectShellAgain();
+}
+
+TEST_F(WatchScreenTest, Quit_RestoresTheTerminal) {
+    startTable();
+    tmux_.press({"q"});
+    expectShellAgain();
+}
+
+class WatchScreenSignalTest : public WatchScreenTest, public testing::WithParamInterface<char const*> {};
+
+TEST_P(WatchScreenSignalTest, Signal_RestoresTheTerminal) {
+    startWatch("", "sh -c 'echo $$ >/dev/shm/watch-pid; exec \"$@\"' sh");
+    ASSERT_TRUE(tmux_.shows("? help")) << tmux_.screen();
+    signalWatch(GetParam());
+    expectShellAgain();
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WatchScreenSignalTest, testing::Values("TERM", "HUP", "INT"),
+                         [](auto const& parameter) { return std::string(parameter.param); });
+
+TEST_F(WatchScreenTest, CtrlC_RestoresTheTerminal) {
+    startTable();
+    tmux_.press({"C-c"});
+    // The shell drops the rest of its line when Ctrl-C came during it.
+    EXPECT_TRUE(tmux_.becomes(
+        [](std::string const& screen) { return !has(screen, "qelshm watch   ") && has(screen, "shell>"); }));
+    EXPECT_EQ("0", tmux_.fact("alternate_on"));
+    EXPECT_EQ("1", tmux_.fact("cursor_flag"));
+}
+
+TEST_F(WatchScreenTest, Suspended_GivesTheTerminalBackAndComesAgain) {
+    startTable();
+    tmux_.press({"C-z"});
+    ASSERT_TRUE(tmux_.shows("Stopped"));
+    EXPECT_EQ("0", tmux_.fact("alternate_on"));
+    EXPECT_EQ("1", tmux_.fact("cursor_flag"));
+    tmux_.type("echo $((20 + 22)); fg");
+    tmux_.press({"Enter"});
+    ASSERT_TRUE(tmux_.shows("? help"));
+    EXPECT_EQ("1", tmux_.fact("alternate_on"));
+    tmux_.press({"Down"});
+    ASSERT_TRUE(tmux_.shows(" 2/27"));
+    tmux_.press({"q"});
+    ASSERT_TRUE(tmux_.shows("42"));
+    EXPECT_TRUE(tmux_.becomes([](std::string const& screen) { return !has(screen, "qelshm watch   "); }));
+    EXPECT_EQ("1", tmux_.fact("cursor_flag"));
+}
+
+TEST_F(WatchScreenTest, UnitThatGoesAndComesBack_IsFollowed) {
+    startTable();
+    unit_.reset();
+    ASSERT_TRUE(tmux_.shows("Waiting: there is no shared-memory object \"QelSharedMemory\"."));
+    EXPECT_THAT(lineOf(tmux_.screen(), 0), HasSubstr(" qelshm watch   absent "));
+    EXPECT_THAT(tmux_.screen(), Not(HasSubstr("inlet1")));
+    startUnit();
+    ASSERT_TRUE(tmux_.shows("a new object has been opened"));
+    ASSERT_TRUE(tmux_.shows("inlet1"));
+    EXPECT_THAT(lineOf(tmux_.screen(), 0), HasSubstr(" qelshm watch   active "));
+    tmux_.press({"q"});
+    expectShellAgain();
+}
+
+TEST_F(WatchScreenTest, NoUnitAtFirst_IsWaitedFor) {
+    unit_.reset();
+    startWatch();
+    ASSERT_TRUE(tmux_.shows("Waiting: there is no shared-memory object"));
+    tmux_.press({"Down", "Enter", "s", "Right"});
+    ASSERT_TRUE(tmux_.shows("(by state)"));
+    startUnit();
+    ASSERT_TRUE(tmux_.shows("unit1/inlet1"));
+}
+
+TEST_F(WatchScreenTest, Names_LeaveTheRestOut) {
+    startTable("unit1/inlet1/circuit1/socket6 0x010001ffffff0001");
+    ASSERT_TRUE(tmux_.shows("socket6"));
+    EXPECT_THAT(tmux_.screen(), Not(HasSubstr("socket3")));
+    EXPECT_THAT(tmux_.screen(), Not(HasSubstr("Current")));
+    EXPECT_THAT(lineOf(tmux_.screen(), 5), HasSubstr("Voltage"));
+}
+
+TEST_F(WatchScreenTest, WithoutUtf8_IsDrawnInAscii) {
+    startWatch("", "LC_ALL=C");
+    ASSERT_TRUE(tmux_.shows(" - unit1  Master"));
+    EXPECT_THAT(tmux_.screen(), HasSubstr("       + socket3  Schuko"));
+    tmux_.press({"Down"});
+    ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
+        return has(screen, "#") || has(screen, ":|");
+    })) << "a graph";
+    auto const screen = tmux_.screen();
+    EXPECT_TRUE(std::all_of(screen.begin(), screen.end(), [](char byte) { return byte >= 0; })) << screen;
+}
+
+TEST_F(WatchScreenTest, UnknownTerminal_IsAFailure) {
+    startWatch("", "TERM=no-such-terminal");
+    ASSERT_TRUE(
+        tmux_.shows("qelshm: the terminal \"no-such-terminal\" cannot show a table; pipe the output"));
+    expectShellAgain("status 1 same");
+}
+
+TEST_F(WatchScreenTest, Count_WritesLinesAlsoOnATerminal) {
+    startWatch("--count 3 unit1/inlet1");
+    ASSERT_TRUE(tmux_.shows("status 0 same"));
+    auto const screen = tmux_.screen();
+    EXPECT_EQ("0", tmux_.fact("alternate_on"));
+    EXPECT_THAT(screen, testing::ContainsRegex("Z  unit1/inlet1 +[A-Z][A-Za-z ]+ +[0-9.]+ "));
+}
+
+} // namespace qel::test

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/CheckCommand.h"
+
+#include "tools/common/ExitStatus.h"
+#include "tools/qelshm/verbs/ImageCommand.h"
+#include "tools/qelshm/verbs/Json.h"
+#include "tools/qelshm/terminal/TextTable.h"
+
+#include "inspect/check/RegionCheck.h"
+
+#include <CLI/App.hpp>
+
+#include <algorithm>
+
+namespace qel::tools {
+
+namespace {
+
+using inspect::FindingCode;
+using inspect::Findings;
+
+std::string nameOf(FindingCode code) {
+    return std::string(kindOf(code).name);
+}
+
+/// A line for each finding, then what each kind of them means.
+void printText(Findings const& findings, CommandContext const& context) {
+    TextTable table;
+    std::vector<FindingCode> codes;
+    for (auto const& finding : findings) {
+        table.add(0,
+                  {{inspect::isDamage(finding) ? "damage" : "note",
+                    inspect::isDamage(finding) ? Style::Alarm : Style::Warning},
+                   nameOf(finding.code),
+                   placeText(finding),
+                   std::string(finding.field.name),
+                   "found " + finding.found.text(),
+                   "expected " + finding.expected.text(),
+                   finding.field.place == inspect::Place::Object ? std::string()
+                                                                 : "byte " + std::to_string(finding.offset)});
+        if (std::find(codes.begin(), codes.end(), finding.code) == codes.end()) {
+            codes.push_back(finding.code);
+        }
+    }
+    for (auto const code : codes) {
+        table.add(1, {nameOf(code) + ": " + std::string(kindOf(code).explanation)});
+    }
+    if (findings.empty()) {
+        table.add(0, {"Nothing: the region is sound"});
+    }
+    table.print(context.out, context.hasColor);
+}
+
+} // namespace
+
+CLI::App& CheckCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
+    return *app.add_subcommand("check", "Tell what in the region is not as a writer leaves it");
+}
+
+int CheckCommand::run(CommandContext const& context) {
+    auto const input = openInput(context);
+    requireOpened(input);
+    auto findings = objectFindings(input);
+    auto const ofRegion = input.file.empty()
+                              ? inspect::confirmedFindings(input.image, [] { return liveInput().image; })
+                              : inspect::checkRegion(input.image);
+    findings.insert(findings.end(), ofRegion.begin(), ofRegion.end());
+    if (context.options.isJson) {
+        auto document = jsonDocument("check", input, {});
+        document["findings"] = jsonFindings(findings);
+        printJson(context.out, document);
+    } else {
+        printText(findings, context);
+    }
+    return inspect::hasDamage(findings) ? exitFailure : exitSuccess;
+}
+
+} // namespace qel::tools

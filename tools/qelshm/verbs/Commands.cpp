@@ -1,0 +1,40 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/Commands.h"
+
+#include "tools/qelshm/verbs/CheckCommand.h"
+#include "tools/qelshm/verbs/CompletionCommand.h"
+#include "tools/qelshm/verbs/DiffCommand.h"
+#include "tools/qelshm/verbs/DumpCommand.h"
+#include "tools/qelshm/verbs/FindCommand.h"
+#include "tools/qelshm/verbs/GetCommand.h"
+#include "tools/qelshm/verbs/HzCommand.h"
+#include "tools/qelshm/verbs/ListCommand.h"
+#include "tools/qelshm/verbs/RecordCommand.h"
+#include "tools/qelshm/verbs/StatusCommand.h"
+#include "tools/qelshm/verbs/TreeCommand.h"
+#include "tools/qelshm/verbs/WatchCommand.h"
+#include "tools/qelshm/verbs/WhyCommand.h"
+
+namespace qel::tools {
+
+std::vector<std::unique_ptr<ICommand>> allCommands() {
+    std::vector<std::unique_ptr<ICommand>> commands;
+    commands.push_back(std::make_unique<StatusCommand>());
+    commands.push_back(std::make_unique<TreeCommand>());
+    commands.push_back(std::make_unique<ListCommand>());
+    commands.push_back(std::make_unique<GetCommand>());
+    commands.push_back(std::make_unique<FindCommand>());
+    commands.push_back(std::make_unique<CheckCommand>());
+    commands.push_back(std::make_unique<WhyCommand>());
+    commands.push_back(std::make_unique<DumpCommand>());
+    commands.push_back(std::make_unique<DiffCommand>());
+    commands.push_back(std::make_unique<HzCommand>());
+    commands.push_back(std::make_unique<RecordCommand>());
+    commands.push_back(std::make_unique<WatchCommand>());
+    commands.push_back(std::make_unique<CompletionCommand>());
+    return commands;
+}
+
+} // namespace qel::tools

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// The verbs.
+#pragma once
+
+#include "tools/qelshm/app/ICommand.h"
+
+#include <memory>
+#include <vector>
+
+namespace qel::tools {
+
+/// Every verb, in the order in which --help lists them.
+std::vector<std::unique_ptr<ICommand>> allCommands();
+
+} // namespace qel::tools

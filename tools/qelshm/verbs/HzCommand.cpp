@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/HzCommand.h"
+
+#include "tools/common/ExitStatus.h"
+#include "tools/qelshm/verbs/ImageCommand.h"
+#include "tools/qelshm/verbs/Json.h"
+#include "tools/qelshm/app/Pace.h"
+#include "tools/qelshm/terminal/TextTable.h"
+
+#include "domain/SensorIdentifier.h"
+#include "format/Names.h"
+#include "inspect/naming/PointPath.h"
+#include "inspect/naming/Svid.h"
+#include "inspect/compare/UpdateRates.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdio>
+
+namespace qel::tools {
+
+namespace {
+
+using inspect::UpdateRate;
+
+std::string fixed(double number) {
+    std::array<char, 32> text{};
+    auto const length = std::snprintf(text.data(), text.size(), "%.3f", number);
+    return {text.data(), static_cast<std::size_t>(length)};
+}
+
+double secondsIn(std::chrono::nanoseconds duration) {
+    return std::chrono::duration<double>(duration).count();
+}
+
+std::string gapText(std::optional<std::chrono::nanoseconds> const& gap) {
+    return gap ? fixed(secondsIn(*gap)) + " s" : "-";
+}
+
+Json gapJson(std::optional<std::chrono::nanoseconds> const& gap) {
+    return gap ? Json(secondsIn(*gap)) : Json();
+}
+
+void printText(std::vector<UpdateRate> const& rates, CommandContext const& context) {
+    TextTable table;
+    table.add(0, {"value", "", "updates", "per second", "shortest gap", "longest gap"});
+    for (auto const& rate : rates) {
+        table.add(0, {inspect::pointPath(rate.svid), shm::keyName(SensorIdentifier::getKey(rate.svid)),
+                      std::to_string(rate.count), rate.perSecond ? fixed(*rate.perSecond) : "-",
+                      gapText(rate.shortest), gapText(rate.longest)});
+    }
+    table.print(context.out, context.hasColor);
+}
+
+Json jsonRate(UpdateRate const& rate) {
+    return {{"svid", inspect::svidText(rate.svid)},
+            {"path", inspect::pointPath(rate.svid)},
+            {"name", shm::keyName(SensorIdentifier::getKey(rate.svid))},
+            {"updates", rate.count},
+            {"perSecond", rate.perSecond ? Json(*rate.perSecond) : Json()},
+            {"shortestGapSeconds", gapJson(rate.shortest)},
+            {"longestGapSeconds", gapJson(rate.longest)},
+            {"present", rate.isPresent}};
+}
+
+} // namespace
+
+CLI::App& HzCommand::define(CLI::App& app, OptionalOptions const& optional) {
+    auto& verb = *app.add_subcommand("hz", "Tell how often the values are updated");
+    verb.add_option("--interval", interval_,
+                    "Time between two looks, 0.001 to 60; shorter than that between updates")
+        ->check(CLI::Range(0.001, 60.0).description(""))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    verb.add_option("--duration", duration_, "Look for so long, up to 86400")
+        ->check(CLI::Range(0.0, 86400.0).description(""))
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    verb.excludes(optional.image);
+    return verb;
+}
+
+int HzCommand::run(CommandContext const& context) {
+    using Clock = std::chrono::steady_clock;
+    Pace const pace;
+    inspect::UpdateRates rates;
+    auto input = openInput(context);
+    auto moment = Clock::now();
+    auto const end = moment + secondsOf(duration_);
+    do {
+        requireOpened(input);
+        rates.add(input.image, Clock::now());
+        moment += secondsOf(interval_);
+        if (moment > end || !pace.waitUntil(moment)) {
+            break;
+        }
+        input = liveInput();
+    } while (true);
+    if (context.options.isJson) {
+        auto document = jsonDocument("hz", input, {});
+        auto& list = document["rates"] = Json::array();
+        for (auto const& rate : rates.rates()) {
+            list.push_back(jsonRate(rate));
+        }
+        printJson(context.out, document);
+    } else {
+        printText(rates.rates(), context);
+    }
+    return exitSuccess;
+}
+
+} // namespace qel::tools

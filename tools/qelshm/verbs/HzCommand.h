@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// The verb "hz".
+#pragma once
+
+#include "tools/qelshm/app/ICommand.h"
+
+namespace qel::tools {
+
+/// How often the values of the live region are updated.
+class HzCommand : public ICommand {
+public:
+    CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
+
+    /// Throws NothingThereError.
+    int run(CommandContext const& context) override;
+
+private:
+    double interval_ = 0.02; ///< s between two looks
+    double duration_ = 5;    ///< s
+};
+
+} // namespace qel::tools

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/PointFacts.h"
+
+#include "format/Names.h"
+#include "format/ValueFormatter.h"
+#include "inspect/naming/PointPath.h"
+#include "inspect/naming/Svid.h"
+#include "region/QelShmMPnt.h"
+#include "region/QelShmMVal.h"
+
+#include <cmath>
+
+namespace qel::tools {
+
+namespace {
+
+std::optional<double> numberOf(shm::record::QelShmMVal const& value) {
+    bool const isThere = value.state != eStatus_ExpectedValue && value.state != eStatus_UndefinedValue &&
+                         value.key != shm::NO_KEY && std::isfinite(value.value);
+    return isThere ? std::optional(value.value) : std::nullopt;
+}
+
+/// What the key's format has behind the number.
+std::string unitOf(unsigned short key) {
+    auto const zero = tav::ValueFormatter::str(key, 0.0, " ");
+    auto const blank = zero.find(' ');
+    return blank == std::string::npos ? std::string() : zero.substr(blank + 1);
+}
+
+std::string kindOf(long long svid) {
+    auto const label = inspect::pointLabel(svid);
+    return label.substr(0, label.find(' '));
+}
+
+} // namespace
+
+PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tree,
+                      inspect::PointNode const& node) {
+    auto const& point = image.region().points[node.pos];
+    std::string parentPath;
+    if (node.parent != inspect::NO_NODE) {
+        parentPath = inspect::pointPath(image.region().points[tree.nodes().at(node.parent).pos].guid);
+    }
+    return {point.guid,  inspect::pointPath(point.guid),
+            parentPath,  kindOf(point.guid),
+            point.type,  shm::QelShmMPnt(&point).tstr(),
+            node.pos,    node.depth,
+            point.state, point.at};
+}
+
+ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& node, std::uint32_t pos) {
+    auto const& value = image.region().values[pos];
+    return {inspect::pointOf(image.region().points[node.pos].guid) | value.key,
+            value.key,
+            shm::keyName(value.key),
+            tav::ValueFormatter::str(shm::QelShmMVal(&value)),
+            numberOf(value),
+            unitOf(value.key),
+            value.state,
+            value.at};
+}
+
+std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree const& tree,
+                                 inspect::PointNode const& node) {
+    std::vector<ValueFacts> values;
+    for (auto const pos : tree.valuesOf(node)) {
+        values.push_back(valueFacts(image, node, pos));
+    }
+    return values;
+}
+
+} // namespace qel::tools

@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// Points and values of an image as people see them.
+#pragma once
+
+#include "domain/eStatus_Bits.h"
+#include "inspect/image/Image.h"
+#include "inspect/image/PointTree.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qel::tools {
+
+struct ValueFacts {
+    long long svid;
+    unsigned short key;
+    std::string name;
+    std::string text;             ///< number and unit; "--" or "n/a" when there is none
+    std::optional<double> number; ///< none when there is none, and for infinity and NaN
+    std::string unit;             ///< "" for none
+    eStatus_Bits state;
+    std::uint64_t at; ///< ms since 1970 UTC, 0 for never
+};
+
+struct PointFacts {
+    long long svid;
+    std::string path;
+    std::string parentPath; ///< "" for a top-level point
+    std::string kind;       ///< "unit", "inlet", "socket", "sensor", ...
+    unsigned typeCode;
+    std::string type;
+    std::uint32_t pos;
+    std::uint32_t depth; ///< 1 for a top-level point
+    eStatus_Bits state;
+    std::uint64_t at; ///< of its own state; ms since 1970 UTC, 0 for never
+};
+
+/// @param node of the image's tree. Any thread.
+PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tree,
+                      inspect::PointNode const& node);
+
+/// @param pos of a value of the node. Any thread.
+ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& node, std::uint32_t pos);
+
+/// All values of the node, in the order of its chain. Any thread.
+std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree const& tree,
+                                 inspect::PointNode const& node);
+
+} // namespace qel::tools

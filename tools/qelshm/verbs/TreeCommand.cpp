@@ -1,0 +1,105 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/TreeCommand.h"
+
+#include "tools/common/ExitStatus.h"
+#include "tools/qelshm/terminal/Age.h"
+#include "tools/qelshm/verbs/Json.h"
+#include "tools/qelshm/terminal/TextTable.h"
+
+#include "inspect/naming/PointPath.h"
+#include "inspect/naming/StateText.h"
+
+#include <CLI/App.hpp>
+#include <CLI/Validators.hpp>
+
+#include <ostream>
+
+namespace qel::tools {
+
+namespace {
+
+enum Layout : std::size_t { PointLine, ValueLine };
+
+std::string indent(std::uint32_t depth) {
+    return std::string((depth - 1) * std::size_t{2}, ' ');
+}
+
+void addPoint(TextTable& table, PointFacts const& point) {
+    table.add(PointLine, {indent(point.depth) + point.path,
+                          point.kind,
+                          point.type,
+                          {inspect::stateText(point.state), stateStyle(point.state)}});
+}
+
+void addValue(TextTable& table, ValueFacts const& value, std::uint32_t depth, std::uint64_t now) {
+    auto const style = stateStyle(value.state);
+    table.add(ValueLine, {indent(depth + 1) + value.name,
+                          {value.text, style},
+                          {inspect::stateText(value.state), style},
+                          ageText(value.at, now)});
+}
+
+} // namespace
+
+CLI::App& TreeCommand::define(CLI::App& app, OptionalOptions const& optional) {
+    auto& verb = *app.add_subcommand("tree", "Print the points as a tree with their kinds, types and states");
+    auto* const values = verb.add_flag("--values", hasValues_, "Print the values below their points");
+    verb.add_option("--depth", depth_, "Print so many levels, 1 to 800")
+        ->check(CLI::Range(1U, shm::MP_COUNT).description(""))
+        ->type_name("N");
+    verb.add_flag("--paths", arePaths_, "Print nothing but the paths")
+        ->excludes(values)
+        ->excludes(optional.json);
+    return verb;
+}
+
+int TreeCommand::show(RegionView const& view, CommandContext const& context) {
+    if (context.options.isJson) {
+        printDocument(view, context);
+    } else {
+        printText(view, context);
+    }
+    return exitSuccess;
+}
+
+void TreeCommand::printText(RegionView const& view, CommandContext const& context) const {
+    auto const& image = view.input.image;
+    TextTable table;
+    for (auto const& node : view.tree.nodes()) {
+        if (node.depth > depth_) {
+            continue;
+        }
+        auto const point = pointFacts(image, view.tree, node);
+        if (arePaths_) {
+            table.add(PointLine, {point.path});
+            continue;
+        }
+        addPoint(table, point);
+        for (auto const pos : view.tree.valuesOf(node)) {
+            if (hasValues_) {
+                addValue(table, valueFacts(image, node, pos), node.depth, view.input.now);
+            }
+        }
+    }
+    table.print(context.out, context.hasColor);
+}
+
+void TreeCommand::printDocument(RegionView const& view, CommandContext const& context) const {
+    auto const& image = view.input.image;
+    auto document = jsonDocument("tree", view.input, view.warnings);
+    auto& points = document["points"] = Json::array();
+    for (auto const& node : view.tree.nodes()) {
+        if (node.depth > depth_) {
+            continue;
+        }
+        points.push_back(jsonPoint(pointFacts(image, view.tree, node), view.input.now));
+        if (hasValues_) {
+            points.back()["values"] = jsonValues(valuesOf(image, view.tree, node), view.input.now);
+        }
+    }
+    printJson(context.out, document);
+}
+
+} // namespace qel::tools

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// The verb "tree".
+#pragma once
+
+#include "tools/qelshm/verbs/ImageCommand.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace qel::tools {
+
+/// The points as a tree, a line each, on demand with their values; or their bare paths.
+class TreeCommand : public ImageCommand {
+public:
+    CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
+
+protected:
+    int show(RegionView const& view, CommandContext const& context) override;
+
+private:
+    void printText(RegionView const& view, CommandContext const& context) const;
+    void printDocument(RegionView const& view, CommandContext const& context) const;
+
+    bool hasValues_ = false;
+    bool arePaths_ = false;
+    std::uint32_t depth_ = std::numeric_limits<std::uint32_t>::max();
+};
+
+} // namespace qel::tools

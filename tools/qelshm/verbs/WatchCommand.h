@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// The verb "watch".
+#pragma once
+
+#include "tools/qelshm/app/ICommand.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qel::tools {
+
+/// Shows values as they change, until the user or the unit ends it.
+class WatchCommand : public ICommand {
+public:
+    CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
+
+    /// Throws std::runtime_error when there is nothing to watch.
+    int run(CommandContext const& context) override;
+
+private:
+    std::vector<std::string> names_;
+    std::optional<std::uint64_t> count_;
+    double interval_ = 0.25; ///< s between two looks
+};
+
+} // namespace qel::tools

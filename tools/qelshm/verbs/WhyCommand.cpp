@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/WhyCommand.h"
+
+#include "tools/common/ExitStatus.h"
+#include "tools/qelshm/terminal/Age.h"
+#include "tools/qelshm/verbs/Json.h"
+#include "tools/qelshm/terminal/TextTable.h"
+
+#include "format/Names.h"
+#include "inspect/why/Causes.h"
+#include "inspect/naming/PointFinder.h"
+#include "inspect/naming/PointPath.h"
+#include "inspect/naming/StateText.h"
+#include "inspect/naming/Svid.h"
+
+#include <CLI/App.hpp>
+
+namespace qel::tools {
+
+namespace {
+
+using inspect::Cause;
+using inspect::Causes;
+using inspect::CauseStep;
+
+enum Layout : std::size_t { HeadLine, CauseLine, StepLine };
+
+Cell stateCell(eStatus_Bits state) {
+    return {inspect::stateText(state), stateStyle(state)};
+}
+
+std::string keyText(Cause const& cause) {
+    return cause.key ? shm::keyName(*cause.key) : "own state";
+}
+
+void printText(std::string const& subject, Causes const& causes, RegionView const& view,
+               CommandContext const& context) {
+    TextTable table;
+    if (causes.causes.empty()) {
+        table.add(HeadLine, {"Nothing: " + subject + " is On"});
+    } else {
+        table.add(HeadLine, {subject + " is " + inspect::stateText(causes.state)});
+    }
+    if (causes.propagated != causes.state) {
+        table.add(HeadLine, {"Its state stands as " + inspect::stateText(causes.state) +
+                             "; propagated, it becomes " + inspect::stateText(causes.propagated)});
+    }
+    for (auto const& cause : causes.causes) {
+        table.add(CauseLine, {cause.path,
+                              keyText(cause),
+                              {cause.valueText, stateStyle(cause.state)},
+                              stateCell(cause.state),
+                              ageText(cause.at, view.input.now)});
+        for (auto const& step : cause.chain) {
+            table.add(StepLine, {"  " + step.path, stateCell(step.state),
+                                 std::string(ruleText(step.rule)) +
+                                     (step.isShown ? "" : " (hidden by something stronger)")});
+        }
+    }
+    table.print(context.out, context.hasColor);
+}
+
+Json jsonStep(CauseStep const& step) {
+    return {{"svid", inspect::svidText(step.svid)},
+            {"path", step.path},
+            {"state", jsonState(step.state)},
+            {"rule", ruleCode(step.rule)},
+            {"shown", step.isShown}};
+}
+
+Json jsonCause(Cause const& cause, std::uint64_t now) {
+    auto chain = Json::array();
+    for (auto const& step : cause.chain) {
+        chain.push_back(jsonStep(step));
+    }
+    return {{"svid", inspect::svidText(cause.svid)},
+            {"path", cause.path},
+            {"key", cause.key ? Json(*cause.key) : Json()},
+            {"name", cause.key ? Json(shm::keyName(*cause.key)) : Json()},
+            {"text", textOrNull(cause.valueText)},
+            {"state", jsonState(cause.state)},
+            {"at", jsonMoment(cause.at, now)},
+            {"chain", chain}};
+}
+
+} // namespace
+
+CLI::App& WhyCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
+    auto& verb = *app.add_subcommand("why", "Tell what keeps the unit, or a point, from being On");
+    verb.add_option("POINT", point_, "Path or sensor id; the whole unit without it")->type_name("");
+    return verb;
+}
+
+int WhyCommand::show(RegionView const& view, CommandContext const& context) {
+    auto const& image = view.input.image;
+    std::string subject = "the unit";
+    auto causes = inspect::globalCauses(image, view.tree, view.input.now);
+    if (!point_.empty()) {
+        auto const node = inspect::PointFinder(image, view.tree).point(point_);
+        subject = inspect::pointPath(image.region().points[view.tree.nodes().at(node).pos].guid);
+        causes = inspect::pointCauses(image, view.tree, node, view.input.now);
+    }
+    if (context.options.isJson) {
+        auto document = jsonDocument("why", view.input, view.warnings);
+        document["point"] = point_.empty() ? Json() : Json(subject);
+        document["state"] = jsonState(causes.state);
+        document["propagated"] = jsonState(causes.propagated);
+        auto& list = document["causes"] = Json::array();
+        for (auto const& cause : causes.causes) {
+            list.push_back(jsonCause(cause, view.input.now));
+        }
+        printJson(context.out, document);
+    } else {
+        printText(subject, causes, view, context);
+    }
+    return causes.causes.empty() ? exitSuccess : exitFailure;
+}
+
+} // namespace qel::tools

@@ -1,0 +1,67 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/watch/LinePrinter.h"
+
+#include "tools/common/TimeText.h"
+#include "tools/qelshm/terminal/Text.h"
+
+#include "format/ValueFormatter.h"
+#include "region/QelShmMVal.h"
+
+#include <algorithm>
+#include <ostream>
+#include <utility>
+
+namespace qel::watch {
+
+namespace {
+
+// The longest usual text of each; a longer one shifts the rest of its line.
+constexpr std::size_t pathWidth = 32;
+constexpr std::size_t nameWidth = 16;
+constexpr std::size_t numberWidth = 14;
+constexpr std::uint64_t noHistory = 0;
+
+std::string column(std::string const& text, std::size_t width) {
+    return text.size() < width ? fitted(text, width) : text;
+}
+
+} // namespace
+
+LinePrinter::LinePrinter(std::ostream& out, WatchedNames names, LineColours colours,
+                         std::optional<std::uint64_t> lines)
+    : out_(out),
+      colours_(std::move(colours)),
+      linesLeft_(lines),
+      structure_(std::move(names)),
+      tracker_(noHistory) {}
+
+void LinePrinter::update(Look const& look, inspect::RegionStatus const& status) {
+    structure_.update(status.condition == inspect::Condition::Active ? look.image : inspect::Image());
+    for (auto const& change : tracker_.update(structure_, look.image, look.ticks)) {
+        if (isDone()) {
+            break;
+        }
+        print(look, structure_.values()[change.value]);
+    }
+    out_ << std::flush;
+}
+
+void LinePrinter::print(Look const& look, UnitValue const& value) {
+    auto const& slot = look.image.region().values[value.pos];
+    auto const& info = stateInfo(slot.state);
+    out_ << (slot.at == 0 ? "-" : tools::timeText(slot.at)) << "  "
+         << column(structure_.points()[value.point].path, pathWidth) << "  " << column(value.name, nameWidth)
+         << "  " << column(tav::ValueFormatter::str(shm::QelShmMVal(&slot)), numberWidth) << "  "
+         << colours_.painted(info.text, info.severity) << '\n';
+    if (linesLeft_) {
+        --*linesLeft_;
+    }
+}
+
+bool LinePrinter::isDone() const {
+    return linesLeft_ == std::uint64_t{0} || !out_;
+}
+
+} // namespace qel::watch

@@ -1,0 +1,27 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/watch/TextFilter.h"
+
+#include "tools/qelshm/terminal/Text.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace qel::watch {
+
+TextFilter::TextFilter(std::string_view text) {
+    std::istringstream words(lowerCase(text));
+    for (std::string word; words >> word;) {
+        words_.push_back(word);
+    }
+}
+
+bool TextFilter::matches(std::initializer_list<std::string_view> texts) const {
+    return std::all_of(words_.begin(), words_.end(), [&](std::string const& word) {
+        return std::any_of(texts.begin(), texts.end(),
+                           [&](std::string_view text) { return text.find(word) != std::string_view::npos; });
+    });
+}
+
+} // namespace qel::watch

@@ -1,0 +1,88 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/watch/UnitStructure.h"
+
+#include "tools/qelshm/terminal/Text.h"
+
+#include "format/Names.h"
+#include "inspect/naming/PointPath.h"
+#include "region/QelShmMPnt.h"
+
+#include <utility>
+
+namespace qel::watch {
+
+namespace {
+
+std::vector<std::int64_t> fingerprintOf(inspect::Image const& image, inspect::PointTree const& tree) {
+    std::vector<std::int64_t> numbers;
+    numbers.reserve(tree.nodes().size() * 4 + tree.values().size() * 2);
+    auto const& region = image.region();
+    for (auto const& node : tree.nodes()) {
+        auto const& slot = region.points[node.pos];
+        numbers.insert(numbers.end(), {slot.guid, node.pos, node.depth, slot.type});
+        for (auto const pos : tree.valuesOf(node)) {
+            numbers.insert(numbers.end(), {pos, region.values[pos].key});
+        }
+    }
+    return numbers;
+}
+
+/// What a path adds to its parent's; all of it if it does not continue that one.
+std::string nameWithin(std::string const& parent, std::string const& path) {
+    auto const prefix = parent + '/';
+    return path.compare(0, prefix.size(), prefix) == 0 ? path.substr(prefix.size()) : path;
+}
+
+} // namespace
+
+bool UnitStructure::update(inspect::Image const& image) {
+    auto const source = image.isWhole() && image.isActive() ? image : inspect::Image();
+    inspect::PointTree const tree(source);
+    auto fingerprint = fingerprintOf(source, tree);
+    if (fingerprint == fingerprint_) {
+        return false;
+    }
+    fingerprint_ = std::move(fingerprint);
+    rebuild(source, tree);
+    return true;
+}
+
+void UnitStructure::rebuild(inspect::Image const& image, inspect::PointTree const& tree) {
+    points_.clear();
+    values_.clear();
+    for (auto const& node : tree.nodes()) {
+        addPoint(image, tree, node);
+    }
+    for (auto point = points_.rbegin(); point != points_.rend(); ++point) {
+        if (point->isWatched && point->parent != inspect::NO_NODE) {
+            points_[point->parent].isWatched = true;
+        }
+    }
+}
+
+void UnitStructure::addPoint(inspect::Image const& image, inspect::PointTree const& tree,
+                             inspect::PointNode const& node) {
+    auto const& slot = image.region().points[node.pos];
+    auto const index = static_cast<std::uint32_t>(points_.size());
+    auto const firstValue = static_cast<std::uint32_t>(values_.size());
+    for (auto const pos : tree.valuesOf(node)) {
+        auto const key = image.region().values[pos].key;
+        if (names_.hasValue(slot.guid, key)) {
+            auto name = shm::keyName(key);
+            auto folded = lowerCase(name);
+            values_.push_back({slot.guid | key, pos, index, key, std::move(name), std::move(folded)});
+        }
+    }
+    auto const valueCount = static_cast<std::uint32_t>(values_.size()) - firstValue;
+    auto path = inspect::pointPath(slot.guid);
+    auto name = node.parent == inspect::NO_NODE ? path : nameWithin(points_[node.parent].path, path);
+    auto type = shm::QelShmMPnt(&slot).tstr();
+    auto folded = lowerCase(path + ' ' + type);
+    points_.push_back({slot.guid, node.pos, node.parent, node.depth, node.end, firstValue, valueCount,
+                       valueCount != 0 || names_.hasPoint(slot.guid), std::move(path), std::move(name),
+                       std::move(type), std::move(folded)});
+}
+
+} // namespace qel::watch

@@ -1,0 +1,114 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// Turns the rows of one recording into values of the unit.
+#pragma once
+
+#include "tools/replay/csv/CsvTable.h"
+#include "tools/replay/csv/EnergyCounter.h"
+#include "tools/replay/csv/Limit.h"
+#include "tools/replay/csv/LimitSet.h"
+#include "tools/replay/csv/Recordings.h"
+#include "tools/replay/csv/RowSource.h"
+#include "tools/replay/unit/Structure.h"
+
+#include "domain/eStatus_Bits.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qel::tools {
+
+/// A value on its way into the region.
+struct Reading {
+    long long svid;
+    std::uint64_t time; ///< ms since 1970 UTC
+    double number;      ///< in the unit of the recording; energies in Wh and VAh
+    eStatus_Bits state;
+};
+
+/// A limited column whose state has changed.
+struct Crossing {
+    std::string column;
+    eStatus_Bits before;
+    Reading after;
+};
+
+/// What one row gives.
+struct RowReadings {
+    std::vector<Reading> readings;
+    std::vector<Crossing> crossings;
+    std::size_t missing = 0; ///< number of empty cells
+};
+
+/// Each column feeds one value. Beside these, computed values are fed: the energy of each active and apparent
+/// power without a recorded counter, the summed active power of each circuit and of the socket group if the
+/// recording holds all their outlets, and the dew point of a sensor. A value without a reading keeps its last
+/// number (0 before the first) and is Lost.
+///
+/// Threads: not shared without care.
+class RecordingFeed {
+public:
+    /// @param table one of the recordings
+    /// @param recordings all of them: a recorded energy counter may stand in another file than its power
+    RecordingFeed(CsvTable const& table, Recordings const& recordings, LimitSet const& limits);
+
+    /// Every value that this feeds.
+    std::vector<ValueId> values() const;
+
+    /// Whether one of them belongs to the point.
+    bool feeds(PointId const& point) const;
+
+    RowReadings convert(Row const& row);
+
+private:
+    /// The last number of a value, kept while it has no reading.
+    struct Output {
+        ValueId value;
+        double number = 0.0;
+
+        Reading give(std::optional<double> const& reading, std::uint64_t time,
+                     eStatus_Bits state = eStatus_NoError);
+    };
+
+    struct Energy {
+        Output output;
+        EnergyCounter counter;
+    };
+
+    struct ColumnFeed {
+        std::string name;
+        Output output;
+        std::optional<LimitState> limit;
+        eStatus_Bits state = eStatus_NoError;
+        std::optional<Energy> energy;
+    };
+
+    /// Active power of several sockets.
+    struct Sum {
+        Output output;
+        std::vector<std::size_t> columns;
+    };
+
+    struct DewPointFeed {
+        Output output;
+        std::size_t temperature = 0; // columns
+        std::size_t humidity = 0;
+    };
+
+    void addColumn(Column const& column, Recordings const& recordings, LimitSet const& limits);
+    void addSum(CsvTable const& table, PointId const& point, std::vector<unsigned> const& outlets);
+    void addDewPoint(CsvTable const& table, Column const& column);
+    static void convertCell(ColumnFeed& feed, std::optional<double> const& cell, std::uint64_t time,
+                            RowReadings& result);
+
+    std::vector<ColumnFeed> columns_;
+    std::vector<Sum> sums_;
+    std::vector<DewPointFeed> dewPoints_;
+};
+
+} // namespace qel::tools

@@ -1,0 +1,54 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// How the points of the unit hang together, and their sensor ids.
+#pragma once
+
+#include "tools/replay/unit/PointId.h"
+
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace qel::tools {
+
+/// The only unit, first component of all sensor ids.
+constexpr PointId unitPoint{PointKind::Unit, 1};
+
+/// The inlet that feeds the circuits, and the three-phase feed beside it.
+constexpr PointId singlePhaseInlet{PointKind::Inlet, 1};
+constexpr PointId threePhaseInlet{PointKind::Inlet, 2};
+
+/// Circuits and outlets count from 1 to these.
+constexpr unsigned circuitCount = 3;
+constexpr unsigned outletCount = 10;
+
+/// The temperature-humidity sensor.
+constexpr PointId sensorPoint{PointKind::Sensor, 1};
+
+/// Outlets that the socket group joins.
+constexpr PointId socketGroup{PointKind::Group, 1};
+constexpr std::array<unsigned, 3> groupedOutlets{1, 2, 3};
+
+/// The point above: socket - circuit - inlet 1 - unit; phase - inlet 2 - unit; sensor - unit. None above the
+/// unit and above a group. The point must exist (see circuitOfOutlet).
+std::optional<PointId> parentPoint(PointId const& point);
+
+/// Circuit of an outlet, both from 1. An outlet above the last one throws std::out_of_range.
+unsigned circuitOfOutlet(unsigned outlet);
+
+/// Outlets of a circuit, ascending.
+std::vector<unsigned> outletsOfCircuit(unsigned circuit);
+
+/// Sensor id of a point, low 16 bits zero.
+long long pointSvid(PointId const& point);
+
+/// Key of the point-level value that carries the point's own state.
+unsigned short stateKey(PointKind kind);
+
+/// Sub-type code of a point: a master unit, single-phase and three-phase inlet, 16 A fuses, Schuko sockets,
+/// ...
+int typeCode(PointId const& point);
+
+} // namespace qel::tools
