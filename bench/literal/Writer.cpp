@@ -69,7 +69,7 @@ void Writer::openShm() {
 bool Writer::addStructure(Definitions const& definitions) {
     bool added = false;
     for (auto const& [svid, definition] : definitions) {
-        if (svid == shm::ROOT_SVID) {
+        if ((svid & ~0xFFFFLL) == shm::ROOT_SVID) {
             continue;
         }
         unsigned int ppos = shm::NO_POSITION;
@@ -96,6 +96,9 @@ bool Writer::addStructure(Definitions const& definitions) {
 unsigned int Writer::addMP(long long svid, Keys const& mvs, unsigned int ppos) {
     Line(writerCategory, Priority::INFO, "addMP") << "svid = " << svid << ", ppos = " << ppos;
     auto const point = svid & ~0xFFFFLL;
+    if (point == shm::ROOT_SVID) {
+        return shm::NO_POSITION;
+    }
     auto const known = points_.find(point);
     if (known != points_.end()) {
         if (known->second.pos < shm::MP_COUNT) {

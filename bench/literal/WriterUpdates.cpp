@@ -42,8 +42,8 @@ bool Writer::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> val
         auto const key = static_cast<unsigned short>(svid & 0xFFFF);
         if (pointLevelKeys.find(key) != pointLevelKeys.end()) {
             auto& mp = region_->points[definition.pos];
-            mp.at = value->timestamp();
             mp.state = value->state();
+            mp.at = value->timestamp();
             return true;
         }
         auto pos = shm::NO_POSITION;
