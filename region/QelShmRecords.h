@@ -20,7 +20,7 @@
 /// may be new while its number is still old, and a list that is being re-linked may be seen half-changed. The only
 /// order to rely on is that the root's version is written after everything it announces.
 ///
-/// The same tables for readers in other languages: docs/region-layout.md.
+/// The same tables for readers in other languages: docs/reference/region-layout.md.
 #pragma once
 
 #include "domain/eStatus_Bits.h"

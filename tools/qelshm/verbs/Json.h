@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points and values as JSON; docs/qelshm-schema.json describes every document.
+/// Points and values as JSON; docs/reference/qelshm-schema.json describes every document.
 #pragma once
 
 #include "tools/qelshm/verbs/PointFacts.h"
