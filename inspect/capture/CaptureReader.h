@@ -5,9 +5,9 @@
 /// Reads the recording of a region's changes.
 #pragma once
 
+#include "inspect/capture/CaptureFormat.h"
 #include "inspect/image/FileDescriptor.h"
 #include "inspect/image/Image.h"
-#include "inspect/capture/CaptureFormat.h"
 
 #include <cstddef>
 #include <cstdint>

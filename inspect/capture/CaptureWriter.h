@@ -5,9 +5,9 @@
 /// Records a region's changes into a file.
 #pragma once
 
+#include "inspect/capture/CaptureFormat.h"
 #include "inspect/image/FileDescriptor.h"
 #include "inspect/image/Image.h"
-#include "inspect/capture/CaptureFormat.h"
 
 #include <cstdint>
 #include <string>

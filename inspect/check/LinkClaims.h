@@ -5,9 +5,9 @@
 /// Which point should stand where a link is broken.
 #pragma once
 
-#include "inspect/image/Image.h"
 #include "inspect/check/LinkJudge.h"
 #include "inspect/check/PointLink.h"
+#include "inspect/image/Image.h"
 
 #include <array>
 #include <bitset>

@@ -5,8 +5,8 @@
 /// Which end of a link between points is wrong when they disagree.
 #pragma once
 
-#include "inspect/image/Image.h"
 #include "inspect/check/PointLink.h"
+#include "inspect/image/Image.h"
 
 #include <cstdint>
 

@@ -6,10 +6,10 @@
 #pragma once
 
 #include "inspect/check/FindingList.h"
-#include "inspect/image/Image.h"
 #include "inspect/check/LinkClaims.h"
 #include "inspect/check/LinkJudge.h"
 #include "inspect/check/PointLink.h"
+#include "inspect/image/Image.h"
 #include "inspect/image/PointTree.h"
 
 #include <cstdint>

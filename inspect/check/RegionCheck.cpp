@@ -4,12 +4,12 @@
 #include "inspect/check/RegionCheck.h"
 
 #include "inspect/check/FindingList.h"
-#include "inspect/why/FoldedStates.h"
 #include "inspect/check/PointIdCheck.h"
 #include "inspect/check/PointLinkCheck.h"
-#include "inspect/image/PointTree.h"
 #include "inspect/check/StateCheck.h"
 #include "inspect/check/ValueChainCheck.h"
+#include "inspect/image/PointTree.h"
+#include "inspect/why/FoldedStates.h"
 
 namespace qel::inspect {
 

@@ -6,9 +6,9 @@
 #pragma once
 
 #include "inspect/check/FindingList.h"
-#include "inspect/why/FoldedStates.h"
 #include "inspect/image/Image.h"
 #include "inspect/image/PointTree.h"
+#include "inspect/why/FoldedStates.h"
 
 namespace qel::inspect {
 

@@ -6,8 +6,8 @@
 #pragma once
 
 #include "inspect/check/FindingList.h"
-#include "inspect/image/Image.h"
 #include "inspect/check/PointLinkCheck.h"
+#include "inspect/image/Image.h"
 
 #include <vector>
 

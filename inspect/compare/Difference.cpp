@@ -3,9 +3,9 @@
 
 #include "inspect/compare/Difference.h"
 
-#include "inspect/naming/PointPath.h"
 #include "inspect/image/PointTree.h"
 #include "inspect/image/SameBits.h"
+#include "inspect/naming/PointPath.h"
 
 #include <array>
 #include <cstddef>

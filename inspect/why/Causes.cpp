@@ -3,8 +3,8 @@
 
 #include "inspect/why/Causes.h"
 
-#include "inspect/why/FoldedStates.h"
 #include "inspect/naming/PointPath.h"
+#include "inspect/why/FoldedStates.h"
 
 #include "domain/SensorIdentifier.h"
 #include "domain/SensorType.h"

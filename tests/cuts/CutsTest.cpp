@@ -114,8 +114,10 @@ TEST_F(CatalogueTest, TableOfTheLayoutPage_HoldsWhatReadersMeet_NoMoreNoLess) {
     sut.catalogue().print(std::cout);
     auto const seen = sut.catalogue().kinds();
     auto const documented = documentedKinds().shownHere();
-    EXPECT_EQ("", missing(seen, documented)) << "is seen, but not in the table of docs/reference/region-layout.md";
-    EXPECT_EQ("", missing(documented, seen)) << "is in the table of docs/reference/region-layout.md, but not seen";
+    EXPECT_EQ("", missing(seen, documented))
+        << "is seen, but not in the table of docs/reference/region-layout.md";
+    EXPECT_EQ("", missing(documented, seen))
+        << "is in the table of docs/reference/region-layout.md, but not seen";
 }
 
 /// What is left out because nobody reads it: with everything, readers are shown the same.

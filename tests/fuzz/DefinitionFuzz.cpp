@@ -15,8 +15,8 @@
 /// numbers with 0xFF for a level that is not used, and leave the key out. The key 0xFFFF, which marks a slot without a
 /// value, is left out everywhere.
 
-#include "inspect/image/Image.h"
 #include "inspect/check/RegionCheck.h"
+#include "inspect/image/Image.h"
 #include "region/Exceptions.h"
 #include "region/SvidParts.h"
 

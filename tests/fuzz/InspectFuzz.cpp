@@ -7,14 +7,14 @@
 /// An input is a list of patches to a region, see PatchedRegion.h. Its first byte chooses the region: 0 a small unit as
 /// the writer lays it out, 1 a wiped one, 2 one that consists of the rest of the input itself (numbers modulo 3).
 
-#include "inspect/why/FoldedStates.h"
+#include "inspect/check/RegionCheck.h"
 #include "inspect/image/Image.h"
+#include "inspect/image/PointTree.h"
+#include "inspect/image/RegionStatus.h"
 #include "inspect/naming/PointFinder.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/image/PointTree.h"
-#include "inspect/check/RegionCheck.h"
-#include "inspect/image/RegionStatus.h"
 #include "inspect/naming/Svid.h"
+#include "inspect/why/FoldedStates.h"
 
 #include "tests/fuzz/Input.h"
 #include "tests/fuzz/PatchedRegion.h"

@@ -6,9 +6,9 @@
 #pragma once
 
 #include "tools/common/GLib.h"
-#include "tools/replay/unit/HardwareManagerService.h"
 #include "tools/replay/ISession.h"
 #include "tools/replay/ReplayLog.h"
+#include "tools/replay/unit/HardwareManagerService.h"
 
 #include <chrono>
 #include <functional>

@@ -6,9 +6,9 @@
 #include "tools/common/InputError.h"
 #include "tools/common/Logging.h"
 #include "tools/replay/Options.h"
-#include "tools/replay/capture/CapturePlayer.h"
 #include "tools/replay/ReplayApp.h"
 #include "tools/replay/ReplayLog.h"
+#include "tools/replay/capture/CapturePlayer.h"
 #include "tools/replay/unit/Session.h"
 
 #include <CLI/App.hpp>

@@ -5,8 +5,8 @@
 /// What the tests of recordings share.
 #pragma once
 
-#include "inspect/image/Image.h"
 #include "inspect/capture/CaptureFormat.h"
+#include "inspect/image/Image.h"
 
 #include "tests/support/RawRegion.h"
 

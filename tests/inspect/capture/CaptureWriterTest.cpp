@@ -5,8 +5,8 @@
 
 #include "inspect/capture/CaptureReader.h"
 
-#include "tests/inspect/capture/CaptureFixture.h"
 #include "tests/inspect/SizeLimit.h"
+#include "tests/inspect/capture/CaptureFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -13,8 +13,8 @@
 #include "tests/tools/qelshm/CreatedObjects.h"
 #include "tests/tools/qelshm/RawUnit.h"
 #include "tests/tools/replay/Recorded.h"
-#include "tests/tools/replay/csv/RecordingFile.h"
 #include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/replay/csv/RecordingFile.h"
 
 #include <gmock/gmock.h>
 

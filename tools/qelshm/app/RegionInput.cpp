@@ -5,10 +5,10 @@
 
 #include "tools/qelshm/app/ManagerUser.h"
 
-#include "inspect/image/ImageFile.h"
 #include "inspect/check/ObjectCheck.h"
-#include "inspect/naming/PointPath.h"
+#include "inspect/image/ImageFile.h"
 #include "inspect/image/RegionStatus.h"
+#include "inspect/naming/PointPath.h"
 
 #include <system_error>
 #include <thread>

@@ -4,9 +4,9 @@
 #include "tools/qelshm/verbs/CheckCommand.h"
 
 #include "tools/common/ExitStatus.h"
+#include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
-#include "tools/qelshm/terminal/TextTable.h"
 
 #include "inspect/check/RegionCheck.h"
 

@@ -4,8 +4,8 @@
 #include "tools/qelshm/verbs/DiffCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/verbs/Json.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/Json.h"
 
 #include "format/Names.h"
 #include "format/ValueFormatter.h"

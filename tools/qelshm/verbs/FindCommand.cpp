@@ -4,8 +4,8 @@
 #include "tools/qelshm/verbs/FindCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/verbs/Json.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/naming/StateText.h"
 #include "inspect/naming/Svid.h"

@@ -4,16 +4,16 @@
 #include "tools/qelshm/verbs/HzCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
-#include "tools/qelshm/verbs/Json.h"
 #include "tools/qelshm/app/Pace.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/ImageCommand.h"
+#include "tools/qelshm/verbs/Json.h"
 
 #include "domain/SensorIdentifier.h"
 #include "format/Names.h"
+#include "inspect/compare/UpdateRates.h"
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/Svid.h"
-#include "inspect/compare/UpdateRates.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>

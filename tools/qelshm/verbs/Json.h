@@ -5,8 +5,8 @@
 /// Points and values as JSON; docs/reference/qelshm-schema.json describes every document.
 #pragma once
 
-#include "tools/qelshm/verbs/PointFacts.h"
 #include "tools/qelshm/app/RegionInput.h"
+#include "tools/qelshm/verbs/PointFacts.h"
 
 #include "inspect/check/Finding.h"
 

@@ -5,8 +5,8 @@
 /// Points and values as lines of a table.
 #pragma once
 
-#include "tools/qelshm/verbs/PointFacts.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/PointFacts.h"
 
 #include <cstdint>
 

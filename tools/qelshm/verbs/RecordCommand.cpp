@@ -5,10 +5,10 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/common/SafeText.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
-#include "tools/qelshm/verbs/Json.h"
 #include "tools/qelshm/app/Pace.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/ImageCommand.h"
+#include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/capture/CaptureWriter.h"
 

@@ -6,12 +6,12 @@
 #include "tools/common/ExitStatus.h"
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/terminal/Age.h"
+#include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
-#include "tools/qelshm/terminal/TextTable.h"
 
-#include "inspect/naming/LedText.h"
 #include "inspect/image/RegionStatus.h"
+#include "inspect/naming/LedText.h"
 #include "inspect/naming/StateText.h"
 
 #include <CLI/App.hpp>

@@ -5,8 +5,8 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/qelshm/terminal/Age.h"
-#include "tools/qelshm/verbs/Json.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/StateText.h"

@@ -5,15 +5,15 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/qelshm/terminal/Age.h"
-#include "tools/qelshm/verbs/Json.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/verbs/Json.h"
 
 #include "format/Names.h"
-#include "inspect/why/Causes.h"
 #include "inspect/naming/PointFinder.h"
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/StateText.h"
 #include "inspect/naming/Svid.h"
+#include "inspect/why/Causes.h"
 
 #include <CLI/App.hpp>
 

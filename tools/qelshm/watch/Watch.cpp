@@ -4,10 +4,10 @@
 #include "tools/qelshm/watch/Watch.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/watch/Attachment.h"
-#include "tools/qelshm/watch/LinePrinter.h"
 #include "tools/qelshm/app/MissingText.h"
 #include "tools/qelshm/app/StopSignals.h"
+#include "tools/qelshm/watch/Attachment.h"
+#include "tools/qelshm/watch/LinePrinter.h"
 #include "tools/qelshm/watch/WatchKeys.h"
 #include "tools/qelshm/watch/WatchModel.h"
 #include "tools/qelshm/watch/WatchScreen.h"

@@ -3,9 +3,9 @@
 
 #include "tools/qelshm/watch/WatchScreen.h"
 
-#include "tools/qelshm/watch/Graph.h"
 #include "tools/qelshm/terminal/LineColours.h"
 #include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/watch/Graph.h"
 #include "tools/qelshm/watch/WatchKeys.h"
 
 #include "format/ValueFormatter.h"

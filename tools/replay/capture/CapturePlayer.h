@@ -6,8 +6,8 @@
 #pragma once
 
 #include "tools/replay/ISession.h"
-#include "tools/replay/capture/CapturedRegion.h"
 #include "tools/replay/ReplayLog.h"
+#include "tools/replay/capture/CapturedRegion.h"
 
 #include "inspect/capture/CaptureReader.h"
 

@@ -6,12 +6,12 @@
 #pragma once
 
 #include "tools/replay/ISession.h"
+#include "tools/replay/ReplayLog.h"
 #include "tools/replay/csv/LimitSet.h"
-#include "tools/replay/unit/LiveUnit.h"
 #include "tools/replay/csv/RecordingFeed.h"
 #include "tools/replay/csv/Recordings.h"
-#include "tools/replay/ReplayLog.h"
 #include "tools/replay/csv/Replayer.h"
+#include "tools/replay/unit/LiveUnit.h"
 #include "tools/replay/unit/Schedule.h"
 
 #include <cstddef>

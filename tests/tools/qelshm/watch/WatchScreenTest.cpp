@@ -3,8 +3,8 @@
 
 #include "tools/qelshm/watch/WatchScreen.h"
 
-#include "tests/tools/replay/ReplayProcess.h"
 #include "tests/tools/qelshm/watch/Tmux.h"
+#include "tests/tools/replay/ReplayProcess.h"
 
 #include <gmock/gmock.h>
 

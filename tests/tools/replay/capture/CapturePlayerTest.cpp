@@ -57,7 +57,7 @@ protected:
     }
     std::unique_ptr<CapturePlayer> playerOf(test::RecordingFile const& file, std::uint64_t samples) {
         return std::make_unique<CapturePlayer>(CapturePlayer::Parts{file.path(), samples}, log_,
-                                              [this] { ++announced_; });
+                                               [this] { ++announced_; });
     }
 
     std::ostringstream out_;

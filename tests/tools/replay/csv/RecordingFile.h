@@ -5,8 +5,8 @@
 /// A recorded region in a file of its own.
 #pragma once
 
-#include "inspect/image/Image.h"
 #include "inspect/capture/CaptureWriter.h"
+#include "inspect/image/Image.h"
 
 #include "tests/support/TempFile.h"
 
