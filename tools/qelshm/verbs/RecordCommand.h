@@ -18,7 +18,7 @@ class RecordCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Throws NothingThereError, inspect::RecordingError.
+    /// Throws NothingThereError, inspect::CaptureError.
     int run(CommandContext const& context) override;
 
 private:
