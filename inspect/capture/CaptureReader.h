@@ -43,6 +43,9 @@ public:
     /// How many samples were read.
     std::uint64_t samples() const { return samples_; }
 
+    /// Where the next sample starts in the file, in bytes.
+    std::uint64_t offset() const { return offset_; }
+
 private:
     std::string take(std::size_t count) const;
     [[noreturn]] void fail(std::string const& problem) const;

@@ -68,10 +68,12 @@ protected:
 } // namespace
 
 TEST_F(CaptureReaderTest, Samples_AreTheCapturedImages) {
-    record(40);
+    auto const offsets = record(40);
     CaptureReader sut(path());
     EXPECT_EQ(1'700'000'000'000U, sut.startTime());
+    EXPECT_EQ(offsets.front(), sut.offset());
     expectSamples(sut, 40);
+    EXPECT_EQ(offsets.back(), sut.offset());
     EXPECT_FALSE(sut.next());
     EXPECT_FALSE(sut.next());
 }
