@@ -2,24 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// How the values of a key are formatted and scaled.
+/// Powers of ten between a value and its fixed-point form.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 namespace tav {
-
-/// What a key's values look like.
-struct KeyFormat {
-    unsigned short code = 0; ///< the key
-    int decimals = 1;
-    std::optional<std::uint8_t> unit;     ///< unit code, see Units.h
-    std::optional<unsigned int> scalepos; ///< digits after the point of the fixed-point form
-};
-
-/// The key's format; a key without one of its own has one decimal, no unit and no scale. Any thread.
-KeyFormat keyFormat(unsigned short key);
 
 /// Digits after the point of the key's fixed-point form, 0 for a key without a scale.
 /// Logs (category "qel.shm.access.format", WARN) that a key has no scale. Any thread.
