@@ -5,6 +5,8 @@
 /// A hardware manager that is not root.
 #pragma once
 
+#include "reader/GLibPtr.h"
+
 #include <gio/gio.h>
 
 namespace qel::test {
@@ -23,7 +25,7 @@ public:
     bool isOwned() const { return isOwned_; }
 
 private:
-    GDBusConnection* bus_ = nullptr;
+    shm::GObjectPtr<GDBusConnection> bus_;
     bool isOwned_ = false;
 };
 

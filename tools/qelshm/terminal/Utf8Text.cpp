@@ -1,23 +1,13 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/terminal/Utf8Text.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 
-namespace qel::watch {
+namespace qel::tools {
 
 namespace {
-
-struct DurationUnit {
-    std::uint64_t ms;
-    char letter;
-};
-
-constexpr std::array<DurationUnit, 3> longUnits{{{86400000, 'd'}, {3600000, 'h'}, {60000, 'm'}}};
-constexpr std::uint64_t msPerSecond = 1000;
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
@@ -38,6 +28,10 @@ std::size_t bytesOf(std::string_view text, std::size_t characters) {
     return bytes;
 }
 
+constexpr char lowerCase(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
 } // namespace
 
 std::size_t widthOf(std::string_view text) {
@@ -53,12 +47,11 @@ std::string fitted(std::string_view text, std::size_t width) {
     return width == 0 ? std::string() : std::string(text.substr(0, bytesOf(text, width - 1))) + '~';
 }
 
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char byte) {
-        return isAscii(byte) ? static_cast<char>(std::tolower(static_cast<unsigned char>(byte))) : byte;
-    });
-    return lower;
+bool containsIgnoringCase(std::string_view text, std::string_view part) {
+    return part.empty() ||
+           std::search(text.begin(), text.end(), part.begin(), part.end(), [](char left, char right) {
+               return lowerCase(left) == lowerCase(right);
+           }) != text.end();
 }
 
 std::string asciiOnly(std::string_view text) {
@@ -71,13 +64,4 @@ std::string asciiOnly(std::string_view text) {
     return ascii;
 }
 
-std::string durationText(std::uint64_t ms) {
-    auto const* const unit = std::find_if(longUnits.begin(), longUnits.end(),
-                                          [&](DurationUnit const& candidate) { return ms >= candidate.ms; });
-    if (unit != longUnits.end()) {
-        return std::to_string(ms / unit->ms) + unit->letter;
-    }
-    return std::to_string(ms / msPerSecond) + 's';
-}
-
-} // namespace qel::watch
+} // namespace qel::tools

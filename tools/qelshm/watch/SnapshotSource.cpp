@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tools/qelshm/watch/Attachment.h"
+#include "tools/qelshm/watch/SnapshotSource.h"
 
 #include <chrono>
 
@@ -17,9 +17,9 @@ std::uint64_t msOf() {
 
 } // namespace
 
-Attachment::Attachment() : objects_(region_.isOpen() ? 1 : 0) {}
+SnapshotSource::SnapshotSource() : objects_(region_.isOpen() ? 1 : 0) {}
 
-Look Attachment::look() {
+Snapshot SnapshotSource::take() {
     if (!region_.isOpen() || region_.isReplaced()) {
         region_ = inspect::LiveRegion();
         objects_ += region_.isOpen() ? 1 : 0;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tools/qelshm/watch/Attachment.h"
+#include "tools/qelshm/watch/SnapshotSource.h"
 
 #include "tests/support/RawRegion.h"
 
@@ -19,16 +19,16 @@ void removeObject() {
 
 } // namespace
 
-TEST(AttachmentTest, NoObject_IsWaitedFor) {
-    Attachment sut;
-    auto const before = sut.look();
+TEST(SnapshotSourceTest, NoObject_IsWaitedFor) {
+    SnapshotSource sut;
+    auto const before = sut.take();
     EXPECT_EQ(inspect::Opening::Absent, before.source.opening);
     EXPECT_EQ(0U, before.image.size());
     EXPECT_EQ(0U, before.objects);
 
     test::RawRegion const region(true);
     region.fill(0x20);
-    auto const after = sut.look();
+    auto const after = sut.take();
     EXPECT_EQ(inspect::Opening::Opened, after.source.opening);
     EXPECT_TRUE(after.image.isActive());
     EXPECT_EQ(1U, after.objects);
@@ -36,40 +36,40 @@ TEST(AttachmentTest, NoObject_IsWaitedFor) {
     removeObject();
 }
 
-TEST(AttachmentTest, ObjectThatStays_IsReadAnewEachTime) {
+TEST(SnapshotSourceTest, ObjectThatStays_IsReadAnewEachTime) {
     test::RawRegion const region(true);
-    Attachment sut;
+    SnapshotSource sut;
     region.fill(0x20);
-    EXPECT_TRUE(sut.look().image.isActive());
+    EXPECT_TRUE(sut.take().image.isActive());
     region.fill(0x21);
-    auto const look = sut.look();
-    EXPECT_FALSE(look.image.isActive());
-    EXPECT_EQ(1U, look.objects);
+    auto const snapshot = sut.take();
+    EXPECT_FALSE(snapshot.image.isActive());
+    EXPECT_EQ(1U, snapshot.objects);
     removeObject();
 }
 
-TEST(AttachmentTest, RemovedObject_IsLetGo) {
+TEST(SnapshotSourceTest, RemovedObject_IsLetGo) {
     test::RawRegion const region(true);
-    Attachment sut;
+    SnapshotSource sut;
     removeObject();
-    auto const look = sut.look();
-    EXPECT_EQ(inspect::Opening::Absent, look.source.opening);
-    EXPECT_EQ(0U, look.image.size());
-    EXPECT_EQ(1U, look.objects);
+    auto const snapshot = sut.take();
+    EXPECT_EQ(inspect::Opening::Absent, snapshot.source.opening);
+    EXPECT_EQ(0U, snapshot.image.size());
+    EXPECT_EQ(1U, snapshot.objects);
 }
 
-TEST(AttachmentTest, ReplacedObject_IsFollowed) {
+TEST(SnapshotSourceTest, ReplacedObject_IsFollowed) {
     test::RawRegion const old(true);
     old.fill(0x21);
-    Attachment sut;
-    sut.look();
+    SnapshotSource sut;
+    sut.take();
     removeObject();
     test::RawRegion const young(true);
     young.fill(0x20);
-    auto const look = sut.look();
-    EXPECT_TRUE(look.image.isActive());
-    EXPECT_FALSE(look.source.isReplaced);
-    EXPECT_EQ(2U, look.objects);
+    auto const snapshot = sut.take();
+    EXPECT_TRUE(snapshot.image.isActive());
+    EXPECT_FALSE(snapshot.source.isReplaced);
+    EXPECT_EQ(2U, snapshot.objects);
     removeObject();
 }
 
