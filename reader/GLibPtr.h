@@ -15,7 +15,7 @@ namespace shm {
 struct GLibRelease {
     void operator()(GError* error) const { g_error_free(error); }
     void operator()(char* text) const { g_free(text); }
-    void operator()(GVariant* variant) const { g_variant_unref(variant); }
+    void operator()(GVariant* value) const { g_variant_unref(value); }
 };
 
 using GErrorPtr = std::unique_ptr<GError, GLibRelease>;
