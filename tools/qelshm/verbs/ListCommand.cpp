@@ -21,34 +21,34 @@ namespace qel::tools {
 
 namespace {
 
-enum Layout : std::size_t { PointLine, ValueLine };
+enum ListLayout : std::size_t { ListedPoint, ListedValue };
 
 void addLines(TextTable& table, PointFacts const& point, std::vector<ValueFacts> const& values,
               std::uint64_t now) {
-    table.add(PointLine, {inspect::svidText(point.svid),
-                          point.path,
-                          point.type,
-                          {inspect::stateText(point.state), stateStyle(point.state)}});
+    table.add(ListedPoint, {inspect::svidText(point.svid),
+                            point.path,
+                            point.type,
+                            {inspect::stateText(point.state), stateStyle(point.state)}});
     for (auto const& value : values) {
         auto const style = stateStyle(value.state);
-        table.add(ValueLine, {"  " + inspect::svidText(value.svid),
-                              value.name,
-                              {value.text, style},
-                              {inspect::stateText(value.state), style},
-                              momentText(value.at),
-                              ageText(value.at, now)});
+        table.add(ListedValue, {"  " + inspect::svidText(value.svid),
+                                value.name,
+                                {value.text, style},
+                                {inspect::stateText(value.state), style},
+                                momentText(value.at),
+                                ageText(value.at, now)});
     }
 }
 
 /// A value by itself, with its point on the same line.
 void addSingleValue(TextTable& table, PointFacts const& point, ValueFacts const& value, std::uint64_t now) {
     auto const style = stateStyle(value.state);
-    table.add(0, {momentText(value.at),
-                  point.path,
-                  value.name,
-                  {value.text, style},
-                  {inspect::stateText(value.state), style},
-                  ageText(value.at, now)});
+    table.add(ListedValue, {momentText(value.at),
+                            point.path,
+                            value.name,
+                            {value.text, style},
+                            {inspect::stateText(value.state), style},
+                            ageText(value.at, now)});
 }
 
 Json jsonPointWith(PointFacts const& point, std::vector<ValueFacts> const& values, std::uint64_t now) {
