@@ -19,7 +19,7 @@ namespace qel::tools {
 
 CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) {
     constexpr double longest = 1e8;
-    auto& verb = *app.add_subcommand("record", "Capture changes of the region for qel-replay --from-record");
+    auto& verb = *app.add_subcommand("record", "Capture changes of the region for qel-replay");
     verb.add_option("FILE", file_, "Output file; an existing file is not overwritten")
         ->required()
         ->type_name("");
