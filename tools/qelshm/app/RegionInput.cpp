@@ -39,7 +39,7 @@ std::string slotText(inspect::SlotKind kind, std::uint32_t pos) {
     return {};
 }
 
-std::string cutText(inspect::Cut const& cut) {
+std::string cutText(inspect::SkippedLink const& cut) {
     bool const isValue = cut.field == inspect::LinkField::Values || cut.fromKind == inspect::SlotKind::Value;
     auto const target = isValue ? inspect::SlotKind::Value : inspect::SlotKind::Point;
     return slotText(cut.fromKind, cut.fromPos) + ": " + inspect::fieldName(cut.field) + " links to " +
@@ -130,7 +130,7 @@ std::string conditionProblem(RegionInput const& input) {
 
 std::vector<std::string> treeProblems(inspect::Image const& image, inspect::PointTree const& tree) {
     std::vector<std::string> problems;
-    for (auto const& cut : tree.cuts()) {
+    for (auto const& cut : tree.skippedLinks()) {
         problems.push_back(cutText(cut));
     }
     for (auto const& node : tree.nodes()) {

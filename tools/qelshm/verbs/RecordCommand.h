@@ -20,7 +20,7 @@ class RecordCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// @throws NothingThereError, inspect::RecordingError
+    /// @throws NothingThereError, inspect::CaptureError
     int run(CommandContext const& context) override;
 
 private:

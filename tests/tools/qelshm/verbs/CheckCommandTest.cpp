@@ -77,7 +77,7 @@ TEST(CheckCommandTest, LiveObjectOfSomebodyElse_IsNamedBeforeTheDamageOfTheRegio
                                     "^damage  owner-not-expected  object   owner  found 3999999999 +expected "
                                     "root \\(0\\)\n"
                                     "damage  mode-too-loose +object   mode   found rw-rw-r-- +expected write "
-                                    "rights for the owner alone\n"
+                                    "permission for the owner only\n"
                                     "damage  pos-mismatch +point 0 "));
 }
 

@@ -88,8 +88,8 @@ TEST(StatusCommandTest, ObjectThatOthersMayWrite_IsAFindingAndStatusOne) {
     EXPECT_THAT(outcome.output, HasSubstr("condition      active\n"));
     EXPECT_THAT(outcome.output,
                 HasSubstr("mode           rw-rw-rw-\n"
-                          "finding        mode-too-loose, found rw-rw-rw-, expected write rights for the "
-                          "owner alone\n"
+                          "finding        mode-too-loose, found rw-rw-rw-, expected write permission for "
+                          "the owner only\n"
                           "finding        name-not-unique, found 2, expected 1\n"));
     EXPECT_EQ(1, json.status);
     auto const object = nlohmann::json::parse(json.output).at("object");

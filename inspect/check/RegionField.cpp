@@ -1,13 +1,11 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "inspect/check/FieldValue.h"
+#include "inspect/check/RegionField.h"
 
-#include "inspect/image/RegionObject.h"
+#include "inspect/image/LiveRegion.h"
 #include "inspect/naming/StateText.h"
 #include "inspect/naming/Svid.h"
-
-#include "region/QelShmRecords.h"
 
 #include <algorithm>
 #include <array>
