@@ -14,7 +14,7 @@ namespace qel::test {
 
 /// A new folder that is the working directory as long as the object lives, so that files in it go by their bare names.
 ///
-/// Threads: *thread-bound*: the test's main thread; one object at a time.
+/// Threads: thread-bound to the test's main thread; one object at a time.
 class ImageFolder {
 public:
     ImageFolder();

@@ -13,7 +13,7 @@ namespace qel::test {
 
 /// Owns the hardware manager's bus name as the user "nobody" for as long as it lives, and serves nothing.
 ///
-/// Threads: *thread-bound*: the test's main thread; while one is made, no other thread may open files or reach the bus.
+/// Threads: thread-bound to the test's main thread; while one is made, no other thread may open files or reach the bus.
 class NameOfNobody {
 public:
     NameOfNobody();

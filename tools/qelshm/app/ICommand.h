@@ -17,7 +17,7 @@ class App;
 
 namespace qel::tools {
 
-/// What a verb works with. *reentrant*
+/// What a verb works with. Reentrant.
 struct CommandContext {
     QelshmOptions const& options;
     std::ostream& out;
@@ -27,7 +27,7 @@ struct CommandContext {
 
 /// A verb: its options and what it does.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class ICommand {
 public:
     ICommand() = default;

@@ -17,7 +17,7 @@ class Option;
 
 namespace qel::tools {
 
-/// What the command line says before it comes to a verb's own options. *reentrant*
+/// What the command line says before it comes to a verb's own options. Reentrant.
 struct QelshmOptions {
     std::string image;            ///< file to read instead of the live object; "" for none
     std::optional<unsigned> wait; ///< s
@@ -26,18 +26,18 @@ struct QelshmOptions {
     std::optional<std::uint64_t> now; ///< ms since 1970 UTC: reference time of ages instead of the clock
 };
 
-/// The options that not every verb takes. *reentrant*
+/// The options that not every verb takes. Reentrant.
 struct OptionalOptions {
     CLI::Option* image;
     CLI::Option* wait;
     CLI::Option* json;
 };
 
-/// Describes the program and the common options to the app. *reentrant*
+/// Describes the program and the common options to the app. Reentrant.
 /// @param options receives the arguments; must outlive app
 OptionalOptions defineQelshmOptions(CLI::App& app, QelshmOptions& options);
 
-/// Converts the argument of an option, rounded towards zero. *reentrant*
+/// Converts the argument of an option, rounded towards zero. Reentrant.
 template <typename Duration = std::chrono::steady_clock::duration>
 Duration secondsAs(double seconds) {
     return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds));

@@ -27,7 +27,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A copy of a region and its origin. *reentrant*
+/// A copy of a region and its origin. Reentrant.
 struct RegionInput {
     inspect::Image image;
     inspect::RegionSource source;
@@ -35,36 +35,36 @@ struct RegionInput {
     std::uint64_t now = 0; ///< ms since 1970 UTC
 };
 
-/// Reads an image file. *reentrant*
+/// Reads an image file. Reentrant.
 /// @throws inspect::ImageFileError
 RegionInput fileInput(std::string const& file);
 
-/// Copies the live object. The source says if it cannot be opened or read. *reentrant*
+/// Copies the live object. The source says if it cannot be opened or read. Reentrant.
 RegionInput liveInput();
 
 /// Reads the image file or the live object that the options name. Waits for an active live object as long as the options
-/// allow, then takes what is there. *reentrant*
+/// allow, then takes what is there. Reentrant.
 /// @param tell called with a line when the wait lasts longer than a moment
 /// @throws inspect::ImageFileError
 RegionInput openInput(QelshmOptions const& options, std::function<void(std::string const&)> const& tell);
 
 /// Checks who owns the live object and who may change it. Asks the bus for the hardware manager's user, but only if root
-/// does not own the object. *reentrant*
+/// does not own the object. Reentrant.
 /// @return findings; none for an image file or an absent object
 inspect::Findings objectFindings(RegionInput const& input);
 
-/// Requires an image file or a live object that could be opened. *reentrant*
+/// Requires an image file or a live object that could be opened. Reentrant.
 /// @throws NothingThereError
 void requireOpened(RegionInput const& input);
 
-/// Says why a region as a whole is not reliable. *reentrant*
+/// Says why a region as a whole is not reliable. Reentrant.
 /// @return the problem without a full stop; "" for an active or silent region
 std::string conditionProblem(inspect::RegionStatus const& status);
 
-/// The same for an input. *reentrant*
+/// The same for an input. Reentrant.
 std::string conditionProblem(RegionInput const& input);
 
-/// Lists links that were ignored and points whose own position is wrong. *reentrant*
+/// Lists links that were ignored and points whose own position is wrong. Reentrant.
 /// @return a line for each, the last one a count when there are many
 std::vector<std::string> treeProblems(inspect::Image const& image, inspect::PointTree const& tree);
 

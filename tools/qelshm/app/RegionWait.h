@@ -14,7 +14,7 @@ namespace qel::tools {
 /// Tells the user what a wait is for, and knows when it has lasted long enough. It learns of the region from whoever
 /// reads it.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class RegionWait {
 public:
     /// Time between two reads of a region that is not there yet.

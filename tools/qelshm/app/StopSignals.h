@@ -16,7 +16,7 @@ namespace qel::tools {
 /// While it lives, SIGINT, SIGTERM and SIGHUP end a wait instead of the process, so that files and the terminal are left
 /// in order.
 ///
-/// Threads: *thread-bound*: the thread that made it; all others must block these signals.
+/// Threads: thread-bound to the thread that made it; all others must block these signals.
 class StopSignals {
 public:
     using Moment = std::chrono::steady_clock::time_point;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Ages and durations as text. All functions are *reentrant*.
+/// Ages and durations as text. All functions are reentrant.
 #pragma once
 
 #include <cstdint>

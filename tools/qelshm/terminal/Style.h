@@ -23,14 +23,14 @@ enum class Style : std::uint8_t {
     Busy,    ///< magenta: updating or switching
 };
 
-/// *reentrant*
+/// Reentrant.
 /// @return the style of a state; Plain for a number that is no state
 Style stateStyle(eStatus_Bits state);
 
-/// Puts a text between the control sequences of a style; Plain has none. *reentrant*
+/// Puts a text between the control sequences of a style; Plain has none. Reentrant.
 std::string styled(std::string_view text, Style style);
 
-/// Decides whether output is coloured. *thread-bound*: the main thread, because it uses the terminal library.
+/// Decides whether output is coloured. Thread-bound to the main thread, because it uses the terminal library.
 /// @param choice     "always", "never" or "auto": on a terminal that knows colours, unless NO_COLOR is set and not empty
 /// @param descriptor of the output
 bool mayColour(std::string_view choice, int descriptor);

@@ -16,7 +16,7 @@
 
 namespace qel::tools {
 
-/// A piece of a line. Converts from text, so that rows can be written as lists. *reentrant*
+/// A piece of a line. Converts from text, so that rows can be written as lists. Reentrant.
 struct Cell {
     // NOLINTNEXTLINE(google-explicit-constructor): a plain text is a cell
     Cell(std::string content, Style of = Style::Plain) : text(std::move(content)), style(of) {}
@@ -27,13 +27,13 @@ struct Cell {
     Style style = Style::Plain;
 };
 
-/// Writes a text and flushes. *reentrant*
+/// Writes a text and flushes. Reentrant.
 /// @throws std::runtime_error when it cannot be written
 void writeOutput(std::ostream& out, std::string_view text);
 
 /// Rows of several layouts; the columns of each layout are as wide as its longest texts.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class TextTable {
 public:
     /// Appends a row.

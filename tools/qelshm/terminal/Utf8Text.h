@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// UTF-8 text by characters instead of bytes. All functions are *reentrant*.
+/// UTF-8 text by characters instead of bytes. All functions are reentrant.
 #pragma once
 
 #include <cstddef>

@@ -12,7 +12,7 @@
 
 namespace qel::tools {
 
-/// Creates the verbs in the order of the help. *reentrant*
+/// Creates the verbs in the order of the help. Reentrant.
 std::vector<std::unique_ptr<ICommand>> allCommands();
 
 } // namespace qel::tools

@@ -13,7 +13,7 @@ namespace qel::tools {
 
 /// Compares two images, or an image and the live object.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class DiffCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -13,7 +13,7 @@ namespace qel::tools {
 
 /// Saves the region's bytes to a file as they are.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class DumpCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -14,7 +14,7 @@ namespace qel::tools {
 /// Searches the path, id, type and state of points and the id, key name and state of values for a text. Upper and lower
 /// case are the same.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class FindCommand : public ImageCommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

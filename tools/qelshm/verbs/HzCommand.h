@@ -11,7 +11,7 @@ namespace qel::tools {
 
 /// Measures how often the values of the live region are updated.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class HzCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

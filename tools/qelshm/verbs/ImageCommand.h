@@ -15,7 +15,7 @@
 
 namespace qel::tools {
 
-/// A region, its tree, and what is wrong with them. *reentrant*
+/// A region, its tree, and what is wrong with them. Reentrant.
 struct RegionView {
     RegionInput input;
     inspect::PointTree tree;
@@ -24,7 +24,7 @@ struct RegionView {
 
 /// Opens the input, prints its warnings and shows it.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class ImageCommand : public ICommand {
 public:
     /// @return at least 1 when there are warnings

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points and values as JSON; docs/reference/qelshm-schema.json describes every document. All functions are *reentrant*.
+/// Points and values as JSON; docs/reference/qelshm-schema.json describes every document. All functions are reentrant.
 #pragma once
 
 #include "tools/qelshm/app/RegionInput.h"

@@ -14,7 +14,7 @@ namespace qel::tools {
 
 /// Prints points with their values: every point in the order of the tree, one point, or one value.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class ListCommand : public ImageCommand {
 public:
     /// Which verb it is.

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points and values of an image as people read them. All functions are *reentrant*.
+/// Points and values of an image as people read them. All functions are reentrant.
 #pragma once
 
 #include "domain/eStatus_Bits.h"
@@ -16,7 +16,7 @@
 
 namespace qel::tools {
 
-/// A value. *reentrant*
+/// A value. Reentrant.
 struct ValueFacts {
     long long svid;
     unsigned short key;
@@ -28,7 +28,7 @@ struct ValueFacts {
     std::uint64_t at; ///< ms since 1970 UTC; 0 for never
 };
 
-/// A point. *reentrant*
+/// A point. Reentrant.
 struct PointFacts {
     long long svid;
     std::string path;

@@ -15,7 +15,7 @@ namespace qel::tools {
 
 /// Captures the live region's changes to a file until a signal, a time or a number of samples ends it.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class RecordCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

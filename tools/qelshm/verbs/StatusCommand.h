@@ -13,7 +13,7 @@ namespace qel::tools {
 
 /// Prints the region's condition, owner, use and global state, and findings about the owner and mode of a live object.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class StatusCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -14,7 +14,7 @@ namespace qel::tools {
 
 /// Prints the points as a tree, optionally with their values, or only their paths.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class TreeCommand : public ImageCommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

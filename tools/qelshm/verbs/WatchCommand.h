@@ -16,7 +16,7 @@ namespace qel::tools {
 
 /// Shows values as they change until the user stops it.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class WatchCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -13,7 +13,7 @@ namespace qel::tools {
 
 /// Explains why the unit or a point is not "On": the causes and how each propagates.
 ///
-/// Threads: *thread-bound*: the main thread.
+/// Threads: thread-bound to the main thread.
 class WhyCommand : public ImageCommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

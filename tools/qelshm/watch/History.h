@@ -12,7 +12,7 @@
 
 namespace qel::watch {
 
-/// The numbers of a value within a stretch of time. *reentrant*
+/// The numbers of a value within a stretch of time. Reentrant.
 struct Bucket {
     float min = std::numeric_limits<float>::quiet_NaN();
     float max = std::numeric_limits<float>::quiet_NaN();
@@ -25,7 +25,7 @@ struct Bucket {
 /// The newest buckets of one value: 1088 bytes, however much is added. Buckets are numbered by time, rising; the caller
 /// decides how long one lasts.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class History {
 public:
     static constexpr std::size_t length = 90;

@@ -21,7 +21,7 @@ namespace qel::watch {
 /// Writes a line for each value whose number or state has changed: time, path, name, number with unit, state. Values of
 /// the first snapshot and values that come later count as unchanged.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class LinePrinter {
 public:
     /// @param out        must outlive the printer

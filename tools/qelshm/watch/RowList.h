@@ -25,13 +25,13 @@ enum class SortOrder : std::uint8_t {
     Age,   ///< longest without a delivery first
 };
 
-/// *reentrant*
+/// Reentrant.
 /// @return "tree", "state", "name" or "age"
 char const* sortName(SortOrder order);
 
 /// Which points hide what is below them.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class Folds {
 public:
     /// A point that was never set is open if it has children, so that all points are visible.
@@ -44,7 +44,7 @@ private:
     std::map<long long, bool> folds_; ///< by the point's id, so that it survives a change of slots
 };
 
-/// A row of the table. *reentrant*
+/// A row of the table. Reentrant.
 struct Row {
     bool isPoint;
     std::uint32_t index; ///< into the points or the values of the structure
@@ -53,7 +53,7 @@ struct Row {
     bool isFolded;
 };
 
-/// What the rows are made from. *reentrant*
+/// What the rows are made from. Reentrant.
 struct RowListInput {
     UnitStructure const& structure;
     inspect::Image const& image;
@@ -65,7 +65,7 @@ struct RowListInput {
 };
 
 /// Lists the rows from the top. With a filter: the points and values that match and the points above them, whatever is
-/// folded. *reentrant*
+/// folded. Reentrant.
 std::vector<Row> rowsOf(RowListInput const& input);
 
 } // namespace qel::watch

@@ -12,7 +12,7 @@
 
 namespace qel::watch {
 
-/// The region at one moment. *reentrant*
+/// The region at one moment. Reentrant.
 struct Snapshot {
     inspect::Image image;
     inspect::RegionSource source;
@@ -24,7 +24,7 @@ struct Snapshot {
 /// Holds the live object open and opens the next one when its name leads elsewhere. Reads only; the writer notices
 /// nothing.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class SnapshotSource {
 public:
     /// Opens the object if there is one.

@@ -14,7 +14,7 @@ namespace qel::watch {
 
 /// Words that must all occur, each in any of a row's texts; upper and lower case are the same.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class TextFilter {
 public:
     /// Matches everything.

@@ -18,7 +18,7 @@
 
 namespace qel::watch {
 
-/// A point of the unit. *reentrant*
+/// A point of the unit. Reentrant.
 struct UnitPoint {
     long long svid;
     std::uint32_t pos;        ///< its slot
@@ -33,7 +33,7 @@ struct UnitPoint {
     std::string type; ///< "Schuko"; may be empty
 };
 
-/// A value of the unit. *reentrant*
+/// A value of the unit. Reentrant.
 struct UnitValue {
     long long svid;
     std::uint32_t pos;   ///< its slot
@@ -44,7 +44,7 @@ struct UnitValue {
 
 /// Makes the names once and checks with each image whether they are still right.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class UnitStructure {
 public:
     /// @param names the selection

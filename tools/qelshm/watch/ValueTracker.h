@@ -19,7 +19,7 @@
 
 namespace qel::watch {
 
-/// A value whose number or state differs from the previous image. *reentrant*
+/// A value whose number or state differs from the previous image. Reentrant.
 struct ValueChange {
     std::uint32_t value; ///< index into UnitStructure::values()
     eStatus_Bits before;
@@ -29,7 +29,7 @@ struct ValueChange {
 ///
 /// Memory: 64 bytes a slot, 0.6 MB; with histories another 1.1 kB for each value, 9.6 MB for 8800 of them.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class ValueTracker {
 public:
     /// @param bucketMs how long a bucket of the histories lasts, ms; 0 to keep none

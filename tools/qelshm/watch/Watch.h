@@ -15,7 +15,7 @@
 
 namespace qel::watch {
 
-/// What to show and how. *reentrant*
+/// What to show and how. Reentrant.
 struct WatchOptions {
     std::vector<std::string> names;          ///< the selection, see WatchedNames; empty for everything
     std::optional<std::uint64_t> count;      ///< number of lines to write; none for no limit
@@ -26,7 +26,7 @@ struct WatchOptions {
 
 /// Shows a table if standard input and output are a terminal and there is no count; q or a signal ends it. Otherwise
 /// writes a line for each change; enough lines, a signal, or the end of their reader end it. Follows the region from
-/// object to object. *thread-bound*: the main thread; no other thread may handle SIGINT, SIGTERM or SIGHUP meanwhile.
+/// object to object. Thread-bound to the main thread; no other thread may handle SIGINT, SIGTERM or SIGHUP meanwhile.
 /// @param out  standard output, for the lines
 /// @param tell called with a line when the wait for the region lasts longer than a moment
 /// @return the exit status

@@ -12,17 +12,17 @@
 
 namespace qel::watch {
 
-/// Looks up a key. *reentrant*
+/// Looks up a key. Reentrant.
 /// @param key as curses numbers it
 /// @return nothing for a key without a meaning
 std::optional<Action> actionOf(int key);
 
 /// Applies a key to the model. While the user types the filter, printable characters, backspace, Enter and Esc belong to
-/// it. While the help is visible, every key closes it. *reentrant*
+/// it. While the help is visible, every key closes it. Reentrant.
 /// @param key as curses numbers it
 void handleKey(WatchModel& model, int key);
 
-/// A line of the help. *reentrant*
+/// A line of the help. Reentrant.
 struct KeyHelp {
     char const* keys; ///< "Up Down, k j"
     char const* text; ///< what they do

@@ -44,7 +44,7 @@ enum class Action : std::uint8_t {
     Quit,
 };
 
-/// The lines above the table. *reentrant*
+/// The lines above the table. Reentrant.
 struct HeaderView {
     std::string condition; ///< "active"
     bool isLive;           ///< there is content to show
@@ -59,7 +59,7 @@ struct HeaderView {
     std::string note; ///< what happened a moment ago; "" for nothing
 };
 
-/// A row of the table. *reentrant*
+/// A row of the table. Reentrant.
 struct RowView {
     bool isPoint;
     bool isFoldable;
@@ -75,7 +75,7 @@ struct RowView {
     std::string age;    ///< since the last delivery; with '>' if none was seen
 };
 
-/// The selected point and value in detail; the texts are empty if nothing is selected. *reentrant*
+/// The selected point and value in detail; the texts are empty if nothing is selected. Reentrant.
 struct DetailView {
     std::string path;
     std::string svid;
@@ -93,7 +93,7 @@ struct DetailView {
 /// A table of points and values that can be folded, sorted and searched, with a cursor and a window of some lines. It
 /// receives snapshots and actions and says what is visible. Memory: see ValueTracker.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class WatchModel {
 public:
     /// @param names    the selection

@@ -19,7 +19,7 @@ namespace qel::watch {
 /// Takes over the terminal, draws a model on it and restores the terminal in the end. Follows the size of the terminal;
 /// can be suspended. Draws in ASCII if the terminal has no UTF-8, and with attributes alone if it has no colours.
 ///
-/// Threads: *thread-bound*: the thread that made it. One object per process.
+/// Threads: thread-bound to the thread that made it. One object per process.
 class WatchScreen {
 public:
     /// @param isColoured whether colours are wanted

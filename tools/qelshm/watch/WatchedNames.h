@@ -13,7 +13,7 @@ namespace qel::watch {
 /// Ids of points, which select all their values, and of single values. An empty selection is everything. Ids that do not
 /// exist are no error: they may come later.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class WatchedNames {
 public:
     /// @param names ids or paths, see isName(); others are ignored

@@ -22,7 +22,7 @@ constexpr long long socket10Id = 0x010001FFFF0A0000;
 constexpr std::uint16_t voltage = 1;
 constexpr std::uint16_t activePower = 0x13;
 
-/// Builds a region's records by hand; active and without a point at first. *reentrant*
+/// Builds a region's records by hand; active and without a point at first. Reentrant.
 class TestUnit {
 public:
     TestUnit();

@@ -13,7 +13,7 @@ namespace qel::test {
 
 /// A shell in a terminal multiplexer of its own: server, socket and all end with the object.
 ///
-/// Threads: *reentrant*.
+/// Threads: reentrant.
 class Tmux {
 public:
     /// Starts a screen of that size with a shell that shows "shell> ".
