@@ -25,6 +25,7 @@ bool standsBefore(long long svid, long long other) {
         if (otherKind == SensorType::Electrical) {
             return svid < other;
         }
+        // Deliberate: a fixed log text.
         LogLine(writerLog(), log4cpp::Priority::INFO, "operator()") << "1t";
         return true;
     case SensorType::I2C:
@@ -111,6 +112,7 @@ void QelSharedMemoryWriter::setListHead(long long svid, unsigned int pos) {
     if (auto* const head = listHead(svid)) {
         storeLink(*head, pos);
     } else {
+        // Deliberate: a fixed log text names this operation.
         LogLine(writerLog(), log4cpp::Priority::WARN, "operator()")
             << "cannot handle measurement points of type " << SensorIdentifier::extractSensorType(svid);
     }
