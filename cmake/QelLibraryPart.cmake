@@ -24,6 +24,8 @@ function(qel_library_part name)
     "$<$<CXX_COMPILER_ID:Clang>:-Wglobal-constructors;-Wexit-time-destructors>")
   qel_guide_fuzzers(qel-${name})
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
+  list(TRANSFORM part_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE paths)
+  set_property(GLOBAL APPEND PROPERTY QEL_API_HEADERS ${paths}) # for QelDocs
   foreach(header IN LISTS part_HEADERS)
     install(FILES ${header} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/qel/${name}" COMPONENT development)
   endforeach()

@@ -29,9 +29,9 @@ class QelShmRoot;
 /// @return the stream
 QEL_EXPORT std::ostream& operator<<(std::ostream& out, QelShmMVal const& mv);
 
-/// Writes a point: `QSMP {guid = 0x0000010203050000, pos = 7, State = On, Type = Schuko, mvs = true, children = false}`.
-/// The position is in the stream's base. Leaves the stream with booleans as words (std::boolalpha). A null handle writes
-/// `QSMP {}` and changes no flag.
+/// Writes a point: `QSMP {guid = 0x0000010203050000, pos = 7, State = On, Type = Schuko, mvs = true, children =
+/// false}`. The position is in the stream's base. Leaves the stream with booleans as words (std::boolalpha). A
+/// null handle writes `QSMP {}` and changes no flag.
 /// @param out the stream
 /// @param mp  the point
 /// @return the stream

@@ -65,8 +65,8 @@ public:
     /// @return for example "230.1|V"; "S0", "On", "Off", "Hi", "Lo", "--" or "?" for inputs and outputs
     static std::string strForDisplay(unsigned short key, double value, eStatus_Bits state);
 
-    /// Converts to a fixed-point integer: multiplies by the key's power of ten, adds a half and truncates towards zero. A
-    /// key without a power of ten does not scale.
+    /// Converts to a fixed-point integer: multiplies by the key's power of ten, adds a half and truncates towards
+    /// zero. A key without a power of ten does not scale.
     /// @note Logs at WARN in "qel.shm.access.format" that a key has no power of ten.
     /// @param key   value key
     /// @param value in the key's unit

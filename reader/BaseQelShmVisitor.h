@@ -41,8 +41,8 @@ public:
     bool mvFound() const override;
 
 protected:
-    /// An overridden onMVal() sets this at the value that it looks for. Nothing resets it: afterwards the visit passes only
-    /// the first value of each further point.
+    /// An overridden onMVal() sets this at the value that it looks for. Nothing resets it: afterwards the visit
+    /// passes only the first value of each further point.
     bool found_ = false;
 };
 

@@ -19,8 +19,8 @@ using GError = struct _GError;
 namespace shm {
 
 /// Holds one reference to a connection, since its subscriptions end with the last reference. Logs once at WARN in
-/// "qel.shm.access.reader" that the connection was closed; the signal for that arrives in the GLib main context in which
-/// the connection was made.
+/// "qel.shm.access.reader" that the connection was closed; the signal for that arrives in the GLib main context in
+/// which the connection was made.
 ///
 /// A forked child releases nothing: it lacks GLib's thread that serves the connection, and that thread's locks may stay
 /// locked for ever.
@@ -39,8 +39,8 @@ public:
     /// @return whether this is the process that made the object, not a child that was forked since
     bool isOwnProcess() const;
 
-    /// Takes a reference to a connection. Call it once. Logs at once if the connection is closed already, since no signal
-    /// would follow.
+    /// Takes a reference to a connection. Call it once. Logs at once if the connection is closed already, since no
+    /// signal would follow.
     /// @param connection not null
     void hold(GDBusConnection* connection);
 
@@ -50,13 +50,13 @@ public:
     /// @return whether the connection has been closed, also if it was released since
     bool isClosed() const;
 
-    /// Releases a closed connection, so that the process can get a new one. Logs that it was closed, unless that is logged
-    /// already.
+    /// Releases a closed connection, so that the process can get a new one. Logs that it was closed, unless that
+    /// is logged already.
     void giveBack();
 
 private:
-    /// Logs the closing once, whoever notices it first. Shared by the object and GLib's closure, so that it outlives the
-    /// object while a call is under way.
+    /// Logs the closing once, whoever notices it first. Shared by the object and GLib's closure, so that it
+    /// outlives the object while a call is under way.
     class Notice {
     public:
         void tell();

@@ -99,7 +99,8 @@ void FollowedReader::reportVoid(QelShmCondition condition) {
 }
 
 void FollowedReader::makeReader() {
-    reader_.reset(); // before the next one, since all readers share a closed connection until the last one ends
+    reader_
+        .reset(); // before the next one, since all readers share a closed connection until the last one ends
     wasLaidOut_ = false;
     isOver_ = false;
     try {

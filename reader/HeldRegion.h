@@ -19,7 +19,8 @@ namespace shm {
 /// Threads: thread-safe.
 class HeldRegion {
 public:
-    /// Notes that a region was mapped, and its object if that is known: if the name led to the same object before and after.
+    /// Notes that a region was mapped, and its object if that is known: if the name led to the same object before
+    /// and after.
     /// @param before object under the name before the mapping
     /// @param after  object under the name after the mapping
     void take(std::optional<ObjectId> const& before, NamedRegion const& after);

@@ -16,9 +16,9 @@ namespace shm {
 
 class IQelVisitorResult;
 
-/// Callbacks of QelSharedMemoryReader's visits. Each receives the visit's result object. The handles are valid until the
-/// region is unmapped; the writer may change their slots at any moment. A callback may use the reader that calls it: look
-/// up, visit, and install another visitor.
+/// Callbacks of QelSharedMemoryReader's visits. Each receives the visit's result object. The handles are valid
+/// until the region is unmapped; the writer may change their slots at any moment. A callback may use the reader
+/// that calls it: look up, visit, and install another visitor.
 ///
 /// Threads: thread-bound to the visiting thread, on which the callbacks run.
 class QEL_EXPORT IQelSharedMemoryVisitor {

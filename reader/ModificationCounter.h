@@ -10,8 +10,8 @@
 
 namespace shm {
 
-/// Never loses a change: it is 0 only if an index was begun after the last change and then finished. It neither falls below
-/// 0 nor wraps.
+/// Never loses a change: it is 0 only if an index was begun after the last change and then finished. It neither
+/// falls below 0 nor wraps.
 ///
 /// Threads: thread-safe. raise() and current() take no lock.
 class ModificationCounter {
@@ -40,8 +40,8 @@ public:
     /// @throws std::system_error when the mutex cannot be locked
     Snapshot snapshot() const;
 
-    /// Call it when the index is finished. Without a change since the snapshot the counter becomes 0. Otherwise it falls by
-    /// one, but not below 1, so that the next look-up rebuilds the index.
+    /// Call it when the index is finished. Without a change since the snapshot the counter becomes 0. Otherwise it
+    /// falls by one, but not below 1, so that the next look-up rebuilds the index.
     /// @param before from the beginning of the rebuild
     /// @throws std::system_error when the mutex cannot be locked; the counter does not change then
     void settle(Snapshot const& before);

@@ -7,8 +7,8 @@
 
 namespace shm {
 
-/// While an object lives, GIO's critical messages of its thread are dropped. Those of other threads go to GLib's default
-/// handler. At most one object per thread.
+/// While an object lives, GIO's critical messages of its thread are dropped. Those of other threads go to GLib's
+/// default handler. At most one object per thread.
 ///
 /// Threads: thread-bound to the thread that made it.
 class MutedCriticals {

@@ -13,9 +13,9 @@
 
 namespace shm {
 
-/// The thread of a Thread object. fork() copies the object, but not the thread: in the child the object represents a thread
-/// that does not exist. Any call of Boost or the system for it, even its destructor, may wait for ever. Such an object must
-/// be abandoned.
+/// The thread of a Thread object. fork() copies the object, but not the thread: in the child the object represents
+/// a thread that does not exist. Any call of Boost or the system for it, even its destructor, may wait for ever.
+/// Such an object must be abandoned.
 ///
 /// Threads: thread-bound to the owner of the Thread object.
 class OwnedThread {

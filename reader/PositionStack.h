@@ -12,8 +12,8 @@
 
 namespace shm {
 
-/// Memory for the positions of nested lists, the innermost on top. It never shrinks, so visits usually allocate nothing.
-/// Constant-initialised and without a destructor, so it can be used in every phase of a thread's life.
+/// Memory for the positions of nested lists, the innermost on top. It never shrinks, so visits usually allocate
+/// nothing. Constant-initialised and without a destructor, so it can be used in every phase of a thread's life.
 ///
 /// Threads: thread-bound to the visiting thread.
 class PositionStack {

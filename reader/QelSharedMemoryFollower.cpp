@@ -17,7 +17,9 @@ namespace {
 class ForwardingVisitor : public IQelSharedMemoryVisitor {
 public:
     /// @param self set to this object, and to null by the destructor unless forget() was called before
-    ForwardingVisitor(IQelSharedMemoryVisitor& visitor, ForwardingVisitor*& self) : visitor_(&visitor), self_(&self) {
+    ForwardingVisitor(IQelSharedMemoryVisitor& visitor, ForwardingVisitor*& self)
+        : visitor_(&visitor),
+          self_(&self) {
         self = this;
     }
     ~ForwardingVisitor() override {
@@ -70,7 +72,8 @@ public:
         }
         try {
             reader_.visitor(nullptr);
-        } catch (std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): the remaining visitor forwards nothing
+        } catch (
+            std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): the remaining visitor forwards nothing
         }
     }
     ScopedVisitor(ScopedVisitor const&) = delete;

@@ -17,9 +17,10 @@ namespace shm {
 
 namespace {
 
-/// Tells whether a value is still where it was found. True is certain; false may be wrong briefly while the writer links.
+/// Tells whether a value is still where it was found. True is certain; false may be wrong briefly while the writer
+/// links.
 bool isStillInPlace(record::Region const& region, QelShmMP const& point, record::QelShmMVal const& value,
-                  long long svid) {
+                    long long svid) {
     return point.guid == pointSvid(svid) && value.key == valueKey(svid) &&
            isLinkedToByPredecessor(region, static_cast<std::uint32_t>(&point - region.points)) &&
            isInValueChain(region, loadLink(point.mvs), static_cast<std::uint32_t>(&value - region.values));
@@ -90,7 +91,8 @@ void QelSharedMemoryReader::syncPositions(bool force) {
         throw;
     }
     if (isWhole) {
-        // Deliberate: if the structure changed meanwhile the counter falls by one, not to 0, so the next look-up rebuilds.
+        // Deliberate: if the structure changed meanwhile the counter falls by one, not to 0, so the next look-up
+        // rebuilds.
         modificationCounter.settle(before);
     } else {
         modificationCounter.keepPending();

@@ -35,8 +35,8 @@ constexpr char structureChanged[] = "shmStructureChanged";
 
 constexpr std::size_t indexBuckets = 10;
 
-/// The first index number of a reader. Readers of a process use different ranges, so that a QelShmKeptMVal that remembers an
-/// index of a destroyed reader never matches an index of another one.
+/// The first index number of a reader. Readers of a process use different ranges, so that a QelShmKeptMVal that
+/// remembers an index of a destroyed reader never matches an index of another one.
 unsigned int firstRebuild() {
     static std::atomic<unsigned int> readers{0};
     return ++readers << 16U;

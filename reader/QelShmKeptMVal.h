@@ -10,9 +10,10 @@
 
 namespace shm {
 
-/// Names a value by its sensor id and remembers where QelSharedMemoryReader::mval() found it last, so reading it again
-/// costs a few nanoseconds. It owns nothing and may be copied freely. It may be used with another reader, also after the
-/// first one was destroyed: the new reader does not use what is remembered of the first one, and looks the value up.
+/// Names a value by its sensor id and remembers where QelSharedMemoryReader::mval() found it last, so reading it
+/// again costs a few nanoseconds. It owns nothing and may be copied freely. It may be used with another reader,
+/// also after the first one was destroyed: the new reader does not use what is remembered of the first one, and
+/// looks the value up.
 ///
 /// Threads: reentrant. Give each thread an object of its own.
 class QEL_EXPORT QelShmKeptMVal {

@@ -12,8 +12,8 @@
 
 namespace shm {
 
-/// Orders points by a signed 64-bit key made from their sensor ids. Sort stably, to keep points of equal keys in the order
-/// of their list.
+/// Orders points by a signed 64-bit key made from their sensor ids. Sort stably, to keep points of equal keys in
+/// the order of their list.
 ///
 /// Threads: reentrant. There is no state.
 class QEL_EXPORT QelShmMPntCmp {
@@ -25,8 +25,8 @@ public:
         return key(left->guid) < key(right->guid);
     }
 
-    /// Makes the key of a sensor id. For an I2C sensor the bits 16-23 and 40-47 are cleared. For a residual-current monitor
-    /// the bits 0-15 become 4 and the bits 48-55 become 0. Any other id is its own key.
+    /// Makes the key of a sensor id. For an I2C sensor the bits 16-23 and 40-47 are cleared. For a
+    /// residual-current monitor the bits 0-15 become 4 and the bits 48-55 become 0. Any other id is its own key.
     /// @param svid of a point
     /// @return the key
     static std::int64_t key(long long svid);

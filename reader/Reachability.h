@@ -1,8 +1,8 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-/// @file
-/// Whether the tree still leads to a slot. The slot's content does not show that: a removed point keeps its id and its links
+/// @file Whether the tree still leads to a slot. The slot's content does not show that: a removed point keeps its
+/// id and its links
 /// until its slot is used again, while its values' slots may belong to other points already.
 ///
 /// Threads: reentrant. The writer may change the region meanwhile.
@@ -15,11 +15,12 @@
 
 namespace shm {
 
-/// Tells whether a point's predecessor leads to it: the next link of its previous sibling, the children link of its parent,
-/// or a list head of the root.
+/// Tells whether a point's predecessor leads to it: the next link of its previous sibling, the children link of
+/// its parent, or a list head of the root.
 /// @param region the region
 /// @param pos    of the point, below MP_COUNT
-/// @return true for a point in a list; false for a removed point, and briefly while the writer links or removes a neighbour
+/// @return true for a point in a list; false for a removed point, and briefly while the writer links or removes a
+///         neighbour
 inline bool isLinkedToByPredecessor(record::Region const& region, std::uint32_t pos) {
     auto const& point = region.points[pos];
     if (auto const previous = loadLink(point.prev); previous < MP_COUNT) {
@@ -31,8 +32,8 @@ inline bool isLinkedToByPredecessor(record::Region const& region, std::uint32_t 
     return loadLink(region.root.devices) == pos || loadLink(region.root.groups) == pos;
 }
 
-/// Searches for a point in the list of its parent's children, or in the lists of the root. Visits at most MP_COUNT points
-/// of a list.
+/// Searches for a point in the list of its parent's children, or in the lists of the root. Visits at most MP_COUNT
+/// points of a list.
 /// @param region the region
 /// @param pos    of the point, below MP_COUNT
 /// @return whether the list holds the point

@@ -19,10 +19,11 @@ class OwnedThread;
 ///
 /// An object must be joined before it is destroyed: the destructor detaches a thread, which then runs on.
 ///
-/// A forked child has a copy of the object, but not its thread. There start(), join() and the destructor first abandon the
-/// parent's thread, silently and without any system call for it. Then the object is one that was never started.
+/// A forked child has a copy of the object, but not its thread. There start(), join() and the destructor first
+/// abandon the parent's thread, silently and without any system call for it. Then the object is one that was never
+/// started.
 ///
-/// Threads: thread-bound to the owner, who calls start() and join(). running() may be asked from any thread.
+/// Threads: thread-bound to the owner, who calls start() and join(). running() is thread-safe.
 class QEL_EXPORT Thread {
 public:
     /// Starts nothing.
@@ -38,24 +39,27 @@ public:
     /// The thread's body.
     virtual void run() = 0;
 
-    /// Called by join() on the joining thread, before it clears the running flag. Does nothing by default. Must not throw.
+    /// Called by join() on the joining thread, before it clears the running flag. Does nothing by default. Must
+    /// not throw.
     virtual void preStop();
 
-    /// Called by join() on the joining thread, after it has requested the interruption. Does nothing by default. Must not
-    /// throw.
+    /// Called by join() on the joining thread, after it has requested the interruption. Does nothing by default.
+    /// Must not throw.
     virtual void postStop();
 
-    /// Sets the running flag and starts the thread. If there is a thread already, only writes the line "Already started"
-    /// to standard output.
+    /// Sets the running flag and starts the thread. If there is a thread already, only writes the line "Already
+    /// started" to standard output.
     /// @throws boost::thread_resource_error when the system cannot create a thread
     void start();
 
-    /// Clears the running flag, requests an interruption (Boost.Thread) and waits for the thread's end. The waiting itself
-    /// cannot be interrupted. Does nothing to an object that was never started. Throws nothing: a failure is written to
-    /// standard error and the thread is detached.
+    /// Clears the running flag, requests an interruption (Boost.Thread) and waits for the thread's end. The
+    /// waiting itself cannot be interrupted. Does nothing to an object that was never started. Throws nothing: a
+    /// failure is written to standard error and the thread is detached.
     void join();
 
 protected:
+    /// Whether the thread should run.
+    ///
     /// Threads: thread-safe.
     /// @return true from start() until join(), also after run() has returned
     bool running() const { return running_.load(); }

@@ -18,8 +18,8 @@ struct RetiredVisitor {
     std::unique_ptr<RetiredVisitor> next;             ///< the list's next element
 };
 
-/// What the visits of a thread need. It belongs to the thread and not to the reader, so that several threads may visit with
-/// one reader at once.
+/// What the visits of a thread need. It belongs to the thread and not to the reader, so that several threads may
+/// visit with one reader at once.
 ///
 /// Threads: thread-bound to the visiting thread.
 class VisitsOfThread {
@@ -67,8 +67,8 @@ public:
 private:
     void releaseAtEnd();
 
-    /// Called at the end of each thread except the last. A visit after that, from a destructor of thread-local data, registers
-    /// again.
+    /// Called at the end of each thread except the last. A visit after that, from a destructor of thread-local
+    /// data, registers again.
     static void release(void* visitsOfThread);
     void destroyRetired();
 

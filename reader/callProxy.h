@@ -37,8 +37,8 @@ bool hasOwner(Proxy* proxy) {
 template <typename CreateProxy, typename Proxy>
 bool renewProxy(char const* busName, char const* objectPath, GError*& error, CreateProxy& create,
                 Proxy** holder) {
-    // The process shares one bus connection, which ends with its last reference, and so do the subscriptions on it. This
-    // reference keeps it until there is a new proxy.
+    // The process shares one bus connection, which ends with its last reference, and so do the subscriptions on
+    // it. This reference keeps it until there is a new proxy.
     GObjectPtr<GDBusConnection> connection;
     if (*holder != nullptr) {
         if (auto* const shared = g_dbus_proxy_get_connection(G_DBUS_PROXY(*holder))) {
@@ -64,20 +64,21 @@ bool renewProxy(char const* busName, char const* objectPath, GError*& error, Cre
 
 } // namespace detail
 
-/// Calls a method of a D-Bus service on the system bus, with a time-out of 60 s. While the service's bus name has no owner,
-/// the proxy is created again, up to three times with a pause of 123 ms after each. Then the call is made in any case. A
-/// failed creation is reported on standard error.
+/// Calls a method of a D-Bus service on the system bus, with a time-out of 60 s. While the service's bus name has
+/// no owner, the proxy is created again, up to three times with a pause of 123 ms after each. Then the call is
+/// made in any case. A failed creation is reported on standard error.
 ///
 /// The template's flag is part of the signature and must be false.
 ///
 /// Threads: reentrant. Only one thread at a time may use a holder.
 /// @param busName    well-known name of the service
 /// @param objectPath of the service's object
-/// @param error      must be null. Receives the call's error, or an error of the domain "g-cppdbusproxycall-error-quark" with
-///                   code 24 when no proxy can be created. The caller frees it.
+/// @param error      must be null. Receives the call's error, or an error of the domain
+///                   "g-cppdbusproxycall-error-quark" with code 24 when no proxy can be created. The caller frees
+///                   it.
 /// @param create     the generated ..._proxy_new_for_bus_sync
-/// @param holder     where the caller keeps its proxy or null. The proxy may be replaced. If the holder is null, "No proxy
-///                   given" is written to standard error and no call is made.
+/// @param holder     where the caller keeps its proxy or null. The proxy may be replaced. If the holder is null,
+///                   "No proxy given" is written to standard error and no call is made.
 /// @param call       the generated ..._call_..._sync
 /// @param arguments  of the method, without the cancellable and the error at the end
 /// @return what the call function returned; false when no call was made

@@ -11,8 +11,8 @@
 
 namespace shm {
 
-/// Calls join, and calls it once more if it was interrupted (boost::thread_interrupted). Throws nothing: each failure is
-/// written to standard error.
+/// Calls join, and calls it once more if it was interrupted (boost::thread_interrupted). Throws nothing: each
+/// failure is written to standard error.
 ///
 /// Threads: reentrant.
 /// @param join joins the thread

@@ -11,8 +11,8 @@
 
 namespace shm {
 
-/// Finds the newest time of all points and values that can be reached from the root. Wiped slots do not count. Visits each
-/// slot at most once, whatever the links contain. Uses about 4 KiB of stack and allocates nothing.
+/// Finds the newest time of all points and values that can be reached from the root. Wiped slots do not count.
+/// Visits each slot at most once, whatever the links contain. Uses about 4 KiB of stack and allocates nothing.
 ///
 /// Threads: reentrant. The writer may change the region meanwhile.
 /// @param region the region

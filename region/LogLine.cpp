@@ -33,8 +33,8 @@ LogCategory lookUp(KnownCategory& known, char const* name) noexcept {
     return LogCategory(category);
 }
 
-/// Throws std::bad_alloc unless there is as much memory as appenders usually need for a line of this length. log4cpp ends the
-/// process when an appender throws, so a lack of memory should show here first.
+/// Throws std::bad_alloc unless there is as much memory as appenders usually need for a line of this length.
+/// log4cpp ends the process when an appender throws, so a lack of memory should show here first.
 void requireMemoryForAppenders(std::size_t length) {
     constexpr std::size_t atLeast = 4096;
     constexpr std::size_t perCharacter = 8;

@@ -41,9 +41,9 @@ private:
     log4cpp::Category* category_;
 };
 
-/// One line of the log. It starts with the name of the logging operation and ": ", and goes to the category when it is
-/// destroyed. Numbers are hexadecimal with 0x (std::hex, std::showbase; zero is a bare 0) unless the line uses std::dec.
-/// Nothing is formatted while the category does not take the level.
+/// One line of the log. It starts with the name of the logging operation and ": ", and goes to the category when
+/// it is destroyed. Numbers are hexadecimal with 0x (std::hex, std::showbase; zero is a bare 0) unless the line
+/// uses std::dec. Nothing is formatted while the category does not take the level.
 ///
 /// No operation throws. A line reaches the category as a whole or not at all. It is dropped silently
 /// - when memory runs out while it is built,

@@ -13,8 +13,8 @@
 
 namespace shm {
 
-/// A hash table from a point's svid to its slot position, for at most MP_COUNT points: open addressing, linear probing, no
-/// allocation. Each point has a position of its own below MP_COUNT.
+/// A hash table from a point's svid to its slot position, for at most MP_COUNT points: open addressing, linear
+/// probing, no allocation. Each point has a position of its own below MP_COUNT.
 ///
 /// Threads: reentrant. Several threads may call find() on one object while nobody inserts or removes.
 class PositionBySvid {

@@ -23,8 +23,9 @@ namespace shm {
 
 namespace {
 
-/// The process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its mapping, but
-/// must not remove the name. (No member: size and layout of the class are part of the binary interface.)
+/// The process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its
+/// mapping, but must not remove the name. (No member: size and layout of the class are part of the binary
+/// interface.)
 std::atomic<pid_t> writingProcess{0};
 static_assert(std::atomic<pid_t>::is_always_lock_free);
 
@@ -33,8 +34,8 @@ bool isForkedChild() {
     return process != 0 && process != ::getpid();
 }
 
-/// Makes the object as large as the region and reserves its memory, so that a full /dev/shm fails here and not by SIGBUS at
-/// the first write. Returns 0 or the error number.
+/// Makes the object as large as the region and reserves its memory, so that a full /dev/shm fails here and not by
+/// SIGBUS at the first write. Returns 0 or the error number.
 int sizeObject(int fd) {
     if (::ftruncate(fd, REGION_SIZE) != 0) {
         return errno;

@@ -32,8 +32,8 @@ enum class ShmError : std::uint8_t {
 /// Common base of the writer and the reader. Owns the mapping of the region (POSIX shared memory, see
 /// QelShmRecords.h). No operation throws. A failure is logged at ERROR in "qel.shm.access" and leaves nothing mapped.
 ///
-/// Threads: thread-bound to the owner, who must not open or close while another thread reads through the region.
-/// Whether a region is mapped may be asked from any thread.
+/// Threads: thread-bound to the owner, who must not open or close while another thread reads through the region. root()
+/// and region() are thread-safe.
 class QEL_EXPORT QelSharedMemoryAccess {
 public:
     /// Opens nothing.
@@ -67,6 +67,8 @@ public:
     /// @note Logs at ERROR when munmap or shm_unlink fails.
     void closeShm();
 
+    /// The root of the tree.
+    ///
     /// Threads: thread-safe.
     /// @return the root, a null handle while nothing is mapped
     QelShmRoot root() const { return QelShmRoot(region()); }
@@ -91,6 +93,8 @@ protected:
     /// @param out    where to
     void treenode(QelShmMP const& mp, unsigned int indent, std::ostringstream& out) const;
 
+    /// The mapping.
+    ///
     /// Threads: thread-safe.
     /// @return the mapped region, null while nothing is mapped
     record::Region* region() const { return region_.load(std::memory_order_relaxed); }

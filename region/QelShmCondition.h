@@ -65,8 +65,8 @@ struct QelShmRegionFacts {
 /// The maximum age that calls no region silent, not even one that never got a value.
 constexpr std::chrono::milliseconds ANY_AGE = std::chrono::milliseconds::max();
 
-/// Tells whether the newest value is too old. A value from the future is not. A region that never got a value is silent,
-/// except with ANY_AGE.
+/// Tells whether the newest value is too old. A value from the future is not. A region that never got a value is
+/// silent, except with ANY_AGE.
 ///
 /// Threads: reentrant.
 /// @param facts  newest and now are used

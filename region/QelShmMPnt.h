@@ -12,9 +12,9 @@
 
 namespace shm {
 
-/// A pointer to a point's slot in the mapped region. It owns nothing and may be copied freely. Each access reads what the
-/// slot holds at that moment: when the writer removes the point and reuses the slot, the handle shows the new point. It
-/// must not be used after the region was unmapped.
+/// A pointer to a point's slot in the mapped region. It owns nothing and may be copied freely. Each access reads
+/// what the slot holds at that moment: when the writer removes the point and reuses the slot, the handle shows the
+/// new point. It must not be used after the region was unmapped.
 ///
 /// Threads: reentrant. While the writer changes the slot, an access may see a mix of old and new fields.
 class QEL_EXPORT QelShmMPnt {

@@ -12,9 +12,9 @@
 ///                  | 800 x 48  | 8800 x 32                | 32          |
 ///                  +-----------+--------------------------+-------------+
 ///
-/// Slots refer to each other by position (slot index), never by address, so every process may map the region anywhere. A
-/// position is valid below the number of slots. Any other number, such as NO_POSITION, means "none". A created or wiped
-/// region holds 0xFF in every byte.
+/// Slots refer to each other by position (slot index), never by address, so every process may map the region
+/// anywhere. A position is valid below the number of slots. Any other number, such as NO_POSITION, means "none". A
+/// created or wiped region holds 0xFF in every byte.
 ///
 /// Threads: reentrant. The records are plain data.
 ///
@@ -183,7 +183,8 @@ static_assert(std::is_standard_layout_v<Region> && std::is_trivially_copyable_v<
 
 } // namespace record
 
-/// The point's record. The other two records keep the prefix `record`, since handles of this namespace have their names.
+/// The point's record. The other two records keep the prefix `record`, since handles of this namespace have their
+/// names.
 using QelShmMP = record::QelShmMP;
 
 /// Size of the shared-memory object in bytes.

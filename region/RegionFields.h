@@ -42,8 +42,9 @@ inline std::uint32_t loadLink(std::uint32_t const& link) {
     return __atomic_load_n(&link, __ATOMIC_RELAXED);
 }
 
-/// Orders the stores that unlinked a slot before the stores that fill it again. On weakly ordered cores a plain store may
-/// pass an earlier release store; a reader that still follows the old link would then meet the new content.
+/// Orders the stores that unlinked a slot before the stores that fill it again. On weakly ordered cores a plain
+/// store may pass an earlier release store; a reader that still follows the old link would then meet the new
+/// content.
 inline void orderUnlinkBeforeReuse() {
     __atomic_thread_fence(__ATOMIC_ACQ_REL);
 }

@@ -10,8 +10,8 @@
 namespace shm {
 
 /// Writes each channel whose level differs from the stored one. Stores the new level even if the write failed.
-/// @note Logs as "update" in "qel.shm.access.states": each level at DEBUG, a file that cannot be opened at WARN, a channel
-///       without a file at ERROR.
+/// @note Logs as "update" in "qel.shm.access.states": each level at DEBUG, a file that cannot be opened at WARN, a
+///       channel without a file at ERROR.
 ///
 /// Threads: reentrant. Only one thread may write to one LED.
 /// @param tables files of the channels

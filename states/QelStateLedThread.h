@@ -17,13 +17,13 @@ namespace shm {
 class LedSequence;
 
 /// Shows the colours of the requested state on the three LED class devices under /sys/class/leds, one colour every
-/// 500 ms: one colour is a steady light, several blink. The LED keeps its last colour after the thread has ended. Logs in
-/// "qel.shm.access.states".
+/// 500 ms: one colour is a steady light, several blink. The LED keeps its last colour after the thread has ended.
+/// Logs in "qel.shm.access.states".
 ///
 /// The owner must join before it destroys the object. Joining interrupts the pause between two ticks, but waits for a
 /// write to a LED file that hangs.
 ///
-/// Threads: thread-bound to the owner, who alone calls start() and join(). request() may be called from any thread; it
+/// Threads: thread-bound to the owner, who alone calls start() and join(). request() is thread-safe; it
 /// never waits for a file or a log line.
 class QEL_EXPORT QelStateLedThread : public Thread {
 public:
@@ -43,14 +43,15 @@ public:
     /// @throws ex::TAVSimpleException when the initial state has no colours
     void run() override;
 
-    /// Writes the channels whose level differs from the last one written. A level counts as written even if its file could
-    /// not be opened; it is tried again only after it has changed.
+    /// Writes the channels whose level differs from the last one written. A level counts as written even if its
+    /// file could not be opened; it is tried again only after it has changed.
     /// @note Logs each level at DEBUG, a file that cannot be opened at WARN.
     ///
     /// Threads: thread-bound to the LED thread, or to the owner while that thread does not run.
     /// @param brightness levels of red, green and blue
     /// @param force      also write unchanged channels
-    /// @throws std::bad_alloc when there is no memory for a file's buffer; it is unknown then which channels were written
+    /// @throws std::bad_alloc when there is no memory for a file's buffer; it is unknown then which channels were
+    ///         written
     void update(std::array<unsigned short, 3U> const& brightness, bool force);
 
     /// Requests the colours of a state from the next tick on. Holds the mutex while it stores the state.

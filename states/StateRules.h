@@ -218,8 +218,9 @@ constexpr eStatus_Bits combineStates(eStatus_Bits initial, eStatus_Bits values, 
     if (ownAlarms.has(withValues)) {
         return withValues;
     }
-    // Deliberate: only a plain "Off" keeps its Off when a child alarms or warns. Every other state becomes "Child Alarm"
-    // or "Child Warning" and loses On, Off and Identify. "On, Child Alarm" and "On, Child Warning" never result.
+    // Deliberate: only a plain "Off" keeps its Off when a child alarms or warns. Every other state becomes "Child
+    // Alarm" or "Child Warning" and loses On, Off and Identify. "On, Child Alarm" and "On, Child Warning" never
+    // result.
     bool const off = withValues == eStatus_Off;
     if (childAlarms.has(children)) {
         return off ? eStatus_OffChildAlarm : eStatus_ChildAlarm;

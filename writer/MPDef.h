@@ -14,12 +14,12 @@
 
 namespace shm {
 
-/// Describes a point to the writer. It is also the writer's own record of an added point. The order of the members is part
-/// of the binary interface.
+/// Describes a point to the writer. It is also the writer's own record of an added point. The order of the members
+/// is part of the binary interface.
 ///
-/// Threads: reentrant. mutex guards mvs: threads that share a definition lock it for each look-up and change. pos has no
-/// lock: the writer sets it before other threads can find the point, and changes it only when it removes the point.
-/// Copying, moving and printing take no lock.
+/// Threads: reentrant. mutex guards mvs: threads that share a definition lock it for each look-up and change. pos
+/// has no lock: the writer sets it before other threads can find the point, and changes it only when it removes
+/// the point. Copying, moving and printing take no lock.
 struct QEL_EXPORT MPDef {
     /// No slot and no values.
     MPDef() = default;

@@ -60,7 +60,7 @@ std::unique_ptr<WriterLock> lockRegion() {
 /// Adds a point without values to the map and the index, or throws std::bad_alloc and adds it to neither.
 /// @param room number of values to make room for in the index
 MPDef& addToRecords(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index, long long svid,
-                 unsigned int pos, std::size_t room) {
+                    unsigned int pos, std::size_t room) {
     auto const known = points.emplace(svid, MPDef(pos, {})).first;
     try {
         index.add(svid, known->second, room);
@@ -157,8 +157,7 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
     // Deliberate: the highest position counts as the chain's tail, since positions are given out in ascending order.
     unsigned int tail = highestPosition(definition);
     auto* const indexed = index_->pointOf(definition);
-    bool const isLogged =
-        writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
+    bool const isLogged = writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
     for (auto const& wanted : mvs) {
         auto const key = wanted.first;
         std::unique_lock<std::mutex> lock(definition.mutex);

@@ -31,40 +31,41 @@ class WriterLock;
 /// Owns the region. Only one process at a time may have a writer.
 ///
 /// @par Use
-/// Construct, addStructure(), setActive() (readers start now). Then updateMV() for every measured value and propagateStates()
-/// after each batch of values; modifyStructure() when sensors were connected or removed. The process that runs the writer
-/// announces a changed structure to readers; the writer does not.
+/// Construct, addStructure(), setActive() (readers start now). Then updateMV() for every measured value and
+/// propagateStates() after each batch of values; modifyStructure() when sensors were connected or removed. The
+/// process that runs the writer announces a changed structure to readers; the writer does not.
 ///
 /// @par Sensor ids
 /// A sensor id (svid) names a point when its low 16 bits are zero. A value's svid has the value's key there.
 ///
 /// @par Slots
-/// Points and values come from queues of free slots, lowest position first. A freed slot is reused after all slots that were
-/// free before it. There are MP_COUNT points and MV_COUNT values; nothing grows.
+/// Points and values come from queues of free slots, lowest position first. A freed slot is reused after all slots
+/// that were free before it. There are MP_COUNT points and MV_COUNT values; nothing grows.
 ///
 /// @par Without a region
-/// If the region could not be created, or was closed: addMP() finds no slot, updateMV() returns false, injectTypes() stores
-/// nothing, and setActive(), propagateStates() and removeStructure() do nothing. addMP(), setActive() and propagateStates()
-/// log this at ERROR.
+/// If the region could not be created, or was closed: addMP() finds no slot, updateMV() returns false,
+/// injectTypes() stores nothing, and setActive(), propagateStates() and removeStructure() do nothing. addMP(),
+/// setActive() and propagateStates() log this at ERROR.
 ///
 /// @par Errors
-/// A failing mutex throws std::system_error, except in updateMV() and propagateStates(). After std::bad_alloc no slot is
-/// freed twice or used twice, every point in the region is known, and every value in the region can be updated. *Strong
-/// guarantee* below means that a failed call has changed nothing visible. *Basic guarantee* means that a failed call has done
-/// a part, and the same call does the rest.
+/// A failing mutex throws std::system_error, except in updateMV() and propagateStates(). After std::bad_alloc no
+/// slot is freed twice or used twice, every point in the region is known, and every value in the region can be
+/// updated. *Strong guarantee* below means that a failed call has changed nothing visible. *Basic guarantee* means
+/// that a failed call has done a part, and the same call does the rest.
 ///
 /// Logs in "qel.shm.access.writer".
 ///
-/// Threads: thread-bound to one thread at a time, which changes the structure. Adding or removing points requires exclusive
-/// access. Adding values to a known point does not: other threads may call updateMV() meanwhile, also for that point.
-/// updateMV() may run in several threads for different points, but not while propagateStates() runs.
+/// Threads: thread-bound to one thread at a time, which changes the structure. Adding or removing points requires
+/// exclusive access. Adding values to a known point does not: other threads may call updateMV() meanwhile, also
+/// for that point. updateMV() may run in several threads for different points, but not while propagateStates()
+/// runs.
 class QEL_EXPORT QelSharedMemoryWriter : public QelSharedMemoryAccess, public QelSharedMemoryStates {
 public:
     /// Definition by point svid, parents before their children.
     using Definitions = std::map<long long, MPDef, SvidCmp>;
 
-    /// Creates or reuses the shared-memory object and wipes it: readers see it inactive until setActive(). Makes the status
-    /// LED green and starts its thread.
+    /// Creates or reuses the shared-memory object and wipes it: readers see it inactive until setActive(). Makes
+    /// the status LED green and starts its thread.
     /// @note Logs at INFO "start", at WARN another living writer of the same object, and as openShm().
     /// @throws boost::thread_resource_error when the LED thread cannot be created
     QelSharedMemoryWriter();
@@ -81,8 +82,8 @@ public:
     /// @name Structure
     /// @{
 
-    /// Adds every point and value that is not in the region yet. What was added before an exception stays (basic guarantee,
-    /// point by point as addMP()).
+    /// Adds every point and value that is not in the region yet. What was added before an exception stays (basic
+    /// guarantee, point by point as addMP()).
     /// @note Logs each new point at DEBUG, what it throws at ERROR, and as addMP().
     /// @param definitions by point svid; the root's svid is skipped, also with a key in it
     /// @return whether a point or a value was missing; true again for a value that found no free slot before
@@ -91,10 +92,10 @@ public:
 
     /// Adds one point, or the missing values of a known point. A value without a free slot is left out.
     ///
-    /// Strong guarantee for the point, basic for its values: each of them is linked and known, or neither. The slot of a
-    /// value that could not be entered has a new content and stays free.
-    /// @note Logs at INFO; at WARN when no slot is free, for each value that the point has already, for each value that finds
-    ///       no slot, and for a top-level point whose sensor type has no list in the root.
+    /// Strong guarantee for the point, basic for its values: each of them is linked and known, or neither. The
+    /// slot of a value that could not be entered has a new content and stays free.
+    /// @note Logs at INFO; at WARN when no slot is free, for each value that the point has already, for each value
+    ///       that finds no slot, and for a top-level point whose sensor type has no list in the root.
     /// @param svid the point; its low 16 bits are ignored
     /// @param mvs  the keys are the point's values; what they map to is ignored
     /// @param ppos position of the parent, NO_POSITION for a top-level point; ignored for a known point
@@ -107,17 +108,17 @@ public:
     /// @return those svids whose points are known, unchanged
     std::unordered_set<long long> injectTypes(std::unordered_map<long long, int> const& types);
 
-    /// Adapts the region to the sensors that exist: first adds what is missing, then removes the rest. Basic guarantee; when
-    /// an addition fails, nothing has been removed.
+    /// Adapts the region to the sensors that exist: first adds what is missing, then removes the rest. Basic
+    /// guarantee; when an addition fails, nothing has been removed.
     /// @note Logs the number of svids at DEBUG, and as addStructure() and removeStructure().
     /// @param svids every existing point and value; the keys of point states take no value slot
     /// @return whether anything was added or removed
     /// @throws ex::InvalidSensorIdException as addStructure()
     bool modifyStructure(std::unordered_set<long long> const& svids);
 
-    /// Removes every known point that has no definition from the tree and frees its slots. Does not compare values. Points
-    /// are removed one by one: a child that stays keeps its links even if its parent is removed. Basic guarantee: each point is
-    /// removed completely or not at all.
+    /// Removes every known point that has no definition from the tree and frees its slots. Does not compare
+    /// values. Points are removed one by one: a child that stays keeps its links even if its parent is removed.
+    /// Basic guarantee: each point is removed completely or not at all.
     /// @note Logs each removed point at INFO.
     /// @param definitions the points that stay, by point svid
     /// @return whether a point was removed
@@ -127,13 +128,14 @@ public:
     /// @name Values and states
     /// @{
 
-    /// Activates the region: writes the root, its version last. Root and LED show "On". Takes the LED thread's mutex if the
-    /// root had another state before.
+    /// Activates the region: writes the root, its version last. Root and LED show "On". Takes the LED thread's
+    /// mutex if the root had another state before.
     /// @note Logs at INFO.
     void setActive();
 
-    /// Stores one value's time, state and number. Energies arrive in Wh, VAh or VARh and are stored in kWh, kVAh or kVARh. The
-    /// key of a point state sets time and state of the point itself; the number is ignored. Does not propagate states.
+    /// Stores one value's time, state and number. Energies arrive in Wh, VAh or VARh and are stored in kWh, kVAh
+    /// or kVARh. The key of a point state sets time and state of the point itself; the number is ignored. Does not
+    /// propagate states.
     ///
     /// Throws nothing and needs no memory. Locks the mutex of the point's definition to look the key up.
     /// @note Logs only an exception that is no std::exception, at ERROR.
@@ -141,13 +143,13 @@ public:
     /// Threads: reentrant. Several threads may call it for different points.
     /// @param svid  sensor id of the value
     /// @param value time in ms since 1970 UTC, state and number; destroyed at the end of the call
-    /// @return false if the value is null, the point or key is unknown, the value is no number (time and state are stored
-    ///         nevertheless), or something failed
+    /// @return false if the value is null, the point or key is unknown, the value is no number (time and state are
+    ///         stored nevertheless), or something failed
     bool updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept;
 
-    /// Combines the states of all points, children before their parents, and from them the global state. Stores a changed
-    /// global state in the root and shows it on the LED. Needs no memory. A std::exception ends it early and is swallowed; any
-    /// other exception ends the process.
+    /// Combines the states of all points, children before their parents, and from them the global state. Stores a
+    /// changed global state in the root and shows it on the LED. Needs no memory. A std::exception ends it early
+    /// and is swallowed; any other exception ends the process.
     void propagateStates() noexcept;
     /// @}
 
@@ -205,8 +207,8 @@ protected:
     /// @throws ex::InvalidSensorIdException always, for svid
     [[noreturn]] void bailout(long long svid, long long parentSvid) const;
 
-    /// Frees the slots of a point and of its values. The slots keep their content until they are reused. A free slot is not
-    /// freed again. Strong guarantee for each point.
+    /// Frees the slots of a point and of its values. The slots keep their content until they are reused. A free
+    /// slot is not freed again. Strong guarantee for each point.
     /// @note Logs at INFO, at WARN an unknown point.
     /// @param pos     position of the point
     /// @param topnode true: only this point, which leaves its list of siblings; false: also its following siblings and
@@ -245,8 +247,8 @@ private:
     /// Links a point before a sibling.
     void insertBefore(QelShmMP& mp, unsigned int curpos);
 
-    /// Frees the slots of a point and of its values, and enters its svid into removed. Strong guarantee. Logs at WARN an
-    /// unknown point.
+    /// Frees the slots of a point and of its values, and enters its svid into removed. Strong guarantee. Logs at
+    /// WARN an unknown point.
     void freeSlotsOf(QelShmMP const& mp, unsigned int pos, std::unordered_set<long long>& removed);
 
     // The order of the members down to points_ is part of the binary interface.
@@ -257,7 +259,7 @@ private:
     Definitions points_; // by point svid
     // Members that came later.
     std::unique_ptr<SlotsBySvid> index_; // the same points, for fast look-up
-    std::unique_ptr<WriterLock> lock_;  // null without a region
+    std::unique_ptr<WriterLock> lock_;   // null without a region
 };
 
 } // namespace shm

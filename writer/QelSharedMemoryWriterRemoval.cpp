@@ -49,8 +49,8 @@ private:
     bool isKept_ = false;
 };
 
-/// The removed points of one call. The destructor removes them from the writer's records, also when a later point cannot
-/// be removed.
+/// The removed points of one call. The destructor removes them from the writer's records, also when a later point
+/// cannot be removed.
 class RemovedPoints {
 public:
     RemovedPoints(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index)
@@ -74,12 +74,12 @@ private:
     std::unordered_set<long long> svids_;
 };
 
-/// Takes freed slots from the records of the points that had them, so that no slot is freed twice. These are two points if
-/// the slot holds the id of another point.
+/// Takes freed slots from the records of the points that had them, so that no slot is freed twice. These are two
+/// points if the slot holds the id of another point.
 /// @param pos  the freed slot of a point
 /// @param guid the id in it, of the point whose values were freed
 void detachSlots(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index, unsigned int pos,
-               long long guid) {
+                 long long guid) {
     if (auto const named = points.find(guid); named != points.end()) {
         named->second.mvs.clear();
         if (auto* const indexed = index.pointOf(named->second)) {

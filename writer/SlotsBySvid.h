@@ -5,8 +5,8 @@
 /// Fast look-up of the slots of a point and its values by sensor id.
 #pragma once
 
-#include "region/QelShmRecords.h"
 #include "region/PositionBySvid.h"
+#include "region/QelShmRecords.h"
 #include "writer/MPDef.h"
 
 #include <algorithm>
@@ -18,11 +18,11 @@
 
 namespace shm {
 
-/// Holds the same as the writer's ordered map of definitions, as hash tables: one from point svid to the point's slot position,
-/// and for each point one from value key to the value's slot position. An operation that runs out of memory has changed
-/// nothing.
+/// Holds the same as the writer's ordered map of definitions, as hash tables: one from point svid to the point's
+/// slot position, and for each point one from value key to the value's slot position. An operation that runs out
+/// of memory has changed nothing.
 ///
-/// Threads: thread-bound to the thread that changes the structure. Any thread may call find(), pos() and mutex() while no
+/// Threads: thread-bound to the thread that changes the structure. find(), pos() and mutex() are thread-safe while no
 /// point is added or removed. The mutex of a point's definition guards the point's values.
 class SlotsBySvid {
     static constexpr std::uint16_t noSlot = 0xFFFF;

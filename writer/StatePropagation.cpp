@@ -21,8 +21,8 @@ struct ListSink {
 eStatus_Bits StatePropagation::combineAll() const {
     ChildFold reported;
     for (auto const head : {loadLink(region_.root.devices), loadLink(region_.root.groups)}) {
-        // Deliberate: each step also follows all later siblings, so the k-th point is visited k times. The result is that of
-        // one visit.
+        // Deliberate: each step also follows all later siblings, so the k-th point is visited k times. The result
+        // is that of one visit.
         for (auto pos = head; pos < MP_COUNT; pos = loadLink(region_.points[pos].next)) {
             siblings(pos, reported);
         }

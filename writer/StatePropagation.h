@@ -11,8 +11,8 @@
 
 namespace shm {
 
-/// Combines the states of points in the region, children before their parents. Folds values and children one by one, without
-/// a list between.
+/// Combines the states of points in the region, children before their parents. Folds values and children one by
+/// one, without a list between.
 ///
 /// Threads: thread-bound to the thread that changes the structure.
 class StatePropagation {

@@ -9,9 +9,9 @@
 
 namespace shm {
 
-/// Strict weak ordering of sensor ids (svids) by their levels, the highest byte first. An unused level (0xFF) comes before
-/// every used one, so a map in this order has parents before their children. The key in the low 16 bits decides only between
-/// ids of equal levels.
+/// Strict weak ordering of sensor ids (svids) by their levels, the highest byte first. An unused level (0xFF)
+/// comes before every used one, so a map in this order has parents before their children. The key in the low 16
+/// bits decides only between ids of equal levels.
 ///
 /// Threads: reentrant. There is no state.
 struct SvidCmp {
@@ -25,8 +25,8 @@ struct SvidCmp {
     }
 
 private:
-    /// Increases each of the six level bytes by one, without carry. So 0xFF becomes 0 and comes first, the others keep their
-    /// order, and one comparison covers all six.
+    /// Increases each of the six level bytes by one, without carry. So 0xFF becomes 0 and comes first, the others
+    /// keep their order, and one comparison covers all six.
     static constexpr std::uint64_t levelRanks(long long svid) noexcept {
         constexpr std::uint64_t ones = 0x0101010101010101;
         constexpr std::uint64_t highBits = 0x8080808080808080;

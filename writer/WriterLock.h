@@ -16,18 +16,18 @@
 
 namespace shm {
 
-/// An advisory lock on the region's object: the open-file-description write lock (Linux, F_OFD_SETLK) on the whole file. A
-/// writer takes it after it has opened the object and holds it as long as it lives. The kernel releases it when the process
-/// ends, however it ends. Nobody waits for the lock, and a writer without it works in the same way: the lock only shows
-/// others that a writer lives. They query it by F_OFD_GETLK.
+/// An advisory lock on the region's object: the open-file-description write lock (Linux, F_OFD_SETLK) on the whole
+/// file. A writer takes it after it has opened the object and holds it as long as it lives. The kernel releases it
+/// when the process ends, however it ends. Nobody waits for the lock, and a writer without it works in the same
+/// way: the lock only shows others that a writer lives. They query it by F_OFD_GETLK.
 ///
-/// The lock belongs to the object that had the name when it was taken. There is one attempt: a writer that starts while
-/// another one lives stays without the lock. exec() drops it. A forked child shares it, so it lasts until parent and child
-/// have ended.
+/// The lock belongs to the object that had the name when it was taken. There is one attempt: a writer that starts
+/// while another one lives stays without the lock. exec() drops it. A forked child shares it, so it lasts until
+/// parent and child have ended.
 ///
-/// Only a process that may write to the object can take this lock. A process that may read the object can hold a read lock,
-/// which prevents this one; that counts as no lock, not as another writer. To find a writer, query for a read lock
-/// (F_RDLCK): only write locks conflict with it.
+/// Only a process that may write to the object can take this lock. A process that may read the object can hold a
+/// read lock, which prevents this one; that counts as no lock, not as another writer. To find a writer, query for
+/// a read lock (F_RDLCK): only write locks conflict with it.
 ///
 /// Header-only, since qel-replay uses it without the library.
 ///
