@@ -22,7 +22,7 @@ namespace shm {
 /// "qel.shm.access.reader" that the connection was closed; the signal for that arrives in the GLib main context in
 /// which the connection was made.
 ///
-/// A forked child releases nothing: it lacks GLib's thread that serves the connection, and that thread's locks may stay
+/// A forked child releases nothing: it lacks GLib's thread for the connection, and that thread's locks may stay
 /// locked for ever.
 ///
 /// Threads: thread-safe.

@@ -97,7 +97,7 @@ public:
     /// @throws boost::thread_resource_error when the thread cannot be created
     QelSharedMemoryReader(unsigned int seconds, bool waitForRegion);
 
-    // Virtual operations in the order of their slots (binary interface); new ones go last. openShm() stands between the
+    // Virtual operations in the order of their slots (binary interface); new ones go last. openShm() comes between the
     // destructor and the others.
 
     /// Joins the wait thread, ends the subscription and unmaps the region.
@@ -360,7 +360,7 @@ private:
     std::atomic<unsigned int> rebuilds_{0}; // number of the newest index
     std::atomic<unsigned int> cuts_{0};     // counts points that were not visited because of stop_
     IQelSharedMemoryVisitor const* indexing_ = nullptr; // the visitor of the rebuild under way
-    std::unique_ptr<BusConnection> bus_;                // on which subscription_ stands
+    std::unique_ptr<BusConnection> bus_;                // the subscription is made on it
     std::unique_ptr<HeldRegion> held_;                  // the mapped object
     std::atomic<unsigned int> pollsLeft_; // of the wait thread, which maps nothing after the last one
 };

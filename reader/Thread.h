@@ -69,7 +69,7 @@ private:
     void detach();
 
     // The order and size of the members are part of the binary interface. Derived classes put their first members into
-    // the padding behind the flag, so further data of the thread stands in OwnedThread.
+    // the padding behind the flag, so further data of the thread is in OwnedThread.
     std::unique_ptr<shm::OwnedThread> thread_;
     std::atomic<bool> running_;
 };

@@ -11,7 +11,7 @@ namespace shm {
 ///
 /// An object counts as left by a writer if it is a regular file of the effective user, has one name, and neither its
 /// group nor others may write to it. Anything else is foreign, and its creator may still hold it open. Its name is
-/// removed and the object created anew (O_EXCL), also when the foreign object cannot be opened at all.
+/// removed and the a new object created (O_EXCL), also when the foreign object cannot be opened at all.
 ///
 /// The number of attempts is bounded. So the call fails when another process keeps putting a foreign object there, or
 /// removes one between the refused opening and the look at it.

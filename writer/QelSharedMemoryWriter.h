@@ -140,7 +140,7 @@ public:
     /// Throws nothing and needs no memory. Locks the mutex of the point's definition to look the key up.
     /// @note Logs only an exception that is no std::exception, at ERROR.
     ///
-    /// Threads: reentrant. Several threads may call it for different points.
+    /// Threads: thread-safe for different points, but not while propagateStates() runs.
     /// @param svid  sensor id of the value
     /// @param value time in ms since 1970 UTC, state and number; destroyed at the end of the call
     /// @return false if the value is null, the point or key is unknown, the value is no number (time and state are
