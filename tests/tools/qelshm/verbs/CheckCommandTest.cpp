@@ -28,7 +28,7 @@ TEST(CheckCommandTest, SoundRegion_HasNothing) {
     ImageFolder const folder;
     auto const outcome = runQelshm({"check", "--image", folder.add("recycled")});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the region is sound\n", outcome.output);
+    EXPECT_EQ("No damage or inconsistencies\n", outcome.output);
 }
 
 TEST(CheckCommandTest, Damage_IsNamedWithItsPlaceAndMeaning) {
@@ -59,7 +59,7 @@ TEST(CheckCommandTest, LiveObjectOfAWriter_HasNothing) {
     ForgedRegion const region;
     auto const outcome = runQelshm({"check"});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the region is sound\n", outcome.output);
+    EXPECT_EQ("No damage or inconsistencies\n", outcome.output);
 }
 
 TEST(CheckCommandTest, LiveObjectOfSomebodyElse_IsNamedBeforeTheDamageOfTheRegion) {
@@ -91,7 +91,7 @@ TEST(CheckCommandTest, LiveObjectOfTheHardwareManagersUser_HasNothing) {
     ASSERT_TRUE(name.isOwned());
     auto const outcome = runQelshm({"check"});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the region is sound\n", outcome.output);
+    EXPECT_EQ("No damage or inconsistencies\n", outcome.output);
     EXPECT_EQ(0, ::chown(objectFile, nobody - 1, nobody));
     EXPECT_THAT(runQelshm({"check"}).output,
                 testing::HasSubstr("expected root or the hardware manager's user"));

@@ -35,7 +35,7 @@ std::string conditionOf(QelshmOutcome const& outcome) {
 TEST(StatusCommandTest, NoObject_IsAbsent) {
     auto const outcome = runQelshm({"status"});
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("condition  absent\nbecause    no such object\nsource     live object QelSharedMemory\n",
+    EXPECT_EQ("condition  absent\nreason     no such object\nsource     live object QelSharedMemory\n",
               outcome.output);
     EXPECT_EQ("", outcome.errors);
     EXPECT_EQ("absent", conditionOf(runQelshm({"status", "--json"})));
@@ -149,8 +149,8 @@ TEST(StatusCommandTest, BrokenTree_IsAWarningAndStatusOne) {
     EXPECT_EQ(1, outcome.status);
     EXPECT_THAT(outcome.output, HasSubstr("condition      active\n"));
     EXPECT_THAT(outcome.errors,
-                HasSubstr("qelshm: warning: value slot 1: next leads to value slot 0, which stands "
-                          "elsewhere already; not followed\n"));
+                HasSubstr("qelshm: warning: value slot 1: next links to value slot 0, which is "
+                          "linked elsewhere already; link ignored\n"));
 }
 
 TEST(StatusCommandTest, NameOfTheFile_CannotHarmATerminal) {
