@@ -6,8 +6,8 @@
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/app/RegionInput.h"
 #include "tools/qelshm/terminal/AgeText.h"
-#include "tools/qelshm/watch/StateInfo.h"
 
+#include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/LedText.h"
 #include "inspect/naming/StateClass.h"
@@ -281,7 +281,7 @@ HeaderView WatchModel::header() const {
     view.condition = inspect::conditionName(status_.condition);
     view.isLive = isLive();
     if (view.isLive) {
-        view.state = stateInfo(status_.globalState).text;
+        view.state = shm::stateName(status_.globalState);
         view.style = tools::stateStyle(status_.globalState);
         view.led = inspect::ledText(status_.globalState);
         view.points = status_.pointsUsed;
@@ -318,7 +318,7 @@ RowView WatchModel::pointView(UnitPoint const& point) const {
     view.isPoint = true;
     view.name = point.name;
     view.type = point.type;
-    view.state = stateInfo(state).text;
+    view.state = shm::stateName(state);
     view.style = tools::stateStyle(state);
     return view;
 }
@@ -330,7 +330,7 @@ RowView WatchModel::valueView(UnitValue const& value) const {
     view.isFresh = isRecent(tracker_.sinceChange(value.pos, snapshot_.ticks), flashMs);
     view.name = value.name;
     view.value = tav::ValueFormatter::str(shm::QelShmMVal(&slot));
-    view.state = stateInfo(slot.state).text;
+    view.state = shm::stateName(slot.state);
     view.style = tools::stateStyle(slot.state);
     view.age = age ? tools::shortDurationText(*age)
                    : '>' + tools::shortDurationText(snapshot_.ticks - began_.value_or(snapshot_.ticks));
@@ -371,7 +371,7 @@ DetailView WatchModel::detail() const {
     view.path = point.path;
     view.svid = inspect::svidText(point.svid);
     view.type = point.type;
-    view.state = stateInfo(state).text;
+    view.state = shm::stateName(state);
     view.style = tools::stateStyle(state);
     view.newestBucket = tracker_.bucket(snapshot_.ticks);
     auto const shown = row.isPoint ? point.firstValue : row.index;
