@@ -4,8 +4,7 @@
 # qel_library_part(<name> SOURCES ... HEADERS ... [LINK ...])
 #
 # One folder of the library as an object library "qel-<name>": compiled once, used by the shared library and by the
-# tests of that folder. HEADERS are the installed ones. Nothing of it may run before main or after its end; only Clang
-# can tell.
+# tests of that folder. HEADERS are the installed ones.
 include(GenerateExportHeader)
 
 set(QEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
@@ -18,10 +17,7 @@ function(qel_library_part name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(qel-${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${QEL_GENERATED_INCLUDE_DIR}")
-  # Calls into other libraries go through their pointers, without a stub in between; those inside this one are direct,
-  # for nobody is meant to put functions of their own in the place of exported ones.
-  target_compile_options(qel-${name} PRIVATE -fno-plt -fno-semantic-interposition
-    "$<$<CXX_COMPILER_ID:Clang>:-Wglobal-constructors;-Wexit-time-destructors>")
+  qel_library_flags(qel-${name})
   qel_guide_fuzzers(qel-${name})
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
   foreach(header IN LISTS part_HEADERS)

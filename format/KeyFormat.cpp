@@ -82,8 +82,8 @@ KeyFormat keyFormat(unsigned short key) {
 unsigned int scalepos(unsigned short key) {
     auto const position = keyFormat(key).scalepos;
     // Asked before, so that the name is not looked up in vain.
-    if (!position && shm::formatLog().isPriorityEnabled(log4cpp::Priority::WARN)) {
-        shm::LogLine(shm::formatLog(), log4cpp::Priority::WARN, "scalepos")
+    if (!position && shm::formatLog.isPriorityEnabled(log4cpp::Priority::WARN)) {
+        shm::LogLine(shm::formatLog, log4cpp::Priority::WARN, "scalepos")
             << "scaling for " << shm::keyName(key) << " has not been defined";
     }
     return position.value_or(0);

@@ -3,9 +3,7 @@
 
 #include "reader/OwnedThread.h"
 
-#include <boost/thread/exceptions.hpp>
-
-#include <pthread.h>
+#include "region/ProcessMark.h"
 
 #include <atomic>
 
@@ -13,32 +11,15 @@ namespace shm {
 
 namespace {
 
-/// How often this process and those it comes from were forked. (Not the number of the process: the system gives the
-/// number of a process that has ended to another one.)
-std::atomic<std::uint32_t> forks{0};
-
 /// Those that were let go of, in a list, for tools that look for lost memory.
 std::atomic<OwnedThread*> abandoned{nullptr};
 
-/// Counts forks from the first call on and gives their number.
-std::uint32_t countedForks() {
-    static bool const counting = [] {
-        int const error = ::pthread_atfork(nullptr, nullptr, [] { ++forks; });
-        if (error != 0) {
-            throw boost::thread_resource_error(error, "boost thread: no memory to tell forks by");
-        }
-        return true;
-    }();
-    static_cast<void>(counting);
-    return forks;
-}
-
 } // namespace
 
-OwnedThread::OwnedThread(std::function<void()> const& body) : forks_(countedForks()), thread_(body) {}
+OwnedThread::OwnedThread(std::function<void()> const& body) : process_(processMark()), thread_(body) {}
 
 bool OwnedThread::isOfThisProcess() const noexcept {
-    return forks_ == forks;
+    return process_ == processMark();
 }
 
 void OwnedThread::abandon(std::unique_ptr<OwnedThread> foreign) noexcept {

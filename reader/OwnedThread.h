@@ -20,8 +20,8 @@ namespace shm {
 /// Threads: belongs to one thread at a time.
 class OwnedThread {
 public:
-    /// Starts the thread. Throws boost::thread_resource_error when the system has no thread to give, or no memory to
-    /// tell forks by.
+    /// Starts the thread.
+    /// @throws boost::thread_resource_error if the system cannot start one
     explicit OwnedThread(std::function<void()> const& body);
     OwnedThread(OwnedThread const&) = delete;
     OwnedThread& operator=(OwnedThread const&) = delete;
@@ -36,7 +36,7 @@ public:
     boost::thread& thread() { return thread_; }
 
 private:
-    std::uint32_t const forks_; // of this process and those it comes from, until the start
+    std::uint64_t const process_; // mark of the process that started the thread
     boost::thread thread_;
     OwnedThread* nextAbandoned_ = nullptr;
 };

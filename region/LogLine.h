@@ -7,6 +7,7 @@
 
 #include <log4cpp/Priority.hh>
 
+#include <atomic>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -18,41 +19,42 @@ class Category;
 
 namespace shm {
 
-/// One of the library's categories, or none: looking a category up for the first time takes memory. Nothing is enabled
-/// in none.
+/// One of the library's categories. It is looked up once per process, with the first line for it, since that takes
+/// memory.
 ///
 /// Threads: thread-safe.
 class LogCategory {
 public:
-    /// @param category lives until the process ends; null for none
-    explicit LogCategory(log4cpp::Category* category) noexcept : category_(category) {}
+    /// @param name must outlive the object
+    constexpr explicit LogCategory(char const* name) noexcept : name_(name) {}
 
-    bool isPriorityEnabled(log4cpp::Priority::Value level) const noexcept;
-
-    /// "" for none.
-    std::string getName() const;
-
-    /// Null for none.
-    log4cpp::Category* get() const noexcept { return category_; }
+    /// @return null if there is no memory to look it up; the next call tries again
+    log4cpp::Category* get() const noexcept;
 
 private:
-    log4cpp::Category* category_;
+    char const* name_;
+    mutable std::atomic<log4cpp::Category*> known_{nullptr};
 };
 
-/// Collects a line that starts with the name of the logging operation and ": " and hands it to the category when it
-/// goes out of scope. Numbers come out in hexadecimal with 0x (std::hex, std::showbase; a zero is a bare 0) unless the
-/// line says std::dec. Nothing is formatted while the category does not take the level.
+inline LogCategory const accessLog{"qel.shm.access"};
+inline LogCategory const writerLog{"qel.shm.access.writer"};
+inline LogCategory const readerLog{"qel.shm.access.reader"};
+inline LogCategory const statesLog{"qel.shm.access.states"};
+inline LogCategory const formatLog{"qel.shm.access.format"};
+
+/// Collects a line that starts with the name of the logging operation and ": ", and passes it to the category when it
+/// goes out of scope. Numbers are hexadecimal with 0x (std::hex, std::showbase; zero is a bare 0) unless the line says
+/// std::dec. Nothing is formatted if the category does not take the level.
 ///
-/// Nothing is thrown by making a line, filling it and letting it go. A line reaches the category as a whole or not at
-/// all: it is dropped without a word when memory ends meanwhile, when an item's own printing throws, and when an item
-/// leaves the stream in a failed state. It is also dropped when not even the memory is there that appenders usually
-/// need (4 KiB and eight times the line). An appender itself must not throw: log4cpp ends the process then
-/// (Category::callAppenders is declared not to throw).
+/// No operation throws. A line reaches the category as a whole or not at all. It is dropped silently if memory runs out,
+/// if an item's own printing throws, if an item leaves the stream in a failed state, or if the memory that appenders
+/// usually need (4 KiB and eight times the line) is not available. An appender must not throw: log4cpp would end the
+/// process (Category::callAppenders is declared not to throw).
 ///
-/// Threads: a line belongs to one thread; categories are thread-safe.
+/// Threads: reentrant.
 class LogLine {
 public:
-    LogLine(LogCategory category, log4cpp::Priority::Value level, std::string_view operation) noexcept;
+    LogLine(LogCategory const& category, log4cpp::Priority::Value level, std::string_view operation) noexcept;
     ~LogLine();
     LogLine(LogLine const&) = delete;
     LogLine& operator=(LogLine const&) = delete;
@@ -81,16 +83,9 @@ private:
         }
     }
 
-    LogCategory category_;
+    log4cpp::Category* category_;
     log4cpp::Priority::Value level_;
     std::optional<std::ostringstream> text_;
 };
-
-/// The library's categories. Each is looked up once per process.
-LogCategory accessLog() noexcept;
-LogCategory writerLog() noexcept;
-LogCategory readerLog() noexcept;
-LogCategory statesLog() noexcept;
-LogCategory formatLog() noexcept;
 
 } // namespace shm

@@ -40,7 +40,7 @@ void QelSharedMemoryWriter::setActive() {
     storeField(root.state, eStatus_On);
     storeField(root.unused, 0);
     storeVersion(root, ACTIVE_VERSION);
-    LogLine(writerLog(), log4cpp::Priority::INFO, "setActive")
+    LogLine(writerLog, log4cpp::Priority::INFO, "setActive")
         << "root.version = " << static_cast<unsigned int>(ACTIVE_VERSION);
     if (before != eStatus_On && ledThread_) { // it may show a state that the root has lost just now
         ledThread_->request(eStatus_On);
@@ -77,7 +77,7 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
     } catch (std::exception const&) {
         return false;
     } catch (...) {
-        LogLine(writerLog(), log4cpp::Priority::ERROR, "updateMV") << "ran into a very exceptional state";
+        LogLine(writerLog, log4cpp::Priority::ERROR, "updateMV") << "ran into a very exceptional state";
         return false;
     }
 }

@@ -8,8 +8,8 @@
 #include "tests/reader/BusFailures.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
 #include "tests/support/NoMoreDescriptors.h"
@@ -35,8 +35,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using qel::test::eventually;
+using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
-using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
 using qel::test::MainLoopThread;
 using qel::test::ObjectLock;
@@ -157,7 +157,7 @@ protected:
     }
 
     LogCapture log;
-    HardwareManagerService manager;
+    FakeHardwareManager manager;
     MainLoopThread const loop;
     shm::QelShmKeptMVal kept{value};
     Conditions voided;
@@ -559,7 +559,7 @@ TEST(FollowerWithoutBus, NothingIsThrown_AndTriesAreASecondApart) {
     }
     EXPECT_GE(tries, 2U);
     EXPECT_LE(tries, 3U);
-    HardwareManagerService const manager;
+    FakeHardwareManager const manager;
     EXPECT_TRUE(eventually([&] { return sut.condition() == QelShmCondition::Active; }));
     EXPECT_TRUE(sut.mval(value));
 }

@@ -5,7 +5,7 @@
 /// Lets a test meet the end of memory anywhere in the process.
 #pragma once
 
-#include "tests/support/ThreadSanitizer.h"
+#include "tests/support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 

@@ -138,7 +138,7 @@ TEST(MPDefTest, InALineOfTheLog_WhenMemoryEnds_TheLineIsWholeOrNotThere) {
     }
     LogCapture log;
     auto const category =
-        shm::writerLog(); // log4cpp loses a category that it cannot enter for want of memory
+        shm::writerLog.get(); // log4cpp loses a category that it cannot enter for want of memory
     std::size_t allowed = 0;
     std::size_t failures = 0;
     do {
