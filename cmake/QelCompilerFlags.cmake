@@ -37,8 +37,8 @@ function(qel_guide_fuzzers target)
 endfunction()
 
 # A quick build is for tools and tests that are only run: several sources of a target are compiled at a time, which reads
-# their common headers once, and without optimisation. The library itself is compiled as always. The preset lint is no
-# quick build, so it shows a source that lacks an include.
+# their common headers once; the largest headers are precompiled; nothing is optimised. The library itself is compiled as
+# always. The preset lint is no quick build, so it shows a source that lacks an include.
 
 # qel_compile_jointly(<target> [EXCEPT <source>...])
 #
@@ -50,6 +50,15 @@ function(qel_compile_jointly target)
   if(QEL_QUICK_BUILD)
     # Warnings about names of other sources, and about fixtures in unnamed namespaces, are false here.
     target_compile_options(${target} PRIVATE -Wno-shadow "$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>")
+  endif()
+endfunction()
+
+# qel_precompile(<target> <header>...)
+#
+# The largest headers of a target's sources. (ccache needs CCACHE_SLOPPINESS=pch_defines,time_macros for it.)
+function(qel_precompile target)
+  if(QEL_QUICK_BUILD)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
   endif()
 endfunction()
 
@@ -67,6 +76,7 @@ endfunction()
 # Sources of the calling folder whose tests need much processor time.
 function(qel_keep_optimised)
   if(QEL_QUICK_BUILD)
-    set_source_files_properties(${ARGV} PROPERTIES COMPILE_OPTIONS -O1 SKIP_UNITY_BUILD_INCLUSION ON)
+    set_source_files_properties(${ARGV} PROPERTIES
+      COMPILE_OPTIONS -O1 SKIP_UNITY_BUILD_INCLUSION ON SKIP_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()
