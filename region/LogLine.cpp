@@ -41,6 +41,11 @@ log4cpp::Category* LogCategory::get() const noexcept {
     return category;
 }
 
+bool LogCategory::isPriorityEnabled(log4cpp::Priority::Value level) const noexcept {
+    auto const* const category = get();
+    return category != nullptr && category->isPriorityEnabled(level);
+}
+
 LogLine::LogLine(LogCategory const& category, log4cpp::Priority::Value level,
                  std::string_view operation) noexcept
     : category_(category.get()),

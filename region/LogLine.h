@@ -31,6 +31,8 @@ public:
     /// @return null if there is no memory to look it up; the next call tries again
     log4cpp::Category* get() const noexcept;
 
+    bool isPriorityEnabled(log4cpp::Priority::Value level) const noexcept;
+
 private:
     char const* name_;
     mutable std::atomic<log4cpp::Category*> known_{nullptr};
