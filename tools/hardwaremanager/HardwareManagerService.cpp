@@ -4,6 +4,7 @@
 #include "tools/hardwaremanager/HardwareManagerService.h"
 
 #include "hardwaremanager/hardwaremanager.h"
+#include "reader/privateBus.h"
 
 #include <exception>
 #include <stdexcept>
@@ -23,15 +24,9 @@ void throwIf(GError* failure) {
     }
 }
 
-// Not the connection that the process shares: GLib ends the process when that one is closed.
 shm::GObjectPtr<GDBusConnection> connect() {
-    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     GError* failure = nullptr;
-    shm::GStringPtr const address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, nullptr, &failure));
-    throwIf(failure);
-    shm::GObjectPtr<GDBusConnection> connection(
-        g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, &failure));
+    auto connection = shm::privateBus(nullptr, &failure);
     throwIf(failure);
     return connection;
 }

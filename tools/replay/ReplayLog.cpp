@@ -4,8 +4,8 @@
 #include "tools/replay/ReplayLog.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/replay/unit/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
+#include "tools/replay/unit/ValueKeys.h"
 
 #include "format/ValueFormatter.h"
 #include "inspect/naming/StateText.h"

@@ -254,7 +254,7 @@ CapturePlayer::Parts readCapture(ReplayOptions const& options) {
             throw InputError({captureOption}, options.capture + " is empty", "at least one sample");
         }
         return {options.capture, samples};
-    } catch (inspect::RecordingError const& error) {
+    } catch (inspect::CaptureError const& error) {
         throw InputError({captureOption}, error.what(),
                          "a capture of qelshm record; --until can end the replay before a damaged sample");
     }

@@ -378,7 +378,7 @@ TEST(QelReplayTest, FromRecord_ThatIsWrongPublishesNothing) {
     EXPECT_EQ(2, wrong.status);
     EXPECT_EQ(
         "qel-replay: --from-record: cannot read " + file.path() +
-            ": it is no recording; expected a capture of qelshm record; --until can end the replay before a "
+            ": it is not a capture; expected a capture of qelshm record; --until can end the replay before a "
             "damaged sample\n",
         wrong.output);
     auto const both = outcomeOf(QelReplayProcess::command({"--from-record", "x", file.path()}));

@@ -239,7 +239,7 @@ TEST_F(ReplayOptionsTest, CaptureWithoutSamples_IsRefused) {
               captureFailureOf({"--from-record", file.path()}));
     EXPECT_EQ(
         "--from-record: cannot read " + inlet_.path() +
-            ": it is no recording; expected a capture of qelshm record; --until can end the replay before a "
+            ": it is not a capture; expected a capture of qelshm record; --until can end the replay before a "
             "damaged sample",
         captureFailureOf({"--from-record", inlet_.path()}));
 }

@@ -5,6 +5,7 @@
 
 #include "reader/Deadline.h"
 #include "reader/GLibPtr.h"
+#include "reader/privateBus.h"
 
 #include <chrono>
 
@@ -14,23 +15,11 @@ namespace {
 
 constexpr std::chrono::milliseconds patience(2000);
 
-shm::GObjectPtr<GDBusConnection> connect(GCancellable* cancellable) {
-    shm::GStringPtr const address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, cancellable, nullptr));
-    if (!address) {
-        return nullptr;
-    }
-    // Not the shared connection: that one would stay, and end the process with the bus.
-    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    return shm::GObjectPtr<GDBusConnection>(
-        g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, cancellable, nullptr));
-}
-
 } // namespace
 
 std::optional<uid_t> managerUser() {
     shm::Deadline const deadline(patience);
-    auto const bus = connect(deadline.cancellable());
+    auto const bus = shm::privateBus(deadline.cancellable());
     if (!bus) {
         return std::nullopt;
     }

@@ -5,7 +5,7 @@
 /// Makes one region equal to another while readers use it.
 #pragma once
 
-#include "inspect/image/SameBits.h"
+#include "inspect/image/RecordBytes.h"
 #include "region/QelShmRecords.h"
 #include "region/RegionFields.h"
 
