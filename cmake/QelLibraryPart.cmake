@@ -4,8 +4,7 @@
 # qel_library_part(<name> SOURCES ... HEADERS ... [LINK ...])
 #
 # One folder of the library as an object library "qel-<name>": compiled once, used by the shared library and by the
-# tests of that folder. HEADERS are the installed ones. No code of it may run before main or after its end; only Clang
-# can check that.
+# tests of that folder. HEADERS are the installed ones.
 include(GenerateExportHeader)
 
 set(QEL_GENERATED_INCLUDE_DIR "${PROJECT_BINARY_DIR}/include")
@@ -18,10 +17,7 @@ function(qel_library_part name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
   target_include_directories(qel-${name} PUBLIC "${PROJECT_SOURCE_DIR}" "${QEL_GENERATED_INCLUDE_DIR}")
-  # Calls into other libraries use no stub. Calls inside this library are direct, since exported functions are not meant
-  # to be replaced.
-  target_compile_options(qel-${name} PRIVATE -fno-plt -fno-semantic-interposition
-    "$<$<CXX_COMPILER_ID:Clang>:-Wglobal-constructors;-Wexit-time-destructors>")
+  qel_library_flags(qel-${name})
   qel_guide_fuzzers(qel-${name})
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
   list(TRANSFORM part_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE paths)

@@ -24,8 +24,8 @@ constexpr std::array<double, 6> inversePowers{1, 0.1, 0.01, 0.001, 0.0001, 0.000
 unsigned int scalepos(unsigned short key) {
     auto const position = shm::keyRow(key).scalepos;
     // Asked before, so that the name is not looked up in vain.
-    if (!position && shm::formatLog().isPriorityEnabled(log4cpp::Priority::WARN)) {
-        shm::LogLine(shm::formatLog(), log4cpp::Priority::WARN, "scalepos")
+    if (!position && shm::formatLog.isPriorityEnabled(log4cpp::Priority::WARN)) {
+        shm::LogLine(shm::formatLog, log4cpp::Priority::WARN, "scalepos")
             << "scaling for " << shm::keyName(key) << " has not been defined";
     }
     return position.value_or(0);

@@ -127,7 +127,7 @@ std::string ValueFormatter::str(shm::QelShmMVal const& mv, dbdata::GPIOSensorDat
         return gpioText(mv, gpio.config(), noContactState);
     } catch (std::exception const& error) {
         // Deliberate: the reader's category; it is readers that ask for GPIO texts.
-        shm::LogLine(shm::readerLog(), log4cpp::Priority::ERROR, "str") << error.what();
+        shm::LogLine(shm::readerLog, log4cpp::Priority::ERROR, "str") << error.what();
         return missing;
     }
 }

@@ -4,9 +4,9 @@
 #include "reader/BusConnection.h"
 
 #include "region/LogLine.h"
+#include "region/ProcessMark.h"
 
 #include <gio/gio.h>
-#include <unistd.h>
 
 #include <utility>
 
@@ -14,12 +14,12 @@ namespace shm {
 
 void BusConnection::Notice::tell() {
     if (!told_.exchange(true)) {
-        LogLine(readerLog(), log4cpp::Priority::WARN, "onClosed")
+        LogLine(readerLog, log4cpp::Priority::WARN, "onClosed")
             << "the connection to the bus was closed, changes of the structure are not heard any more";
     }
 }
 
-BusConnection::BusConnection() : process_(::getpid()), notice_(std::make_shared<Notice>()) {}
+BusConnection::BusConnection() : process_(processMark()), notice_(std::make_shared<Notice>()) {}
 
 BusConnection::~BusConnection() {
     if (isOwnProcess()) {
@@ -28,7 +28,7 @@ BusConnection::~BusConnection() {
 }
 
 bool BusConnection::isOwnProcess() const {
-    return process_ == ::getpid();
+    return process_ == processMark();
 }
 
 void BusConnection::hold(GDBusConnection* connection) {

@@ -6,10 +6,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
-
-#include <sys/types.h>
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the names that GLib declares.
 using GDBusConnection = struct _GDBusConnection;
@@ -28,7 +27,7 @@ namespace shm {
 /// Threads: thread-safe.
 class BusConnection {
 public:
-    /// Holds nothing yet. Notes the process id.
+    /// Holds nothing yet.
     BusConnection();
 
     /// Releases the connection.
@@ -68,8 +67,8 @@ private:
     static void onClosed(GDBusConnection* connection, int byPeer, GError* error, void* notice);
     void release();
 
-    pid_t const process_;
-    mutable std::mutex mutex_; // guards the next three
+    std::uint64_t const process_; // mark of the process that made the object
+    mutable std::mutex mutex_;    // guards the next three
     GDBusConnection* connection_ = nullptr;
     unsigned long handler_ = 0;
     bool wasClosed_ = false;

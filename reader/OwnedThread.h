@@ -22,7 +22,7 @@ class OwnedThread {
 public:
     /// Starts the thread.
     /// @param body what it runs
-    /// @throws boost::thread_resource_error when no thread can be created, or pthread_atfork() fails
+    /// @throws boost::thread_resource_error when no thread can be created
     explicit OwnedThread(std::function<void()> const& body);
     OwnedThread(OwnedThread const&) = delete;
     OwnedThread& operator=(OwnedThread const&) = delete;
@@ -39,7 +39,7 @@ public:
     boost::thread& thread() { return thread_; }
 
 private:
-    std::uint32_t const forks_; // number of forks that led to this process, when the thread was started
+    std::uint64_t const process_; // mark of the process that started the thread
     boost::thread thread_;
     OwnedThread* nextAbandoned_ = nullptr;
 };

@@ -27,7 +27,7 @@ bool isStillInPlace(record::Region const& region, QelShmMP const& point, record:
 }
 
 void logModifications(char const* operation) {
-    LogLine(readerLog(), log4cpp::Priority::DEBUG, operation)
+    LogLine(readerLog, log4cpp::Priority::DEBUG, operation)
         << "modifications = " << modificationCounter.current();
 }
 

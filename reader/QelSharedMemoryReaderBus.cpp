@@ -52,7 +52,7 @@ QelSharedMemoryReader::QelSharedMemoryReader(unsigned int seconds, bool waitForR
       bus_(std::make_unique<BusConnection>()),
       held_(std::make_unique<HeldRegion>()),
       pollsLeft_(polls()) {
-    LogLine(readerLog(), log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
+    LogLine(readerLog, log4cpp::Priority::INFO, "QelSharedMemoryReader") << "start";
     connect();
     try {
         subscribe();
@@ -76,12 +76,12 @@ QelSharedMemoryReader::~QelSharedMemoryReader() {
     // The connection belongs to the parent of a forked child.
     if (bus_->isOwnProcess()) {
         if (unsigned int const id = unsubscribe()) {
-            LogLine(readerLog(), log4cpp::Priority::DEBUG, "~QelSharedMemoryReader")
+            LogLine(readerLog, log4cpp::Priority::DEBUG, "~QelSharedMemoryReader")
                 << "unsubscribed from signal " << structureChanged << ", id = " << id;
         }
         releaseProxy();
     }
-    LogLine(readerLog(), log4cpp::Priority::INFO, "~QelSharedMemoryReader") << "done";
+    LogLine(readerLog, log4cpp::Priority::INFO, "~QelSharedMemoryReader") << "done";
 }
 
 void QelSharedMemoryReader::connect() {
@@ -106,7 +106,7 @@ void QelSharedMemoryReader::connect() {
     if (error) {
         text += ", code = " + std::to_string(error->code) + ", msg = " + error->message;
     }
-    LogLine(readerLog(), log4cpp::Priority::CRIT, "QelSharedMemoryReader") << text;
+    LogLine(readerLog, log4cpp::Priority::CRIT, "QelSharedMemoryReader") << text;
     throw ex::TAVSimpleException(text);
 }
 
@@ -119,7 +119,7 @@ void QelSharedMemoryReader::subscribe() {
     subscription_ =
         g_dbus_connection_signal_subscribe(connection, nullptr, busName, structureChanged, objectPath,
                                            nullptr, G_DBUS_SIGNAL_FLAGS_NONE, handler, nullptr, nullptr);
-    LogLine(readerLog(), log4cpp::Priority::DEBUG, "QelSharedMemoryReader")
+    LogLine(readerLog, log4cpp::Priority::DEBUG, "QelSharedMemoryReader")
         << "subscribed to signal " << structureChanged << ", id = " << subscription_;
 }
 
@@ -155,7 +155,7 @@ void QelSharedMemoryReader::handler(GDBusConnection* connection, char const* /*s
                                     void* /*userData*/) {
     if (connection == nullptr || g_strcmp0(path, objectPath) != 0 || g_strcmp0(interface, busName) != 0 ||
         parameters == nullptr) {
-        LogLine(readerLog(), log4cpp::Priority::DEBUG, "handler") << "strange call";
+        LogLine(readerLog, log4cpp::Priority::DEBUG, "handler") << "strange call";
         return;
     }
     if (g_strcmp0(signal, structureChanged) != 0) {
@@ -187,7 +187,7 @@ bool QelSharedMemoryReader::askManager() {
         unsubscribe();
         bus_->giveBack();
     }
-    LogLine line(readerLog(), log4cpp::Priority::DEBUG, "initialized");
+    LogLine line(readerLog, log4cpp::Priority::DEBUG, "initialized");
     line << "failed to query initialization state";
     if (error) {
         line << ", code = " << std::dec << error->code << ", msg = " << error->message;
@@ -197,7 +197,7 @@ bool QelSharedMemoryReader::askManager() {
 
 void QelSharedMemoryReader::onInitialized() {
     if (initialized_) {
-        LogLine(readerLog(), log4cpp::Priority::WARN, "onInitialized") << "don't call this method directly";
+        LogLine(readerLog, log4cpp::Priority::WARN, "onInitialized") << "don't call this method directly";
         return;
     }
     auto const before = namedObject();

@@ -28,7 +28,7 @@ void QelShmInitWaitThread::run() {
     for (unsigned int poll = 0; poll < budget && running(); ++poll) {
         if (callback_->initialized()) {
             std::chrono::duration<double> const waited = poll * pollInterval;
-            LogLine(readerLog(), log4cpp::Priority::INFO, "run")
+            LogLine(readerLog, log4cpp::Priority::INFO, "run")
                 << "Initialized after " << std::fixed << std::setprecision(1) << waited.count()
                 << "s, opening shared memory";
             callback_->onInitialized();

@@ -9,7 +9,6 @@
 #include <log4cpp/LoggingEvent.hh>
 #include <log4cpp/NDC.hh>
 
-#include <atomic>
 #include <cstddef>
 #include <locale>
 #include <new>
@@ -17,21 +16,6 @@
 namespace shm {
 
 namespace {
-
-using KnownCategory = std::atomic<log4cpp::Category*>;
-
-LogCategory lookUp(KnownCategory& known, char const* name) noexcept {
-    auto* category = known.load(std::memory_order_acquire);
-    if (category == nullptr) {
-        try {
-            category = &Logger::getInstance().getCategory(name);
-            known.store(category, std::memory_order_release);
-        } catch (...) {
-            category = nullptr; // the next line tries again
-        }
-    }
-    return LogCategory(category);
-}
 
 /// Throws std::bad_alloc unless there is as much memory as appenders usually need for a line of this length.
 /// log4cpp ends the process when an appender throws, so a lack of memory should show here first.
@@ -44,18 +28,29 @@ void requireMemoryForAppenders(std::size_t length) {
 
 } // namespace
 
+log4cpp::Category* LogCategory::get() const noexcept {
+    auto* category = known_.load(std::memory_order_acquire);
+    if (category == nullptr) {
+        try {
+            category = &Logger::getInstance().getCategory(name_);
+            known_.store(category, std::memory_order_release);
+        } catch (...) {
+            return nullptr;
+        }
+    }
+    return category;
+}
+
 bool LogCategory::isPriorityEnabled(log4cpp::Priority::Value level) const noexcept {
-    return category_ != nullptr && category_->isPriorityEnabled(level);
+    auto const* const category = get();
+    return category != nullptr && category->isPriorityEnabled(level);
 }
 
-std::string LogCategory::getName() const {
-    return category_ != nullptr ? category_->getName() : std::string();
-}
-
-LogLine::LogLine(LogCategory category, log4cpp::Priority::Value level, std::string_view operation) noexcept
-    : category_(category),
+LogLine::LogLine(LogCategory const& category, log4cpp::Priority::Value level,
+                 std::string_view operation) noexcept
+    : category_(category.get()),
       level_(level) {
-    if (!category_.isPriorityEnabled(level_)) {
+    if (category_ == nullptr || !category_->isPriorityEnabled(level_)) {
         return;
     }
     try {
@@ -74,38 +69,12 @@ LogLine::~LogLine() {
     }
     try {
         // Not by Category::log(): it is declared not to throw and would end the process without memory.
-        log4cpp::LoggingEvent const event(category_.get()->getName(), text_->str(), log4cpp::NDC::get(),
-                                          level_);
+        log4cpp::LoggingEvent const event(category_->getName(), text_->str(), log4cpp::NDC::get(), level_);
         requireMemoryForAppenders(event.message.size());
-        category_.get()->callAppenders(event);
+        category_->callAppenders(event);
     } catch (...) {
         return; // dropped
     }
-}
-
-LogCategory accessLog() noexcept {
-    static KnownCategory known{nullptr};
-    return lookUp(known, "qel.shm.access");
-}
-
-LogCategory writerLog() noexcept {
-    static KnownCategory known{nullptr};
-    return lookUp(known, "qel.shm.access.writer");
-}
-
-LogCategory readerLog() noexcept {
-    static KnownCategory known{nullptr};
-    return lookUp(known, "qel.shm.access.reader");
-}
-
-LogCategory statesLog() noexcept {
-    static KnownCategory known{nullptr};
-    return lookUp(known, "qel.shm.access.states");
-}
-
-LogCategory formatLog() noexcept {
-    static KnownCategory known{nullptr};
-    return lookUp(known, "qel.shm.access.format");
 }
 
 } // namespace shm

@@ -7,6 +7,7 @@
 
 #include <log4cpp/Priority.hh>
 
+#include <atomic>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -18,28 +19,35 @@ class Category;
 
 namespace shm {
 
-/// One of the library's log categories, or none. The first look-up of a category takes memory, and so may fail: then
-/// there is none, and no level of it is enabled.
+/// One of the library's log categories. It is looked up once per process, with the first line for it, since that takes
+/// memory and so may fail.
 ///
 /// Threads: thread-safe.
 class LogCategory {
 public:
-    /// @param category not owned, lives until the process ends; null for none
-    explicit LogCategory(log4cpp::Category* category) noexcept : category_(category) {}
+    /// @param name must outlive the object
+    constexpr explicit LogCategory(char const* name) noexcept : name_(name) {}
+
+    /// @return the category, null if there is no memory to look it up; the next call tries again
+    log4cpp::Category* get() const noexcept;
 
     /// @param level of log4cpp
     /// @return whether the category takes lines of this level
     bool isPriorityEnabled(log4cpp::Priority::Value level) const noexcept;
 
-    /// @return the category's name, "" for none
-    std::string getName() const;
-
-    /// @return the category, null for none
-    log4cpp::Category* get() const noexcept { return category_; }
-
 private:
-    log4cpp::Category* category_;
+    char const* name_;
+    mutable std::atomic<log4cpp::Category*> known_{nullptr};
 };
+
+/// @name The library's categories
+/// @{
+inline LogCategory const accessLog{"qel.shm.access"};
+inline LogCategory const writerLog{"qel.shm.access.writer"};
+inline LogCategory const readerLog{"qel.shm.access.reader"};
+inline LogCategory const statesLog{"qel.shm.access.states"};
+inline LogCategory const formatLog{"qel.shm.access.format"};
+/// @}
 
 /// One line of the log. It starts with the name of the logging operation and ": ", and goes to the category when
 /// it is destroyed. Numbers are hexadecimal with 0x (std::hex, std::showbase; zero is a bare 0) unless the line
@@ -59,7 +67,7 @@ public:
     /// @param category  where it goes
     /// @param level     of log4cpp
     /// @param operation name of the logging operation
-    LogLine(LogCategory category, log4cpp::Priority::Value level, std::string_view operation) noexcept;
+    LogLine(LogCategory const& category, log4cpp::Priority::Value level, std::string_view operation) noexcept;
 
     /// Hands the line to the category.
     ~LogLine();
@@ -95,27 +103,9 @@ private:
         }
     }
 
-    LogCategory category_;
+    log4cpp::Category* category_;
     log4cpp::Priority::Value level_;
     std::optional<std::ostringstream> text_;
 };
-
-/// @name The library's categories
-/// Each is looked up once per process.
-///
-/// Threads: thread-safe.
-/// @{
-
-/// @return "qel.shm.access"
-LogCategory accessLog() noexcept;
-/// @return "qel.shm.access.writer"
-LogCategory writerLog() noexcept;
-/// @return "qel.shm.access.reader"
-LogCategory readerLog() noexcept;
-/// @return "qel.shm.access.states"
-LogCategory statesLog() noexcept;
-/// @return "qel.shm.access.format"
-LogCategory formatLog() noexcept;
-/// @}
 
 } // namespace shm

@@ -63,7 +63,7 @@ char const* typeText(mode_t mode) {
 
 void warn(Found const& found) {
     auto const& status = found.status;
-    LogLine line(accessLog(), log4cpp::Priority::WARN, "openShm");
+    LogLine line(accessLog, log4cpp::Priority::WARN, "openShm");
     line << "removing what stands under the name of the shared memory and is not ours: ";
     if (found.error != 0) {
         line << "the system does not tell what it is, " << std::strerror(found.error);

@@ -5,6 +5,7 @@
 
 #include "region/LogLine.h"
 #include "region/OwnObject.h"
+#include "region/ProcessMark.h"
 #include "region/RegionFields.h"
 
 #include <fcntl.h>
@@ -23,15 +24,14 @@ namespace shm {
 
 namespace {
 
-/// The process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its
-/// mapping, but must not remove the name. (No member: size and layout of the class are part of the binary
-/// interface.)
-std::atomic<pid_t> writingProcess{0};
-static_assert(std::atomic<pid_t>::is_always_lock_free);
+/// Mark of the process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its
+/// mapping, but must not remove the name. (No member: size and layout of the class are part of the binary interface.)
+std::atomic<std::uint64_t> writingProcess{0};
+static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
 
 bool isForkedChild() {
-    pid_t const process = writingProcess;
-    return process != 0 && process != ::getpid();
+    std::uint64_t const process = writingProcess;
+    return process != 0 && process != processMark();
 }
 
 /// Makes the object as large as the region and reserves its memory, so that a full /dev/shm fails here and not by
@@ -68,18 +68,18 @@ void writeHex16(std::ostringstream& out, std::int64_t number) {
 } // namespace
 
 QelSharedMemoryAccess::QelSharedMemoryAccess(ShmAccess const& access) : access_(access), region_(nullptr) {
-    LogLine(accessLog(), log4cpp::Priority::INFO, "QelSharedMemoryAccess") << "start";
+    LogLine(accessLog, log4cpp::Priority::INFO, "QelSharedMemoryAccess") << "start";
 }
 
 QelSharedMemoryAccess::~QelSharedMemoryAccess() {
     closeShm();
-    LogLine(accessLog(), log4cpp::Priority::INFO, "~QelSharedMemoryAccess") << "done";
+    LogLine(accessLog, log4cpp::Priority::INFO, "~QelSharedMemoryAccess") << "done";
 }
 
 void QelSharedMemoryAccess::openShm() {
     bool const writer = access_ == ShmAccess::Write;
     if (writer) {
-        writingProcess = ::getpid();
+        writingProcess = processMark();
     }
     int const fd = writer ? openOwnObject() : openToRead();
     if (fd < 0) {
@@ -121,7 +121,7 @@ void QelSharedMemoryAccess::closeShm() {
     if (::munmap(region(), REGION_SIZE) != 0) {
         int const error = errno;
         // Deliberate: no separator before the system's text, unlike the other messages.
-        LogLine(accessLog(), log4cpp::Priority::ERROR, "closeShm")
+        LogLine(accessLog, log4cpp::Priority::ERROR, "closeShm")
             << "failed to unmap the shared memory" << std::strerror(error);
     }
     unlinkShm();
@@ -131,7 +131,7 @@ void QelSharedMemoryAccess::unlinkShm() {
     region_.store(nullptr);
     if (access_ == ShmAccess::Write && !isForkedChild() && ::shm_unlink(REGION_NAME) != 0) {
         int const error = errno;
-        LogLine(accessLog(), log4cpp::Priority::ERROR, "unlinkShm")
+        LogLine(accessLog, log4cpp::Priority::ERROR, "unlinkShm")
             << "failed to unlink the shared memory, " << std::strerror(error);
     }
 }
@@ -147,7 +147,7 @@ void QelSharedMemoryAccess::errorShm(ShmError const& error, int errnum) {
         text = "failed to resize/map the shared memory";
         break;
     }
-    LogLine(accessLog(), log4cpp::Priority::ERROR, "errorShm") << text << ", " << std::strerror(errnum);
+    LogLine(accessLog, log4cpp::Priority::ERROR, "errorShm") << text << ", " << std::strerror(errnum);
     if (error == ShmError::Resize || error == ShmError::Map) {
         unlinkShm();
     }

@@ -16,7 +16,7 @@ namespace {
 void writeLevel(char const* path, unsigned short level) {
     std::ofstream file(path, std::ios::out | std::ios::trunc);
     if (!file) {
-        LogLine(statesLog(), log4cpp::Priority::WARN, "update")
+        LogLine(statesLog, log4cpp::Priority::WARN, "update")
             << "failed to write " << level << " into " << path;
         return;
     }
@@ -31,12 +31,12 @@ void writeLevels(LedTables const& tables, LedLevels& stored, LedLevels const& wa
         if (stored.at(channel) == level && !force) {
             continue;
         }
-        LogLine(statesLog(), log4cpp::Priority::DEBUG, "update")
+        LogLine(statesLog, log4cpp::Priority::DEBUG, "update")
             << "color = " << channel << ", old = " << stored.at(channel) << ", new = " << level;
         stored.at(channel) = level;
         auto const* const found = findRow(tables.channels, channel);
         if (found == nullptr) {
-            LogLine(statesLog(), log4cpp::Priority::ERROR, "update")
+            LogLine(statesLog, log4cpp::Priority::ERROR, "update")
                 << "Invalid color " << channel << " provided";
             continue;
         }

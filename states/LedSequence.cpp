@@ -15,7 +15,7 @@ namespace shm {
 LedSequence::LedSequence(LedTables const& tables, eStatus_Bits shown) : tables_(tables) {
     auto const* const start = findRow(tables_.states, shown);
     if (start == nullptr) {
-        LogLine(statesLog(), log4cpp::Priority::ERROR, "run") << "Invalid default state " << stateName(shown);
+        LogLine(statesLog, log4cpp::Priority::ERROR, "run") << "Invalid default state " << stateName(shown);
         throw ex::TAVSimpleException("The default state has no color assigned to it");
     }
     begin(start->sequence);
@@ -29,13 +29,13 @@ void LedSequence::begin(ColorSequence const& sequence) {
 
 LedLevels const* LedSequence::tick(eStatus_Bits requested, eStatus_Bits& shown) {
     if (requested != shown) {
-        LogLine(statesLog(), log4cpp::Priority::INFO, "run")
+        LogLine(statesLog, log4cpp::Priority::INFO, "run")
             << "state change " << stateName(shown) << " => " << stateName(requested);
         if (auto const* const found = findRow(tables_.states, requested)) {
             shown = requested;
             begin(found->sequence);
         } else {
-            LogLine(statesLog(), log4cpp::Priority::WARN, "run")
+            LogLine(statesLog, log4cpp::Priority::WARN, "run")
                 << "State " << stateName(requested) << " has no color assigned to it";
         }
     }

@@ -1,10 +1,10 @@
 # SPDX-FileCopyrightText: the libQelSharedMemory authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""What tools/check-codegen holds of the fast path of a kept value: the modification counter is read before the rebuild
-number, and an acquire keeps the two in this order. Who reads the 0 that a rebuild left then reads that rebuild's number.
+"""What tools/check-codegen checks of the fast path of a kept value: the modification counter is read before the rebuild
+number, and an acquire keeps this order. A reader that sees the 0 that a rebuild stored then sees that rebuild's number.
 
-Loads are told apart by the debug information, like links (tools/link_code.py).
+Loads are identified by the debug information, like links (tools/link_code.py).
 """
 
 import re
@@ -22,7 +22,7 @@ def is_acquire_barrier(instruction):
 
 
 def check_kept_value(code, machine):
-    """Gives the lines to print."""
+    """Returns the lines to print."""
     source = Source(SOURCE)
     numbers = lines_of_body(source, r"\brebuilds_\.load\(")
     counters = {(COUNTER_FILE, number) for number in Source(COUNTER_FILE).lines_with(r"\bcurrent\(\) const\b.*\.load\(")}
@@ -48,7 +48,7 @@ def check_kept_value(code, machine):
 
 
 def lines_of_body(source, pattern):
-    """The function's lines with a pattern."""
+    """Returns the numbers of the function's lines that contain a pattern."""
     start = next(iter(source.lines_with(DEFINITION)), len(source.lines))
     end = next((number for number in source.lines_with(r"^}") if number > start), start)
     return [number for number in source.lines_with(pattern) if start < number < end]

@@ -1,11 +1,10 @@
 # SPDX-FileCopyrightText: the libQelSharedMemory authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""What tools/check-codegen holds of links: how the writer stores them, how readers load them.
+"""What tools/check-codegen checks of links: how the writer stores them, how readers load them.
 
-Instructions are told apart by the debug information, which names for each one the source line and the calls that were
-inlined around it: a store that comes from storeLink() of region/RegionFields.h is the store of a link, whatever
-registers it uses.
+Instructions are identified by the debug information, which gives for each one the source line and the calls that were
+inlined around it: a store that comes from storeLink() of region/RegionFields.h is the store of a link.
 """
 
 import re
@@ -45,7 +44,7 @@ BRANCH = re.compile(rf"(b{CONDITION}|b\.\w+|cbn?z|tbn?z)")
 
 
 class LinkError(Exception):
-    """What the code does not hold."""
+    """A check that failed."""
 
 
 class Source:

@@ -51,7 +51,7 @@ std::map<unsigned short, unsigned int>::iterator firstNotBelow(std::map<unsigned
 std::unique_ptr<WriterLock> lockRegion() {
     auto lock = std::make_unique<WriterLock>();
     if (lock->isOfAnotherWriter()) {
-        LogLine(writerLog(), log4cpp::Priority::WARN, "QelSharedMemoryWriter")
+        LogLine(writerLog, log4cpp::Priority::WARN, "QelSharedMemoryWriter")
             << "another writer is alive and writes into the same shared memory";
     }
     return lock;
@@ -78,7 +78,7 @@ QelSharedMemoryWriter::QelSharedMemoryWriter()
       freeMVs_(MV_COUNT),
       freeMPs_(MP_COUNT),
       index_(std::make_unique<SlotsBySvid>()) {
-    LogLine(writerLog(), log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
+    LogLine(writerLog, log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
     QelSharedMemoryAccess::openShm();
     lock_ = root() ? lockRegion() : nullptr;
     std::iota(freeMVs_.begin(), freeMVs_.end(), 0U);
@@ -88,7 +88,7 @@ QelSharedMemoryWriter::QelSharedMemoryWriter()
 }
 
 QelSharedMemoryWriter::~QelSharedMemoryWriter() {
-    LogLine(writerLog(), log4cpp::Priority::INFO, "~QelSharedMemoryWriter") << "done";
+    LogLine(writerLog, log4cpp::Priority::INFO, "~QelSharedMemoryWriter") << "done";
     if (ledThread_) {
         ledThread_->join();
         ledThread_.reset();
@@ -103,7 +103,7 @@ bool QelSharedMemoryWriter::addStructure(Definitions const& definitions) {
         }
         unsigned int ppos = NO_POSITION;
         if (auto const known = points_.find(svid); known == points_.end()) {
-            LogLine(writerLog(), log4cpp::Priority::DEBUG, "addStructure")
+            LogLine(writerLog, log4cpp::Priority::DEBUG, "addStructure")
                 << svid << ", #keys = " << definition;
             ppos = parentOf(svid).pos;
         } else if (hasAllKeys(known->second, definition)) {
@@ -119,7 +119,7 @@ bool QelSharedMemoryWriter::addStructure(Definitions const& definitions) {
 
 unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned short, unsigned int> const& mvs,
                                           unsigned int ppos) {
-    LogLine(writerLog(), log4cpp::Priority::INFO, "addMP") << "svid = " << svid << ", ppos = " << ppos;
+    LogLine(writerLog, log4cpp::Priority::INFO, "addMP") << "svid = " << svid << ", ppos = " << ppos;
     if (!isMapped("addMP")) {
         return NO_POSITION;
     }
@@ -138,7 +138,7 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
 
     std::lock_guard<std::recursive_mutex> const lock(structureMutex_);
     if (freeMPs_.empty()) {
-        LogLine(writerLog(), log4cpp::Priority::WARN, "addMP")
+        LogLine(writerLog, log4cpp::Priority::WARN, "addMP")
             << "no free measurement points left, cannot add " << point;
         return NO_POSITION;
     }
@@ -157,7 +157,7 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
     // Deliberate: the highest position counts as the chain's tail, since positions are given out in ascending order.
     unsigned int tail = highestPosition(definition);
     auto* const indexed = index_->pointOf(definition);
-    bool const isLogged = writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
+    bool const isLogged = writerLog.isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
     for (auto const& wanted : mvs) {
         auto const key = wanted.first;
         std::unique_lock<std::mutex> lock(definition.mutex);
@@ -165,14 +165,14 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
         if (place != definition.mvs.end() && place->first == key) {
             auto const pos = place->second;
             lock.unlock();
-            LogLine(writerLog(), log4cpp::Priority::WARN, "addMVs")
+            LogLine(writerLog, log4cpp::Priority::WARN, "addMVs")
                 << "Ignoring known key " << key << ", pos = " << pos;
             continue;
         }
         lock.unlock();
 
         if (freeMVs_.empty()) {
-            LogLine(writerLog(), log4cpp::Priority::WARN, "addMVs")
+            LogLine(writerLog, log4cpp::Priority::WARN, "addMVs")
                 << "no free measured values left, cannot add key " << key << " to " << mp.guid;
             continue;
         }
@@ -204,7 +204,7 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
 }
 
 QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsigned int ppos) {
-    LogLine(writerLog(), log4cpp::Priority::DEBUG, "initMP")
+    LogLine(writerLog, log4cpp::Priority::DEBUG, "initMP")
         << "pos = " << pos << ", guid = " << svid << ", ppos = " << ppos;
     auto const kind = SensorIdentifier::extractSensorType(svid);
     auto& mp = region()->points[pos];
@@ -219,7 +219,7 @@ QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsign
 }
 
 record::QelShmMVal& QelSharedMemoryWriter::initMV(unsigned int pos, unsigned short key) {
-    LogLine(writerLog(), log4cpp::Priority::DEBUG, "initMV") << "pos = " << pos << ", key = " << key;
+    LogLine(writerLog, log4cpp::Priority::DEBUG, "initMV") << "pos = " << pos << ", key = " << key;
     return wipeMV(pos, key);
 }
 
@@ -235,10 +235,10 @@ record::QelShmMVal& QelSharedMemoryWriter::wipeMV(unsigned int pos, unsigned sho
 
 std::unordered_set<long long>
 QelSharedMemoryWriter::injectTypes(std::unordered_map<long long, int> const& types) {
-    LogLine(writerLog(), log4cpp::Priority::DEBUG, "injectTypes") << "#itm = " << types.size();
+    LogLine(writerLog, log4cpp::Priority::DEBUG, "injectTypes") << "#itm = " << types.size();
     std::unordered_set<long long> applied;
     for (auto const& [svid, code] : types) {
-        LogLine(writerLog(), log4cpp::Priority::DEBUG, "injectTypes") << svid << ", " << code;
+        LogLine(writerLog, log4cpp::Priority::DEBUG, "injectTypes") << svid << ", " << code;
         auto const known = points_.find(pointSvid(svid));
         if (known == points_.end()) {
             continue;
@@ -265,7 +265,7 @@ bool QelSharedMemoryWriter::isMapped(char const* operation) const {
     if (region() != nullptr) {
         return true;
     }
-    LogLine(writerLog(), log4cpp::Priority::ERROR, operation) << "the shared memory is not mapped";
+    LogLine(writerLog, log4cpp::Priority::ERROR, operation) << "the shared memory is not mapped";
     return false;
 }
 

@@ -26,7 +26,7 @@ bool standsBefore(long long svid, long long other) {
             return svid < other;
         }
         // Deliberate: a fixed log text.
-        LogLine(writerLog(), log4cpp::Priority::INFO, "operator()") << "1t";
+        LogLine(writerLog, log4cpp::Priority::INFO, "operator()") << "1t";
         return true;
     case SensorType::I2C:
         if (otherKind == SensorType::Electrical || otherKind == SensorType::RCM) {
@@ -55,13 +55,13 @@ bool standsBefore(long long svid, long long other) {
 } // namespace
 
 void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
-    LogLine(writerLog(), log4cpp::Priority::DEBUG, "connectMP")
+    LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP")
         << "pos = " << mp.pos << ", stype = " << SensorIdentifier::extractSensorType(mp.guid)
         << ", ppos = " << mp.parent;
     auto* const parent = pointAt(mp.parent);
     auto const* const head = parent != nullptr ? &parent->children : listHead(mp.guid);
     auto curpos = head != nullptr ? *head : NO_POSITION;
-    LogLine(writerLog(), log4cpp::Priority::DEBUG, "connectMP") << "curpos = " << curpos;
+    LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP") << "curpos = " << curpos;
 
     auto lastpos = NO_POSITION;
     while (auto* const current = pointAt(curpos)) {
@@ -84,7 +84,7 @@ void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
 
 void QelSharedMemoryWriter::insertBefore(QelShmMP& mp, unsigned int curpos) {
     auto& current = *pointAt(curpos);
-    LogLine(writerLog(), log4cpp::Priority::INFO, "connectMP") << mp.guid << " < " << current.guid;
+    LogLine(writerLog, log4cpp::Priority::INFO, "connectMP") << mp.guid << " < " << current.guid;
     storeLink(mp.next, curpos);
     storeLink(mp.prev, current.prev);
     if (auto* const previous = pointAt(current.prev)) {
@@ -113,7 +113,7 @@ void QelSharedMemoryWriter::setListHead(long long svid, unsigned int pos) {
         storeLink(*head, pos);
     } else {
         // Deliberate: a fixed log text names this operation.
-        LogLine(writerLog(), log4cpp::Priority::WARN, "operator()")
+        LogLine(writerLog, log4cpp::Priority::WARN, "operator()")
             << "cannot handle measurement points of type " << SensorIdentifier::extractSensorType(svid);
     }
 }
@@ -164,12 +164,12 @@ QelSharedMemoryWriter::Parent QelSharedMemoryWriter::parentOf(long long svid) co
 }
 
 void QelSharedMemoryWriter::bailout(long long svid) const {
-    LogLine(writerLog(), log4cpp::Priority::ERROR, "bailout") << "failed to handle MP " << svid;
+    LogLine(writerLog, log4cpp::Priority::ERROR, "bailout") << "failed to handle MP " << svid;
     throw ex::InvalidSensorIdException(svid);
 }
 
 void QelSharedMemoryWriter::bailout(long long svid, long long parentSvid) const {
-    LogLine(writerLog(), log4cpp::Priority::ERROR, "bailout")
+    LogLine(writerLog, log4cpp::Priority::ERROR, "bailout")
         << "failed to find parent MP " << parentSvid << " of MP " << svid;
     throw ex::InvalidSensorIdException(svid);
 }

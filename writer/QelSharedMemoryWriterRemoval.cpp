@@ -25,7 +25,7 @@ constexpr std::size_t removedBuckets = 10;
 
 [[gnu::noinline]] // keeps the line's buffer out of the recursion's frame
 void logUnlink(unsigned int pos, bool topnode, std::size_t removed) {
-    LogLine(writerLog(), log4cpp::Priority::INFO, "unlinkMP")
+    LogLine(writerLog, log4cpp::Priority::INFO, "unlinkMP")
         << "pos = " << pos << ", topnode = " << std::boolalpha << topnode << ", #svids = " << removed;
 }
 
@@ -96,7 +96,7 @@ void detachSlots(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index,
 } // namespace
 
 bool QelSharedMemoryWriter::modifyStructure(std::unordered_set<long long> const& svids) {
-    LogLine(writerLog(), log4cpp::Priority::DEBUG, "modifyStructure") << "#svids = " << svids.size();
+    LogLine(writerLog, log4cpp::Priority::DEBUG, "modifyStructure") << "#svids = " << svids.size();
     Definitions definitions;
     for (auto const svid : svids) {
         auto const point = pointSvid(svid);
@@ -165,7 +165,7 @@ void QelSharedMemoryWriter::freeSlotsOf(QelShmMP const& mp, unsigned int pos,
             freeMVs_.push_back(value.second);
         }
     } else {
-        LogLine(writerLog(), log4cpp::Priority::WARN, "unlinkMP")
+        LogLine(writerLog, log4cpp::Priority::WARN, "unlinkMP")
             << "failed to find " << std::dec << mp.guid << " in local cache (no mvs are freed, ignored)";
     }
     if (index_->isTaken(pos)) { // else it is free already

@@ -39,7 +39,7 @@ void QelSharedMemoryWriter::setActive() {
     storeField(root.state, eStatus_On);
     storeField(root.unused, 0);
     storeVersion(root, ACTIVE_VERSION);
-    LogLine(writerLog(), log4cpp::Priority::INFO, "setActive")
+    LogLine(writerLog, log4cpp::Priority::INFO, "setActive")
         << "root.version = " << static_cast<unsigned int>(ACTIVE_VERSION);
     if (before != eStatus_On && ledThread_) { // the LED may show the former state
         ledThread_->request(eStatus_On);
@@ -76,7 +76,7 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
     } catch (std::exception const&) {
         return false;
     } catch (...) {
-        LogLine(writerLog(), log4cpp::Priority::ERROR, "updateMV") << "ran into a very exceptional state";
+        LogLine(writerLog, log4cpp::Priority::ERROR, "updateMV") << "ran into a very exceptional state";
         return false;
     }
 }

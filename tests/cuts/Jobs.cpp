@@ -4,6 +4,7 @@
 #include "tests/cuts/Jobs.h"
 
 #include "tests/support/Rounds.h"
+#include "tests/support/Sanitizers.h"
 
 #include <cstddef>
 
@@ -11,20 +12,7 @@ namespace qel::test {
 
 namespace {
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QEL_CUTS_SANITIZED 1
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QEL_CUTS_SANITIZED 1
-#endif
-
-#ifdef QEL_CUTS_SANITIZED
-constexpr unsigned slowness = 8;
-#else
-constexpr unsigned slowness = 1;
-#endif
+constexpr unsigned slowness = underAddressSanitizer || underThreadSanitizer ? 8 : 1;
 
 constexpr std::size_t small = 3;   ///< points of trees that are walked completely
 constexpr std::size_t sample = 20; ///< trees of each larger size in the brief run

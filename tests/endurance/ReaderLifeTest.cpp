@@ -8,7 +8,7 @@
 #include "tests/endurance/BusWatch.h"
 #include "tests/support/ChangingUnit.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/MainLoopThread.h"
 #include "tests/support/ProcessResources.h"
 #include "tests/support/RandomNumbers.h"
@@ -107,7 +107,7 @@ protected:
         return eventually([&] { return static_cast<bool>(reader.root()); });
     }
 
-    HardwareManagerService manager_;
+    FakeHardwareManager manager_;
     MainLoopThread signals_;
     BusWatch bus_;
     shm::QelSharedMemoryWriter writer_;

@@ -7,7 +7,7 @@
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/MortalBus.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/MainLoopThread.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 namespace {
 
 using qel::test::eventually;
-using qel::test::HardwareManagerService;
+using qel::test::FakeHardwareManager;
 using qel::test::LogCapture;
 using qel::test::MainLoopThread;
 using shm::QelSharedMemoryReader;
@@ -40,7 +40,7 @@ std::string failingActivation() {
 TEST(FailingActivation, OfTheManager_LeavesTheSubscription) {
     qel::test::MortalBus const bus(failingActivation());
     MainLoopThread const loop;
-    HardwareManagerService manager;
+    FakeHardwareManager manager;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
 

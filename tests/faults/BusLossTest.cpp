@@ -10,8 +10,8 @@
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/MortalBus.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 
 #include <gmock/gmock.h>
@@ -28,8 +28,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using qel::test::eventually;
+using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
-using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
 using qel::test::MainLoopThread;
@@ -88,7 +88,7 @@ TEST_F(BusLoss, WhileWaitingForAnAbsentManager_IsTold_AndTheBusThatComesBackServ
     bus.kill();
     ASSERT_TRUE(eventually([&] { return log.count(noProxy()) >= 3; }));
     bus.start();
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     EXPECT_TRUE(log.waitFor(opened()));
     EXPECT_TRUE(sut.root());
     EXPECT_THAT(
@@ -99,7 +99,7 @@ TEST_F(BusLoss, WhileWaitingForAnAbsentManager_IsTold_AndTheBusThatComesBackServ
 TEST_F(BusLoss, DuringACall_EndsTheCall_AndIsToldAtEachPoll) {
     ForgedRegion const region;
     MainLoopThread const loop;
-    HardwareManagerService slow;
+    FakeHardwareManager slow;
     slow.setDelay(60s);
     auto sut = std::make_unique<QelSharedMemoryReader>(600, false);
     surviveBusLoss();
@@ -111,7 +111,7 @@ TEST_F(BusLoss, DuringACall_EndsTheCall_AndIsToldAtEachPoll) {
     sut.reset();
 
     bus.start();
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     QelSharedMemoryReader const next(60, false);
     EXPECT_TRUE(log.waitFor(opened()));
 }
@@ -122,7 +122,7 @@ TEST_F(BusLoss, AfterTheRegionWasMapped_LookUpsGoOn) {
     region.values(5, 7, {1});
     region.devices({5});
     MainLoopThread const loop;
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     testing::internal::CaptureStderr();
     auto sut = std::make_unique<QelSharedMemoryReader>(60, false);
     surviveBusLoss();
@@ -143,7 +143,7 @@ TEST_F(BusLoss, AfterTheSubscription_NeedsANewReaderOnceTheOldOneIsGone) {
     surviveBusLoss();
     bus.kill();
     bus.start();
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.emitStructureChanged();
     EXPECT_FALSE(eventually([&] { return old->modifications() != 0; }, 300ms))
         << "it does not subscribe anew";
@@ -169,7 +169,7 @@ TEST_F(BusLoss, UnderAFollower_ServesOn_AndHearsAgainWithTheBus) {
     region.devices({5});
     region.activate();
     MainLoopThread const loop;
-    auto manager = std::make_unique<HardwareManagerService>();
+    auto manager = std::make_unique<FakeHardwareManager>();
     shm::QelSharedMemoryFollower sut(60, shm::ANY_AGE);
     ASSERT_TRUE(eventually([&] { return sut.reader() != nullptr; }));
     surviveBusLoss();
@@ -178,7 +178,7 @@ TEST_F(BusLoss, UnderAFollower_ServesOn_AndHearsAgainWithTheBus) {
     EXPECT_TRUE(sut.mval(unit | 1));
 
     bus.start();
-    manager = std::make_unique<HardwareManagerService>();
+    manager = std::make_unique<FakeHardwareManager>();
     EXPECT_TRUE(eventually([&] {
         auto* const reader = sut.reader();
         auto const before = reader == nullptr ? 0 : reader->modifications();

@@ -7,8 +7,8 @@
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/MortalBus.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using qel::test::HardwareManagerService;
+using qel::test::FakeHardwareManager;
 using qel::test::LogCapture;
 using Clock = std::chrono::steady_clock;
 
@@ -42,7 +42,7 @@ class Destruction : public testing::TestWithParam<State> {
 protected:
     Destruction() {
         if (GetParam().manager != Manager::Absent) {
-            service = std::make_unique<HardwareManagerService>();
+            service = std::make_unique<FakeHardwareManager>();
         }
         if (GetParam().manager == Manager::AnswersZero) {
             service->setAnswer(0);
@@ -72,7 +72,7 @@ protected:
     qel::test::MortalBus bus;
     qel::test::ForgedRegion const region;
     LogCapture log{"qel.shm.access"};
-    std::unique_ptr<HardwareManagerService> service;
+    std::unique_ptr<FakeHardwareManager> service;
 };
 
 TEST_P(Destruction, InThisState_TakesAPauseAndACallAtMost) {

@@ -6,8 +6,8 @@
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 #include "tests/support/Rounds.h"
 #include "tests/system/Peers.h"
@@ -26,8 +26,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using qel::test::eventually;
+using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
-using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
 using qel::test::MainLoopThread;
 using qel::test::noManager;
@@ -40,7 +40,7 @@ using HardwareSide = qel::test::Writer;
 
 TEST(HardwareManagerLoss, AnswersOfZero_AreAskedAgainWithoutAWord) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setAnswer([](unsigned int call) { return call == 4 ? 1 : 0; });
     shm::QelSharedMemoryReader sut(60, false);
     LogCapture const log("qel.shm.access.reader");
@@ -53,7 +53,7 @@ TEST(HardwareManagerLoss, AnswersOfZero_AreAskedAgainWithoutAWord) {
 
 TEST(HardwareManagerLoss, ErrorReplies_AreToldOneByOne_UntilOneSucceeds) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setError("still starting");
     LogCapture const log("qel.shm.access.reader");
     shm::QelSharedMemoryReader const sut(60, false);
@@ -68,7 +68,7 @@ TEST(HardwareManagerLoss, ErrorReplies_AreToldOneByOne_UntilOneSucceeds) {
 
 TEST(HardwareManagerLoss, SlowReply_IsWaitedForInTheBackground) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setDelay(2s);
     LogCapture const log("qel.shm.access.reader");
     auto const begin = Clock::now();
@@ -84,7 +84,7 @@ TEST(HardwareManagerLoss, SlowReply_IsWaitedForInTheBackground) {
 
 TEST(HardwareManagerLoss, NameGivenUpAndTakenAgain_IsFollowed) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setAnswer(0);
     LogCapture const log("qel.shm.access.reader");
     MainLoopThread const loop;
@@ -126,14 +126,14 @@ TEST(HardwareManagerLoss, KilledDuringACall_IsTold_AndTheNextOneServesTheSameRea
 TEST(HardwareManagerLoss, RestartedAfterTheRegionWasMapped_ItsSignalsStillCount) {
     ForgedRegion const region;
     MainLoopThread const loop;
-    auto service = std::make_unique<HardwareManagerService>();
+    auto service = std::make_unique<FakeHardwareManager>();
     shm::QelSharedMemoryReader sut(60, false);
     ASSERT_TRUE(eventually([&] { return sut.modifications() == 1; }));
     for (unsigned int restart = 1; restart <= 3; ++restart) {
         service.reset();
         EXPECT_EQ(nullptr, sut.mpnt(1, true)) << "look-ups need no hardware manager";
         EXPECT_EQ(0U, sut.modifications());
-        service = std::make_unique<HardwareManagerService>();
+        service = std::make_unique<FakeHardwareManager>();
         service->emitStructureChanged();
         EXPECT_TRUE(eventually([&] { return sut.modifications() == 1; })) << restart;
     }

@@ -9,8 +9,8 @@
 #include "tests/reader/MappedReader.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 
 #include <gmock/gmock.h>
@@ -55,7 +55,7 @@ TEST(ReaderWithoutConnection, IsBuiltWithoutSubscription_AndOpensAllTheSame) {
     region.point(5, unit);
     region.devices({5});
     qel::test::MainLoopThread const loop;
-    qel::test::HardwareManagerService service;
+    qel::test::FakeHardwareManager service;
     LogCapture log("qel.shm.access.reader");
     std::unique_ptr<shm::QelSharedMemoryReader> sut;
     {

@@ -7,8 +7,8 @@
 #include "tests/faults/FaultLines.h"
 #include "tests/reader/BusFailures.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/MainLoopThread.h"
 
 #include <gtest/gtest.h>

@@ -8,7 +8,7 @@
 #include "tests/faults/RefusedCalls.h"
 #include "tests/reader/BusFailures.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/MainLoopThread.h"
 #include "tests/support/RawRegion.h"
 #include "writer/QelSharedMemoryWriter.h"
@@ -50,7 +50,7 @@ TEST_P(ThreadShortage, Writer_Throws_LeavesNoRegion_AndTheNextOneSucceeds) {
 TEST_P(ThreadShortage, Reader_Throws_LeavesNoSubscription_AndTheNextOneSucceeds) {
     auto const connection = qel::test::sharedConnection(); // GLib has its own thread before threads run short
     qel::test::MainLoopThread const loop;
-    qel::test::HardwareManagerService service;
+    qel::test::FakeHardwareManager service;
     LogCapture log("qel", log4cpp::Priority::INFO);
     withRefused(Refused::NewThreads, GetParam(),
                 [] { EXPECT_THROW(shm::QelSharedMemoryReader(1, false), boost::thread_resource_error); });

@@ -5,7 +5,7 @@
 
 #include "tests/reader/SleepRecorder.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/Rounds.h"
 
 #include <fcntl.h>
@@ -165,7 +165,7 @@ INSTANTIATE_TEST_SUITE_P(Region, HostileWriterTest,
 TEST(HostileVersionTest, EveryVersionButOne_KeepsAWaitingReaderWaiting) {
     constexpr int active = 32;
     RawRegion const raw(true);
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     LogCapture const log;
     SleepRecorder const sleeps;
     std::atomic<bool> isReady{false};

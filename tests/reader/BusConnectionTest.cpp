@@ -4,9 +4,9 @@
 #include "reader/BusConnection.h"
 
 #include "tests/reader/BusFailures.h"
-#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>

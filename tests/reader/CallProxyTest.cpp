@@ -7,7 +7,7 @@
 #include "tests/reader/BusFailures.h"
 #include "tests/reader/SleepRecorder.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@
 namespace {
 
 using namespace std::chrono_literals;
-using qel::test::HardwareManagerService;
+using qel::test::FakeHardwareManager;
 using qel::test::SleepRecorder;
 
 constexpr char busName[] = "org.qel.HardwareManager";
@@ -78,7 +78,7 @@ protected:
 };
 
 TEST_F(CallProxy, OwnerPresent_CallsThroughTheSameProxyAtOnce) {
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setAnswer(42);
     makeProxy();
     auto* const before = proxy;
@@ -92,7 +92,7 @@ TEST_F(CallProxy, OwnerPresent_CallsThroughTheSameProxyAtOnce) {
 }
 
 TEST_F(CallProxy, ServiceAnswersWithError_GivesFalseAndTheError) {
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setError("still starting");
     makeProxy();
     EXPECT_FALSE(call());
@@ -104,7 +104,7 @@ TEST_F(CallProxy, ServiceAnswersWithError_GivesFalseAndTheError) {
 
 TEST_F(CallProxy, OwnerAppearsAtCreation_CallsAfterThatManyPauses) {
     for (int const creation : {1, 2, 3}) {
-        HardwareManagerService service(false);
+        FakeHardwareManager service(false);
         makeProxy();
         onCreation = [&](int current) {
             if (current == creation) {
@@ -134,7 +134,7 @@ TEST_F(CallProxy, OwnerNeverAppears_CallsAnywayAfterThreeCreations) {
 }
 
 TEST_F(CallProxy, EmptyHolder_IsFilled) {
-    HardwareManagerService service;
+    FakeHardwareManager service;
     EXPECT_TRUE(call());
     EXPECT_EQ(creations, 1);
     EXPECT_EQ(pauses, 1U);
@@ -211,7 +211,7 @@ TEST_F(CallProxy, CreationFailsLater_ReportsItAndGivesUp) {
 }
 
 TEST_F(CallProxy, Arguments_AreForwarded) {
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     makeProxy();
     auto number = std::make_unique<int>(5);
     std::string text = "kept";
@@ -240,7 +240,7 @@ TEST_F(CallProxy, Renewal_KeepsTheBusConnectionAlive) {
 TEST_F(CallProxy, Renewal_AfterConnectionWasClosed_ConnectsAnewAtALaterCall) {
     makeProxy();
     qel::test::closeSharedConnection();
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     EXPECT_TRUE(qel::test::eventually([&] {
         g_clear_error(&error);
         return call();

@@ -3,8 +3,8 @@
 
 #include "reader/OwnedThread.h"
 
-#include "tests/support/AddressSanitizer.h"
 #include "tests/support/ForkedChild.h"
+#include "tests/support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 

@@ -8,8 +8,8 @@
 #include "tests/reader/BusFailures.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
 #include "tests/support/NoMoreDescriptors.h"
@@ -35,8 +35,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using qel::test::eventually;
+using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
-using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
 using qel::test::MainLoopThread;
 using qel::test::ObjectLock;
@@ -108,6 +108,11 @@ private:
 
 class Follower : public testing::Test {
 protected:
+    bool visit(shm::IQelSharedMemoryVisitor& visitor) {
+        auto result = std::make_shared<shm::IQelVisitorResult>();
+        return sut->visit(visitor, result);
+    }
+
     void become(QelShmCondition condition) {
         EXPECT_TRUE(eventually([&] { return sut->condition() == condition; }))
             << "wanted " << condition << ", is " << sut->condition();
@@ -125,8 +130,7 @@ protected:
         EXPECT_EQ((*there)->guid, point);
         EXPECT_NE(sut->reader(), nullptr);
         PointCounter counter;
-        auto result = std::make_shared<shm::IQelVisitorResult>();
-        EXPECT_TRUE(sut->visit(counter, result));
+        EXPECT_TRUE(visit(counter));
         EXPECT_EQ(counter.roots, 1);
         EXPECT_EQ(counter.points, 1);
         EXPECT_EQ(counter.values, 1);
@@ -139,8 +143,7 @@ protected:
         EXPECT_FALSE(sut->mpnt(point, true));
         EXPECT_EQ(sut->reader(), nullptr);
         PointCounter counter;
-        auto result = std::make_shared<shm::IQelVisitorResult>();
-        EXPECT_FALSE(sut->visit(counter, result));
+        EXPECT_FALSE(visit(counter));
         EXPECT_EQ(counter.roots, 0);
     }
 
@@ -156,8 +159,16 @@ protected:
         });
     }
 
+    /// A region with the number 1, and a follower that serves it.
+    std::unique_ptr<ForgedRegion> served() {
+        auto made = activeRegion(1);
+        make();
+        become(QelShmCondition::Active);
+        return made;
+    }
+
     LogCapture log;
-    HardwareManagerService manager;
+    FakeHardwareManager manager;
     MainLoopThread const loop;
     shm::QelShmKeptMVal kept{value};
     Conditions voided;
@@ -171,9 +182,7 @@ TEST_F(Follower, Construction_MakesNoReader) {
 }
 
 TEST_F(Follower, ActiveRegion_IsServed) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     expectNumber(1);
     EXPECT_EQ(readers(), 1U);
     EXPECT_EQ(voided, Conditions{});
@@ -200,9 +209,7 @@ TEST_F(Follower, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
 }
 
 TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     removeName();
     expectNothing();
     EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
@@ -211,9 +218,7 @@ TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
 }
 
 TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     expectNumber(1);
     removeName();
     auto const second = activeRegion(2, 9);
@@ -227,9 +232,7 @@ TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
 }
 
 TEST_F(Follower, WriterThatTookTheSameObjectOver_IsFollowed) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
     expectNothing();
     EXPECT_EQ(sut->condition(), QelShmCondition::Inactive);
@@ -277,9 +280,7 @@ TEST_F(Follower, LockSeenByAFormerReader_CountsForTheNextOne) {
 }
 
 TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     std::this_thread::sleep_for(20ms); // the clock of files is a coarse one
     first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
     int const writer = ::shm_open("QelSharedMemory", O_RDWR, 0);
@@ -295,9 +296,7 @@ TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
 }
 
 TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     for (int round = 0; round < 50; ++round) {
         first->raw().set(qel::test::rawValue(7), 1.0 * round);
         std::this_thread::sleep_for(2ms);
@@ -307,9 +306,7 @@ TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
 }
 
 TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     std::unique_ptr<ForgedRegion> second;
     ActingVisitor visitor([&] {
         removeName();
@@ -319,8 +316,7 @@ TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
         EXPECT_FALSE(sut->mpnt(point));
         EXPECT_EQ(readers(), 1U) << "the visit needs the reader that it runs by";
     });
-    auto result = std::make_shared<shm::IQelVisitorResult>();
-    EXPECT_TRUE(sut->visit(visitor, result));
+    EXPECT_TRUE(visit(visitor));
     EXPECT_EQ(visitor.values, 1) << "the visit goes on by the region that it began with";
     EXPECT_EQ(voided, Conditions{QelShmCondition::Replaced});
     become(QelShmCondition::Active);
@@ -330,36 +326,27 @@ TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
 }
 
 TEST_F(Follower, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     PointCounter inner;
     ActingVisitor visitor([&] {
-        auto result = std::make_shared<shm::IQelVisitorResult>();
-        EXPECT_FALSE(sut->visit(inner, result));
+        EXPECT_FALSE(visit(inner));
         EXPECT_TRUE(sut->mval(value));
     });
-    auto result = std::make_shared<shm::IQelVisitorResult>();
-    EXPECT_TRUE(sut->visit(visitor, result));
+    EXPECT_TRUE(visit(visitor));
     EXPECT_EQ(inner.roots, 0);
     EXPECT_EQ(visitor.values, 1);
     expectNumber(1);
 }
 
 TEST_F(Follower, VisitThatThrew_IsOver) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     ActingVisitor visitor([] { throw std::runtime_error("of the client"); });
-    auto result = std::make_shared<shm::IQelVisitorResult>();
-    EXPECT_THROW(sut->visit(visitor, result), std::runtime_error);
+    EXPECT_THROW(visit(visitor), std::runtime_error);
     expectNumber(1);
 }
 
 TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     QelSharedMemoryFollower other(60, ANY_AGE);
     ASSERT_TRUE(eventually([&] { return other.condition() == QelShmCondition::Active; }));
     auto result = std::make_shared<shm::IQelVisitorResult>();
@@ -378,12 +365,9 @@ TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
 }
 
 TEST_F(Follower, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
-    auto result = std::make_shared<shm::IQelVisitorResult>();
+    auto const first = served();
     ActingVisitor visitor([&] { sut->reader()->visitor(nullptr); });
-    EXPECT_TRUE(sut->visit(visitor, result));
+    EXPECT_TRUE(visit(visitor));
     EXPECT_EQ(visitor.values, 0);
     expectNumber(1);
 }
@@ -461,9 +445,7 @@ TEST_F(Follower, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
 
 TEST_F(Follower, KeptValue_IsNotMistakenForThatOfAnotherReader) {
     // In the second object the same slots hold a point and a key of the same ids, but the value belongs to another point.
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     expectNumber(1);
     removeName();
     auto const second = region(2);
@@ -498,18 +480,14 @@ TEST_F(Follower, SeveralInOneProcess_EachFindTheNewStructure) {
 }
 
 TEST_F(Follower, PointWhoseSlotShowsAnother_IsNotGiven) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     expectNumber(1);
     first->point(5, point + 0x10000); // and no signal
     EXPECT_FALSE(sut->mpnt(point));
 }
 
 TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
-    auto const first = activeRegion(1);
-    make();
-    become(QelShmCondition::Active);
+    auto const first = served();
     expectNumber(1);
     {
         auto const connection = qel::test::sharedConnection();
@@ -559,7 +537,7 @@ TEST(FollowerWithoutBus, NothingIsThrown_AndTriesAreASecondApart) {
     }
     EXPECT_GE(tries, 2U);
     EXPECT_LE(tries, 3U);
-    HardwareManagerService const manager;
+    FakeHardwareManager const manager;
     EXPECT_TRUE(eventually([&] { return sut.condition() == QelShmCondition::Active; }));
     EXPECT_TRUE(sut.mval(value));
 }

@@ -6,12 +6,12 @@
 #include "reader/QelSharedMemoryReader.h"
 
 #include "tests/reader/BusFailures.h"
-#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForkedChild.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
+#include "tests/support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +23,7 @@
 namespace {
 
 using qel::test::eventually;
-using qel::test::HardwareManagerService;
+using qel::test::FakeHardwareManager;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
 using qel::test::MainLoopThread;
@@ -50,7 +50,7 @@ TEST(ReaderOnTheBus, ConnectionClosedAndExchanged_IsToldOnce) {
     testing::internal::CaptureStderr();
     EXPECT_FALSE(sut.initialized());
     testing::internal::GetCapturedStderr();
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     EXPECT_TRUE(eventually([&] { return sut.initialized(); }));
     EXPECT_EQ(log.count(closedLine()), 1U);
 }
@@ -72,7 +72,7 @@ protected:
         EXPECT_TRUE(eventually([&] { return reader->modifications() == 1; }));
     }
 
-    HardwareManagerService manager;
+    FakeHardwareManager manager;
     MainLoopThread const loop;
     std::unique_ptr<QelSharedMemoryReader> reader;
 };

@@ -5,8 +5,8 @@
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
 
@@ -29,8 +29,8 @@
 namespace {
 
 using qel::test::eventually;
+using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
-using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
 using qel::test::MainLoopThread;
@@ -372,7 +372,7 @@ TEST_F(PositionIndex, OneReadersRebuild_LowersTheCounterForAll) {
 TEST(Waiting, Mpnt_NothingMapped_IsNullAndLowersTheCounter) {
     shm::QelSharedMemoryReader sut(0, false);
     MainLoopThread const loop;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.emitStructureChanged();
     ASSERT_TRUE(eventually([&] { return sut.modifications() == 1; }));
     LogCapture const log;
@@ -402,7 +402,7 @@ protected:
         ASSERT_TRUE(eventually([&] { return sut.modifications() == before + 1; }));
     }
 
-    HardwareManagerService service;
+    FakeHardwareManager service;
     MainLoopThread loop;
 };
 

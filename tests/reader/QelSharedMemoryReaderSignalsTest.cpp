@@ -6,7 +6,7 @@
 #include "tests/reader/BusFailures.h"
 #include "tests/reader/SleepRecorder.h"
 #include "tests/support/Eventually.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
 
@@ -21,7 +21,7 @@
 namespace {
 
 using qel::test::eventually;
-using qel::test::HardwareManagerService;
+using qel::test::FakeHardwareManager;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
 using qel::test::MainLoopThread;
@@ -87,7 +87,7 @@ protected:
         return eventually([&] { return reader.modifications() >= count; }) && reader.modifications() == count;
     }
 
-    HardwareManagerService service;
+    FakeHardwareManager service;
     QelSharedMemoryReader reader{0, false};
     MainLoopThread loop;
 };
@@ -148,7 +148,7 @@ TEST(Subscription, OutlivesTheAbsenceOfTheHardwareManager) {
         EXPECT_FALSE(sut.initialized()); // replaces the proxy that the subscription was made with
     }
     MainLoopThread const loop;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.emitStructureChanged();
     EXPECT_TRUE(eventually([&] { return sut.modifications() == 1; }));
 }

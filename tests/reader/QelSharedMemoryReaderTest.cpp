@@ -8,8 +8,8 @@
 #include "tests/reader/NoMoreThreads.h"
 #include "tests/reader/SleepRecorder.h"
 #include "tests/support/Eventually.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ForgedRegion.h"
-#include "tests/support/HardwareManagerService.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/MainLoopThread.h"
 
@@ -28,8 +28,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using qel::test::eventually;
+using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
-using qel::test::HardwareManagerService;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
 using qel::test::MainLoopThread;
@@ -119,7 +119,7 @@ TEST(QelSharedMemoryReader, Constructor_BusUnreachable_LogsAndThrows) {
 TEST(QelSharedMemoryReader, Constructor_WithoutThreadToGet_ThrowsAndLeavesNoSubscription) {
     auto const connection = sharedConnection(); // its worker thread must be there before threads run short
     MainLoopThread const loop;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     LogCapture const log;
     {
         qel::test::NoMoreThreads const shortage;
@@ -135,7 +135,7 @@ TEST(QelSharedMemoryReader, Constructor_WithoutThreadToGet_ThrowsAndLeavesNoSubs
 
 TEST(QelSharedMemoryReader, Constructor_BudgetBeyondTenMinutes_IsCutForPollsOnly) {
     SleepRecorder const time;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setAnswer(0);
     QelSharedMemoryReader const sut(1000, true);
     EXPECT_EQ(sut.polls(), 2400U);
@@ -157,7 +157,7 @@ TEST(QelSharedMemoryReader, Constructor_NotToWait_DoesNotWait) {
 TEST(QelSharedMemoryReader, Constructor_RegionActive_ReturnsEarly) {
     ForgedRegion const region;
     region.activate();
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     auto const start = std::chrono::steady_clock::now();
     QelSharedMemoryReader const sut(120, true);
     EXPECT_LT(std::chrono::steady_clock::now() - start, 60s);
@@ -166,7 +166,7 @@ TEST(QelSharedMemoryReader, Constructor_RegionActive_ReturnsEarly) {
 
 TEST(QelSharedMemoryReader, Constructor_RegionMappedButInactive_WaitsOutItsSeconds) {
     ForgedRegion const region;
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     LogCapture const log;
     auto const start = std::chrono::steady_clock::now();
     QelSharedMemoryReader const sut(2, true);
@@ -177,7 +177,7 @@ TEST(QelSharedMemoryReader, Constructor_RegionMappedButInactive_WaitsOutItsSecon
 
 TEST(QelSharedMemoryReader, Constructor_RegionBecomesActiveWhileWaiting_Returns) {
     ForgedRegion const region;
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     std::thread writer([&] {
         std::this_thread::sleep_for(500ms);
         region.activate();
@@ -194,7 +194,7 @@ TEST(QelSharedMemoryReader, WaitThread_HardwareManagerInitialized_MapsRegion) {
     region.point(5, 0x0100000000000000);
     region.devices({5});
     region.activate();
-    HardwareManagerService service;
+    FakeHardwareManager service;
     LogCapture const log;
     QelSharedMemoryReader sut(60, false);
     ASSERT_TRUE(log.waitFor(debug("onInitialized: modifications = 0x1")));
@@ -207,7 +207,7 @@ TEST(QelSharedMemoryReader, WaitThread_HardwareManagerInitialized_MapsRegion) {
 
 TEST(QelSharedMemoryReader, WaitThread_InitializedAtFifthPoll_ToldAsOneSecond) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setAnswer([](unsigned int call) { return call == 5 ? 1 : 0; });
     LogCapture const log;
     QelSharedMemoryReader const sut(60, false);
@@ -220,7 +220,7 @@ TEST(QelSharedMemoryReader, WaitThread_HardwareManagerAppearsLater_MapsRegion) {
     LogCapture const log;
     QelSharedMemoryReader const sut(60, false);
     ASSERT_TRUE(log.waitFor(notQueried(unknownService)));
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     EXPECT_TRUE(log.waitFor(debug("onInitialized: modifications = 0x1")));
     EXPECT_TRUE(sut.root());
 }
@@ -228,7 +228,7 @@ TEST(QelSharedMemoryReader, WaitThread_HardwareManagerAppearsLater_MapsRegion) {
 TEST(QelSharedMemoryReader, WaitThread_WithoutBudget_NeverAsks) {
     ForgedRegion const region;
     region.activate();
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     {
         QelSharedMemoryReader const sut(0, false);
         EXPECT_FALSE(sut.root());
@@ -238,7 +238,7 @@ TEST(QelSharedMemoryReader, WaitThread_WithoutBudget_NeverAsks) {
 
 TEST(QelSharedMemoryReader, WaitThread_BudgetRunsOut_LeavesReaderWaiting) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setAnswer([](unsigned int call) { return call <= 4 ? 0 : 1; });
     QelSharedMemoryReader sut(1, false);
     ASSERT_TRUE(service.waitForCalls(4));
@@ -249,7 +249,7 @@ TEST(QelSharedMemoryReader, WaitThread_BudgetRunsOut_LeavesReaderWaiting) {
 }
 
 TEST(QelSharedMemoryReader, Initialized_AnswerOne_IsTrueAndSilent) {
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
     EXPECT_TRUE(sut.initialized());
@@ -257,7 +257,7 @@ TEST(QelSharedMemoryReader, Initialized_AnswerOne_IsTrueAndSilent) {
 }
 
 TEST(QelSharedMemoryReader, Initialized_AnyOtherAnswer_IsFalseAndSilent) {
-    HardwareManagerService service;
+    FakeHardwareManager service;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
     for (int const answer : {0, 2, -1, 257}) {
@@ -268,7 +268,7 @@ TEST(QelSharedMemoryReader, Initialized_AnyOtherAnswer_IsFalseAndSilent) {
 }
 
 TEST(QelSharedMemoryReader, Initialized_ErrorReply_IsToldWithDecimalCode) {
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setError("not yet");
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
@@ -297,7 +297,7 @@ TEST(QelSharedMemoryReader, Initialized_BusGone_IsToldAndRecoversWithTheBus) {
                 testing::HasSubstr("The attempt to get a new proxy failed with: "));
     EXPECT_THAT(log.entries(), ElementsAre(notQueried(", code = 24, msg = The proxy creation failed")));
 
-    HardwareManagerService const service;
+    FakeHardwareManager const service;
     EXPECT_TRUE(eventually([&] { return sut.initialized(); }));
 }
 
@@ -324,7 +324,7 @@ TEST(QelSharedMemoryReader, Destructor_HardwareManagerAbsent_ReturnsAfterOnePoll
 
 TEST(QelSharedMemoryReader, Destructor_DuringCall_WaitsForItsEnd) {
     ForgedRegion const region;
-    HardwareManagerService service;
+    FakeHardwareManager service;
     service.setDelay(1s);
     LogCapture const log;
     auto sut = std::make_unique<QelSharedMemoryReader>(600, false);

@@ -4,10 +4,9 @@
 #include "reader/Thread.h"
 
 #include "tests/reader/NoMoreThreads.h"
-#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
-#include "tests/support/ThreadSanitizer.h"
+#include "tests/support/Sanitizers.h"
 
 #include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>

@@ -47,7 +47,7 @@ std::ostream& operator<<(std::ostream& out, Counting const& item) {
 TEST(LogLineTest, StartsWithTheOperationAndReachesTheCategoryAtTheEndOfItsScope) {
     LogCapture const log;
     {
-        LogLine sut(shm::accessLog(), Priority::WARN, "openShm");
+        LogLine sut(shm::accessLog, Priority::WARN, "openShm");
         sut << "some "
             << "words";
         EXPECT_THAT(log.entries(), IsEmpty());
@@ -59,7 +59,7 @@ TEST(LogLineTest, EveryLevelIsKept) {
     LogCapture log;
     for (int const level :
          {Priority::CRIT, Priority::ERROR, Priority::WARN, Priority::INFO, Priority::DEBUG}) {
-        LogLine(shm::accessLog(), level, "op") << "words";
+        LogLine(shm::accessLog, level, "op") << "words";
         EXPECT_THAT(log.take(), ElementsAre(LogEntry{access, level, "op: words"}));
     }
     static_assert(Priority::CRIT == 200 && Priority::ERROR == 300 && Priority::WARN == 400);
@@ -68,8 +68,8 @@ TEST(LogLineTest, EveryLevelIsKept) {
 
 TEST(LogLineTest, NumbersAreHexadecimalWithPrefixAndZeroIsBare) {
     LogCapture const log;
-    LogLine(shm::accessLog(), Priority::INFO, "op") << 255 << ' ' << 0 << ' ' << 0xFFFFFFFFU << ' ' << -1LL
-                                                    << ' ' << std::numeric_limits<long long>::max();
+    LogLine(shm::accessLog, Priority::INFO, "op") << 255 << ' ' << 0 << ' ' << 0xFFFFFFFFU << ' ' << -1LL
+                                                  << ' ' << std::numeric_limits<long long>::max();
     EXPECT_THAT(log.entries(),
                 ElementsAre(LogEntry{access, Priority::INFO,
                                      "op: 0xff 0 0xffffffff 0xffffffffffffffff 0x7fffffffffffffff"}));
@@ -77,23 +77,23 @@ TEST(LogLineTest, NumbersAreHexadecimalWithPrefixAndZeroIsBare) {
 
 TEST(LogLineTest, ALineMayTurnToDecimal) {
     LogCapture const log;
-    LogLine(shm::accessLog(), Priority::INFO, "op") << 16 << ' ' << std::dec << 16 << ' ' << std::hex << 16;
+    LogLine(shm::accessLog, Priority::INFO, "op") << 16 << ' ' << std::dec << 16 << ' ' << std::hex << 16;
     EXPECT_THAT(log.entries(), ElementsAre(LogEntry{access, Priority::INFO, "op: 0x10 16 0x10"}));
 }
 
 TEST(LogLineTest, TextIsNoFormat) {
     LogCapture const log;
-    LogLine(shm::accessLog(), Priority::INFO, "op") << "100 % %s %n";
+    LogLine(shm::accessLog, Priority::INFO, "op") << "100 % %s %n";
     EXPECT_THAT(log.entries(), ElementsAre(LogEntry{access, Priority::INFO, "op: 100 % %s %n"}));
 }
 
 TEST(LogLineTest, NothingIsFormattedWhileTheLevelIsOff) {
     LogCapture const log("qel", Priority::INFO);
     int times = 0;
-    LogLine(shm::accessLog(), Priority::DEBUG, "op") << Counting{times} << std::dec << Counting{times};
+    LogLine(shm::accessLog, Priority::DEBUG, "op") << Counting{times} << std::dec << Counting{times};
     EXPECT_EQ(times, 0);
     EXPECT_THAT(log.entries(), IsEmpty());
-    LogLine(shm::accessLog(), Priority::INFO, "op") << Counting{times};
+    LogLine(shm::accessLog, Priority::INFO, "op") << Counting{times};
     EXPECT_EQ(times, 1);
     EXPECT_THAT(log.entries(), ElementsAre(LogEntry{access, Priority::INFO, "op: item"}));
 }
@@ -107,16 +107,15 @@ protected:
 TEST(LogLineTest, TheLocaleOfTheProcessDoesNotShow) {
     LogCapture const log;
     auto const former = std::locale::global(std::locale(std::locale::classic(), new GroupedDigits));
-    LogLine(shm::accessLog(), Priority::INFO, "op") << 0x12345;
+    LogLine(shm::accessLog, Priority::INFO, "op") << 0x12345;
     std::locale::global(former);
     EXPECT_THAT(log.entries(), ElementsAre(LogEntry{access, Priority::INFO, "op: 0x12345"}));
 }
 
 TEST(LogLineTest, IsDeclaredToThrowNothing) {
-    static_assert(noexcept(shm::accessLog())&& noexcept(shm::writerLog())&& noexcept(
-        shm::readerLog())&& noexcept(shm::statesLog())&& noexcept(shm::formatLog()));
+    static_assert(noexcept(shm::accessLog.get()));
     static_assert(
-        std::is_nothrow_constructible_v<LogLine, shm::LogCategory, Priority::Value, std::string_view>);
+        std::is_nothrow_constructible_v<LogLine, shm::LogCategory const&, Priority::Value, std::string_view>);
     static_assert(std::is_nothrow_destructible_v<LogLine>);
     static_assert(noexcept(std::declval<LogLine&>() << std::declval<Counting const&>() << std::dec));
 }
@@ -138,17 +137,17 @@ struct LogicError : std::logic_error {
 TEST(LogLineTest, AnItemWhosePrintingThrows_TakesTheWholeLineWithIt) {
     LogCapture const log;
     int times = 0;
-    LogLine(shm::accessLog(), Priority::INFO, "op") << "before " << Throwing<LogicError>() << Counting{times};
-    LogLine(shm::accessLog(), Priority::INFO, "op") << Throwing<int>() << std::dec << 1;
+    LogLine(shm::accessLog, Priority::INFO, "op") << "before " << Throwing<LogicError>() << Counting{times};
+    LogLine(shm::accessLog, Priority::INFO, "op") << Throwing<int>() << std::dec << 1;
     EXPECT_EQ(times, 0) << "what stands behind it is not formatted any more";
     EXPECT_THAT(log.entries(), IsEmpty());
-    LogLine(shm::accessLog(), Priority::INFO, "op") << "next";
+    LogLine(shm::accessLog, Priority::INFO, "op") << "next";
     EXPECT_THAT(log.entries(), ElementsAre(LogEntry{access, Priority::INFO, "op: next"}));
 }
 
 TEST(LogLineTest, AnItemWhosePrintingThrows_IsNotPrintedWhileTheLevelIsOff) {
     LogCapture const log("qel", Priority::INFO);
-    LogLine(shm::accessLog(), Priority::DEBUG, "op") << Throwing<LogicError>();
+    LogLine(shm::accessLog, Priority::DEBUG, "op") << Throwing<LogicError>();
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
@@ -162,7 +161,7 @@ std::ostream& operator<<(std::ostream& out, Failing const& /*item*/) {
 
 TEST(LogLineTest, AnItemThatLeavesTheStreamFailed_TakesTheWholeLineWithIt) {
     LogCapture const log;
-    LogLine(shm::accessLog(), Priority::INFO, "op") << "before " << Failing() << " behind";
+    LogLine(shm::accessLog, Priority::INFO, "op") << "before " << Failing() << " behind";
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
@@ -170,7 +169,7 @@ std::string const longText(300, 'x');
 
 /// Logs a line of many kinds of items, long enough for its text to move several times.
 void logMuch() noexcept {
-    LogLine(shm::accessLog(), Priority::INFO, "operation")
+    LogLine(shm::accessLog, Priority::INFO, "operation")
         << longText << ' ' << 255 << " text " << -1LL << ' ' << std::dec << 1.5 << true;
 }
 
@@ -215,7 +214,7 @@ TEST(LogLineTest, WhenMemoryEndsBeforeTheFirstLine_TheCategoryIsLookedUpLater) {
                 failures = memory.failures();
             } while (failures != 0);
             // Without the search for leaks: log4cpp loses a category that it cannot enter for want of memory.
-            std::_Exit(shm::accessLog().get() != nullptr && allowed > 1 ? 0 : 1);
+            std::_Exit(shm::accessLog.get() != nullptr && allowed > 1 ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
@@ -242,7 +241,7 @@ public:
 
 private:
     std::ostringstream text_;
-    log4cpp::Category& category_ = *shm::accessLog().get();
+    log4cpp::Category& category_ = *shm::accessLog.get();
 };
 
 TEST(LogLineTest, WhenBytesEnd_UsualAppendersStillHaveWhatTheyNeed) {
@@ -260,11 +259,11 @@ TEST(LogLineTest, WhenBytesEnd_UsualAppendersStillHaveWhatTheyNeed) {
 }
 
 TEST(LogLineTest, CategoriesBearTheirNames) {
-    EXPECT_EQ(shm::accessLog().getName(), "qel.shm.access");
-    EXPECT_EQ(shm::writerLog().getName(), "qel.shm.access.writer");
-    EXPECT_EQ(shm::readerLog().getName(), "qel.shm.access.reader");
-    EXPECT_EQ(shm::statesLog().getName(), "qel.shm.access.states");
-    EXPECT_EQ(shm::formatLog().getName(), "qel.shm.access.format");
+    EXPECT_EQ(shm::accessLog.get()->getName(), "qel.shm.access");
+    EXPECT_EQ(shm::writerLog.get()->getName(), "qel.shm.access.writer");
+    EXPECT_EQ(shm::readerLog.get()->getName(), "qel.shm.access.reader");
+    EXPECT_EQ(shm::statesLog.get()->getName(), "qel.shm.access.states");
+    EXPECT_EQ(shm::formatLog.get()->getName(), "qel.shm.access.format");
 }
 
 } // namespace

@@ -6,8 +6,8 @@
 
 #include "region/OwnObject.h"
 
-#include "region/QelSharedMemoryAccess.h"
 #include "tests/region/FailingCall.h"
+#include "tests/region/RegionObject.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/RawRegion.h"
 
@@ -33,67 +33,38 @@
 #include <thread>
 #include <vector>
 
+namespace qel::test {
+
 namespace {
 
 namespace fs = std::filesystem;
 using log4cpp::Priority;
-using qel::test::Call;
-using qel::test::FailingCall;
-using qel::test::LogCapture;
-using qel::test::LogEntry;
-using qel::test::rawRegionExists;
-using qel::test::rawRegionSize;
-using qel::test::rawRegionSizeNow;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-constexpr char const* objectFile = "/dev/shm/QelSharedMemory";
-constexpr char const* linkedFile = "/dev/shm/linked";
 constexpr uid_t nobody = 65534;
 
-LogEntry removing(std::string const& what) {
-    return {"qel.shm.access", Priority::WARN,
-            "openShm: removing what stands under the name of the shared memory and is not ours: " + what};
-}
-LogEntry error(std::string const& text) {
-    return {"qel.shm.access", Priority::ERROR, text};
-}
 LogEntry notOpened(int number) {
     return error(std::string("errorShm: failed to open the shared memory file, ") + std::strerror(number));
 }
 
-class Writer : public shm::QelSharedMemoryAccess {
-public:
-    Writer() : QelSharedMemoryAccess(shm::ShmAccess::Write) {}
-};
-
-void makeFile(char const* path, mode_t mode, uid_t owner = ::geteuid()) {
-    std::ofstream(path, std::ios::binary) << std::string(rawRegionSize, '\x5A');
+void makeFileOf(uid_t owner, mode_t mode, char const* path = objectFile) {
+    makeFile(rawRegionSize, path);
     ASSERT_EQ(0, ::chown(path, owner, static_cast<gid_t>(-1)));
     ASSERT_EQ(0, ::chmod(path, mode));
 }
 
-bool isUntouched(char const* path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {}) == std::string(rawRegionSize, '\x5A');
+void makeOwnFile(mode_t mode, char const* path = objectFile) {
+    makeFileOf(::geteuid(), mode, path);
 }
 
-struct stat statusOf(char const* path) {
-    struct stat status = {};
-    EXPECT_EQ(0, ::lstat(path, &status));
-    return status;
-}
-
-class OwnObjectTest : public testing::Test {
+class OwnObjectTest : public RegionObjectTest {
 protected:
-    OwnObjectTest() { clear(); }
-    ~OwnObjectTest() override { clear(); }
-
     /// That the writer has a region, in an object of its own with mode 0644.
     static void expectOwn(Writer const& writer) {
         ASSERT_TRUE(writer.root());
-        auto const status = statusOf(objectFile);
+        auto const status = statusOf();
         EXPECT_TRUE(S_ISREG(status.st_mode));
         EXPECT_EQ(::geteuid(), status.st_uid);
         EXPECT_EQ(0644U, status.st_mode & 07777U);
@@ -102,12 +73,6 @@ protected:
     }
 
     LogCapture log{"qel.shm.access", Priority::WARN};
-
-private:
-    static void clear() {
-        fs::remove_all(objectFile);
-        fs::remove_all(linkedFile);
-    }
 };
 
 struct Foreign {
@@ -129,26 +94,26 @@ void makeSocket() {
 
 std::vector<Foreign> const& foreigners() {
     static auto const* const all = new std::vector<Foreign>{
-        {"AnotherUser", [] { makeFile(objectFile, 0644, nobody); }, "a file of user 0xfffe"},
-        {"AnotherUserForAll", [] { makeFile(objectFile, 0666, nobody); },
+        {"AnotherUser", [] { makeFileOf(nobody, 0644); }, "a file of user 0xfffe"},
+        {"AnotherUserForAll", [] { makeFileOf(nobody, 0666); },
          "a file of user 0xfffe, which its group may write, which others may write"},
-        {"GroupMayWrite", [] { makeFile(objectFile, 0664); }, "a file of user 0, which its group may write"},
-        {"OthersMayWrite", [] { makeFile(objectFile, 0646); }, "a file of user 0, which others may write"},
+        {"GroupMayWrite", [] { makeOwnFile(0664); }, "a file of user 0, which its group may write"},
+        {"OthersMayWrite", [] { makeOwnFile(0646); }, "a file of user 0, which others may write"},
         {"HardLink",
          [] {
-             makeFile(linkedFile, 0644);
+             makeOwnFile(0644, linkedFile);
              fs::create_hard_link(linkedFile, objectFile);
          },
          "a file of user 0, which has 0x2 names"},
         {"HardLinkOfAnotherUser",
          [] {
-             makeFile(linkedFile, 0644, nobody);
+             makeFileOf(nobody, 0644, linkedFile);
              fs::create_hard_link(linkedFile, objectFile);
          },
          "a file of user 0xfffe, which has 0x2 names"},
         {"SymbolicLink",
          [] {
-             makeFile(linkedFile, 0644);
+             makeOwnFile(0644, linkedFile);
              fs::create_symlink(linkedFile, objectFile);
              ASSERT_EQ(0, ::lchown(objectFile, nobody, nobody));
          },
@@ -168,14 +133,14 @@ TEST_P(ForeignObjectTest, Writer_ReplacesIt_AndLeavesAloneWhatItWas) {
         GTEST_SKIP() << "only root can make objects of others";
     }
     GetParam().make();
-    auto const former = statusOf(objectFile);
+    auto const former = statusOf();
     bool const isLinked = fs::exists(linkedFile);
     {
         Writer sut;
         sut.openShm();
         EXPECT_THAT(log.take(), ElementsAre(removing(GetParam().text)));
         expectOwn(sut);
-        EXPECT_NE(former.st_ino, statusOf(objectFile).st_ino);
+        EXPECT_NE(former.st_ino, statusOf().st_ino);
         if (isLinked) {
             EXPECT_TRUE(isUntouched(linkedFile));
         }
@@ -190,19 +155,19 @@ INSTANTIATE_TEST_SUITE_P(Of, ForeignObjectTest, testing::ValuesIn(foreigners()),
 
 TEST_F(OwnObjectTest, OwnObjectOfANarrowerMode_IsReused) {
     for (mode_t const mode : {0644U, 0640U, 0600U, 0755U}) {
-        makeFile(objectFile, mode);
-        auto const former = statusOf(objectFile);
+        makeOwnFile(mode);
+        auto const former = statusOf();
         Writer sut;
         sut.openShm();
         ASSERT_TRUE(sut.root());
-        EXPECT_EQ(former.st_ino, statusOf(objectFile).st_ino);
-        EXPECT_EQ(mode, statusOf(objectFile).st_mode & 07777U);
+        EXPECT_EQ(former.st_ino, statusOf().st_ino);
+        EXPECT_EQ(mode, statusOf().st_mode & 07777U);
         EXPECT_THAT(log.entries(), IsEmpty());
     }
 }
 
 TEST_F(OwnObjectTest, ObjectOfAnotherUserThatIsHeldOpen_IsNeitherWipedNorResized) {
-    makeFile(objectFile, 0666, nobody);
+    makeFileOf(nobody, 0666);
     int const fd = ::open(objectFile, O_RDWR | O_CLOEXEC);
     fs::resize_file(objectFile, 5);
     Writer sut;
@@ -221,7 +186,7 @@ TEST_F(OwnObjectTest, ObjectOfAnotherUserThatIsHeldOpen_IsNeitherWipedNorResized
 TEST_F(OwnObjectTest, OpeningThatIsRefusedForAnotherUsersObject_IsThatObjectRemoved) {
     // What the kernel says with fs.protected_regular, and of leases.
     for (int const refusal : {EACCES, EWOULDBLOCK}) {
-        makeFile(objectFile, 0666, nobody);
+        makeFileOf(nobody, 0666);
         FailingCall const failing(Call::ShmOpen, refusal);
         Writer sut;
         sut.openShm();
@@ -233,7 +198,7 @@ TEST_F(OwnObjectTest, OpeningThatIsRefusedForAnotherUsersObject_IsThatObjectRemo
 }
 
 TEST_F(OwnObjectTest, OpeningThatIsRefusedForAnOwnObject_Fails) {
-    makeFile(objectFile, 0644);
+    makeOwnFile(0644);
     FailingCall const failing(Call::ShmOpen, EACCES);
     EXPECT_EQ(-1, shm::openOwnObject());
     EXPECT_EQ(EACCES, errno);
@@ -242,19 +207,19 @@ TEST_F(OwnObjectTest, OpeningThatIsRefusedForAnOwnObject_Fails) {
 }
 
 TEST_F(OwnObjectTest, ObjectThatCannotBeLookedAt_IsReplaced) {
-    makeFile(objectFile, 0644);
-    auto const former = statusOf(objectFile);
+    makeOwnFile(0644);
+    auto const former = statusOf();
     FailingCall const failing(Call::Fstat, EIO);
     Writer sut;
     sut.openShm();
     EXPECT_THAT(log.entries(),
                 ElementsAre(removing("the system does not tell what it is, Input/output error")));
     expectOwn(sut);
-    EXPECT_NE(former.st_ino, statusOf(objectFile).st_ino);
+    EXPECT_NE(former.st_ino, statusOf().st_ino);
 }
 
 TEST_F(OwnObjectTest, NameThatCannotBeRemoved_IsAFailedOpening) {
-    makeFile(objectFile, 0644, nobody);
+    makeFileOf(nobody, 0644);
     FailingCall const failing(Call::ShmUnlink, EPERM);
     EXPECT_EQ(-1, shm::openOwnObject());
     EXPECT_EQ(EPERM, errno);
@@ -278,7 +243,7 @@ TEST_F(OwnObjectTest, DirectoryUnderTheName_IsAFailedOpening) {
 }
 
 TEST_F(OwnObjectTest, CreationThatFails_IsAFailedOpening) {
-    makeFile(objectFile, 0664);
+    makeOwnFile(0664);
     FailingCall const failing(Call::ShmOpen, ENOSPC, 1, 1);
     EXPECT_EQ(-1, shm::openOwnObject());
     EXPECT_EQ(ENOSPC, errno);
@@ -286,7 +251,7 @@ TEST_F(OwnObjectTest, CreationThatFails_IsAFailedOpening) {
 }
 
 TEST_F(OwnObjectTest, NameThatIsTakenAnewEachTime_EndsTheOpeningWithOneLine) {
-    makeFile(objectFile, 0644, nobody);
+    makeFileOf(nobody, 0644);
     constexpr int many = 1000000;
     FailingCall const failing(Call::ShmUnlink, 0, many); // as if somebody put it back at once
     EXPECT_EQ(-1, shm::openOwnObject());
@@ -326,3 +291,5 @@ TEST_F(OwnObjectTest, SomebodyWhoPutsHisObjectBackInALoop_NeverHasItAdopted) {
 }
 
 } // namespace
+
+} // namespace qel::test

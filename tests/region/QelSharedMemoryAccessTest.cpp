@@ -4,6 +4,8 @@
 #include "region/QelSharedMemoryAccess.h"
 
 #include "tests/region/FailingCall.h"
+#include "tests/region/RegionObject.h"
+#include "tests/support/ForkedChild.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/RawRegion.h"
 
@@ -15,7 +17,6 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,7 +24,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
+#include <functional>
 #include <locale>
 #include <memory>
 #include <sstream>
@@ -32,60 +33,16 @@
 #include <utility>
 #include <vector>
 
+namespace qel::test {
+
 namespace {
 
 namespace fs = std::filesystem;
 using log4cpp::Priority;
-using qel::test::Call;
-using qel::test::FailingCall;
-using qel::test::LogCapture;
-using qel::test::LogEntry;
-using qel::test::rawNone;
-using qel::test::rawPoint;
-using qel::test::RawRegion;
-using qel::test::rawRegionExists;
-using qel::test::rawRegionSize;
-using qel::test::rawRegionSizeNow;
-using qel::test::rawRootOffset;
-using qel::test::rawValue;
 using shm::ShmAccess;
 using shm::ShmError;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr char const* category = "qel.shm.access";
-constexpr char const* objectFile = "/dev/shm/QelSharedMemory";
-
-LogEntry info(std::string const& text) {
-    return {category, Priority::INFO, text};
-}
-LogEntry warning(std::string const& text) {
-    return {category, Priority::WARN, text};
-}
-LogEntry error(std::string const& text) {
-    return {category, Priority::ERROR, text};
-}
-
-class Access : public shm::QelSharedMemoryAccess {
-public:
-    using QelSharedMemoryAccess::errorShm;
-    using QelSharedMemoryAccess::QelSharedMemoryAccess;
-    using QelSharedMemoryAccess::region;
-    using QelSharedMemoryAccess::treenode;
-    using QelSharedMemoryAccess::unlinkShm;
-
-    std::uint8_t const* bytes() const { return reinterpret_cast<std::uint8_t const*>(region()); }
-};
-
-class Writer : public Access {
-public:
-    Writer() : Access(ShmAccess::Write) {}
-};
-
-class Reader : public Access {
-public:
-    Reader() : Access(ShmAccess::Read) {}
-};
 
 bool isMapped(void const* address) {
     unsigned char resident = 0;
@@ -112,16 +69,8 @@ bool isWiped(std::vector<std::uint8_t> const& bytes) {
     return std::all_of(bytes.begin(), bytes.end(), [](auto byte) { return byte == 0xFF; });
 }
 
-/// Makes an object of that size, each byte 0x5A.
-void makeObject(std::size_t size) {
-    std::ofstream(objectFile, std::ios::binary) << std::string(size, '\x5A');
-}
-
-class QelSharedMemoryAccessTest : public ::testing::Test {
+class QelSharedMemoryAccessTest : public RegionObjectTest {
 protected:
-    QelSharedMemoryAccessTest() { fs::remove_all(objectFile); }
-    ~QelSharedMemoryAccessTest() override { fs::remove_all(objectFile); }
-
     LogCapture log;
 };
 
@@ -220,20 +169,17 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterCreatesTheObjectReadableByAllAnd
     Writer sut;
     sut.openShm();
     ::umask(former);
-    struct stat status = {};
-    ASSERT_EQ(::stat(objectFile, &status), 0);
+    auto const status = statusOf();
     EXPECT_EQ(status.st_mode & 07777U, 0644U);
 }
 
 TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterReusesAndWipesADirtyObject) {
-    makeObject(rawRegionSize);
+    makeFile();
     RawRegion const raw;
-    struct stat before = {};
-    ASSERT_EQ(::stat(objectFile, &before), 0);
+    auto const before = statusOf();
     Writer sut;
     sut.openShm();
-    struct stat after = {};
-    ASSERT_EQ(::stat(objectFile, &after), 0);
+    auto const after = statusOf();
     EXPECT_EQ(before.st_ino, after.st_ino);
     EXPECT_TRUE(isWiped(raw.copy())) << "as seen by who had mapped the older object";
 }
@@ -241,7 +187,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterReusesAndWipesADirtyObject) {
 TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterResizesAndWipesASmallerOrLargerObject) {
     for (std::size_t const size :
          {std::size_t{0}, std::size_t{1}, rawRegionSize - 1, rawRegionSize + 1, std::size_t{1000000}}) {
-        makeObject(size);
+        makeFile(size);
         Writer sut;
         sut.openShm();
         EXPECT_EQ(rawRegionSizeNow(), 320032) << size;
@@ -262,8 +208,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterMapsReadableAndWritable) {
 TEST_F(QelSharedMemoryAccessTest, OpenShm_ReservesTheMemoryOfTheWholeRegion) {
     Writer sut;
     sut.openShm();
-    struct stat status = {};
-    ASSERT_EQ(::stat(objectFile, &status), 0);
+    auto const status = statusOf();
     EXPECT_GE(status.st_blocks * 512, 320032);
 }
 
@@ -280,7 +225,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_KeepsNoDescriptorOpen) {
 // Opening as a reader
 
 TEST_F(QelSharedMemoryAccessTest, OpenShm_ReaderSeesTheObjectAndCannotWriteIt) {
-    makeObject(rawRegionSize);
+    makeFile();
     Reader sut;
     log.take();
     sut.openShm();
@@ -329,7 +274,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_ReaderMayTryAgain) {
 
 TEST_F(QelSharedMemoryAccessTest, OpenShm_ReaderRefusesATooShortObject) {
     for (std::size_t const size : {std::size_t{0}, std::size_t{4096}, rawRegionSize - 1}) {
-        makeObject(size);
+        makeFile(size);
         Reader sut;
         log.take();
         sut.openShm();
@@ -341,7 +286,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_ReaderRefusesATooShortObject) {
 }
 
 TEST_F(QelSharedMemoryAccessTest, OpenShm_ReaderMapsALargerObject) {
-    makeObject(1000000);
+    makeFile(1000000);
     Reader sut;
     sut.openShm();
     ASSERT_NE(sut.region(), nullptr);
@@ -405,7 +350,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_WriterThatCannotMapRemovesTheName) {
 }
 
 TEST_F(QelSharedMemoryAccessTest, OpenShm_ReaderThatCannotMapLeavesTheName) {
-    makeObject(rawRegionSize);
+    makeFile();
     Reader sut;
     log.take();
     {
@@ -425,8 +370,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_DirectoryInPlaceOfTheObjectIsLogged) {
     log.take();
     writer.openShm();
     EXPECT_THAT(log.take(),
-                ElementsAre(warning("openShm: removing what stands under the name of the shared memory and "
-                                    "is not ours: a directory of user 0"),
+                ElementsAre(removing("a directory of user 0"),
                             error("errorShm: failed to open the shared memory file, Is a directory"),
                             error("errorShm: failed to resize/map the shared memory, Bad file descriptor"),
                             error("unlinkShm: failed to unlink the shared memory, Is a directory"),
@@ -458,9 +402,7 @@ TEST_F(QelSharedMemoryAccessTest, OpenShm_DanglingSymlinkInPlaceOfTheObjectIsRep
     Writer writer;
     log.take();
     writer.openShm();
-    EXPECT_THAT(log.take(),
-                ElementsAre(warning("openShm: removing what stands under the name of the shared memory and "
-                                    "is not ours: a symbolic link of user 0")));
+    EXPECT_THAT(log.take(), ElementsAre(removing("a symbolic link of user 0")));
     EXPECT_NE(writer.region(), nullptr);
     EXPECT_FALSE(fs::is_symlink(objectFile));
     EXPECT_FALSE(fs::exists("/dev/shm/nowhere"));
@@ -515,7 +457,7 @@ TEST_F(QelSharedMemoryAccessTest, CloseShm_ReaderUnmapsAndLeavesTheName) {
 }
 
 TEST_F(QelSharedMemoryAccessTest, CloseShm_WithoutRegionDoesNothingAndRemovesNothing) {
-    makeObject(rawRegionSize);
+    makeFile();
     Writer sut;
     log.take();
     sut.closeShm();
@@ -527,7 +469,7 @@ TEST_F(QelSharedMemoryAccessTest, CloseShm_SecondTimeDoesNotRemoveTheObjectOfAno
     Writer sut;
     sut.openShm();
     sut.closeShm();
-    makeObject(rawRegionSize);
+    makeFile();
     sut.closeShm();
     EXPECT_TRUE(rawRegionExists());
 }
@@ -613,28 +555,14 @@ TEST_F(QelSharedMemoryAccessTest, CloseShm_OfAFormerWriterTakesTheNameOfOneThatS
 
 // A forked child
 
-/// Runs an action in a forked child; whether it got to the end.
-template <typename Action>
-bool inChild(Action const& action) {
-    pid_t const child = ::fork();
-    if (child == 0) {
-        action();
-        ::_exit(0);
-    }
-    int status = -1;
-    return ::waitpid(child, &status, 0) == child && status == 0;
-}
-
 TEST_F(QelSharedMemoryAccessTest, ForkedChild_UnmapsAndLeavesTheNameToItsParent) {
     auto sut = std::make_unique<Writer>();
     sut->openShm();
-    ASSERT_TRUE(inChild([&] {
-        void const* const address = sut->region();
-        sut.reset();
-        if (isMapped(address)) {
-            ::_exit(1);
-        }
-    }));
+    ASSERT_EQ(0, inForkedChild([&] {
+                  void const* const address = sut->region();
+                  sut.reset();
+                  return isMapped(address) ? 1 : 0;
+              }));
     EXPECT_TRUE(rawRegionExists());
     sut->region()->root.version = 32;
     EXPECT_EQ(RawRegion().bytes()[rawRootOffset + 28], 32);
@@ -647,21 +575,24 @@ TEST_F(QelSharedMemoryAccessTest, ForkedChild_UnmapsAndLeavesTheNameToItsParent)
 TEST_F(QelSharedMemoryAccessTest, ForkedChild_ThatClosesOrUnlinksLeavesTheName) {
     Writer sut;
     sut.openShm();
-    EXPECT_TRUE(inChild([&] { sut.closeShm(); }));
-    EXPECT_TRUE(inChild([&] { sut.unlinkShm(); }));
-    EXPECT_TRUE(inChild([&] { sut.errorShm(ShmError::Map, ENOMEM); }));
+    for (std::function<void()> const& leave :
+         {std::function<void()>([&] { sut.closeShm(); }), std::function<void()>([&] { sut.unlinkShm(); }),
+          std::function<void()>([&] { sut.errorShm(ShmError::Map, ENOMEM); })}) {
+        EXPECT_EQ(0, inForkedChild([&] {
+                      leave();
+                      return 0;
+                  }));
+    }
     EXPECT_TRUE(rawRegionExists());
 }
 
 TEST_F(QelSharedMemoryAccessTest, ForkedChild_ThatOpensForItselfRemovesTheName) {
-    EXPECT_TRUE(inChild([] {
-        Writer sut;
-        sut.openShm();
-        sut.closeShm();
-        if (rawRegionExists()) {
-            ::_exit(1);
-        }
-    }));
+    EXPECT_EQ(0, inForkedChild([] {
+                  Writer sut;
+                  sut.openShm();
+                  sut.closeShm();
+                  return rawRegionExists() ? 1 : 0;
+              }));
 }
 
 // Reporting failures
@@ -938,3 +869,5 @@ TEST_F(TreeTest, Treenode_StartsAtTheGivenIndentAndLeavesTheFillAlone) {
 }
 
 } // namespace
+
+} // namespace qel::test

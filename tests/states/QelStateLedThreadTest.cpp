@@ -4,11 +4,11 @@
 #include "states/QelStateLedThread.h"
 
 #include "states/LedSequence.h"
-#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
 #include "tests/support/LedFiles.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/ScarceMemory.h"
 
 #include <gmock/gmock.h>

@@ -20,7 +20,7 @@ constexpr long long values = 263;
 /// The svids of all values.
 std::unordered_set<long long> whole();
 
-/// Those that are there when each socket and each group is left out at random.
+/// The svids that remain if each socket and each group is left out at random.
 std::unordered_set<long long> part(std::mt19937& random);
 
 } // namespace qel::test::changingUnit

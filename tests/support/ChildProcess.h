@@ -14,20 +14,20 @@
 
 namespace qel::test {
 
-/// The words to start a program of this build by: where it is for a foreign processor, an emulator goes before it.
+/// The command line for a program of this build: if it is for a foreign processor, the emulator comes first.
 std::vector<std::string> ownProgram(std::vector<std::string> const& words);
 
-/// A child process whose standard input and output the test holds; standard error is the test's own unless it
-/// is merged into the output. Killed and reaped at the latest when the object goes.
+/// A child process with pipes to its standard input and output. Standard error is the test's own, or merged into the
+/// output. The destructor kills and reaps the process.
 ///
-/// Threads: not shared.
+/// Threads: reentrant.
 class ChildProcess {
 public:
     enum class Errors { Inherit, IntoOutput };
 
     static constexpr std::chrono::milliseconds patience{30000};
 
-    /// Throws std::system_error when the program cannot be started.
+    /// @throws std::system_error if the program cannot be started
     explicit ChildProcess(std::vector<std::string> const& arguments, Errors errors = Errors::Inherit);
     ~ChildProcess();
     ChildProcess(ChildProcess const&) = delete;
@@ -35,23 +35,24 @@ public:
 
     pid_t pid() const { return pid_; }
 
-    /// The next line without its end; nothing at the end of the output or when none came in time.
+    /// @return the next line without its end; nothing at the end of the output or on timeout
     std::optional<std::string> readLine(std::chrono::milliseconds timeout = patience);
 
-    /// Reads lines until one contains the text; false when none came in time. The line is in lastLine().
+    /// Reads lines until one contains the text; that line is lastLine().
+    /// @return false at the end of the output or on timeout
     bool readUntil(std::string const& text, std::chrono::milliseconds timeout = patience);
     std::string const& lastLine() const { return lastLine_; }
 
-    /// All that is left of the output, up to its end.
+    /// @return the rest of the output
     std::string readAll(std::chrono::milliseconds timeout = patience);
 
-    /// Throws std::system_error when the child has closed its input or ended.
+    /// @throws std::system_error if the child has closed its input or ended
     void writeLine(std::string const& line) const;
     void closeInput();
 
     void signal(int number) const;
 
-    /// Exit status, 128 + n when signal n ended it; nothing when it still ran after the time.
+    /// @return exit status, 128 + n if signal n ended it; nothing on timeout
     std::optional<int> wait(std::chrono::milliseconds timeout = patience);
 
 private:

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// A locale whose numbers look unlike those of the locale "C".
+/// A locale that writes numbers differently from the locale "C".
 #pragma once
 
 #include <locale>
@@ -10,10 +10,10 @@
 
 namespace qel::test {
 
-/// While it lives, C and C++ of this process write numbers as in German: "1.234,5". The C library's locale is made by
-/// localedef in a folder of its own, so none needs to be installed; before and after, it is "C".
+/// While the object exists, C and C++ of this process write numbers as in German: "1.234,5". localedef makes the C
+/// library's locale in a temporary folder, so none needs to be installed. Before and after, it is "C".
 ///
-/// Threads: belongs to one thread, and no other one may write numbers meanwhile.
+/// Threads: thread-bound to the thread that made it; no other thread may write numbers.
 class CommaLocale {
 public:
     CommaLocale();
@@ -21,7 +21,7 @@ public:
     CommaLocale(CommaLocale const&) = delete;
     CommaLocale& operator=(CommaLocale const&) = delete;
 
-    /// "" when C writes a comma now, otherwise what went wrong; a test must be skipped then.
+    /// "" if C writes a comma now, otherwise the reason; the test must be skipped then.
     std::string const& problem() const { return problem_; }
 
 private:

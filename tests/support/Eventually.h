@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Waits for what another thread or process brings about.
+/// Waits for the work of another thread or process.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,8 @@
 
 namespace qel::test {
 
-/// True as soon as the condition holds, false when it did not come to that in time.
+/// Waits until the condition holds.
+/// @return false on timeout
 template <typename Condition>
 bool eventually(Condition const& condition, std::chrono::milliseconds timeout = std::chrono::seconds(20)) {
     auto const deadline = std::chrono::steady_clock::now() + timeout;

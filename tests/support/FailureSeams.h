@@ -2,22 +2,20 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Lets a test watch and break what lies below the writer: memory, mutexes, the conversion of a value.
+/// Counts and breaks what the writer depends on: memory, mutexes, the conversion of a value.
 #pragma once
 
 #include <cstddef>
 
 namespace qel::test {
 
-/// Number of allocations by operator new from this program's own code (no shared library) in this thread so
-/// far.
+/// Number of allocations by operator new in this thread so far, by the program's own code without shared libraries.
 std::size_t allocations();
 
-/// Number of mutexes that this program's own code (no shared library) has locked in this thread so far.
+/// Number of mutexes locked in this thread so far, by the program's own code without shared libraries.
 std::size_t locks();
 
-/// While it lives, an allocation by operator new in this thread fails: after as many as are allowed, every
-/// one.
+/// While the object exists, only so many allocations by operator new succeed in this thread.
 class MemoryRunsOut {
 public:
     explicit MemoryRunsOut(std::size_t allowed);
@@ -26,7 +24,7 @@ public:
     MemoryRunsOut& operator=(MemoryRunsOut const&) = delete;
 };
 
-/// While it lives, no mutex can be locked in this thread.
+/// While the object exists, no mutex can be locked in this thread.
 class MutexesFail {
 public:
     MutexesFail();
@@ -35,7 +33,7 @@ public:
     MutexesFail& operator=(MutexesFail const&) = delete;
 };
 
-/// While it lives, converting a measured value in this thread throws something that is no std::exception.
+/// While the object exists, converting a measured value in this thread throws something that is not a std::exception.
 class ConversionThrowsInt {
 public:
     ConversionThrowsInt();

@@ -13,6 +13,8 @@
 namespace qel::test {
 
 /// Creates the shared-memory object, wiped, and writes trees into it without the library's records.
+///
+/// Threads: reentrant.
 class ForgedRegion {
 public:
     ForgedRegion() : raw_(true) { raw_.fill(0xFF); }
@@ -20,10 +22,11 @@ public:
     /// A point without any links.
     void point(std::uint32_t pos, long long svid) const;
 
-    /// Chains points by their next and prev fields and gives the first one's position.
+    /// Links points by their next and prev fields.
+    /// @return the first one's position
     std::uint32_t siblings(std::vector<std::uint32_t> const& positions) const;
 
-    /// Hangs a sibling chain below a point, or into one of the root's lists.
+    /// Links a chain of siblings below a point, or into one of the root's lists.
     void children(std::uint32_t parent, std::vector<std::uint32_t> const& positions) const;
     void devices(std::vector<std::uint32_t> const& positions) const;
     void groups(std::vector<std::uint32_t> const& positions) const;
@@ -39,7 +42,7 @@ private:
     RawRegion raw_;
 };
 
-/// Offsets within a point's slot, a value's slot and the region, once more on purpose.
+/// Offsets within a point's slot, a value's slot and the region; repeated on purpose, see RawRegion.h.
 constexpr std::size_t mpPos = 0;
 constexpr std::size_t mpNext = 4;
 constexpr std::size_t mpPrev = 8;

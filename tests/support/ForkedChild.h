@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What happens in a forked child of the test program.
+/// Runs code in a forked child of the test program.
 #pragma once
 
 #include <chrono>
@@ -11,9 +11,8 @@
 
 namespace qel::test {
 
-/// Forks; the child runs the body and ends with its result, without further ado unless the body calls std::exit.
-/// @return the child's exit status, 128 + n when signal n ended it; nothing when it still ran after the time and had
-/// to be killed
+/// Forks. The child runs the body and ends with its result by _exit(), unless the body calls std::exit().
+/// @return the child's exit status, 128 + n if signal n ended it; nothing if it was killed after the timeout
 std::optional<int> inForkedChild(std::function<int()> const& body,
                                  std::chrono::milliseconds timeout = std::chrono::seconds(20));
 

@@ -13,17 +13,17 @@ namespace qel::test {
 std::string ledDevice(std::string const& color);
 std::string ledFile(std::string const& color);
 
-/// Content of a file byte for byte; "(none)" when it cannot be read.
+/// Content of a file, "(none)" if it cannot be read.
 std::string contentOf(std::string const& path);
 void writeFile(std::string const& path, std::string const& content);
 
 /// The three files in the order red, green, blue, separated by "/".
 std::string ledContents();
 
-/// Puts something of its own choice into all three files, so that a write shows even if it repeats a level.
+/// Writes a mark into all three files, so that a write shows even if it repeats a level.
 void markLedFiles();
 
-/// Brings devices and files back, empty.
+/// Recreates devices and files, empty.
 void restoreLedFiles();
 
 } // namespace qel::test

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What the library logged while a test ran.
+/// Captures what the library logs.
 #pragma once
 
 #include <log4cpp/Priority.hh>
@@ -27,8 +27,9 @@ struct LogEntry {
 
 std::ostream& operator<<(std::ostream& out, LogEntry const& entry);
 
-/// Attaches an appender to a category (and so to all below it) for as long as the object lives, and sets its
-/// threshold. Threads: thread-safe.
+/// While the object exists, an appender is attached to a category and all below it, and its threshold is set.
+///
+/// Threads: thread-safe.
 class LogCapture {
 public:
     explicit LogCapture(std::string const& category = "qel",
@@ -40,13 +41,14 @@ public:
     /// Everything so far, oldest first.
     std::vector<LogEntry> entries() const;
 
-    /// Everything so far; the capture starts anew.
+    /// Everything so far; clears the capture.
     std::vector<LogEntry> take();
 
     bool contains(LogEntry const& entry) const;
     std::size_t count(LogEntry const& entry) const;
 
-    /// Waits until a line stands in the log; false when it did not come in time.
+    /// Waits for a line.
+    /// @return false on timeout
     bool waitFor(LogEntry const& entry, std::chrono::milliseconds timeout = std::chrono::seconds(20)) const;
 
 private:

@@ -13,12 +13,13 @@ using GMainContext = struct _GMainContext;
 
 namespace qel::test {
 
-/// Dispatches what arrives in a main context, on a thread of its own, for as long as the object lives. D-Bus
-/// signals reach a reader that was built on the main thread only while somebody does this for the default
-/// context.
+/// Iterates a main context on a thread of its own while the object exists. D-Bus signals reach a reader that was made on
+/// the main thread only while a thread iterates the default context.
+///
+/// Threads: thread-bound to the thread that made it.
 class MainLoopThread {
 public:
-    /// @param context one more reference is taken; null for the global default context
+    /// @param context null for the global default context
     explicit MainLoopThread(GMainContext* context = nullptr);
     ~MainLoopThread();
     MainLoopThread(MainLoopThread const&) = delete;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// A process without descriptors to give.
+/// A process that has run out of descriptors.
 #pragma once
 
 #include <fcntl.h>
@@ -13,7 +13,9 @@
 
 namespace qel::test {
 
-/// While one lives, the process can open nothing: "Too many open files". What is open goes on to serve.
+/// While the object exists, the process can open no files: "Too many open files". Open ones keep working.
+///
+/// Threads: reentrant; one object at a time.
 class NoMoreDescriptors {
 public:
     NoMoreDescriptors() {

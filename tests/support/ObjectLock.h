@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The lock by which a living writer is known.
+/// The lock of a running writer.
 #pragma once
 
 #include <fcntl.h>
@@ -15,11 +15,13 @@
 
 namespace qel::test {
 
-/// Holds the lock that a writer holds, on the object of the region's name, without a writer.
+/// Holds a writer's lock on the region's object, without a writer.
+///
+/// Threads: reentrant.
 class ObjectLock {
 public:
-    /// @param type F_WRLCK as a writer, F_RDLCK as somebody who may only read
-    /// Throws std::system_error when it cannot be had.
+    /// @param type F_WRLCK as a writer, F_RDLCK as a process that may only read
+    /// @throws std::system_error if the lock is refused
     explicit ObjectLock(short type = F_WRLCK)
         : fd_(::shm_open("QelSharedMemory", type == F_WRLCK ? O_RDWR : O_RDONLY, 0)) {
         struct flock whole = {};

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What a process holds of the system.
+/// Resources of a process.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,11 @@
 
 namespace qel::test {
 
-/// Things that are counted before and after, to see that nothing is left behind.
+/// Counted before and after, to detect leaks.
 struct ProcessResources {
     std::size_t descriptors = 0; ///< open files
     std::size_t threads = 0;     ///< without the idle workers of GLib's pools
-    std::size_t regions = 0;     ///< mappings of the region, also of one whose name is gone
+    std::size_t regions = 0;     ///< mappings of the region, with or without a name
 
     bool operator==(ProcessResources const& other) const {
         return descriptors == other.descriptors && threads == other.threads && regions == other.regions;
@@ -23,10 +23,10 @@ struct ProcessResources {
 
 std::ostream& operator<<(std::ostream& out, ProcessResources const& resources);
 
-/// Those of this process, as /proc tells.
+/// Resources of this process, from /proc.
 ProcessResources ownResources();
 
-/// Whether this process has children, running or not yet reaped. Reaps one that has ended.
+/// Whether this process has children, running or not reaped. Reaps one that has ended.
 bool hasChildren();
 
 } // namespace qel::test

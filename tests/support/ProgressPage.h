@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What a process is doing, for others to see, also after it was killed.
+/// Shows other processes what a process is doing, also after it was killed.
 #pragma once
 
 #include <atomic>
@@ -11,13 +11,14 @@
 
 namespace qel::test {
 
-/// A mark and a count in a file that several processes map. What it is marked with is for them to agree on; both are
-/// 0 in an empty file.
+/// A mark and a count in a file that several processes map; both are 0 in an empty file. The processes agree on what a
+/// mark means.
 ///
-/// Threads and processes: any.
+/// Threads: thread-safe, across processes too.
 class ProgressPage {
 public:
-    /// Maps an existing file and sizes it. Throws std::system_error.
+    /// Maps an existing file and sizes it.
+    /// @throws std::system_error if that fails
     explicit ProgressPage(std::string const& path);
     ~ProgressPage();
     ProgressPage(ProgressPage const&) = delete;

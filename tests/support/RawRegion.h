@@ -12,7 +12,7 @@
 
 namespace qel::test {
 
-/// Numbers of the byte layout, written down here once more on purpose: tests hold the library against these.
+/// Numbers of the byte layout, repeated here on purpose: tests compare the library with them.
 constexpr std::size_t rawRegionSize = 320032;
 constexpr std::size_t rawValuesOffset = 38400;
 constexpr std::size_t rawRootOffset = 320000;
@@ -25,19 +25,22 @@ constexpr std::size_t rawValue(std::uint32_t pos) {
     return rawValuesOffset + pos * std::size_t{32};
 }
 
-/// True while an object of the region's name exists.
+/// Whether an object with the region's name exists.
 bool rawRegionExists();
 
-/// Its size in bytes, -1 while there is none.
+/// Its size in bytes, -1 if there is none.
 long rawRegionSizeNow();
 
-/// Its inode number, which tells objects apart that had the same name; 0 while there is none.
+/// Its inode number, which distinguishes objects of the same name; 0 if there is none.
 std::uint64_t rawRegionInode();
 
-/// A mapping of the existing object, independent of the library's; writable, so that tests can forge content.
+/// A writable mapping of the object, independent of the library's.
+///
+/// Threads: reentrant.
 class RawRegion {
 public:
-    /// Maps an existing object of the right size; with create, makes one of zero bytes first.
+    /// Maps an existing object of the right size.
+    /// @param create whether to create the object first, filled with zeros
     explicit RawRegion(bool create = false);
     ~RawRegion();
     RawRegion(RawRegion const&) = delete;

@@ -3,7 +3,7 @@
 
 #include "tests/support/ScarceMemory.h"
 
-#include "tests/support/ThreadSanitizer.h"
+#include "tests/support/Sanitizers.h"
 
 #include <malloc.h>
 
@@ -67,7 +67,7 @@ bool permits(std::size_t size) {
 
 } // namespace
 
-#ifndef QEL_TEST_THREAD_SANITIZER
+#if !QEL_TEST_THREAD_SANITIZER
 // All of them, so that what one allocates is freed by its counterpart under sanitizers too.
 void* operator new(std::size_t size) {
     void* const block = allocate(size);

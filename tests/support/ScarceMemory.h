@@ -2,10 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Lets a test meet the end of memory anywhere in the process.
+/// Lets memory run out anywhere in the process.
 #pragma once
 
-#include "tests/support/ThreadSanitizer.h"
+#include "tests/support/Sanitizers.h"
 
 #include <gtest/gtest.h>
 
@@ -13,28 +13,30 @@
 
 namespace qel::test {
 
-/// While it lives, operator new fails when memory is used up: for the program's own code and for that of all shared
-/// libraries, unlike MemoryRunsOut. One at a time; a program links qel-scarce-memory for it. Without effect under
-/// ThreadSanitizer, which has an operator new of its own: tests are skipped there by QEL_SKIP_WITHOUT_SCARCE_MEMORY.
+/// While the object exists, operator new fails when memory is used up: in the program's own code and, unlike with
+/// MemoryRunsOut, in all shared libraries. One object at a time; the program must link qel-scarce-memory. It has no effect
+/// under ThreadSanitizer; QEL_SKIP_WITHOUT_SCARCE_MEMORY skips tests there.
+///
+/// Threads: thread-bound to the thread that made it.
 class ScarceMemory {
 public:
-    /// In this thread only so many allocations succeed.
+    /// Only so many allocations succeed in this thread.
     static ScarceMemory afterAllocations(std::size_t allowed);
 
-    /// In this thread only the next allocation after so many fails, those behind it succeed.
+    /// One allocation fails in this thread, after so many that succeed.
     static ScarceMemory onceAfterAllocations(std::size_t allowed);
 
-    /// In this thread no more bytes than these can be allocated; memory that is freed meanwhile can be had again.
+    /// Only so many bytes can be allocated in this thread at a time.
     static ScarceMemory ofBytes(std::size_t bytes);
 
-    /// In all other threads no allocation succeeds.
+    /// No allocation succeeds in other threads.
     static ScarceMemory inOtherThreads();
 
     ~ScarceMemory();
     ScarceMemory(ScarceMemory const&) = delete;
     ScarceMemory& operator=(ScarceMemory const&) = delete;
 
-    /// How many allocations have failed so far by what the object stands for.
+    /// How many allocations this object made fail so far.
     std::size_t failures() const;
 
 private:

@@ -2,14 +2,16 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// A file that lives as long as a test needs it.
+/// A temporary file.
 #pragma once
 
 #include <string>
 
 namespace qel::test {
 
-/// Threads: not shared.
+/// Removed with the object.
+///
+/// Threads: reentrant.
 class TempFile {
 public:
     /// Writes the text to a new file in the directory for temporary files.

@@ -36,7 +36,7 @@ shm::QelSharedMemoryWriter::Definitions definitionsOf(std::vector<long long> con
 
 } // namespace
 
-Storm::Storm(shm::QelSharedMemoryWriter& writer, HardwareManagerService& manager, std::uint32_t seed,
+Storm::Storm(shm::QelSharedMemoryWriter& writer, FakeHardwareManager& manager, std::uint32_t seed,
              ProgressPage& page)
     : writer_(writer),
       manager_(manager),

@@ -5,7 +5,7 @@
 /// A writer that never rests.
 #pragma once
 
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ProgressPage.h"
 #include "writer/QelSharedMemoryWriter.h"
 
@@ -27,7 +27,7 @@ constexpr std::array<char const*, 7> stormStepNames{"none",        "removal",  "
 class Storm {
 public:
     /// @param page where each step is marked while it lasts and counted when it is done; must be there meanwhile
-    Storm(shm::QelSharedMemoryWriter& writer, HardwareManagerService& manager, std::uint32_t seed,
+    Storm(shm::QelSharedMemoryWriter& writer, FakeHardwareManager& manager, std::uint32_t seed,
           ProgressPage& page);
 
     /// Lays out the unit, makes the region active and goes on for that many steps.
@@ -42,7 +42,7 @@ private:
     void updateValues();
 
     shm::QelSharedMemoryWriter& writer_;
-    HardwareManagerService& manager_;
+    FakeHardwareManager& manager_;
     ProgressPage& page_;
     std::mt19937 random_;
     shm::QelSharedMemoryWriter::Definitions whole_;

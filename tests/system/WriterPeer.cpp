@@ -21,7 +21,7 @@
 // Each command is answered by one line.
 
 #include "tests/support/ChangingUnit.h"
-#include "tests/support/HardwareManagerService.h"
+#include "tests/support/FakeHardwareManager.h"
 #include "tests/support/ProgressPage.h"
 #include "tests/system/PeerText.h"
 #include "tests/system/Storm.h"
@@ -161,7 +161,7 @@ private:
         return text;
     }
 
-    HardwareManagerService manager_;
+    FakeHardwareManager manager_;
     shm::QelSharedMemoryWriter writer_;
 };
 

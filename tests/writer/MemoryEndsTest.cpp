@@ -1,11 +1,13 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Every operation of the writer that changes the structure, with memory that ends at each of its allocations.
+// Every operation of the writer, with memory that runs out at each of its allocations: at those of the operation alone,
+// and at those of the lines that it logs as well.
 
 #include "writer/QelSharedMemoryWriter.h"
 
 #include "tests/support/FailureSeams.h"
+#include "tests/support/ScarceMemory.h"
 #include "tests/writer/PlainTree.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -269,48 +271,90 @@ void expectEachSlotFreeOnceOrInUse(Laid& laid) {
 
 } // namespace
 
-class MemoryEndsTest : public testing::TestWithParam<Case> {};
-
-TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
-    std::vector<std::uint8_t> undisturbed;
-    {
+class MemoryEndsTest : public testing::TestWithParam<Case> {
+protected:
+    /// @return the region after the operation with all the memory that it needs
+    static std::vector<std::uint8_t> undisturbed() {
         Laid laid(GetParam());
         GetParam().operate(laid.writer);
-        undisturbed = laid.raw.copy();
-        ASSERT_NO_FATAL_FAILURE(expectSound(laid));
-        ASSERT_NO_FATAL_FAILURE(expectEachSlotFreeOnceOrInUse(laid));
+        auto region = laid.raw.copy();
+        expectSound(laid);
+        expectEachSlotFreeOnceOrInUse(laid);
+        return region;
     }
-    for (std::size_t allowed = 0;; ++allowed) {
-        SCOPED_TRACE(std::to_string(allowed) + " allocations succeed");
-        Laid laid(GetParam());
-        bool failed = false;
-        {
-            MemoryRunsOut const then(allowed);
-            try {
-                GetParam().operate(laid.writer);
-            } catch (std::bad_alloc const&) {
-                failed = true;
-            }
+
+    /// @return whether the operation ran out of memory
+    static bool runsOut(Laid& laid) {
+        try {
+            GetParam().operate(laid.writer);
+            return false;
+        } catch (std::bad_alloc const&) {
+            return true;
         }
-        if (!failed) {
-            EXPECT_EQ(undisturbed, laid.raw.copy());
-            EXPECT_GT(allowed, 0U) << "nothing was ever allocated";
-            RecordProperty("failed_allocations", static_cast<int>(allowed));
-            return;
-        }
+    }
+
+    /// The region that a failed operation left is sound, and a retry completes it.
+    static void expectRetryCompletes(Laid& laid, std::vector<std::uint8_t> const& expected) {
         auto const left = laid.raw.copy();
         expectSound(laid);
         std::memcpy(laid.raw.bytes(), left.data(), left.size()); // without the updates
 
         GetParam().operate(laid.writer);
 
-        EXPECT_TRUE(undisturbed == laid.raw.copy()) << "the retry makes another region";
+        EXPECT_TRUE(expected == laid.raw.copy()) << "the retry makes another region";
         expectSound(laid);
-        expectEachSlotFreeOnceOrInUse(laid);
-        if (HasFailure()) {
+    }
+};
+
+TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
+    auto const expected = undisturbed();
+    for (std::size_t allowed = 0; !HasFailure(); ++allowed) {
+        SCOPED_TRACE(std::to_string(allowed) + " allocations succeed");
+        Laid laid(GetParam());
+        bool failed = false;
+        {
+            MemoryRunsOut const then(allowed);
+            failed = runsOut(laid);
+        }
+        if (!failed) {
+            EXPECT_EQ(expected, laid.raw.copy());
+            EXPECT_GT(allowed, 0U) << "nothing was ever allocated";
+            RecordProperty("failed_allocations", static_cast<int>(allowed));
             return;
         }
+        expectRetryCompletes(laid, expected);
+        expectEachSlotFreeOnceOrInUse(laid);
     }
+}
+
+// A line that cannot be logged is dropped, and the operation goes on without it.
+TEST_P(MemoryEndsTest, AtEachAllocationOfLoggedLines_TheRegionStaysSound_AndARetryCompletesIt) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    auto const expected = undisturbed();
+    std::size_t lostLines = 0;
+    for (auto const limited : {&ScarceMemory::afterAllocations, &ScarceMemory::onceAfterAllocations}) {
+        std::size_t allowed = 0;
+        std::size_t failures = 0;
+        do {
+            SCOPED_TRACE(std::to_string(allowed) + " allocations succeed");
+            Laid laid(GetParam());
+            bool failed = false;
+            {
+                WriterLog const lines;
+                auto const memory = limited(allowed);
+                failed = runsOut(laid);
+                failures = memory.failures();
+            }
+            if (failed) {
+                expectRetryCompletes(laid, expected);
+            } else {
+                EXPECT_TRUE(expected == laid.raw.copy()) << "a lost line makes another region";
+                lostLines += failures == 0 ? 0 : 1;
+            }
+            ++allowed;
+        } while (failures != 0 && !HasFailure());
+    }
+    EXPECT_GT(lostLines, 0U) << "no allocation of a line failed";
 }
 
 INSTANTIATE_TEST_SUITE_P(Operation, MemoryEndsTest, testing::ValuesIn(cases()),
@@ -333,6 +377,39 @@ TEST(MemoryEndsHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
     EXPECT_EQ(before + made, allocations());
     EXPECT_EQ(9, laid.raw.get<std::int32_t>(rawPoint(0) + field::pointState));
     EXPECT_EQ(23, laid.raw.get<std::int32_t>(field::rootState));
+}
+
+TEST(MemoryEndsHotPathTest, UpdatesAndPropagationThatLog_DoTheSameWithoutMemory) {
+    QEL_SKIP_WITHOUT_SCARCE_MEMORY();
+    auto const operate = [](ExposedWriter& writer, auto const& limited) {
+        auto value = measured(2.5, 7, eStatus_HighAlarm);
+        auto own = measured(0.0, 8, eStatus_Off);
+        auto third = measured(1.0, 9);
+        WriterLog const lines;
+        auto const memory = limited();
+        EXPECT_TRUE(writer.updateMV(device | 1, std::move(value)));
+        EXPECT_TRUE(writer.updateMV(inlet | 0x30, std::move(own)));
+        {
+            ConversionThrowsInt const isLogged;
+            EXPECT_FALSE(writer.updateMV(device | 4, std::move(third)));
+        }
+        writer.propagateStates();
+        writer.setActive();
+        return memory.failures();
+    };
+    Laid undisturbed({"", layOut, nothing});
+    EXPECT_EQ(0U, operate(undisturbed.writer, [] { return ScarceMemory::afterAllocations(100000); }));
+    for (auto const limited : {&ScarceMemory::afterAllocations, &ScarceMemory::onceAfterAllocations}) {
+        std::size_t allowed = 0;
+        std::size_t failures = 0;
+        do {
+            Laid laid({"", layOut, nothing});
+            failures = operate(laid.writer, [&] { return limited(allowed); });
+            EXPECT_TRUE(undisturbed.raw.copy() == laid.raw.copy()) << allowed << " allocations succeed";
+            ++allowed;
+        } while (failures != 0 && !HasFailure());
+        EXPECT_GT(allowed, 5U) << "no allocation of a line failed";
+    }
 }
 
 } // namespace qel::test

@@ -5,10 +5,10 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
-#include "tests/support/AddressSanitizer.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
 #include "tests/support/LedFiles.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/writer/WriterFixture.h"
 #include "writer/WriterLock.h"
 

@@ -30,7 +30,7 @@ std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* 
         std::cout << version.what() << std::endl;
         return exitSuccess;
     } catch (CLI::ParseError const& error) {
-        // What is missing matters less than what is there and unknown.
+        // An unknown argument is reported rather than a missing one.
         bool const isUnknown = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) &&
                                !app.remaining().empty();
         tellError(app, isUnknown ? CLI::ExtrasError(app.remaining()).what() : error.what());

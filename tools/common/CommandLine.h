@@ -14,15 +14,15 @@ class App;
 
 namespace qel::tools {
 
-/// Adds --version, which tells the program's name and version.
+/// Adds --version, which prints the program's name and version.
 void addVersionOption(CLI::App& app);
 
-/// Reads the arguments into the options of the app. Help and version go to standard output, wrong usage as
-/// one line to standard error.
-/// @return the status to exit with at once, nothing when the program shall go on
+/// Reads the arguments into the options of the app. Help and version go to standard output; wrong usage is reported in
+/// one line on standard error.
+/// @return the status to exit with, nothing if the program shall continue
 std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* argv);
 
-/// One line on standard error, "NAME: message"; what could harm a terminal is escaped.
+/// Writes one line to standard error, "NAME: message", with control characters escaped.
 void tellError(CLI::App const& app, std::string const& message);
 
 } // namespace qel::tools

@@ -8,7 +8,7 @@
 namespace qel::tools {
 
 constexpr int exitSuccess = 0;
-constexpr int exitFailure = 1; ///< the surroundings do not allow it: no bus, no region, nothing to read
+constexpr int exitFailure = 1; ///< no bus, no region, nothing to read, or another failure of the environment
 constexpr int exitUsage = 2;   ///< wrong arguments or wrong input
 
 } // namespace qel::tools

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Where the library's log goes.
+/// Sends the library's log to standard error.
 #pragma once
 
 #include <string>
@@ -13,12 +13,11 @@ class App;
 
 namespace qel::tools {
 
-/// Adds --log-level to a program's options. Without it the library's log goes nowhere.
-/// @param level receives the name of the level in lower case, empty when the option is not given; must
-/// outlive app
+/// Adds --log-level to a program's options. Without it the library's log is discarded.
+/// @param level receives the name of the level in lower case, empty if the option is not given; must outlive app
 void addLogOption(CLI::App& app, std::string& level);
 
-/// Sends the log from this level up to standard error, a line each; does nothing for an empty level.
+/// Sends the log from this level up to standard error; does nothing for an empty level.
 void logToStandardError(std::string const& level);
 
 } // namespace qel::tools

@@ -3,6 +3,8 @@
 
 #include "tools/replay/ReplayApp.h"
 
+#include <glib-unix.h>
+
 #include <algorithm>
 #include <csignal>
 #include <exception>
@@ -10,62 +12,60 @@
 
 namespace qel::tools {
 
-ReplayApp::ReplayApp(MakeSession const& makeSession, ReplayLog& log, double speed, bool isHeld)
+ReplayApp::ReplayApp(MakePlayer const& makePlayer, ReplayLog& log, double speed, bool isHeld)
     : log_(log),
       speed_(speed),
       isHeld_(isHeld),
-      loop_(g_main_loop_new(nullptr, FALSE)) {
-    session_ = makeSession([this] { service_->announceStructureChange(); });
+      player_(makePlayer([this] { service_->announceStructureChange(); })) {
+    service_.emplace([this] { return isInitialized_ ? 1 : 0; },
+                     [this] { fail("the connection to the system bus is lost"); });
     for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
-        signals_.push_back(Source::onSignal(number, [this] { g_main_loop_quit(loop_.get()); }));
+        signals_.push_back(g_unix_signal_add(
+            number,
+            [](gpointer self) -> gboolean {
+                static_cast<ReplayApp*>(self)->isOver_ = true;
+                return G_SOURCE_CONTINUE;
+            },
+            this));
     }
-    service_.emplace([this] { begin(); }, [this](std::string const& reason) { fail(reason); });
 }
 
 ReplayApp::~ReplayApp() {
+    for (auto const signal : signals_) {
+        g_source_remove(signal);
+    }
     if (timer_ != 0) {
         g_source_remove(timer_);
     }
-    // Readers shall not find a hardware manager that has no region any more.
+    // Before the region goes: no reader finds a hardware manager without a region.
     service_.reset();
 }
 
 void ReplayApp::run() {
-    g_main_loop_run(loop_.get());
+    service_->ownName();
+    player_->begin();
+    isInitialized_ = player_->isActive();
+    start_ = Clock::now();
+    arm();
+    while (!isOver_) {
+        g_main_context_iteration(nullptr, TRUE);
+    }
     if (failure_) {
         throw std::runtime_error(*failure_);
     }
     std::chrono::duration<double> const elapsed = Clock::now() - start_;
-    log_.ended(reason_, elapsed.count(), session_->globalState());
-}
-
-// Called from C, as onTimer(): no exception may leave.
-void ReplayApp::begin() {
-    try {
-        session_->begin();
-        tellWhenActive();
-        start_ = Clock::now();
-        arm();
-    } catch (std::exception const& error) {
-        fail(error.what());
-    }
-}
-
-void ReplayApp::tellWhenActive() {
-    if (session_->isActive()) {
-        service_->setInitialized();
-    }
+    log_.ended(reason_, elapsed.count(), player_->globalState());
 }
 
 void ReplayApp::arm() {
-    constexpr double longest = 3600000.0; // ms; a longer wait is taken in parts
-    auto const due = session_->due();
+    constexpr double longest = 3600000.0; // ms; longer waits are split
+    auto const due = player_->due();
     if (!due) {
         reason_ = log_.allReplayed();
         if (isHeld_) {
             log_.held();
         } else {
-            g_main_loop_quit(loop_.get());
+            isOver_ = true;
         }
         return;
     }
@@ -80,14 +80,15 @@ void ReplayApp::arm() {
         this);
 }
 
+// Called from C: no exception may leave.
 void ReplayApp::onTimer() {
     timer_ = 0;
     try {
         std::chrono::duration<double, std::milli> const elapsed = Clock::now() - start_;
-        auto const due = session_->due();
+        auto const due = player_->due();
         if (due && (speed_ <= 0.0 || static_cast<double>(*due) / speed_ <= elapsed.count() + 1.0)) {
-            session_->step();
-            tellWhenActive();
+            player_->step();
+            isInitialized_ = isInitialized_ || player_->isActive();
         }
         arm();
     } catch (std::exception const& error) {
@@ -97,7 +98,7 @@ void ReplayApp::onTimer() {
 
 void ReplayApp::fail(std::string const& reason) {
     failure_ = reason;
-    g_main_loop_quit(loop_.get());
+    isOver_ = true;
 }
 
 } // namespace qel::tools

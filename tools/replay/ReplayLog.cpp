@@ -4,8 +4,8 @@
 #include "tools/replay/ReplayLog.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/replay/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
+#include "tools/replay/unit/ValueKeys.h"
 
 #include "format/ValueFormatter.h"
 #include "inspect/naming/PointPath.h"
@@ -33,7 +33,7 @@ std::string transition(eStatus_Bits before, eStatus_Bits after) {
     return inspect::stateText(before) + " => " + inspect::stateText(after);
 }
 
-// As readers will see it: the region keeps energies in thousandths.
+// In the unit of the region: energies arrive in Wh and are stored in kWh.
 std::string numberText(Reading const& reading) {
     constexpr double thousand = 1000.0;
     auto const valueKey = static_cast<unsigned short>(static_cast<std::uint64_t>(reading.svid) & 0xFFFFU);
@@ -45,7 +45,7 @@ std::string numberText(Reading const& reading) {
 
 void ReplayLog::write(std::string const& line) {
     if (out_ != nullptr) {
-        *out_ << line << std::endl; // at once: others wait for these lines
+        *out_ << line << std::endl; // flushed: other programs wait for these lines
     }
 }
 
@@ -66,7 +66,8 @@ std::string ReplayLog::allReplayed() const {
 
 void ReplayLog::started(std::size_t points, std::size_t values, std::size_t files, std::size_t steps) {
     write(std::string(program) + "region active: " + structureText(points, values) + "; " +
-          counted(files, "recording") + ", " + counted(steps, noun()));
+          counted(files, steps_ == ReplaySteps::Rows ? "recording" : "capture") + ", " +
+          counted(steps, noun()));
 }
 
 void ReplayLog::crossed(Crossing const& crossing) {
@@ -105,7 +106,7 @@ void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits glob
     std::ostringstream line;
     line << program << reason << ": " << counted(taken_, noun()) << ", " << counted(updates_, "update")
          << " in " << std::fixed << std::setprecision(1) << seconds << " s; ";
-    if (steps_ == ReplaySteps::Rows) { // a recorded region does not tell its limits
+    if (steps_ == ReplaySteps::Rows) { // a capture holds no limits
         line << counted(crossings_, "limit crossing") << ", ";
     }
     line << counted(changes_, "structure change") << "; global state " << inspect::stateText(globalState);

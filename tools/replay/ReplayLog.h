@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What a replay tells its user.
+/// What a replay reports to its user.
 #pragma once
 
+#include "tools/replay/Schedule.h"
 #include "tools/replay/csv/RecordingFeed.h"
-#include "tools/replay/unit/Schedule.h"
 
 #include "domain/eStatus_Bits.h"
 
@@ -18,19 +18,19 @@
 
 namespace qel::tools {
 
-/// What a replay takes one after the other.
+/// What is replayed, one step each.
 enum class ReplaySteps : std::uint8_t {
-    Rows,    ///< of recorded measurements
-    Samples, ///< of a recorded region
+    Rows,    ///< of recordings
+    Samples, ///< of a capture
 };
 
-/// Writes one line for each event, each at once, and counts for the summary. Values are written with their
-/// units; times are those of the recordings.
+/// Writes one line per event, immediately, and counts for the summary. Values are written with their units. Times are
+/// those of the recording or capture.
 ///
-/// Threads: not shared without care.
+/// Threads: reentrant.
 class ReplayLog {
 public:
-    /// @param out must outlive the log; null for no lines
+    /// @param out must outlive the log; null writes nothing
     explicit ReplayLog(std::ostream* out, ReplaySteps steps = ReplaySteps::Rows) : out_(out), steps_(steps) {}
 
     void started(std::size_t points, std::size_t values, std::size_t files, std::size_t steps);
@@ -43,7 +43,7 @@ public:
     /// @param seconds real time since the start
     void ended(std::string_view reason, double seconds, eStatus_Bits globalState);
 
-    /// The reason to end when no step is left.
+    /// The reason to end after the last step.
     std::string allReplayed() const;
 
     void countStep() { ++taken_; }

@@ -3,13 +3,11 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
-#include "tools/common/InputError.h"
 #include "tools/common/Logging.h"
-#include "tools/replay/Options.h"
 #include "tools/replay/ReplayApp.h"
 #include "tools/replay/ReplayLog.h"
-#include "tools/replay/capture/CapturePlayer.h"
-#include "tools/replay/unit/Session.h"
+#include "tools/replay/ReplayOptions.h"
+#include "tools/replay/csv/InputError.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -26,32 +24,32 @@ namespace qel::tools {
 
 namespace {
 
-/// Reads the input; nothing is published before the maker is called.
-ReplayApp::MakeSession sessionMaker(Options const& options, ReplayLog& log) {
-    if (!options.record.empty()) {
-        return [parts = readRecord(options), &log](std::function<void()> onStructureChanged) {
+/// Reads the input. Nothing is published before the result is called.
+ReplayApp::MakePlayer playerMaker(ReplayOptions const& options, ReplayLog& log) {
+    if (!options.capture.empty()) {
+        return [parts = readCapture(options), &log](std::function<void()> onStructureChanged) {
             return std::make_unique<CapturePlayer>(parts, log, std::move(onStructureChanged));
         };
     }
-    return [parts = readInput(options), &log](std::function<void()> onStructureChanged) mutable {
-        return std::make_unique<Session>(std::move(parts), log, std::move(onStructureChanged));
+    return [parts = readRecordings(options), &log](std::function<void()> onStructureChanged) mutable {
+        return std::make_unique<RecordingPlayer>(std::move(parts), log, std::move(onStructureChanged));
     };
 }
 
 int replay(int argc, char const* const* argv) {
     CLI::App app("", "qel-replay");
-    Options options;
+    ReplayOptions options;
     defineOptions(app, options);
     if (auto const status = parseCommandLine(app, argc, argv)) {
         return *status;
     }
     logToStandardError(options.logLevel);
-    // A reader of the lines that goes away must not keep the region from being removed.
+    // The region must be removed even if nobody reads the output any longer.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         ReplayLog log(options.isQuiet ? nullptr : &std::cout,
-                      options.record.empty() ? ReplaySteps::Rows : ReplaySteps::Samples);
-        ReplayApp(sessionMaker(options, log), log, options.speed, options.isHeld).run();
+                      options.capture.empty() ? ReplaySteps::Rows : ReplaySteps::Samples);
+        ReplayApp(playerMaker(options, log), log, options.speed, options.isHeld).run();
         return exitSuccess;
     } catch (InputError const& error) {
         tellError(app, error.what());
@@ -70,6 +68,6 @@ int main(int argc, char** argv) {
     try {
         return qel::tools::replay(argc, argv);
     } catch (...) {
-        return qel::tools::exitFailure; // not even the line that tells of the failure could be written
+        return qel::tools::exitFailure; // not even the error could be reported
     }
 }

@@ -5,8 +5,8 @@
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFile.h"
-#include "tests/tools/replay/Recorded.h"
-#include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/replay/QelReplayProcess.h"
+#include "tests/tools/replay/ShippedRecordings.h"
 
 #include <gmock/gmock.h>
 
@@ -63,7 +63,7 @@ protected:
     QelshmTest() { EXPECT_TRUE(replay_.readUntil("the region stays")); }
 
     TempFile const file_{inletFile};
-    ReplayProcess replay_{
+    QelReplayProcess replay_{
         {"--speed", "0", "--hold", "--limit", "inlet1_active_power_W:high-warning=900", file_.path()}};
 };
 
@@ -72,7 +72,7 @@ class QelshmWatchTest : public testing::Test {
 protected:
     QelshmWatchTest() { EXPECT_TRUE(replay_.readUntil("region active")); }
 
-    ReplayProcess replay_{{"--speed", "20", "--loop", "--plug-after", "30", outletsFile, environmentFile}};
+    QelReplayProcess replay_{{"--speed", "20", "--loop", "--plug-after", "30", outletsFile, environmentFile}};
 };
 
 } // namespace
@@ -171,7 +171,7 @@ TEST_F(QelshmWatchTest, UnitThatGoes_IsToldAndTheNextOneIsWatched) {
     replay_.signal(SIGTERM);
 
     ASSERT_TRUE(sut.readUntil("qelshm: waiting: there is no shared-memory object QelSharedMemory"));
-    ReplayProcess next({"--speed", "20", "--loop", outletsFile});
+    QelReplayProcess next({"--speed", "20", "--loop", outletsFile});
     EXPECT_TRUE(sut.readUntil("Z  unit1"));
     sut.signal(SIGTERM);
     EXPECT_EQ(0, sut.wait());
@@ -238,7 +238,7 @@ TEST(QelshmWaitTest, RegionThatComesInTime_IsRead) {
     ChildProcess sut(qelshm({"--wait", longWait, "list"}), ChildProcess::Errors::IntoOutput);
     ASSERT_TRUE(sut.readUntil("qelshm: waiting: there is no shared-memory object"));
 
-    ReplayProcess const replay({"--speed", "0", "--hold", file.path()});
+    QelReplayProcess const replay({"--speed", "0", "--hold", file.path()});
 
     EXPECT_TRUE(sut.readUntil("0x010001ffffff0000  unit1/inlet1"));
     sut.readAll();

@@ -6,7 +6,7 @@
 #include "tests/support/RawRegion.h"
 #include "tests/support/TempFile.h"
 #include "tests/tools/qelshm/ImageFolder.h"
-#include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/replay/QelReplayProcess.h"
 
 #include <gmock/gmock.h>
 
@@ -92,7 +92,7 @@ protected:
 
     ImageFolder const folder_;
     TempFile const file_{rows};
-    ReplayProcess replay_{{"--speed", "0", "--hold", file_.path()}};
+    QelReplayProcess replay_{{"--speed", "0", "--hold", file_.path()}};
 };
 
 } // namespace
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(QelshmTraceJudgeTest, Writer_IsObjectedTo) {
     TempFile const file(rows);
     std::vector<std::string> objections;
-    for (auto const& call : callsOf(ReplayProcess::command({"--speed", "0", file.path()}))) {
+    for (auto const& call : callsOf(QelReplayProcess::command({"--speed", "0", file.path()}))) {
         objections.push_back(objection(call));
     }
     EXPECT_THAT(objections, testing::Contains("opens to write"));

@@ -3,13 +3,13 @@
 
 #include "tests/tools/qelshm/SampleImages.h"
 
-#include "tools/replay/Options.h"
+#include "tools/replay/RecordingPlayer.h"
 #include "tools/replay/ReplayLog.h"
-#include "tools/replay/unit/Session.h"
+#include "tools/replay/ReplayOptions.h"
 
 #include "domain/MeasureValue.h"
 #include "inspect/image/LiveRegion.h"
-#include "tests/tools/replay/Recorded.h"
+#include "tests/tools/replay/ShippedRecordings.h"
 #include "writer/QelSharedMemoryWriter.h"
 
 #include <algorithm>
@@ -125,15 +125,15 @@ Image healthy() {
 
 Image recorded() {
     constexpr std::uint64_t rows = 300; // one limit has been crossed by then
-    tools::Options options;
+    tools::ReplayOptions options;
     options.files = {outletsFile, environmentFile};
     options.limitFiles = {QEL_DATA_DIR "/limits.txt"};
     options.until = rows;
     tools::ReplayLog log(nullptr);
-    tools::Session session(tools::readInput(options), log, [] {});
-    session.begin();
-    while (session.due()) {
-        session.step();
+    tools::RecordingPlayer player(tools::readRecordings(options), log, [] {});
+    player.begin();
+    while (player.due()) {
+        player.step();
     }
     return SampleWriter::copy();
 }

@@ -2,16 +2,16 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What a call says about wrong input.
+/// The error that a call reports about its input.
 #pragma once
 
-#include "tools/common/InputError.h"
+#include "tools/replay/csv/InputError.h"
 
 #include <string>
 
 namespace qel::test {
 
-/// The message of the InputError that the call throws; a text of its own when it throws none.
+/// @return the message of the InputError that the call throws, "no InputError" for none
 template <typename Call>
 std::string inputFailure(Call const& call) {
     try {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "inspect/image/LiveRegion.h"
-#include "tools/replay/capture/CapturePlayer.h"
+#include "tools/replay/CapturePlayer.h"
 
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/inspect/capture/CaptureFixture.h"
@@ -12,9 +12,9 @@
 #include "tests/support/TempFile.h"
 #include "tests/tools/qelshm/CreatedObjects.h"
 #include "tests/tools/qelshm/RawUnit.h"
-#include "tests/tools/replay/Recorded.h"
-#include "tests/tools/replay/ReplayProcess.h"
-#include "tests/tools/replay/csv/RecordingFile.h"
+#include "tests/tools/replay/CaptureFile.h"
+#include "tests/tools/replay/QelReplayProcess.h"
+#include "tests/tools/replay/ShippedRecordings.h"
 
 #include <gmock/gmock.h>
 
@@ -56,7 +56,7 @@ TEST(QelReplayTest, Replay_EndsAfterTheLastRowAndRemovesTheRegion) {
     TempFile const file(threeRows);
     CreatedObjects const created;
 
-    auto const outcome = outcomeOf(ReplayProcess::command({"--speed", "0", file.path()}));
+    auto const outcome = outcomeOf(QelReplayProcess::command({"--speed", "0", file.path()}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output, testing::MatchesRegex(
@@ -69,7 +69,7 @@ TEST(QelReplayTest, Replay_EndsAfterTheLastRowAndRemovesTheRegion) {
 
 TEST(QelReplayTest, HeldReplay_KeepsTheLastRowUntilASignal) {
     TempFile const file(threeRows);
-    ReplayProcess sut({"--speed", "0", "--hold", file.path()});
+    QelReplayProcess sut({"--speed", "0", "--hold", file.path()});
 
     ASSERT_TRUE(sut.readUntil("all rows replayed; the region stays until a signal comes"));
     {
@@ -88,7 +88,7 @@ class SignalTest : public testing::TestWithParam<int> {};
 
 TEST_P(SignalTest, Signal_EndsTheReplayInOrder) {
     TempFile const file(threeRows);
-    ReplayProcess sut({"--loop", file.path()});
+    QelReplayProcess sut({"--loop", file.path()});
     ASSERT_TRUE(sut.readUntil("region active"));
     EXPECT_TRUE(rawRegionExists());
 
@@ -106,7 +106,7 @@ TEST(QelReplayTest, Speed_SetsTheClock) {
     TempFile const file(threeRows);
     auto const start = std::chrono::steady_clock::now();
 
-    auto const outcome = outcomeOf(ReplayProcess::command({"--speed", "4", file.path()}));
+    auto const outcome = outcomeOf(QelReplayProcess::command({"--speed", "4", file.path()}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(490));
@@ -114,7 +114,7 @@ TEST(QelReplayTest, Speed_SetsTheClock) {
 
 TEST(QelReplayTest, Loop_LetsTimesGoOn) {
     TempFile const file(threeRows);
-    ReplayProcess sut({"--loop", "--speed", "0", "--until", "5", "--hold", file.path()});
+    QelReplayProcess sut({"--loop", "--speed", "0", "--until", "5", "--hold", file.path()});
 
     ASSERT_TRUE(sut.readUntil("the region stays"));
 
@@ -124,7 +124,7 @@ TEST(QelReplayTest, Loop_LetsTimesGoOn) {
 }
 
 TEST(QelReplayTest, FromAndUntil_CutTheRecording) {
-    ReplayProcess sut(
+    QelReplayProcess sut(
         {"--speed", "0", "--from", "7470,5", "--until", "3", "--hold", outletsFile, environmentFile});
 
     ASSERT_TRUE(sut.readUntil("the region stays"));
@@ -138,7 +138,7 @@ TEST(QelReplayTest, FromAndUntil_CutTheRecording) {
 
 TEST(QelReplayTest, WholeRecordings_HavePlaceForEveryValue) {
     auto const outcome =
-        outcomeOf(ReplayProcess::command({"--speed", "0", outletsFile, threePhaseFile, environmentFile}));
+        outcomeOf(QelReplayProcess::command({"--speed", "0", outletsFile, threePhaseFile, environmentFile}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output, testing::HasSubstr(" 21532 rows, "));
@@ -150,7 +150,7 @@ TEST(QelReplayTest, WholeRecordings_HavePlaceForEveryValue) {
 }
 
 TEST(QelReplayTest, Limits_AreFollowedThroughTheRecording) {
-    auto const outcome = outcomeOf(ReplayProcess::command(
+    auto const outcome = outcomeOf(QelReplayProcess::command(
         {"--speed", "0", "--from", "7480", "--until", "300", "--limit",
          "outlet6_active_power_W:high-warning=2200,high-alarm=2400,hysteresis=20", outletsFile}));
 
@@ -167,8 +167,8 @@ TEST(QelReplayTest, Limits_AreFollowedThroughTheRecording) {
 }
 
 TEST(QelReplayTest, SensorAndGroup_ComeAndGo) {
-    ReplayProcess sut({"--speed", "0", "--until", "200", "--hold", "--plug-after", "30", "--unplug-after",
-                       "90", "--plug-after", "100", "--group-after", "40", outletsFile, environmentFile});
+    QelReplayProcess sut({"--speed", "0", "--until", "200", "--hold", "--plug-after", "30", "--unplug-after",
+                          "90", "--plug-after", "100", "--group-after", "40", outletsFile, environmentFile});
 
     ASSERT_TRUE(sut.readUntil("sensor 1/1 added, now 16 points, 105 values"));
     ASSERT_TRUE(sut.readUntil("group 1 added, now 17 points, 106 values"));
@@ -187,14 +187,13 @@ TEST(QelReplayTest, SensorAndGroup_ComeAndGo) {
 
 TEST(QelReplayTest, SecondReplay_LeavesTheFirstAlone) {
     TempFile const file(threeRows);
-    ReplayProcess first({"--speed", "0", "--hold", file.path()});
+    QelReplayProcess first({"--speed", "0", "--hold", file.path()});
     ASSERT_TRUE(first.readUntil("the region stays"));
 
-    auto const second = outcomeOf(ReplayProcess::command({file.path()}));
+    auto const second = outcomeOf(QelReplayProcess::command({file.path()}));
 
     EXPECT_EQ(1, second.status);
-    EXPECT_EQ("qel-replay: another process serves org.qel.HardwareManager on the system bus\n",
-              second.output);
+    EXPECT_EQ("qel-replay: another process owns org.qel.HardwareManager on the system bus\n", second.output);
     EXPECT_EQ(232.0, RawUnit().value(inletVoltage)->number);
 }
 
@@ -206,7 +205,7 @@ TEST(QelReplayTest, NoBus_IsAFailureAndPublishesNothing) {
         outcomeOf({"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QEL_REPLAY, file.path()});
 
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qel-replay: the system bus cannot be used: Could not connect: No such file or directory\n",
+    EXPECT_EQ("qel-replay: cannot use the system bus: Could not connect: No such file or directory\n",
               outcome.output);
     EXPECT_TRUE(created.names().empty());
 }
@@ -225,7 +224,7 @@ TEST(QelReplayTest, NoPlaceForTheRegion_IsAFailure) {
 
 TEST(QelReplayTest, Quiet_WritesNothing) {
     TempFile const file(threeRows);
-    auto const outcome = outcomeOf(ReplayProcess::command({"--speed", "0", "--quiet", file.path()}));
+    auto const outcome = outcomeOf(QelReplayProcess::command({"--speed", "0", "--quiet", file.path()}));
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ("", outcome.output);
 }
@@ -285,7 +284,7 @@ TEST_P(RefusedInputTest, IsOneLineAndStatusTwoAndPublishesNothing) {
         message.replace(mark, 1, file.path());
     }
 
-    auto const outcome = outcomeOf(ReplayProcess::command(options));
+    auto const outcome = outcomeOf(QelReplayProcess::command(options));
 
     EXPECT_EQ(2, outcome.status);
     EXPECT_EQ("qel-replay: " + message + '\n', outcome.output);
@@ -296,10 +295,10 @@ namespace {
 
 /// Images of a running replay of the recorded data, taken at short intervals from its start to its end.
 std::vector<inspect::Image> imagesOfAReplay() {
-    ReplayProcess replay({"--speed", "200", "--from", "7480,1", "--until", "300", "--plug-after", "30",
-                          "--unplug-after", "90", "--plug-after", "100", "--group-after", "40", "--limit",
-                          "outlet6_active_power_W:high-warning=2200,high-alarm=2400,hysteresis=20",
-                          outletsFile, environmentFile});
+    QelReplayProcess replay({"--speed", "200", "--from", "7480,1", "--until", "300", "--plug-after", "30",
+                             "--unplug-after", "90", "--plug-after", "100", "--group-after", "40", "--limit",
+                             "outlet6_active_power_W:high-warning=2200,high-alarm=2400,hysteresis=20",
+                             outletsFile, environmentFile});
     std::vector<inspect::Image> images;
     if (replay.readUntil("region active")) {
         inspect::LiveRegion const live;
@@ -313,8 +312,8 @@ std::vector<inspect::Image> imagesOfAReplay() {
 
 } // namespace
 
-TEST(QelReplayTest, FromRecord_ReproducesARecordedReplayByteForByte) {
-    RecordingFile const file(imagesOfAReplay());
+TEST(QelReplayTest, FromRecord_ReproducesACapturedReplayByteForByte) {
+    CaptureFile const file(imagesOfAReplay());
     auto const count = file.images().size();
     ASSERT_GT(count, 20U);
 
@@ -333,7 +332,7 @@ TEST(QelReplayTest, FromRecord_ReproducesARecordedReplayByteForByte) {
         EXPECT_THAT(out.str(), testing::HasSubstr("  structure  changed, now "));
     }
     for (auto const samples : {std::size_t{1}, count / 3, count / 2, count}) {
-        ReplayProcess sut(
+        QelReplayProcess sut(
             {"--from-record", file.path(), "--speed", "0", "--hold", "--until", std::to_string(samples)});
         ASSERT_TRUE(sut.readUntil("all samples replayed; the region stays"));
         expectSame(file.images()[samples - 1], inspect::LiveRegion().copy());
@@ -344,11 +343,11 @@ TEST(QelReplayTest, FromRecord_ReproducesARecordedReplayByteForByte) {
 TEST(QelReplayTest, FromRecord_ServesReaders) {
     auto const images = imagesOfAReplay();
     ASSERT_FALSE(images.empty());
-    RecordingFile const file(images);
+    CaptureFile const file(images);
     shm::QelSharedMemoryReader const listener(0, false); // maps nothing, counts the signals
     MainLoopThread const loop;
 
-    ReplayProcess sut({"--from-record", file.path(), "--speed", "0", "--hold"});
+    QelReplayProcess sut({"--from-record", file.path(), "--speed", "0", "--hold"});
 
     ASSERT_TRUE(sut.readUntil("the region stays"));
     EXPECT_TRUE(eventually([&] { return listener.modifications() != 0; }));
@@ -358,17 +357,16 @@ TEST(QelReplayTest, FromRecord_ServesReaders) {
 }
 
 TEST(QelReplayTest, FromRecord_KeepsTheSpeedAndEndsLikeAnyReplay) {
-    RecordingFile const file({3, randomImages(1, 71).front()});
+    CaptureFile const file({3, randomImages(1, 71).front()});
     CreatedObjects const created;
     auto const start = std::chrono::steady_clock::now();
 
-    auto const outcome = outcomeOf(ReplayProcess::command({"--from-record", file.path(), "--speed", "4"}));
+    auto const outcome = outcomeOf(QelReplayProcess::command({"--from-record", file.path(), "--speed", "4"}));
 
     EXPECT_EQ(0, outcome.status);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(240));
-    EXPECT_THAT(outcome.output,
-                testing::MatchesRegex("qel-replay: region active: .*; 1 recording, 3 samples\n"
-                                      "qel-replay: all samples replayed: 3 samples, .*\n"));
+    EXPECT_THAT(outcome.output, testing::MatchesRegex("qel-replay: region active: .*; 1 capture, 3 samples\n"
+                                                      "qel-replay: all samples replayed: 3 samples, .*\n"));
     EXPECT_EQ((std::vector<std::string>{"QelSharedMemory"}), created.names());
     EXPECT_FALSE(rawRegionExists());
 }
@@ -376,15 +374,16 @@ TEST(QelReplayTest, FromRecord_KeepsTheSpeedAndEndsLikeAnyReplay) {
 TEST(QelReplayTest, FromRecord_ThatIsWrongPublishesNothing) {
     TempFile const file(threeRows);
     CreatedObjects const created;
-    auto const wrong = outcomeOf(ReplayProcess::command({"--from-record", file.path()}));
+    auto const wrong = outcomeOf(QelReplayProcess::command({"--from-record", file.path()}));
     EXPECT_EQ(2, wrong.status);
-    EXPECT_EQ("qel-replay: --from-record: cannot read " + file.path() +
-                  ": it is not a capture; expected a recorded region; --until ends the replay before a "
-                  "damaged sample\n",
-              wrong.output);
-    auto const both = outcomeOf(ReplayProcess::command({"--from-record", "x", file.path()}));
+    EXPECT_EQ(
+        "qel-replay: --from-record: cannot read " + file.path() +
+            ": it is not a capture; expected a capture of qelshm record; --until can end the replay before a "
+            "damaged sample\n",
+        wrong.output);
+    auto const both = outcomeOf(QelReplayProcess::command({"--from-record", "x", file.path()}));
     EXPECT_EQ(2, both.status);
-    EXPECT_THAT(both.output, testing::StartsWith("qel-replay: FILE: it does not go with --from-record; "));
+    EXPECT_THAT(both.output, testing::StartsWith("qel-replay: FILE: not allowed with --from-record; "));
     EXPECT_TRUE(created.names().empty());
 }
 
@@ -406,21 +405,22 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"DuplicateColumn",
                 "timestamp_utc,inlet1_voltage_V,inlet1_voltage_V\n2023-06-09T07:34:30Z,1,1\n",
                 {},
-                "@:1: inlet1_voltage_V: the column is there twice; expected it once"},
-        Refused{"NoNumber",
-                "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,high\n",
-                {},
-                "@:3: inlet1_voltage_V: \"high\" is no number; expected a decimal number or an empty cell"},
+                "@:1: inlet1_voltage_V: duplicate column; expected each column once"},
+        Refused{
+            "NoNumber",
+            "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,high\n",
+            {},
+            "@:3: inlet1_voltage_V: \"high\" is not a number; expected a decimal number or an empty cell"},
         Refused{"NoTime",
                 "timestamp_utc,inlet1_voltage_V\n09.06.2023,230\n",
                 {},
-                "@:2: timestamp_utc: \"09.06.2023\" is no time; expected an ISO 8601 UTC time such as "
+                "@:2: timestamp_utc: \"09.06.2023\" is not a time; expected ISO 8601 UTC, such as "
                 "2023-06-09T07:34:38Z"},
         Refused{"TimeBackwards",
                 "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:29Z,230\n",
                 {},
-                "@:3: timestamp_utc: \"2023-06-09T07:34:29Z\" is not after the row before; expected a time "
-                "later than "
+                "@:3: timestamp_utc: \"2023-06-09T07:34:29Z\" is not later than the previous row; expected a "
+                "time after "
                 "2023-06-09T07:34:30Z"},
         Refused{"ShortRow",
                 "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z\n",
@@ -444,15 +444,12 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"LimitOfAbsentColumn",
                 goodFile,
                 {"--limit", "inlet1_current_A:high-alarm=1"},
-                "--limit: inlet1_current_A: the column stands in none of the recordings; expected a column "
-                "of the "
-                "files to replay"},
+                "--limit: inlet1_current_A: no recording has this column; expected a column of the FILEs"},
         Refused{"LimitLowAboveHigh",
                 goodFile,
                 {"--limit", "inlet1_voltage_V:high-alarm=200,low-alarm=210"},
-                "--limit: inlet1_voltage_V: the low threshold 210 is not below the high threshold 200 by "
-                "more than the "
-                "hysteresis; expected low thresholds below high ones by more than hysteresis=0"},
+                "--limit: inlet1_voltage_V: the low threshold 210 and the high threshold 200 are too close; "
+                "expected low thresholds below high ones by more than hysteresis=0"},
         Refused{"LimitNegativeHysteresis",
                 goodFile,
                 {"--limit", "inlet1_voltage_V:high-alarm=200,hysteresis=-1"},
@@ -462,11 +459,10 @@ INSTANTIATE_TEST_SUITE_P(
                 {"--limits", "/tmp/there/is/no"},
                 "/tmp/there/is/no: cannot be read (No such file or directory); expected a readable file of "
                 "limits"},
-        Refused{
-            "ScheduleWithoutSensor",
-            goodFile,
-            {"--plug-after", "5"},
-            "--plug-after: there is nothing to add or remove; expected a recording with columns of sensor1"},
+        Refused{"ScheduleWithoutSensor",
+                goodFile,
+                {"--plug-after", "5"},
+                "--plug-after: nothing to add or remove; expected a recording with columns of sensor1"},
         Refused{"RowBeyondTheEnd", goodFile, {"--from", "2"}, "--from: @ has no row 2; expected 1 to 1"},
         Refused{"UnknownOption", goodFile, {"--fast"}, "The following argument was not expected: --fast"}),
     [](testing::TestParamInfo<Refused> const& tested) { return tested.param.name; });

@@ -104,7 +104,7 @@ TEST(ReplayLogOfSamplesTest, Lines_SpeakOfSamplesAndOfNoLimits) {
     sut.countUpdates(7);
     sut.ended(sut.allReplayed(), 1.0, eStatus_On);
     EXPECT_EQ(
-        "qel-replay: region active: 15 points, 102 values; 1 recording, 20 samples\n"
+        "qel-replay: region active: 15 points, 102 values; 1 capture, 20 samples\n"
         "2023-06-09T07:34:38Z  structure  changed, now 16 points, 105 values\n"
         "qel-replay: all samples replayed; the region stays until a signal comes\n"
         "qel-replay: all samples replayed: 1 sample, 7 updates in 1.0 s; 1 structure change; global state "

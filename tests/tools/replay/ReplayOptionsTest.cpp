@@ -1,15 +1,15 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tools/replay/Options.h"
+#include "tools/replay/ReplayOptions.h"
 
 #include "tools/common/CommandLine.h"
 #include "tools/replay/unit/Topology.h"
 
 #include "tests/inspect/capture/CaptureFixture.h"
 #include "tests/support/TempFile.h"
+#include "tests/tools/replay/CaptureFile.h"
 #include "tests/tools/replay/InputFailure.h"
-#include "tests/tools/replay/csv/RecordingFile.h"
 
 #include <gtest/gtest.h>
 
@@ -27,9 +27,9 @@ namespace {
 
 class ReplayOptionsTest : public testing::Test {
 protected:
-    Options optionsOf(std::vector<std::string> const& arguments) {
+    ReplayOptions optionsOf(std::vector<std::string> const& arguments) {
         CLI::App app("", "qel-replay");
-        Options options;
+        ReplayOptions options;
         defineOptions(app, options);
         std::vector<char const*> argv{"qel-replay"};
         for (auto const& argument : arguments) {
@@ -40,11 +40,11 @@ protected:
     }
 
     std::string failureOf(std::vector<std::string> const& arguments) {
-        return test::inputFailure([&] { readInput(optionsOf(arguments)); });
+        return test::inputFailure([&] { readRecordings(optionsOf(arguments)); });
     }
 
-    std::string recordFailureOf(std::vector<std::string> const& arguments) {
-        return test::inputFailure([&] { readRecord(optionsOf(arguments)); });
+    std::string captureFailureOf(std::vector<std::string> const& arguments) {
+        return test::inputFailure([&] { readCapture(optionsOf(arguments)); });
     }
 
     /// Whole images, and in their midst one of a shorter source.
@@ -114,35 +114,33 @@ TEST_F(ReplayOptionsTest, WrongArguments_AreRefused) {
     }
 }
 
-TEST_F(ReplayOptionsTest, ReadInput_TakesRowsAndRepetition) {
+TEST_F(ReplayOptionsTest, ReadRecordings_TakesRowsAndRepetition) {
     auto const sut =
-        readInput(optionsOf({"--from", "2", "--until", "9", "--loop", inlet_.path(), sensor_.path()}));
-    EXPECT_EQ(2U, sut.recordings.tables().size());
-    EXPECT_EQ((std::vector<std::size_t>{1}), sut.replay.firstRows);
-    EXPECT_EQ(9U, sut.replay.rowLimit);
-    EXPECT_TRUE(sut.replay.isEndless);
+        readRecordings(optionsOf({"--from", "2", "--until", "9", "--loop", inlet_.path(), sensor_.path()}));
+    EXPECT_EQ(2U, sut.recordings.all().size());
+    EXPECT_EQ((std::vector<std::size_t>{1}), sut.rows.firstRows);
+    EXPECT_EQ(9U, sut.rows.rowLimit);
+    EXPECT_TRUE(sut.rows.isEndless);
     EXPECT_EQ(std::nullopt, sut.schedule.due());
 }
 
-TEST_F(ReplayOptionsTest, ReadInput_TakesLimitsFromBothPlaces) {
+TEST_F(ReplayOptionsTest, ReadRecordings_TakesLimitsFromBothPlaces) {
     test::TempFile const limits("inlet1_voltage_V:high-alarm=253\n");
     auto const sut =
-        readInput(optionsOf({"--limits", limits.path(), "--limit", "sensor1_temperature_degC:high-alarm=30",
-                             inlet_.path(), sensor_.path()}));
+        readRecordings(optionsOf({"--limits", limits.path(), "--limit",
+                                  "sensor1_temperature_degC:high-alarm=30", inlet_.path(), sensor_.path()}));
     EXPECT_NE(nullptr, sut.limits.find("inlet1_voltage_V"));
     EXPECT_NE(nullptr, sut.limits.find("sensor1_temperature_degC"));
 }
 
-TEST_F(ReplayOptionsTest, ReadInput_TakesTheSchedule) {
-    auto const sut = readInput(optionsOf({"--plug-after", "2", "--unplug-after", "1", sensor_.path()}));
+TEST_F(ReplayOptionsTest, ReadRecordings_TakesTheSchedule) {
+    auto const sut = readRecordings(optionsOf({"--plug-after", "2", "--unplug-after", "1", sensor_.path()}));
     EXPECT_TRUE(sut.schedule.isToGo(sensorPoint));
     EXPECT_EQ(1000U, sut.schedule.due());
 }
 
 TEST_F(ReplayOptionsTest, LimitOfAColumnThatIsNotThere_IsRefused) {
-    EXPECT_EQ("--limit: inlet1_current_A: the column stands in none of the recordings; expected a column of "
-              "the files "
-              "to replay",
+    EXPECT_EQ("--limit: inlet1_current_A: no recording has this column; expected a column of the FILEs",
               failureOf({"--limit", "inlet1_current_A:high-alarm=1", inlet_.path()}));
 }
 
@@ -153,45 +151,44 @@ TEST_F(ReplayOptionsTest, RowBeyondTheFile_IsRefused) {
 }
 
 TEST_F(ReplayOptionsTest, MoreRowsThanFiles_IsRefused) {
-    EXPECT_EQ("--from: 2 rows for 1 files; expected one row for each file at most",
+    EXPECT_EQ("--from: 2 rows are given; expected at most 1, one per FILE",
               failureOf({"--from", "1,1", inlet_.path()}));
 }
 
 TEST_F(ReplayOptionsTest, ScheduleWithoutRecording_IsRefused) {
-    EXPECT_EQ("--plug-after: there is nothing to add or remove; expected a recording with columns of sensor1",
+    EXPECT_EQ("--plug-after: nothing to add or remove; expected a recording with columns of sensor1",
               failureOf({"--plug-after", "1", inlet_.path()}));
-    EXPECT_EQ(
-        "--unplug-after: there is nothing to add or remove; expected a recording with columns of sensor1",
-        failureOf({"--unplug-after", "1", inlet_.path()}));
-    EXPECT_EQ(
-        "--group-after: there is nothing to add or remove; expected a recording with the active power of "
-        "outlets 1, 2 and 3",
-        failureOf({"--group-after", "1", inlet_.path()}));
+    EXPECT_EQ("--unplug-after: nothing to add or remove; expected a recording with columns of sensor1",
+              failureOf({"--unplug-after", "1", inlet_.path()}));
+    EXPECT_EQ("--group-after: nothing to add or remove; expected a recording with the active power of "
+              "outlets 1, 2 and 3",
+              failureOf({"--group-after", "1", inlet_.path()}));
 }
 
 TEST_F(ReplayOptionsTest, ScheduleOutOfTurn_IsRefused) {
-    EXPECT_EQ("--plug-after: the change after 2000 ms follows that of --plug-after after 1000 ms; expected "
-              "--plug-after and --unplug-after by turns, at different times",
-              failureOf({"--plug-after", "1", "--plug-after", "2", sensor_.path()}));
+    EXPECT_EQ(
+        "--plug-after: the change at 2000 ms follows --plug-after at 1000 ms; expected --plug-after and "
+        "--unplug-after to alternate, at different times",
+        failureOf({"--plug-after", "1", "--plug-after", "2", sensor_.path()}));
 }
 
-TEST_F(ReplayOptionsTest, Record_TakesThePlaceOfFiles) {
+TEST_F(ReplayOptionsTest, FromRecord_ReplacesTheFiles) {
     auto const sut = optionsOf({"--from-record", "r", "--speed", "3", "--until", "4", "--hold", "--quiet"});
-    EXPECT_EQ("r", sut.record);
+    EXPECT_EQ("r", sut.capture);
     EXPECT_TRUE(sut.files.empty());
     EXPECT_EQ(4U, sut.until);
 }
 
-TEST_F(ReplayOptionsTest, ReadRecord_CountsTheSamples) {
-    test::RecordingFile const file({3, test::randomImages(1, 60).front()});
-    auto const all = readRecord(optionsOf({"--from-record", file.path()}));
+TEST_F(ReplayOptionsTest, ReadCapture_CountsTheSamples) {
+    test::CaptureFile const file({3, test::randomImages(1, 60).front()});
+    auto const all = readCapture(optionsOf({"--from-record", file.path()}));
     EXPECT_EQ(file.path(), all.file);
     EXPECT_EQ(3U, all.samples);
-    EXPECT_EQ(2U, readRecord(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
-    EXPECT_EQ(3U, readRecord(optionsOf({"--from-record", file.path(), "--until", "9"})).samples);
+    EXPECT_EQ(2U, readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+    EXPECT_EQ(3U, readCapture(optionsOf({"--from-record", file.path(), "--until", "9"})).samples);
 }
 
-TEST_F(ReplayOptionsTest, OptionsOfMeasurements_DoNotGoWithARecord) {
+TEST_F(ReplayOptionsTest, OptionsOfRecordings_AreNotAllowedWithACapture) {
     std::vector<std::vector<std::string>> const misplaced{
         {"--from", "1"},        {"--loop"},
         {"--limit", "x"},       {"--limits", "x"},
@@ -201,49 +198,50 @@ TEST_F(ReplayOptionsTest, OptionsOfMeasurements_DoNotGoWithARecord) {
     for (auto arguments : misplaced) {
         auto const option = arguments.front();
         arguments.insert(arguments.end(), {"--from-record", "r"});
-        EXPECT_EQ(option + ": it does not go with --from-record; expected none but --speed, --until, --hold, "
-                           "--quiet and --log-level beside it",
-                  recordFailureOf(arguments));
+        EXPECT_EQ(option +
+                      ": not allowed with --from-record; expected only --speed, --until, --hold, --quiet and "
+                      "--log-level with it",
+                  captureFailureOf(arguments));
     }
-    EXPECT_EQ(
-        "FILE: it does not go with --from-record; expected none but --speed, --until, --hold, --quiet and "
-        "--log-level beside it",
-        recordFailureOf({"--from-record", "r", "a.csv"}));
+    EXPECT_EQ("FILE: not allowed with --from-record; expected only --speed, --until, --hold, --quiet and "
+              "--log-level "
+              "with it",
+              captureFailureOf({"--from-record", "r", "a.csv"}));
 }
 
-TEST_F(ReplayOptionsTest, RecordThatIsDamaged_IsRefusedUpToTheLimit) {
-    test::RecordingFile const file({3, test::randomImages(1, 60).front()});
+TEST_F(ReplayOptionsTest, CaptureThatIsDamaged_IsRefusedUpToTheLimit) {
+    test::CaptureFile const file({3, test::randomImages(1, 60).front()});
     std::filesystem::resize_file(file.path(), std::filesystem::file_size(file.path()) - 1);
-    auto const failure = recordFailureOf({"--from-record", file.path()});
+    auto const failure = captureFailureOf({"--from-record", file.path()});
     EXPECT_EQ(0U, failure.find("--from-record: cannot read " + file.path() + ": the sample at byte "))
         << failure;
     EXPECT_NE(
         std::string::npos,
-        failure.find(" is cut off; 2 samples before it are complete; expected a recorded region; --until "
-                     "ends the replay before a damaged sample"))
+        failure.find(" is cut off; 2 samples before it are complete; expected a capture of qelshm record; "
+                     "--until can end the replay before a damaged sample"))
         << failure;
-    EXPECT_EQ(2U, readRecord(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+    EXPECT_EQ(2U, readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
 }
 
-TEST_F(ReplayOptionsTest, RecordOfAShortObject_IsRefusedUpToTheLimit) {
-    test::RecordingFile const file(imagesWithAShortOne());
-    auto const failure = recordFailureOf({"--from-record", file.path()});
-    EXPECT_NE(
-        std::string::npos,
-        failure.find(" was taken from an object of 0 bytes; expected samples of 320032 bytes; --until ends "
-                     "the replay before it"))
+TEST_F(ReplayOptionsTest, CaptureOfAShortObject_IsRefusedUpToTheLimit) {
+    test::CaptureFile const file(imagesWithAShortOne());
+    auto const failure = captureFailureOf({"--from-record", file.path()});
+    EXPECT_NE(std::string::npos,
+              failure.find(" is of an object of 0 bytes; expected samples of 320032 bytes; --until can end "
+                           "the replay before it"))
         << failure;
-    EXPECT_EQ(2U, readRecord(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+    EXPECT_EQ(2U, readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
 }
 
-TEST_F(ReplayOptionsTest, RecordWithoutSamples_IsRefused) {
-    test::RecordingFile const file({});
-    EXPECT_EQ("--from-record: " + file.path() + " holds no sample; expected one sample at least",
-              recordFailureOf({"--from-record", file.path()}));
-    EXPECT_EQ("--from-record: cannot read " + inlet_.path() +
-                  ": it is not a capture; expected a recorded region; --until ends the replay before a "
-                  "damaged sample",
-              recordFailureOf({"--from-record", inlet_.path()}));
+TEST_F(ReplayOptionsTest, CaptureWithoutSamples_IsRefused) {
+    test::CaptureFile const file({});
+    EXPECT_EQ("--from-record: " + file.path() + " is empty; expected at least one sample",
+              captureFailureOf({"--from-record", file.path()}));
+    EXPECT_EQ(
+        "--from-record: cannot read " + inlet_.path() +
+            ": it is not a capture; expected a capture of qelshm record; --until can end the replay before a "
+            "damaged sample",
+        captureFailureOf({"--from-record", inlet_.path()}));
 }
 
 } // namespace qel::tools

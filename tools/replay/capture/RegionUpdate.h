@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// In which order one region is made equal to another while readers look on.
+/// Makes one region equal to another while readers use it.
 #pragma once
 
 #include "inspect/image/RecordBytes.h"
@@ -16,20 +16,20 @@
 
 namespace qel::tools {
 
-/// What an update has changed.
+/// What an update changed.
 struct RegionChange {
     std::size_t values = 0;          ///< values whose time, state or number changed
     bool isStructureChanged = false; ///< links, ids, keys or slot numbers changed
 };
 
-/// Stores the fields that differ, and nothing else: first cuts all links that change, then stores what slots hold, then
-/// sets the new links, and the root's version last. So at any moment the links are some of the old ones or some of the
-/// new ones, never both: together they could form a cycle, in which a reader would walk forever. Of a value the number
-/// comes after time and state, as the writer does it. Other processors see the three steps in this order too.
+/// Stores only the fields that differ: first cuts all links that change, then stores the contents of slots, then sets the
+/// new links, and the root's version last. At any moment the links are a subset of the old ones or of the new ones, never
+/// a mix: a mix could form a cycle, in which a reader would walk forever. As in the writer, a value's number is stored
+/// after its time and state. Other processors see the steps in this order too.
 ///
-/// Threads: not shared.
-/// @tparam Store called for each single store but that of the version: as link(field, position) for links, which it
-///               stores with release order, as field(field, value) for all others
+/// Threads: reentrant.
+/// @tparam Store called for each store except that of the version: link(field, position) for links, which it stores with
+///               release order; field(field, value) for all others
 template <typename Store>
 class RegionUpdate {
 public:
@@ -83,7 +83,7 @@ private:
         return changed;
     }
 
-    /// Gives whether the field had to be stored.
+    /// @return whether the field had to be stored
     template <typename Field>
     bool store(Field& field, Field const& wanted) {
         if (inspect::hasSameBits(field, wanted)) {

@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/Column.h"
 
-#include "tools/replay/ValueKeys.h"
+#include "tools/replay/unit/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
 
 #include <array>
@@ -14,7 +14,7 @@ namespace qel::tools {
 
 namespace {
 
-/// A '#' in the name stands for the point's number, from 1 to `number`; without one, `number` is the point's.
+/// A '#' in the name stands for the point's number, from 1 to `number`. Without '#', `number` is the point's.
 struct KnownColumn {
     std::string_view name;
     PointKind kind;

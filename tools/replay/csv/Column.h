@@ -5,7 +5,7 @@
 /// What the columns of a recording mean.
 #pragma once
 
-#include "tools/replay/unit/PointId.h"
+#include "tools/replay/unit/Topology.h"
 
 #include <optional>
 #include <string>
@@ -16,17 +16,17 @@ namespace qel::tools {
 /// Name of the first column of every recording.
 constexpr std::string_view timestampColumn = "timestamp_utc";
 
-/// One column of readings: the value that it feeds.
+/// A column of readings, and the value that it feeds.
 struct Column {
     std::string name;
     PointId point;
     unsigned short key;
 };
 
-/// The column of a name such as "outlet6_active_power_W"; nothing when no recording has such a column.
+/// The column of a name such as "outlet6_active_power_W"; nothing if the name is unknown.
 std::optional<Column> parseColumn(std::string_view name);
 
-/// How column names are made up, for messages.
+/// Examples of column names, for messages.
 constexpr std::string_view columnGrammar =
     "a column such as inlet1_voltage_V, outlet10_active_power_W, phase12_voltage_V, total_power_factor, "
     "frequency_Hz or sensor1_temperature_degC";

@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/CsvReader.h"
 
-#include "tools/common/InputError.h"
+#include "tools/replay/csv/InputError.h"
 
 #include <csv.h>
 
@@ -34,7 +34,7 @@ public:
         if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI | CSV_REPALL_NL) != 0) {
             throw std::bad_alloc();
         }
-        // The parser drops what it takes for blanks around a cell: only the CR of a CR LF shall go.
+        // The parser drops blanks around a cell. Only the CR of a CR LF shall count as one.
         csv_set_space_func(&parser_,
                            [](unsigned char character) { return static_cast<int>(character == CSV_CR); });
         csv_set_term_func(&parser_,
@@ -82,8 +82,7 @@ private:
             std::rethrow_exception(failure_);
         }
         if (!isWellFormed) {
-            throw InputError({path_, line_}, "quotes are out of place",
-                             "cells without quotes, or wholly inside a pair of them");
+            throw InputError({path_, line_}, "misplaced quotes", "cells without quotes or quoted as a whole");
         }
     }
 

@@ -3,8 +3,8 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
-#include "tools/replay/ValueKeys.h"
-#include "tools/replay/csv/DewPoint.h"
+#include "tools/replay/unit/ValueKeys.h"
+#include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace qel::tools {
 
 namespace {
 
-/// The energy that a power adds up to; nothing for other keys.
+/// The energy that a power accumulates to; nothing for other keys.
 std::optional<unsigned short> energyOf(unsigned short power) {
     switch (power) {
     case key::activePower:
@@ -34,17 +34,18 @@ Reading RecordingFeed::Output::give(std::optional<double> const& reading, std::u
     return {valueSvid(value), time, number, reading ? state : eStatus_Lost};
 }
 
-RecordingFeed::RecordingFeed(CsvTable const& table, Recordings const& recordings, LimitSet const& limits) {
-    for (auto const& column : table.columns()) {
+RecordingFeed::RecordingFeed(Recording const& recording, Recordings const& recordings,
+                             LimitSet const& limits) {
+    for (auto const& column : recording.columns()) {
         addColumn(column, recordings, limits);
         if (column.key == key::temperature) {
-            addDewPoint(table, column);
+            addDewPoint(recording, column);
         }
     }
     for (unsigned circuit = 1; circuit <= circuitCount; ++circuit) {
-        addSum(table, {PointKind::Circuit, circuit}, outletsOfCircuit(circuit));
+        addSum(recording, {PointKind::Circuit, circuit}, outletsOfCircuit(circuit));
     }
-    addSum(table, socketGroup, {groupedOutlets.begin(), groupedOutlets.end()});
+    addSum(recording, socketGroup, {groupedOutlets.begin(), groupedOutlets.end()});
 }
 
 void RecordingFeed::addColumn(Column const& column, Recordings const& recordings, LimitSet const& limits) {
@@ -59,11 +60,11 @@ void RecordingFeed::addColumn(Column const& column, Recordings const& recordings
     columns_.push_back(std::move(feed));
 }
 
-void RecordingFeed::addSum(CsvTable const& table, PointId const& point,
+void RecordingFeed::addSum(Recording const& recording, PointId const& point,
                            std::vector<unsigned> const& outlets) {
     Sum sum{{{point, key::activePower}}, {}};
     for (auto const outlet : outlets) {
-        auto const column = table.find({PointKind::Socket, outlet}, key::activePower);
+        auto const column = recording.find({PointKind::Socket, outlet}, key::activePower);
         if (!column) {
             return;
         }
@@ -72,9 +73,9 @@ void RecordingFeed::addSum(CsvTable const& table, PointId const& point,
     sums_.push_back(std::move(sum));
 }
 
-void RecordingFeed::addDewPoint(CsvTable const& table, Column const& column) {
-    auto const temperature = table.find(column.point, key::temperature);
-    auto const humidity = table.find(column.point, key::humidity);
+void RecordingFeed::addDewPoint(Recording const& recording, Column const& column) {
+    auto const temperature = recording.find(column.point, key::temperature);
+    auto const humidity = recording.find(column.point, key::humidity);
     if (temperature && humidity) {
         dewPoints_.push_back({{{column.point, key::dewPoint}}, *temperature, *humidity});
     }

@@ -5,12 +5,10 @@
 /// Turns the rows of one recording into values of the unit.
 #pragma once
 
-#include "tools/replay/csv/CsvTable.h"
-#include "tools/replay/csv/EnergyCounter.h"
-#include "tools/replay/csv/Limit.h"
-#include "tools/replay/csv/LimitSet.h"
-#include "tools/replay/csv/Recordings.h"
-#include "tools/replay/csv/RowSource.h"
+#include "tools/replay/csv/ComputedValues.h"
+#include "tools/replay/csv/Limits.h"
+#include "tools/replay/csv/Recording.h"
+#include "tools/replay/csv/Rows.h"
 #include "tools/replay/unit/Structure.h"
 
 #include "domain/eStatus_Bits.h"
@@ -23,41 +21,33 @@
 
 namespace qel::tools {
 
-/// A value on its way into the region.
-struct Reading {
-    long long svid;
-    std::uint64_t time; ///< ms since 1970 UTC
-    double number;      ///< in the unit of the recording; energies in Wh and VAh
-    eStatus_Bits state;
-};
-
-/// A limited column whose state has changed.
+/// The state of a column with a limit has changed.
 struct Crossing {
     std::string column;
     eStatus_Bits before;
     Reading after;
 };
 
-/// What one row gives.
+/// What one row results in.
 struct RowReadings {
     std::vector<Reading> readings;
     std::vector<Crossing> crossings;
     std::size_t missing = 0; ///< number of empty cells
 };
 
-/// Each column feeds one value. Beside these, computed values are fed: the energy of each active and apparent
-/// power without a recorded counter, the summed active power of each circuit and of the socket group if the
-/// recording holds all their outlets, and the dew point of a sensor. A value without a reading keeps its last
-/// number (0 before the first) and is Lost.
+/// Each column feeds one value. Computed values are fed too: the energy of each active and apparent power without a
+/// recorded counter, the sum of the active powers of each circuit and of the socket group if the recording has all
+/// their outlets, and the dew point of a sensor. A value without a reading keeps its last number (0 before the first)
+/// and is Lost.
 ///
-/// Threads: not shared without care.
+/// Threads: reentrant.
 class RecordingFeed {
 public:
-    /// @param table one of the recordings
-    /// @param recordings all of them: a recorded energy counter may stand in another file than its power
-    RecordingFeed(CsvTable const& table, Recordings const& recordings, LimitSet const& limits);
+    /// @param recording one of the recordings
+    /// @param recordings all of them: a power and its energy counter may be recorded in different files
+    RecordingFeed(Recording const& recording, Recordings const& recordings, LimitSet const& limits);
 
-    /// Every value that this feeds.
+    /// Every value that the recording feeds.
     std::vector<ValueId> values() const;
 
     /// Whether one of them belongs to the point.
@@ -66,7 +56,7 @@ public:
     RowReadings convert(Row const& row);
 
 private:
-    /// The last number of a value, kept while it has no reading.
+    /// A value with its last number, which it keeps while there is no reading.
     struct Output {
         ValueId value;
         double number = 0.0;
@@ -101,8 +91,8 @@ private:
     };
 
     void addColumn(Column const& column, Recordings const& recordings, LimitSet const& limits);
-    void addSum(CsvTable const& table, PointId const& point, std::vector<unsigned> const& outlets);
-    void addDewPoint(CsvTable const& table, Column const& column);
+    void addSum(Recording const& recording, PointId const& point, std::vector<unsigned> const& outlets);
+    void addDewPoint(Recording const& recording, Column const& column);
     static void convertCell(ColumnFeed& feed, std::optional<double> const& cell, std::uint64_t time,
                             RowReadings& result);
 

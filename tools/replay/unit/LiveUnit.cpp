@@ -3,8 +3,6 @@
 
 #include "tools/replay/unit/LiveUnit.h"
 
-#include "tools/replay/unit/Topology.h"
-
 #include "domain/MeasureValue.h"
 
 #include <memory>

@@ -5,7 +5,6 @@
 /// The unit in the shared memory.
 #pragma once
 
-#include "tools/replay/csv/RecordingFeed.h"
 #include "tools/replay/unit/Structure.h"
 
 #include "domain/eStatus_Bits.h"
@@ -16,30 +15,32 @@
 
 namespace qel::tools {
 
-/// Owns the region: creates it when constructed, removes it when destroyed. One per machine.
+/// Creates the region when constructed and removes it when destroyed. One per machine.
 ///
-/// Threads: bound to one thread.
+/// Threads: thread-bound to the thread that made it.
 class LiveUnit {
 public:
     /// Creates the region, inactive and empty.
     /// @throws std::runtime_error when that fails
     LiveUnit();
 
-    /// Lays out the first structure, with type codes and every point "On", and activates the region.
+    /// Lays out the first structure, sets the type codes, puts every point "On" and activates the region.
     /// @param time of the points' own states, ms since 1970 UTC
     void build(Structure const& structure, std::uint64_t time);
 
-    /// Brings the region in line with another structure. New points get their type codes and are "On".
+    /// Replaces the structure. New points get their type codes and are "On".
+    /// @param time of the new points' own states, ms since 1970 UTC
     /// @return whether anything was added or removed
     bool change(Structure const& structure, std::uint64_t time);
 
     Structure const& structure() const { return structure_; }
 
-    /// Stores a value.
-    /// @return false when the region has no place for it
+    /// Stores a reading.
+    /// @return false if the region has no slot for it
     bool deliver(Reading const& reading);
 
-    /// Folds all states up to the global one, and gives that.
+    /// Folds all states up to the global one.
+    /// @return the global state
     eStatus_Bits propagate();
 
 private:

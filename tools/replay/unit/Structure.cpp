@@ -3,8 +3,6 @@
 
 #include "tools/replay/unit/Structure.h"
 
-#include "tools/replay/unit/Topology.h"
-
 #include <algorithm>
 #include <iterator>
 

@@ -5,11 +5,13 @@
 /// The points and values that exist at one moment.
 #pragma once
 
-#include "tools/replay/unit/PointId.h"
+#include "tools/replay/unit/Topology.h"
 
+#include "domain/eStatus_Bits.h"
 #include "writer/QelSharedMemoryWriter.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <unordered_set>
 #include <vector>
 
@@ -24,9 +26,17 @@ struct ValueId {
 /// Sensor id of a value.
 long long valueSvid(ValueId const& value);
 
-/// A set of values with the points they belong to, all points above those, and the unit.
+/// What is measured of a value at one moment.
+struct Reading {
+    long long svid;
+    std::uint64_t time; ///< ms since 1970 UTC
+    double number;      ///< in the unit of the recording; energies in Wh and VAh
+    eStatus_Bits state;
+};
+
+/// A set of values, the points they belong to, all points above those, and the unit.
 ///
-/// Threads: immutable; any thread.
+/// Threads: reentrant.
 class Structure {
 public:
     /// Just the unit.
@@ -39,12 +49,13 @@ public:
     bool has(PointId const& point) const;
     bool has(long long svid) const { return svids_.count(svid) != 0; }
 
-    /// Sensor ids of all values, the points' own states among them.
+    /// Sensor ids of all values, including the points' own states.
     std::unordered_set<long long> const& svids() const { return svids_; }
 
+    /// Number of values without the points' own states.
     std::size_t valueCount() const { return svids_.size() - points_.size(); }
 
-    /// The same for the writer's first build.
+    /// The structure as the writer takes it for its first build.
     shm::QelSharedMemoryWriter::Definitions definitions() const;
 
     /// Points of this structure that another one does not have.

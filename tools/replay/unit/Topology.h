@@ -2,16 +2,27 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// How the points of the unit hang together, and their sensor ids.
+/// The points of the unit: how they are connected, and their sensor ids.
 #pragma once
 
-#include "tools/replay/unit/PointId.h"
-
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace qel::tools {
+
+enum class PointKind : std::uint8_t { Unit, Inlet, Circuit, Phase, Socket, Sensor, Group };
+
+/// A point by its kind and its number, which counts from 1 within the kind.
+struct PointId {
+    PointKind kind;
+    unsigned number;
+};
+
+constexpr bool operator==(PointId const& left, PointId const& right) {
+    return left.kind == right.kind && left.number == right.number;
+}
 
 /// The only unit, first component of all sensor ids.
 constexpr PointId unitPoint{PointKind::Unit, 1};
@@ -31,11 +42,13 @@ constexpr PointId sensorPoint{PointKind::Sensor, 1};
 constexpr PointId socketGroup{PointKind::Group, 1};
 constexpr std::array<unsigned, 3> groupedOutlets{1, 2, 3};
 
-/// The point above: socket - circuit - inlet 1 - unit; phase - inlet 2 - unit; sensor - unit. None above the
-/// unit and above a group. The point must exist (see circuitOfOutlet).
+/// The point above: socket - circuit - inlet 1 - unit; phase - inlet 2 - unit; sensor - unit.
+/// @return none for the unit and for a group
+/// @throws std::out_of_range for an outlet that does not exist
 std::optional<PointId> parentPoint(PointId const& point);
 
-/// Circuit of an outlet, both from 1. An outlet above the last one throws std::out_of_range.
+/// Circuit of an outlet; both count from 1.
+/// @throws std::out_of_range for an outlet that does not exist
 unsigned circuitOfOutlet(unsigned outlet);
 
 /// Outlets of a circuit, ascending.

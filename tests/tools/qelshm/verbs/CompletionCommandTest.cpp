@@ -7,7 +7,7 @@
 #include "tests/support/TempFile.h"
 #include "tests/tools/qelshm/ImageFolder.h"
 #include "tests/tools/qelshm/QelshmRun.h"
-#include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/replay/QelReplayProcess.h"
 
 #include <gmock/gmock.h>
 
@@ -77,7 +77,7 @@ TEST(CompletionCommandTest, ValueOfAnOption_IsNotAVerb) {
 
 TEST(CompletionCommandTest, Points_AreThoseOfTheLiveUnit) {
     TempFile const rows("timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230.04\n");
-    ReplayProcess replay({"--speed", "0", "--hold", rows.path()});
+    QelReplayProcess replay({"--speed", "0", "--hold", rows.path()});
     ASSERT_TRUE(replay.readUntil("the region stays"));
     EXPECT_THAT(completions({"get", "unit1/"}), ElementsAre("unit1/inlet1"));
     EXPECT_THAT(completions({"get", ""}), ElementsAre("unit1", "unit1/inlet1"));

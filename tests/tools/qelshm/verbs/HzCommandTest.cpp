@@ -5,7 +5,7 @@
 
 #include "tests/support/TempFile.h"
 #include "tests/tools/qelshm/QelshmRun.h"
-#include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/replay/QelReplayProcess.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -15,7 +15,7 @@ namespace qel::test {
 TEST(HzCommandTest, ValuesThatChange_HaveARate) {
     TempFile const rows(
         "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,231\n");
-    ReplayProcess replay({"--speed", "10", "--loop", rows.path()});
+    QelReplayProcess replay({"--speed", "10", "--loop", rows.path()});
     ASSERT_TRUE(replay.readUntil("region active"));
     auto const outcome = runQelshm({"hz", "--json", "--duration", "2", "--interval", "0.01"});
     EXPECT_EQ(0, outcome.status) << outcome.errors;

@@ -4,7 +4,7 @@
 #include "tools/qelshm/watch/WatchScreen.h"
 
 #include "tests/tools/qelshm/watch/Tmux.h"
-#include "tests/tools/replay/ReplayProcess.h"
+#include "tests/tools/replay/QelReplayProcess.h"
 
 #include <gmock/gmock.h>
 
@@ -40,7 +40,7 @@ protected:
 
     void startUnit() {
         std::string const recording = QEL_DATA_DIR "/outlets_1s.csv";
-        unit_ = std::make_unique<ReplayProcess>(std::vector<std::string>{
+        unit_ = std::make_unique<QelReplayProcess>(std::vector<std::string>{
             "--speed", "10", "--loop", "--limit", "inlet1_voltage_V:high-alarm=100", recording});
         ASSERT_TRUE(unit_->readUntil("region active"));
     }
@@ -72,7 +72,7 @@ protected:
     }
 
     Tmux tmux_{100, 30};
-    std::unique_ptr<ReplayProcess> unit_;
+    std::unique_ptr<QelReplayProcess> unit_;
 };
 
 } // namespace

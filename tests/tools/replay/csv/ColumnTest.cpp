@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/Column.h"
 
-#include "tests/tools/replay/Recorded.h"
+#include "tests/tools/replay/ShippedRecordings.h"
 
 #include <gtest/gtest.h>
 
@@ -72,8 +72,8 @@ TEST(ColumnTest, Parse_KnowsPointAndKeyOfEveryColumn) {
 
 TEST(ColumnTest, Parse_KnowsEveryColumnOfTheRecordings) {
     std::size_t count = 0;
-    for (auto const* const file : test::recordedFiles) {
-        for (auto const& name : test::recordedColumns(file)) {
+    for (auto const* const file : test::shippedRecordings) {
+        for (auto const& name : test::columnsOf(file)) {
             EXPECT_TRUE(parseColumn(name)) << name;
             ++count;
         }

@@ -81,8 +81,7 @@ TEST(CsvReaderTest, LongFile_IsReadInOnePiece) {
 }
 
 TEST(CsvReaderTest, MisplacedQuotes_AreRefusedWithTheirLine) {
-    std::string const rest =
-        ": quotes are out of place; expected cells without quotes, or wholly inside a pair of them";
+    std::string const rest = ": misplaced quotes; expected cells without quotes or quoted as a whole";
     EXPECT_EQ(":2" + rest, failureOf("a,b\n1,2\"\n"));
     EXPECT_EQ(":3" + rest, failureOf("a\n1\n\"2\"3\n"));
     EXPECT_EQ(":2" + rest, failureOf("a\n\"1\n2\n")) << "never closed";

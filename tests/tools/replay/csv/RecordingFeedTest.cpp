@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
-#include "tools/replay/csv/DewPoint.h"
+#include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
 
 #include "tests/support/TempFile.h"
@@ -31,7 +31,7 @@ class Feed {
 public:
     explicit Feed(std::string const& columns, LimitSet const& limits = {})
         : recordings_(recordingsOf(columns)),
-          feed_(recordings_.tables().front(), recordings_, limits) {}
+          feed_(recordings_.all().front(), recordings_, limits) {}
 
     RecordingFeed& operator*() { return feed_; }
     RecordingFeed* operator->() { return &feed_; }
@@ -140,7 +140,7 @@ TEST(RecordingFeedTest, RecordedCounterInAnotherFile_IsUsedToo) {
     test::TempFile const counter("timestamp_utc,total_active_energy_Wh\n2023-06-09T07:34:38Z,1\n");
     auto const recordings = Recordings::read({power.path(), counter.path()});
 
-    RecordingFeed const sut(recordings.tables()[0], recordings, {});
+    RecordingFeed const sut(recordings.all()[0], recordings, {});
 
     EXPECT_EQ((std::set<long long>{svid(PointKind::Inlet, 2, 19)}), svidsOf(sut));
 }

@@ -1,0 +1,161 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/replay/CapturePlayer.h"
+
+#include "inspect/image/LiveRegion.h"
+#include "tools/replay/RecordingPlayer.h"
+
+#include "tests/inspect/capture/CaptureFixture.h"
+#include "tests/support/Eventually.h"
+#include "tests/support/LedFiles.h"
+#include "tests/tools/replay/CaptureFile.h"
+#include "tests/writer/WriterFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace qel::tools {
+
+namespace {
+
+constexpr long long unit = test::pointId(1, 0);
+constexpr long long inlet = test::pointId(1, 0, 1);
+constexpr long long sensor = test::pointId(1, 1, 1, 1);
+
+class CapturePlayerTest : public testing::Test {
+protected:
+    /// Images of a unit: inactive, built, active, an alarm, a sensor that comes, the end of the alarm.
+    static std::vector<inspect::Image> unitImages() {
+        std::vector<inspect::Image> images;
+        shm::QelSharedMemoryWriter writer;
+        auto const take = [&] {
+            images.push_back(inspect::LiveRegion().copy());
+        };
+        take();
+        writer.addStructure({{unit, test::withKeys({1})}, {inlet, test::withKeys({1, 19})}});
+        take();
+        writer.setActive();
+        take();
+        writer.updateMV(inlet | 19, test::measured(2500.0, 1000, eStatus_HighAlarm));
+        writer.propagateStates();
+        take();
+        writer.modifyStructure({unit, unit | 1, inlet, inlet | 1, inlet | 19, sensor, sensor | 256});
+        take();
+        writer.updateMV(inlet | 19, test::measured(1500.0, 2000, eStatus_NoError));
+        writer.propagateStates();
+        take();
+        return images;
+    }
+
+    std::unique_ptr<CapturePlayer> playerOf(test::CaptureFile const& file) {
+        return playerOf(file, file.images().size());
+    }
+    std::unique_ptr<CapturePlayer> playerOf(test::CaptureFile const& file, std::uint64_t samples) {
+        return std::make_unique<CapturePlayer>(CapturePlayer::Parts{file.path(), samples}, log_,
+                                               [this] { ++announced_; });
+    }
+
+    std::ostringstream out_;
+    ReplayLog log_{&out_, ReplaySteps::Samples};
+    int announced_ = 0;
+};
+
+} // namespace
+
+TEST_F(CapturePlayerTest, New_PublishesNothing) {
+    test::CaptureFile const file(unitImages());
+    auto const sut = playerOf(file);
+    EXPECT_FALSE(test::rawRegionExists());
+    EXPECT_FALSE(sut->isActive());
+}
+
+TEST_F(CapturePlayerTest, Samples_AppearByteForByteAtTheirTimes) {
+    test::CaptureFile const file(unitImages());
+    auto const sut = playerOf(file);
+    std::vector<bool> const isActive{false, false, true, true, true, true};
+    std::vector<int> const announced{0, 1, 1, 1, 2, 2};
+
+    sut->begin();
+
+    for (std::size_t index = 0; index < file.images().size(); ++index) {
+        if (index != 0) {
+            EXPECT_EQ(index * test::CaptureFile::interval, sut->due());
+            sut->step();
+        }
+        test::expectSame(file.images()[index], inspect::LiveRegion().copy());
+        EXPECT_EQ(isActive[index], sut->isActive()) << index;
+        EXPECT_EQ(announced[index], announced_) << index;
+    }
+    EXPECT_EQ(std::nullopt, sut->due());
+}
+
+TEST_F(CapturePlayerTest, Samples_MayBeAnyBytes) {
+    std::vector<inspect::Image> images;
+    for (auto const& image : test::randomImages(30, 51)) {
+        images.emplace_back(&image.region(), test::rawRegionSize);
+    }
+    test::CaptureFile const file(images);
+    auto const sut = playerOf(file);
+    sut->begin();
+    for (auto const& image : images) {
+        test::expectSame(image, inspect::LiveRegion().copy());
+        if (sut->due()) {
+            sut->step();
+        }
+    }
+}
+
+TEST_F(CapturePlayerTest, Limit_EndsEarlier) {
+    test::CaptureFile const file(unitImages());
+    auto const sut = playerOf(file, 2);
+    sut->begin();
+    sut->step();
+    EXPECT_EQ(std::nullopt, sut->due());
+    test::expectSame(file.images()[1], inspect::LiveRegion().copy());
+}
+
+TEST_F(CapturePlayerTest, Log_TellsTheGlobalStateAndTheStructure) {
+    test::CaptureFile const file(unitImages());
+    auto const sut = playerOf(file);
+    sut->begin();
+    while (sut->due()) {
+        sut->step();
+    }
+    log_.ended("done", 1.0, sut->globalState());
+    EXPECT_EQ("qel-replay: region active: 0 points, 0 values; 1 capture, 6 samples\n"
+              "2023-06-09T07:34:30.540Z  structure  changed, now 2 points, 3 values\n"
+              "2023-06-09T07:34:31.540Z  global     On => Child Alarm\n"
+              "2023-06-09T07:34:32.040Z  structure  changed, now 3 points, 4 values\n"
+              "2023-06-09T07:34:32.540Z  global     Child Alarm => On\n"
+              "qel-replay: done: 6 samples, 6 updates in 1.0 s; 2 structure changes; global state On\n",
+              out_.str());
+}
+
+TEST_F(CapturePlayerTest, Led_FollowsTheGlobalState) {
+    test::CaptureFile const file(unitImages());
+    test::restoreLedFiles();
+    auto const sut = playerOf(file, 4);
+    sut->begin();
+    EXPECT_TRUE(test::eventually([] { return test::ledContents() == "0/1/0"; })) << test::ledContents();
+    while (sut->due()) {
+        sut->step();
+    }
+    EXPECT_EQ(eStatus_ChildAlarm, sut->globalState());
+    EXPECT_TRUE(test::eventually([] { return test::ledContents() == "1/0/0"; })) << test::ledContents();
+}
+
+TEST_F(CapturePlayerTest, End_RemovesTheRegion) {
+    test::CaptureFile const file(unitImages());
+    auto sut = playerOf(file);
+    sut->begin();
+    EXPECT_TRUE(test::rawRegionExists());
+    sut.reset();
+    EXPECT_FALSE(test::rawRegionExists());
+}
+
+} // namespace qel::tools

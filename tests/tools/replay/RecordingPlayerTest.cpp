@@ -1,0 +1,231 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/replay/RecordingPlayer.h"
+
+#include "tools/replay/unit/Topology.h"
+
+#include "tests/support/TempFile.h"
+#include "tests/tools/qelshm/RawUnit.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <string>
+
+namespace qel::tools {
+
+namespace {
+
+constexpr std::uint64_t time0 = 1686296070000; // 2023-06-09T07:34:30Z
+constexpr PointId inlet{PointKind::Inlet, 1};
+
+std::string const inletRows = "timestamp_utc,inlet1_active_power_W,inlet1_voltage_V\n"
+                              "2023-06-09T07:34:30Z,1000,230\n"
+                              "2023-06-09T07:34:31Z,3000,\n"
+                              "2023-06-09T07:34:32Z,1000,231\n";
+std::string const sensorRows = "timestamp_utc,sensor1_temperature_degC\n"
+                               "2015-02-02T13:19:00Z,20\n"
+                               "2015-02-02T13:19:01Z,21\n"
+                               "2015-02-02T13:19:02Z,22\n";
+std::string const groupRows =
+    "timestamp_utc,outlet1_active_power_W,outlet2_active_power_W,outlet3_active_power_W\n"
+    "2023-06-09T07:34:30Z,1,2,3\n"
+    "2023-06-09T07:34:31Z,4,5,6\n"
+    "2023-06-09T07:34:32Z,7,8,9\n";
+
+class RecordingPlayerTest : public testing::Test {
+protected:
+    RecordingPlayer::Parts partsOf(std::vector<std::string> const& texts) {
+        std::vector<std::string> paths;
+        std::vector<std::unique_ptr<test::TempFile>> files;
+        for (auto const& text : texts) {
+            files.push_back(std::make_unique<test::TempFile>(text));
+            paths.push_back(files.back()->path());
+        }
+        RecordingPlayer::Parts parts;
+        parts.recordings = Recordings::read(paths);
+        return parts;
+    }
+
+    std::unique_ptr<RecordingPlayer> playerOf(RecordingPlayer::Parts parts) {
+        return std::make_unique<RecordingPlayer>(std::move(parts), log_, [this] { ++announced_; });
+    }
+
+    static void stepTo(RecordingPlayer& sut, std::uint64_t time) {
+        while (sut.due() && *sut.due() <= time) {
+            sut.step();
+        }
+    }
+
+    std::ostringstream out_;
+    ReplayLog log_{&out_};
+    int announced_ = 0;
+};
+
+} // namespace
+
+TEST_F(RecordingPlayerTest, New_PublishesNothing) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    EXPECT_FALSE(test::rawRegionExists());
+}
+
+TEST_F(RecordingPlayerTest, Begin_PublishesTheUnitWithoutReadings) {
+    auto const sut = playerOf(partsOf({inletRows}));
+
+    sut->begin();
+
+    test::RawUnit const region;
+    EXPECT_EQ(32U, region.version());
+    EXPECT_EQ((std::set<long long>{pointSvid(unitPoint), pointSvid(inlet)}), region.points());
+    EXPECT_EQ(eStatus_ExpectedValue, region.value(pointSvid(inlet) | 19)->state);
+    EXPECT_EQ(time0, region.timeOf(pointSvid(unitPoint)));
+    EXPECT_EQ("qel-replay: region active: 2 points, 3 values; 1 recording, 3 rows\n", out_.str());
+}
+
+TEST_F(RecordingPlayerTest, Steps_BringTheRowsIntoTheRegion) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    sut->begin();
+
+    EXPECT_EQ(0U, sut->due());
+    sut->step();
+    test::RawUnit const region;
+    EXPECT_EQ(1000.0, region.value(pointSvid(inlet) | 19)->number);
+    EXPECT_EQ(time0, region.value(pointSvid(inlet) | 19)->time);
+    EXPECT_EQ(1000U, sut->due());
+    sut->step();
+    EXPECT_EQ(eStatus_Lost, region.value(pointSvid(inlet) | 1)->state);
+    EXPECT_EQ(230.0, region.value(pointSvid(inlet) | 1)->number);
+    EXPECT_EQ(time0 + 1000, region.value(pointSvid(inlet) | 1)->time);
+    sut->step();
+    EXPECT_EQ(231.0, region.value(pointSvid(inlet) | 1)->number);
+    // 1000 W to 3000 W to 1000 W, a second each.
+    EXPECT_NEAR(4000.0 / 3600.0 / 1000.0, region.value(pointSvid(inlet) | 36)->number, 1e-12);
+    EXPECT_EQ(std::nullopt, sut->due());
+}
+
+TEST_F(RecordingPlayerTest, MissingReadings_AreLoggedWhenTheirNumberChanges) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    sut->begin();
+    out_.str("");
+    stepTo(*sut, 2000);
+    EXPECT_THAT(out_.str(),
+                testing::MatchesRegex("2023-06-09T07:34:31Z  readings   [^ ]+: 1 of 2 missing\n"
+                                      "2023-06-09T07:34:32Z  readings   [^ ]+: 0 of 2 missing\n"));
+}
+
+TEST_F(RecordingPlayerTest, CrossedLimit_IsLoggedAndFoldedUp) {
+    auto parts = partsOf({inletRows});
+    parts.limits.add("inlet1_active_power_W:high-alarm=2500", {"--limit"});
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    out_.str("");
+
+    stepTo(*sut, 1000);
+
+    test::RawUnit const region;
+    EXPECT_EQ(eStatus_HighAlarm, region.value(pointSvid(inlet) | 19)->state);
+    EXPECT_EQ(eStatus_OnAlarm, region.stateOf(pointSvid(inlet)));
+    EXPECT_EQ(eStatus_ChildAlarm, region.globalState());
+    EXPECT_EQ(eStatus_ChildAlarm, sut->globalState());
+    EXPECT_THAT(out_.str(),
+                testing::HasSubstr("2023-06-09T07:34:31Z  limit      inlet1_active_power_W  3000.0 W  No "
+                                   "Error => High Alarm\n"));
+    EXPECT_THAT(out_.str(), testing::HasSubstr("2023-06-09T07:34:31Z  global     On => Child Alarm\n"));
+    out_.str("");
+    stepTo(*sut, 2000);
+    EXPECT_EQ(eStatus_On, region.globalState());
+    EXPECT_THAT(out_.str(), testing::HasSubstr("2023-06-09T07:34:32Z  global     Child Alarm => On\n"));
+}
+
+TEST_F(RecordingPlayerTest, Sensor_IsThereFromTheStartWithoutSchedule) {
+    auto const sut = playerOf(partsOf({sensorRows}));
+    sut->begin();
+    EXPECT_EQ(1U, test::RawUnit().points().count(pointSvid(sensorPoint)));
+}
+
+TEST_F(RecordingPlayerTest, Sensor_ComesAndGoesBySchedule) {
+    auto parts = partsOf({inletRows, sensorRows});
+    parts.schedule.add({sensorPoint, "--plug-after", {1.0}, "--unplug-after", {1.5}});
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    test::RawUnit const region;
+
+    stepTo(*sut, 999);
+    EXPECT_EQ(0U, region.points().count(pointSvid(sensorPoint)));
+    EXPECT_EQ(0, announced_);
+    stepTo(*sut, 1000);
+    EXPECT_EQ(1U, region.points().count(pointSvid(sensorPoint)));
+    EXPECT_EQ(21.0, region.value(pointSvid(sensorPoint) | 256)->number)
+        << "it gets the readings of its moment";
+    EXPECT_EQ(1, announced_);
+    stepTo(*sut, 1500);
+    EXPECT_EQ(0U, region.points().count(pointSvid(sensorPoint)));
+    EXPECT_EQ(2, announced_);
+    stepTo(*sut, 2000);
+    EXPECT_EQ(std::nullopt, sut->due());
+    EXPECT_THAT(
+        out_.str(),
+        testing::HasSubstr("2015-02-02T13:19:01Z  structure  sensor 1/1 added, now 3 points, 4 values\n"));
+    EXPECT_THAT(out_.str(),
+                testing::HasSubstr(
+                    "2015-02-02T13:19:01.500Z  structure  sensor 1/1 removed, now 2 points, 3 values\n"));
+    log_.ended("", 0.0, eStatus_On);
+    EXPECT_THAT(out_.str(), testing::Not(testing::HasSubstr("refused")));
+}
+
+TEST_F(RecordingPlayerTest, SensorThatGoesFirst_IsThereFromTheStart) {
+    auto parts = partsOf({inletRows, sensorRows});
+    parts.schedule.add({sensorPoint, "--plug-after", {}, "--unplug-after", {0.5}});
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    EXPECT_EQ(1U, test::RawUnit().points().count(pointSvid(sensorPoint)));
+    stepTo(*sut, 1000);
+    EXPECT_EQ(0U, test::RawUnit().points().count(pointSvid(sensorPoint)));
+}
+
+TEST_F(RecordingPlayerTest, LimitOfASensorThatIsNotThere_IsSilent) {
+    auto parts = partsOf({inletRows, sensorRows});
+    parts.limits.add("sensor1_temperature_degC:high-alarm=21", {"--limit"});
+    parts.schedule.add({sensorPoint, "--plug-after", {5.0}, "--unplug-after", {}});
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    stepTo(*sut, 5000);
+    EXPECT_THAT(out_.str(), testing::Not(testing::HasSubstr("limit")));
+}
+
+TEST_F(RecordingPlayerTest, RemovedPoint_TakesItsAlarmAlong) {
+    auto parts = partsOf({inletRows, sensorRows});
+    parts.limits.add("sensor1_temperature_degC:high-alarm=20", {"--limit"});
+    parts.schedule.add({sensorPoint, "--plug-after", {}, "--unplug-after", {1.5}});
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    stepTo(*sut, 1000);
+    EXPECT_EQ(eStatus_ChildAlarm, test::RawUnit().globalState());
+    stepTo(*sut, 1500);
+    EXPECT_EQ(eStatus_On, test::RawUnit().globalState());
+}
+
+TEST_F(RecordingPlayerTest, Group_IsThereOnlyBySchedule) {
+    auto parts = partsOf({groupRows});
+    parts.schedule.add({socketGroup, "--group-after", {1.0}, "--ungroup-after", {2.0}});
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    test::RawUnit const region;
+    EXPECT_EQ(0U, region.points().count(pointSvid(socketGroup)));
+    stepTo(*sut, 1000);
+    EXPECT_EQ(1U, region.points().count(pointSvid(socketGroup)));
+    EXPECT_EQ(15.0, region.value(pointSvid(socketGroup) | 19)->number);
+    EXPECT_EQ(eStatus_On, region.stateOf(pointSvid(socketGroup)));
+    stepTo(*sut, 2000);
+    EXPECT_EQ(0U, region.points().count(pointSvid(socketGroup)));
+    EXPECT_EQ(2, announced_);
+}
+
+TEST_F(RecordingPlayerTest, GroupWithoutSchedule_IsNotThere) {
+    auto const sut = playerOf(partsOf({groupRows}));
+    sut->begin();
+    EXPECT_EQ(0U, test::RawUnit().points().count(pointSvid(socketGroup)));
+}
+
+} // namespace qel::tools
