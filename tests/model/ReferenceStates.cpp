@@ -23,7 +23,11 @@ Set const childAlarms{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39};
 Set const childWarnings{11, 12, 13, 14, 21, 24, 40};
 Set const childUpdates{34, 35};
 Set const ownAlarms{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 35, 39};
-Set const ownForGood{-2, -1, 5, 6, 34, 36, 43}; // nothing below changes these
+Set const kept{-2, 5, 6, 34, 35, 36, 43};
+Set const onIdentify{7, 11, 15};
+Set const offIdentify{8, 12, 16};
+Set const off{10, 14, 18, 20, 22};
+Set const ownForGood{-2, 5, 6, 34, 36, 43}; // nothing below changes these
 
 bool isIn(Set const& set, State state) {
     return set.count(state) != 0;
@@ -36,19 +40,19 @@ bool isPlain(State own) {
 } // namespace
 
 State ownState(State stored) {
-    if (isIn({-2, 5, 6, 34, 35, 36, 43}, stored)) {
+    if (isIn(kept, stored)) {
         return stored;
     }
-    if (isIn({7, 11, 15}, stored)) {
-        return 15; // On, Identify
+    if (isIn(onIdentify, stored)) {
+        return 15;
     }
-    if (isIn({8, 12, 16}, stored)) {
-        return 16; // Off, Identify
+    if (isIn(offIdentify, stored)) {
+        return 16;
     }
-    if (isIn({10, 14, 18, 20, 22}, stored)) {
-        return 18; // Off
+    if (isIn(off, stored)) {
+        return 18;
     }
-    return 17; // On
+    return 17;
 }
 
 State foldValues(States const& values) {
@@ -112,8 +116,8 @@ State pointState(State stored, States const& values, States const& children) {
 }
 
 State reportedState(std::int64_t svid, State state) {
-    bool const isCircuit =
-        levelOf(svid, kindLevel) == 0 && levelOf(svid, circuitLevel) != -1 && levelOf(svid, socketLevel) == -1;
+    bool const isCircuit = levelOf(svid, kindLevel) == 0 && levelOf(svid, circuitLevel) != -1 &&
+                           levelOf(svid, socketLevel) == -1;
     return isCircuit && state == 18 ? 39 : state;
 }
 

@@ -43,6 +43,10 @@ bool isInThousandths(int key) {
     return (key >= 32 && key <= 38) || (key >= 0xFFF9 && key <= 0xFFFC);
 }
 
+double storedNumber(int key, double delivered) {
+    return isInThousandths(key) ? delivered / 1000.0 : delivered;
+}
+
 bool ParentsFirst::operator()(Svid left, Svid right) const {
     for (int level = 0; level < levels; ++level) {
         int const l = levelOf(left, level) & 0xFF;

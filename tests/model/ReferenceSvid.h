@@ -37,6 +37,9 @@ bool isPointStateKey(int key);
 /// Keys of energies, which are delivered in thousandths of their unit.
 bool isInThousandths(int key);
 
+/// What is stored of a number that is delivered for a key.
+double storedNumber(int key, double delivered);
+
 /// The order in which a set of points is added: parents before children, so an unused level stands before every used
 /// one.
 struct ParentsFirst {

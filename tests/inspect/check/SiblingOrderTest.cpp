@@ -3,6 +3,7 @@
 
 #include "inspect/check/SiblingOrder.h"
 
+#include "tests/model/ReferenceSvid.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +44,25 @@ TEST(SiblingOrder, OtherKinds_StandAnywhere) {
     EXPECT_FALSE(belongsBefore(pointId(1, 3, 1), pointId(1, 3, 2)));
     EXPECT_FALSE(belongsBefore(pointId(1, 0, 1), pointId(1, 3, 2)));
     EXPECT_FALSE(belongsBefore(pointId(1, 3, 1), pointId(1, 2, 2)));
+}
+
+// Of every kind beside every kind, with the deciding bytes smaller, equal and greater: where both kinds take part, the
+// order is what the writer decides for a new point.
+TEST(SiblingOrder, EveryPairOfKinds_StandsAsByTheReferenceWriter) {
+    std::vector<long long> ids;
+    for (int kind = -1; kind <= 5; ++kind) {
+        for (int level = 0; level < 3 * 3 * 3 * 3; ++level) {
+            ids.push_back(
+                pointId(1 + level % 3, kind, 1, level / 3 % 3 - 1, level / 9 % 3 - 1, level / 27 - 1));
+        }
+    }
+    for (auto const left : ids) {
+        for (auto const right : ids) {
+            bool const counts = isOrdered(left) && isOrdered(right);
+            ASSERT_EQ(counts && test::reference::standsBefore(left, right), belongsBefore(left, right))
+                << test::hex(left) << ' ' << test::hex(right);
+        }
+    }
 }
 
 } // namespace qel::inspect
