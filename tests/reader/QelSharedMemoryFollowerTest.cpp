@@ -106,7 +106,7 @@ private:
     std::function<void()> act_;
 };
 
-class Follower : public testing::Test {
+class QelSharedMemoryFollowerTest : public testing::Test {
 protected:
     void become(QelShmCondition condition) {
         EXPECT_TRUE(eventually([&] { return sut->condition() == condition; }))
@@ -165,12 +165,12 @@ protected:
     std::optional<QelSharedMemoryFollower> sut;
 };
 
-TEST_F(Follower, Construction_MakesNoReader) {
+TEST_F(QelSharedMemoryFollowerTest, Construction_MakesNoReader) {
     make();
     EXPECT_EQ(readers(), 0U);
 }
 
-TEST_F(Follower, ActiveRegion_IsServed) {
+TEST_F(QelSharedMemoryFollowerTest, ActiveRegion_IsServed) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -179,7 +179,7 @@ TEST_F(Follower, ActiveRegion_IsServed) {
     EXPECT_EQ(voided, Conditions{});
 }
 
-TEST_F(Follower, WithoutCallback_Follows) {
+TEST_F(QelSharedMemoryFollowerTest, WithoutCallback_Follows) {
     auto first = activeRegion(1);
     sut.emplace(60U, ANY_AGE);
     become(QelShmCondition::Active);
@@ -187,7 +187,7 @@ TEST_F(Follower, WithoutCallback_Follows) {
     become(QelShmCondition::Gone);
 }
 
-TEST_F(Follower, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
+TEST_F(QelSharedMemoryFollowerTest, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
     auto const first = region(1);
     make();
     become(QelShmCondition::Inactive);
@@ -199,7 +199,7 @@ TEST_F(Follower, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
     EXPECT_EQ(voided, Conditions{});
 }
 
-TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
+TEST_F(QelSharedMemoryFollowerTest, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -210,7 +210,7 @@ TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
     EXPECT_EQ(readers(), 1U);
 }
 
-TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
+TEST_F(QelSharedMemoryFollowerTest, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -226,7 +226,7 @@ TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
     EXPECT_EQ(voided.size(), 1U);
 }
 
-TEST_F(Follower, WriterThatTookTheSameObjectOver_IsFollowed) {
+TEST_F(QelSharedMemoryFollowerTest, WriterThatTookTheSameObjectOver_IsFollowed) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -243,7 +243,7 @@ TEST_F(Follower, WriterThatTookTheSameObjectOver_IsFollowed) {
     EXPECT_EQ(voided.size(), 1U);
 }
 
-TEST_F(Follower, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
+TEST_F(QelSharedMemoryFollowerTest, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
     auto const first = activeRegion(1);
     std::optional<ObjectLock> writer;
     writer.emplace();
@@ -259,7 +259,7 @@ TEST_F(Follower, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
     EXPECT_EQ(readers(), 2U);
 }
 
-TEST_F(Follower, LockSeenByAFormerReader_CountsForTheNextOne) {
+TEST_F(QelSharedMemoryFollowerTest, LockSeenByAFormerReader_CountsForTheNextOne) {
     auto const first = activeRegion(1);
     std::optional<ObjectLock> writer;
     writer.emplace();
@@ -276,7 +276,7 @@ TEST_F(Follower, LockSeenByAFormerReader_CountsForTheNextOne) {
     expectNothing();
 }
 
-TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
+TEST_F(QelSharedMemoryFollowerTest, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -294,7 +294,7 @@ TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
     EXPECT_EQ(readers(), 2U);
 }
 
-TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
+TEST_F(QelSharedMemoryFollowerTest, StoringIntoTheRegion_IsNoTakingOver) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -306,7 +306,7 @@ TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
     EXPECT_EQ(readers(), 1U);
 }
 
-TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
+TEST_F(QelSharedMemoryFollowerTest, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -329,7 +329,7 @@ TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
     EXPECT_EQ(voided.size(), 1U);
 }
 
-TEST_F(Follower, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
+TEST_F(QelSharedMemoryFollowerTest, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -346,7 +346,7 @@ TEST_F(Follower, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
     expectNumber(1);
 }
 
-TEST_F(Follower, VisitThatThrew_IsOver) {
+TEST_F(QelSharedMemoryFollowerTest, VisitThatThrew_IsOver) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -356,7 +356,7 @@ TEST_F(Follower, VisitThatThrew_IsOver) {
     expectNumber(1);
 }
 
-TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
+TEST_F(QelSharedMemoryFollowerTest, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -377,7 +377,7 @@ TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
     expectNumber(1);
 }
 
-TEST_F(Follower, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
+TEST_F(QelSharedMemoryFollowerTest, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -388,7 +388,7 @@ TEST_F(Follower, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
     expectNumber(1);
 }
 
-TEST_F(Follower, WithoutDescriptors_ServesOn) {
+TEST_F(QelSharedMemoryFollowerTest, WithoutDescriptors_ServesOn) {
     auto const first = activeRegion(1);
     ObjectLock const writer;
     make();
@@ -403,7 +403,7 @@ TEST_F(Follower, WithoutDescriptors_ServesOn) {
     EXPECT_EQ(voided, Conditions{});
 }
 
-TEST_F(Follower, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
+TEST_F(QelSharedMemoryFollowerTest, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
     auto const first = activeRegion(1);
     make(60, 1h);
     become(QelShmCondition::Silent);
@@ -420,7 +420,7 @@ TEST_F(Follower, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
     EXPECT_EQ(readers(), 1U);
 }
 
-TEST_F(Follower, WaitBudgetRunsOut_AnotherReaderWaits) {
+TEST_F(QelSharedMemoryFollowerTest, WaitBudgetRunsOut_AnotherReaderWaits) {
     auto const first = activeRegion(1);
     manager.setAnswer(0);
     make(1);
@@ -432,7 +432,7 @@ TEST_F(Follower, WaitBudgetRunsOut_AnotherReaderWaits) {
     expectNumber(1);
 }
 
-TEST_F(Follower, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
+TEST_F(QelSharedMemoryFollowerTest, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
     make();
     ASSERT_TRUE(eventually([&] {
         EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
@@ -448,7 +448,7 @@ TEST_F(Follower, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
     EXPECT_EQ(readers(), 2U);
 }
 
-TEST_F(Follower, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
+TEST_F(QelSharedMemoryFollowerTest, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
     auto const first = activeRegion(1);
     make(0);
     auto const start = std::chrono::steady_clock::now();
@@ -459,7 +459,7 @@ TEST_F(Follower, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
     EXPECT_LE(readers(), most);
 }
 
-TEST_F(Follower, KeptValue_IsNotMistakenForThatOfAnotherReader) {
+TEST_F(QelSharedMemoryFollowerTest, KeptValue_IsNotMistakenForThatOfAnotherReader) {
     // In the second object the same slots hold a point and a key of the same ids, but the value belongs to another point.
     auto const first = activeRegion(1);
     make();
@@ -479,7 +479,7 @@ TEST_F(Follower, KeptValue_IsNotMistakenForThatOfAnotherReader) {
     EXPECT_EQ(found->value, 3.0);
 }
 
-TEST_F(Follower, SeveralInOneProcess_EachFindTheNewStructure) {
+TEST_F(QelSharedMemoryFollowerTest, SeveralInOneProcess_EachFindTheNewStructure) {
     QelSharedMemoryFollower other(60, ANY_AGE);
     auto const first = activeRegion(1);
     make();
@@ -497,7 +497,7 @@ TEST_F(Follower, SeveralInOneProcess_EachFindTheNewStructure) {
     }
 }
 
-TEST_F(Follower, PointWhoseSlotShowsAnother_IsNotGiven) {
+TEST_F(QelSharedMemoryFollowerTest, PointWhoseSlotShowsAnother_IsNotGiven) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -506,7 +506,7 @@ TEST_F(Follower, PointWhoseSlotShowsAnother_IsNotGiven) {
     EXPECT_FALSE(sut->mpnt(point));
 }
 
-TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
+TEST_F(QelSharedMemoryFollowerTest, ConnectionClosed_AnotherReaderHearsAgain) {
     auto const first = activeRegion(1);
     make();
     become(QelShmCondition::Active);
@@ -525,7 +525,7 @@ TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
 }
 
 /// As the README shows it.
-TEST_F(Follower, ExampleOfTheReadme_Works) {
+TEST_F(QelSharedMemoryFollowerTest, ExampleOfTheReadme_Works) {
     auto const first = activeRegion(21.5);
     std::ostringstream out;
     shm::QelSharedMemoryFollower unit(60, ANY_AGE, [&](shm::QelShmCondition now) {
@@ -541,7 +541,7 @@ TEST_F(Follower, ExampleOfTheReadme_Works) {
     EXPECT_EQ(out.str(), "21.5 W\nhandles are void: gone\n");
 }
 
-TEST(FollowerWithoutBus, NothingIsThrown_AndTriesAreASecondApart) {
+TEST(QelSharedMemoryFollowerWithoutBusTest, NothingIsThrown_AndTriesAreASecondApart) {
     auto const first = activeRegion(1);
     LogCapture const log;
     QelSharedMemoryFollower sut(60, ANY_AGE);

@@ -269,9 +269,9 @@ void expectEachSlotFreeOnceOrInUse(Laid& laid) {
 
 } // namespace
 
-class MemoryEndsTest : public testing::TestWithParam<Case> {};
+class QelSharedMemoryWriterMemoryTest : public testing::TestWithParam<Case> {};
 
-TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
+TEST_P(QelSharedMemoryWriterMemoryTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
     std::vector<std::uint8_t> undisturbed;
     {
         Laid laid(GetParam());
@@ -313,10 +313,10 @@ TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Operation, MemoryEndsTest, testing::ValuesIn(cases()),
+INSTANTIATE_TEST_SUITE_P(Operation, QelSharedMemoryWriterMemoryTest, testing::ValuesIn(cases()),
                          [](auto const& one) { return one.param.name; });
 
-TEST(MemoryEndsHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
+TEST(QelSharedMemoryWriterMemoryHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
     Laid laid({"", layOut, nothing});
     auto const before = allocations();
     auto value = measured(2.5, 7, eStatus_HighAlarm);
