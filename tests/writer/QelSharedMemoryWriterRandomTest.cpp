@@ -202,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(
     Sequences, QelSharedMemoryWriterRandomTest,
     testing::Values(Scenario{1, 8000, 60, 6, 5, false}, Scenario{2, 8000, 120, 8, 8, false},
                     Scenario{3, 4000, 300, 4, 30, false}, Scenario{4, 600, 900, 18, 120, true},
-                    Scenario{5, 600, 780, 18, 120, true}, Scenario{6, 600, 700, 40, 80, true}),
+                    Scenario{5, 600, 780, 18, 120, true}, Scenario{6, 600, 700, 40, 120, true}),
     [](auto const& scenario) {
         return "Seed" + std::to_string(scenario.param.seed) + "_Points" +
                std::to_string(scenario.param.pointsWanted);
