@@ -96,9 +96,13 @@ TEST(LiteralReaderTest, RandomUnits_AreVisitedAndFoundAsByTheLibrary) {
         for (int count = 1 + round / 4; count > 0; --count) {
             writer.addStructure(sensors.anyStructure(4));
             // Siblings that no unit has, so that the order of visits is not that of the list.
-            auto const& known = writer.known();
-            auto const parent = known.empty() ? rawNone : known.begin()->second.pos;
-            writer.addMP(sensors.anyPoint(), sensors.anyKeys(), parent);
+            auto const level = [&] {
+                return sensors.number(-1, 1);
+            };
+            auto const parent = writer.known().empty() ? rawNone : writer.known().begin()->second.pos;
+            writer.addMP(
+                reference::svidOf({level(), sensors.number(0, 5), level(), level(), level(), level()}),
+                sensors.anyKeys(), parent);
         }
         writer.setActive();
         std::memcpy(region.bytes(), writer.image().data(), rawRegionSize);
