@@ -26,9 +26,10 @@ RandomSensors::Svid RandomSensors::anyPoint() {
     case 6:
         return svidOf({device, 1, number(1, 3), number(-1, 120), number(-1, 5)});
     case 7:
-        return svidOf({device, 2, -1, number(1, 30)});
+        return chance(70) ? svidOf({device, 2, -1, number(1, 30)}) : svidOf({device, 2, number(1, 3)});
     case 8:
-        return svidOf({device, 4, number(1, 3), number(1, 3), number(-1, 6)});
+        return chance(70) ? svidOf({device, 4, number(1, 3), number(1, 3), number(-1, 6)})
+                          : svidOf({device, 4, number(1, 3)});
     default:
         return svidOf(
             {number(-1, 2), number(0, 5), number(-1, 2), number(-1, 2), number(-1, 2), number(-1, 2)});
