@@ -123,6 +123,17 @@ TEST_F(ReferenceWriterTest, RemovedPoint_KeepsItsPrev_AndItsSlotIsTakenLast) {
     EXPECT_EQ(1U, sut.freeValues().back());
 }
 
+TEST_F(ReferenceWriterTest, RemovedFirstChild_LosesNextAndParent_AndTheNextOneIsFirst) {
+    sut.addMP(device, {}, rawNone);
+    sut.addMP(svidOf({1, 0, 1}), {}, 0);
+    sut.addMP(svidOf({1, 0, 2}), {}, 0);
+    EXPECT_TRUE(sut.removeStructure({{device, {}}, {svidOf({1, 0, 2}), {}}}));
+
+    EXPECT_EQ("FF FF FF FF FF FF FF FF FF FF FF FF 02 00 00 00 FF FF FF FF", linksOf(0));
+    EXPECT_EQ("FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF", linksOf(1));
+    EXPECT_EQ("FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF 00 00 00 00", linksOf(2));
+}
+
 TEST_F(ReferenceWriterTest, AddStructure_SkipsTheRoot_AndThrowsWithoutParentOrSlot) {
     EXPECT_EQ(Outcome::Nothing,
               sut.addStructure({{reference::rootSvid, {1}}, {reference::rootSvid | 7, {1}}}));
