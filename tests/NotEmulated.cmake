@@ -9,4 +9,4 @@
 set_tests_properties(support.ChildProcess.Constructor_NoSuchProgram_Throws PROPERTIES DISABLED TRUE)
 
 # The emulator cannot start a thread in a forked child: it fails an assertion of its own.
-set_tests_properties(reader.Thread.Start_InAForkedChild_StartsAThreadOfTheChildsOwn PROPERTIES DISABLED TRUE)
+set_tests_properties(reader.ThreadTest.Start_InAForkedChild_StartsAThreadOfTheChildsOwn PROPERTIES DISABLED TRUE)

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Definition of a point and the order of sensor ids, written down plainly.
+/// Definition of a point and the order of sensor ids, the straightforward way.
 #pragma once
 
 #include "region/QelShmRecords.h"

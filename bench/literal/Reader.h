@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The reading side, written down plainly.
+/// The reading side, the straightforward way.
 #pragma once
 
 #include "bench/support/SharedObject.h"
@@ -22,8 +22,8 @@
 
 namespace bench::literal {
 
-/// Does what the library's reader does on a region that is mapped already, with the containers and in the steps of
-/// its contract and nothing beside them. No link to the hardware manager.
+/// Shows what the library's reader shows of a region that is mapped already, with lists that are made anew for every
+/// visit and a map that is filled by one. No link to the hardware manager. Tests hold what it shows.
 class Reader {
 public:
     Reader();

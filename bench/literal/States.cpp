@@ -11,7 +11,7 @@ namespace {
 
 using States = std::unordered_set<int>;
 
-// Filled once when the program starts, like the key sets of the contract.
+// Filled once when the program starts.
 States const valueAlarms{1, 2, 9, 10, 39};
 States const valueWarnings{3, 4, 13, 14, 40};
 States const childAlarms{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39};

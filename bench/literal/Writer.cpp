@@ -8,9 +8,9 @@
 #include "domain/SensorIdentifier.h"
 #include "domain/SensorType.h"
 #include "region/Exceptions.h"
+#include "region/RegionFields.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace bench::literal {
 
@@ -66,6 +66,14 @@ void Writer::openShm() {
     std::memset(static_cast<void*>(region_), shm::WIPE_BYTE, shm::REGION_SIZE);
 }
 
+bool Writer::isMapped(char const* operation) const {
+    if (region_ != nullptr) {
+        return true;
+    }
+    Line(writerCategory, Priority::ERROR, operation) << "the shared memory is not mapped";
+    return false;
+}
+
 bool Writer::addStructure(Definitions const& definitions) {
     bool added = false;
     for (auto const& [svid, definition] : definitions) {
@@ -86,6 +94,7 @@ bool Writer::addStructure(Definitions const& definitions) {
             }
         }
         if (addMP(svid, definition.mvs, ppos) >= shm::MP_COUNT) {
+            Line(writerCategory, Priority::ERROR, "bailout") << "failed to handle MP " << svid;
             throw ex::InvalidSensorIdException(svid);
         }
         added = true;
@@ -95,6 +104,9 @@ bool Writer::addStructure(Definitions const& definitions) {
 
 unsigned int Writer::addMP(long long svid, Keys const& mvs, unsigned int ppos) {
     Line(writerCategory, Priority::INFO, "addMP") << "svid = " << svid << ", ppos = " << ppos;
+    if (!isMapped("addMP")) {
+        return shm::NO_POSITION;
+    }
     auto const point = svid & ~0xFFFFLL;
     if (point == shm::ROOT_SVID) {
         return shm::NO_POSITION;
@@ -141,6 +153,11 @@ void Writer::addMVs(shm::QelShmMP& mp, MPDef& definition, Keys const& mvs) {
                 continue;
             }
         }
+        if (freeMVs_.empty()) {
+            Line(writerCategory, Priority::WARN, "addMVs")
+                << "no free measured values left, cannot add key " << wanted.first << " to " << mp.guid;
+            continue;
+        }
         auto const pos = freeMVs_.front();
         freeMVs_.pop_front();
         initMV(pos, wanted.first);
@@ -149,10 +166,10 @@ void Writer::addMVs(shm::QelShmMP& mp, MPDef& definition, Keys const& mvs) {
             definition.mvs.insert(std::make_pair(wanted.first, pos));
         }
         if (mp.mvs >= shm::MV_COUNT) {
-            mp.mvs = pos;
+            shm::storeLink(mp.mvs, pos);
         }
         if (tail < shm::MV_COUNT) {
-            region_->values[tail].next = pos;
+            shm::storeLink(region_->values[tail].next, pos);
         }
         tail = pos;
     }
@@ -162,25 +179,25 @@ shm::QelShmMP& Writer::initMP(unsigned int pos, long long svid, unsigned int ppo
     Line(writerCategory, Priority::DEBUG, "initMP")
         << "pos = " << pos << ", guid = " << svid << ", ppos = " << ppos;
     auto& mp = region_->points[pos];
-    std::memset(static_cast<void*>(&mp), shm::WIPE_BYTE, sizeof mp);
+    shm::wipeSlot(mp);
     auto const type = SensorIdentifier::extractSensorType(svid);
-    mp.pos = pos;
-    mp.parent = ppos;
-    mp.guid = svid;
-    mp.at = 0;
-    mp.state = eStatus_On;
-    mp.type = type == SensorType::SocketGroup || type == SensorType::RCM ? 1 : 0;
+    shm::storeField(mp.pos, pos);
+    shm::storeField(mp.parent, ppos);
+    shm::storeField(mp.guid, svid);
+    shm::storeField(mp.at, 0);
+    shm::storeField(mp.state, eStatus_On);
+    shm::storeField(mp.type, type == SensorType::SocketGroup || type == SensorType::RCM ? 1 : 0);
     return mp;
 }
 
 shm::record::QelShmMVal& Writer::initMV(unsigned int pos, unsigned short key) {
     Line(writerCategory, Priority::DEBUG, "initMV") << "pos = " << pos << ", key = " << key;
     auto& mv = region_->values[pos];
-    std::memset(static_cast<void*>(&mv), shm::WIPE_BYTE, sizeof mv);
-    mv.value = 0;
-    mv.at = 0;
-    mv.state = eStatus_ExpectedValue;
-    mv.key = key;
+    shm::wipeSlot(mv);
+    shm::storeField(mv.value, 0);
+    shm::storeField(mv.at, 0);
+    shm::storeField(mv.state, eStatus_ExpectedValue);
+    shm::storeField(mv.key, key);
     return mv;
 }
 
@@ -208,10 +225,10 @@ void Writer::connectMP(shm::QelShmMP& mp) {
         curpos = current.next;
     }
     if (last < shm::MP_COUNT) {
-        region_->points[last].next = mp.pos;
-        mp.prev = last;
+        shm::storeLink(mp.prev, last);
+        shm::storeLink(region_->points[last].next, mp.pos);
     } else if (mp.parent < shm::MP_COUNT) {
-        region_->points[mp.parent].children = mp.pos;
+        shm::storeLink(region_->points[mp.parent].children, mp.pos);
     } else {
         setListHead(mp);
     }
@@ -219,24 +236,24 @@ void Writer::connectMP(shm::QelShmMP& mp) {
 
 void Writer::insertBefore(shm::QelShmMP& mp, shm::QelShmMP& current) {
     Line(writerCategory, Priority::INFO, "connectMP") << mp.guid << " < " << current.guid;
-    mp.next = current.pos;
-    mp.prev = current.prev;
+    shm::storeLink(mp.next, current.pos);
+    shm::storeLink(mp.prev, current.prev);
     if (current.prev < shm::MP_COUNT) {
-        region_->points[current.prev].next = mp.pos;
+        shm::storeLink(region_->points[current.prev].next, mp.pos);
     } else if (current.parent < shm::MP_COUNT) {
-        region_->points[current.parent].children = mp.pos;
+        shm::storeLink(region_->points[current.parent].children, mp.pos);
     } else {
         setListHead(mp);
     }
-    current.prev = mp.pos;
+    shm::storeLink(current.prev, mp.pos);
 }
 
 void Writer::setListHead(shm::QelShmMP const& mp) {
     auto const type = SensorIdentifier::extractSensorType(mp.guid);
     if (type == SensorType::Electrical) {
-        region_->root.devices = mp.pos;
+        shm::storeLink(region_->root.devices, mp.pos);
     } else if (type == SensorType::SocketGroup) {
-        region_->root.groups = mp.pos;
+        shm::storeLink(region_->root.groups, mp.pos);
     } else {
         Line(writerCategory, Priority::WARN, "operator()")
             << "cannot handle measurement points of type " << type;
@@ -265,6 +282,8 @@ unsigned int Writer::parentOf(long long svid) const {
         known = points_.find(identifier.getSensorVariableID(0));
     }
     if (known == points_.end()) {
+        Line(writerCategory, Priority::ERROR, "bailout")
+            << "failed to find parent MP " << identifier.getSensorVariableID(0) << " of MP " << svid;
         throw ex::InvalidSensorIdException(svid);
     }
     return known->second.pos;

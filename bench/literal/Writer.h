@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The writing side, written down plainly.
+/// The writing side, the straightforward way.
 #pragma once
 
 #include "bench/literal/MPDef.h"
@@ -21,8 +21,9 @@ namespace bench::literal {
 
 constexpr char objectName[] = "bench-literal";
 
-/// Does what the library's writer does, with the containers and in the steps of its contract and nothing beside
-/// them: the measure that the library's short cuts are held against. No status LED, no removal.
+/// Makes the same region as the library's writer, store by store, and logs the same lines, with ordered maps, lists and
+/// locks alone: the measure that the library's shortcuts are held against. No status LED, no removal. Tests hold its
+/// bytes, its stores and its log lines.
 class Writer {
 public:
     Writer();
@@ -35,7 +36,11 @@ public:
     bool updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value);
     void propagateStates();
 
+    /// Null before openShm().
+    shm::record::Region const* region() const { return region_; }
+
 private:
+    bool isMapped(char const* operation) const;
     unsigned int addMP(long long svid, Keys const& mvs, unsigned int ppos);
     void addMVs(shm::QelShmMP& mp, MPDef& definition, Keys const& mvs);
     shm::QelShmMP& initMP(unsigned int pos, long long svid, unsigned int ppos);

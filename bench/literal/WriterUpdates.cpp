@@ -6,6 +6,7 @@
 #include "bench/literal/Writer.h"
 #include "domain/SensorIdentifier.h"
 #include "region/Exceptions.h"
+#include "region/RegionFields.h"
 
 #include <exception>
 #include <unordered_set>
@@ -22,11 +23,14 @@ constexpr double thousandths = 1000.0;
 } // namespace
 
 void Writer::setActive() {
+    if (!isMapped("setActive")) {
+        return;
+    }
     auto& root = region_->root;
-    root.guid = shm::ROOT_SVID;
-    root.state = eStatus_On;
-    root.unused = 0;
-    __atomic_store_n(&root.version, shm::ACTIVE_VERSION, __ATOMIC_RELEASE);
+    shm::storeField(root.guid, shm::ROOT_SVID);
+    shm::storeField(root.state, eStatus_On);
+    shm::storeField(root.unused, 0);
+    shm::storeVersion(root, shm::ACTIVE_VERSION);
     Line(writerCategory, log4cpp::Priority::INFO, "setActive")
         << "root.version = " << static_cast<unsigned int>(shm::ACTIVE_VERSION);
 }
@@ -38,12 +42,15 @@ bool Writer::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> val
         if (known == points_.end() || known->second.pos >= shm::MP_COUNT) {
             throw ex::InvalidSensorIdException(point);
         }
+        if (!value) {
+            return false;
+        }
         auto& definition = known->second;
         auto const key = static_cast<unsigned short>(svid & 0xFFFF);
         if (pointLevelKeys.find(key) != pointLevelKeys.end()) {
             auto& mp = region_->points[definition.pos];
-            mp.state = value->state();
-            mp.at = value->timestamp();
+            shm::storeField(mp.state, value->state());
+            shm::storeField(mp.at, value->timestamp());
             return true;
         }
         auto pos = shm::NO_POSITION;
@@ -58,16 +65,16 @@ bool Writer::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> val
             throw ex::InvalidSensorIdException(svid);
         }
         auto& mv = region_->values[pos];
-        mv.at = value->timestamp();
-        mv.state = value->state();
+        shm::storeField(mv.at, value->timestamp());
+        shm::storeField(mv.state, value->state());
         auto const number = value->toDouble();
         if (number.type != measval::Double) {
             throw ex::InvalidTypeException(number.type);
         }
         if ((key >= 32 && key <= 38) || (key >= 0xFFF9 && key <= 0xFFFC)) {
-            mv.value = number.value / thousandths;
+            shm::storeField(mv.value, number.value / thousandths);
         } else {
-            mv.value = number.value;
+            shm::storeField(mv.value, number.value);
         }
         return true;
     } catch (std::exception const&) {
@@ -80,6 +87,9 @@ bool Writer::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> val
 
 void Writer::propagateStates() {
     try {
+        if (!isMapped("propagateStates")) {
+            return;
+        }
         std::list<eStatus_Bits> reported;
         for (auto pos = region_->root.devices; pos < shm::MP_COUNT; pos = region_->points[pos].next) {
             defineState(region_->points[pos], reported);
@@ -89,7 +99,7 @@ void Writer::propagateStates() {
         }
         auto const global = mpState(eStatus_On, {}, reported);
         if (global != region_->root.state) {
-            region_->root.state = global;
+            shm::storeField(region_->root.state, global);
         }
     } catch (std::exception const&) {
         return; // what was written stays
@@ -107,7 +117,7 @@ void Writer::defineState(shm::QelShmMP& mp, std::list<eStatus_Bits>& out) {
     }
     auto state = mpState(mp.state, values, children);
     if (state != mp.state) {
-        mp.state = state;
+        shm::storeField(mp.state, state);
     }
     if (state == eStatus_Off) {
         auto const parts = SensorIdentifier::getSensorIdParts(mp.guid);

@@ -4,7 +4,6 @@
 #include "tests/cuts/PlainWalk.h"
 
 #include "tests/support/RawRegion.h"
-#include "tests/writer/WriterFixture.h"
 
 #include <cstring>
 
@@ -23,7 +22,6 @@ Number get(std::uint8_t const* bytes) {
     return number;
 }
 
-constexpr std::size_t guidField = 24;
 constexpr std::uint32_t points = 800;
 constexpr std::uint32_t values = 8800;
 
@@ -59,7 +57,7 @@ bool PlainWalk::note(std::uint32_t slot, std::uint32_t before, std::uint32_t dep
     point.parent = get<std::uint32_t>(bytes + field::parent);
     point.depth = depth;
     point.state = get<std::int32_t>(bytes + field::pointState);
-    point.guid = get<std::int64_t>(bytes + guidField);
+    point.guid = get<std::int64_t>(bytes + field::guid);
     point.at = get<std::uint64_t>(bytes + field::pointAt);
     point.type = bytes[field::pointType];
     met.points.push_back(point);

@@ -3,6 +3,8 @@
 
 #include "tests/cuts/WriterBench.h"
 
+#include "tests/model/ReferenceSvid.h"
+
 #include <log4cpp/Category.hh>
 #include <log4cpp/Priority.hh>
 
@@ -13,9 +15,6 @@
 namespace qel::test {
 
 namespace {
-
-constexpr std::uint16_t energyKey = 0x21;
-constexpr double thousandths = 1000.0;
 
 constexpr unsigned short noKeys = 0x100; ///< first key of values that only hold slots
 
@@ -134,7 +133,7 @@ void WriterBench::update(long long svid, eStatus_Bits state) {
     auto const at = updates_ << 32U | updates_;
     writer_.updateMV(svid, std::make_unique<measval::MeasureValue>(number, at, state));
     auto const key = static_cast<std::uint16_t>(svid & 0xFFFF);
-    auto const written = key == energyKey ? number / thousandths : number;
+    auto const written = reference::storedNumber(key, number);
     std::uint64_t bits = 0;
     std::memcpy(&bits, &written, sizeof bits);
     stored_.push_back({svid & ~0xFFFFLL, key, bits, at, state, moment_});

@@ -45,7 +45,7 @@ std::string streamText(std::uint64_t number, ios_base::fmtflags flags) {
     return out.str();
 }
 
-TEST(FixedTextTest, IsThatOfPrintf) {
+TEST(NumberTextFixedTest, IsThatOfPrintf) {
     for (double const number : {0.0,
                                 -0.0,
                                 0.05,
@@ -78,7 +78,7 @@ TEST(FixedTextTest, IsThatOfPrintf) {
     EXPECT_EQ(fixedText(std::copysign(std::numeric_limits<double>::quiet_NaN(), -1.0), 2), "-nan");
 }
 
-TEST(FixedTextTest, OfAnyNumber_IsThatOfPrintf) {
+TEST(NumberTextFixedTest, OfAnyNumber_IsThatOfPrintf) {
     auto random = repeatable(7);
     std::uniform_real_distribution<double> measured(-100000, 100000);
     std::uniform_int_distribution<long long> halves(-2000000000, 2000000000);
@@ -96,7 +96,7 @@ TEST(FixedTextTest, OfAnyNumber_IsThatOfPrintf) {
     }
 }
 
-TEST(FixedTextTest, DoesNotFollowTheLocale) {
+TEST(NumberTextFixedTest, DoesNotFollowTheLocale) {
     CommaLocale const locale;
     if (!locale.problem().empty()) {
         GTEST_SKIP() << locale.problem();
@@ -106,7 +106,7 @@ TEST(FixedTextTest, DoesNotFollowTheLocale) {
     EXPECT_EQ(fixedText(1e20, 3), "100000000000000000000.000");
 }
 
-TEST(IntegerTextTest, IsThatOfAStream) {
+TEST(NumberTextIntegerTest, IsThatOfAStream) {
     auto random = repeatable(8);
     for (auto const base : {ios_base::fmtflags(), ios_base::dec, ios_base::hex, ios_base::oct}) {
         for (auto const more : {ios_base::fmtflags(), ios_base::showbase, ios_base::uppercase,
@@ -120,7 +120,7 @@ TEST(IntegerTextTest, IsThatOfAStream) {
     }
 }
 
-TEST(IntegerTextTest, DoesNotFollowTheLocale) {
+TEST(NumberTextIntegerTest, DoesNotFollowTheLocale) {
     CommaLocale const locale;
     if (!locale.problem().empty()) {
         GTEST_SKIP() << locale.problem();
@@ -131,7 +131,7 @@ TEST(IntegerTextTest, DoesNotFollowTheLocale) {
     EXPECT_EQ(integerText(1234567, ios_base::dec), "1234567");
 }
 
-TEST(WordOfTest, IsTheEnglishWord) {
+TEST(NumberTextWordOfTest, IsTheEnglishWord) {
     EXPECT_STREQ(shm::wordOf(true), "true");
     EXPECT_STREQ(shm::wordOf(false), "false");
 }

@@ -4,6 +4,7 @@
 #include "tests/inspect/RandomUnit.h"
 
 #include "region/Exceptions.h"
+#include "tests/model/ReferenceSvid.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,25 +13,16 @@ namespace qel::test {
 
 namespace {
 
-int levelOf(long long svid, SensorIdentifier::Part part) {
-    return SensorIdentifier::getSensorIdParts(svid)[part];
-}
-
 /// Whether a point hangs below another one, however deep.
 bool isBelow(long long svid, long long above) {
-    auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    auto const aboveParts = SensorIdentifier::getSensorIdParts(above);
-    if (svid == above || aboveParts[SensorIdentifier::Kind] != SensorType::Electrical ||
-        parts[SensorIdentifier::Inlet] == -1) {
-        return false;
-    }
-    for (auto const level : {SensorIdentifier::Device, SensorIdentifier::Inlet, SensorIdentifier::Phase,
-                             SensorIdentifier::Circuit, SensorIdentifier::Socket}) {
-        if (aboveParts[level] != -1 && aboveParts[level] != parts[level]) {
-            return false;
+    auto candidates = reference::parentCandidates(svid);
+    while (!candidates.empty()) {
+        if (std::find(candidates.begin(), candidates.end(), above) != candidates.end()) {
+            return true;
         }
+        candidates = reference::parentCandidates(candidates.back());
     }
-    return true;
+    return false;
 }
 
 } // namespace
@@ -78,20 +70,10 @@ long long RandomUnit::anyKnown() {
 }
 
 void RandomUnit::insertWithParents(long long svid) {
-    int const device = levelOf(svid, SensorIdentifier::Device);
-    int const inlet = levelOf(svid, SensorIdentifier::Inlet);
-    int const phase = levelOf(svid, SensorIdentifier::Phase);
-    int const circuit = levelOf(svid, SensorIdentifier::Circuit);
     std::vector<long long> way{svid};
-    if (inlet != -1) {
-        way.push_back(pointId(device, 0));
-        way.push_back(pointId(device, 0, inlet));
-        if (phase != -1) {
-            way.push_back(pointId(device, 0, inlet, phase));
-        }
-        if (circuit > 0) {
-            way.push_back(pointId(device, 0, inlet, phase, circuit));
-        }
+    for (auto above = reference::parentCandidates(svid); !above.empty();
+         above = reference::parentCandidates(above.back())) {
+        way.push_back(above.back());
     }
     for (auto const point : way) {
         auto const [known, isNew] = points_.try_emplace(point);

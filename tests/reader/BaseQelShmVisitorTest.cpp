@@ -20,7 +20,7 @@ public:
     }
 };
 
-TEST(BaseQelShmVisitor, Callbacks_DoNothing) {
+TEST(BaseQelShmVisitorTest, Callbacks_DoNothing) {
     shm::BaseQelShmVisitor sut;
     auto result = std::make_shared<shm::IQelVisitorResult>();
     auto const* const before = result.get();
@@ -32,7 +32,7 @@ TEST(BaseQelShmVisitor, Callbacks_DoNothing) {
     EXPECT_EQ(result.use_count(), 1);
 }
 
-TEST(BaseQelShmVisitor, MvFound_GivesWhatADerivedVisitorSet) {
+TEST(BaseQelShmVisitorTest, MvFound_GivesWhatADerivedVisitorSet) {
     KeySeeker sut;
     auto result = std::make_shared<shm::IQelVisitorResult>();
     shm::record::QelShmMVal value{};

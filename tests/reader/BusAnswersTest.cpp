@@ -12,22 +12,22 @@ namespace {
 
 using shm::busAnswers;
 
-TEST(BusAnswers, BusThatGreets_Does) {
+TEST(BusAnswersTest, BusThatGreets_Does) {
     EXPECT_TRUE(busAnswers());
 }
 
-TEST(BusAnswers, WithoutABus_IsFalse) {
+TEST(BusAnswersTest, WithoutABus_IsFalse) {
     qel::test::UnreachableBus const down;
     EXPECT_FALSE(busAnswers());
 }
 
 /// Without a limit the test would not end.
-TEST(BusAnswers, BusThatNeverGreets_IsGivenUp) {
+TEST(BusAnswersTest, BusThatNeverGreets_IsGivenUp) {
     qel::test::MuteBus const stopped;
     EXPECT_FALSE(busAnswers());
 }
 
-TEST(BusAnswers, WithoutAThreadToWatchTheTime_IsFalse) {
+TEST(BusAnswersTest, WithoutAThreadToWatchTheTime_IsFalse) {
     qel::test::NoMoreThreads const none;
     EXPECT_FALSE(busAnswers());
 }

@@ -37,21 +37,21 @@ bool isShared(GDBusConnection const* connection) {
     return sharedConnection().get() == connection;
 }
 
-TEST(BusConnection, AtFirst_HoldsNothing) {
+TEST(BusConnectionTest, AtFirst_HoldsNothing) {
     BusConnection const sut;
     EXPECT_EQ(sut.held(), nullptr);
     EXPECT_FALSE(sut.isClosed());
     EXPECT_TRUE(sut.isOwnProcess());
 }
 
-TEST(BusConnection, Held_OutlivesItsOtherUsers) {
+TEST(BusConnectionTest, Held_OutlivesItsOtherUsers) {
     BusConnection sut;
     sut.hold(sharedConnection().get());
     EXPECT_TRUE(isShared(sut.held()));
     EXPECT_FALSE(sut.isClosed());
 }
 
-TEST(BusConnection, End_GivesTheReferenceBack) {
+TEST(BusConnectionTest, End_GivesTheReferenceBack) {
     auto connection = sharedConnection();
     std::atomic<bool> isGone{false};
     g_object_weak_ref(
@@ -66,7 +66,7 @@ TEST(BusConnection, End_GivesTheReferenceBack) {
     EXPECT_TRUE(eventually([&] { return isGone.load(); })) << "GLib's own thread may be the last";
 }
 
-TEST(BusConnection, Closed_IsToldOnce) {
+TEST(BusConnectionTest, Closed_IsToldOnce) {
     BusConnection sut;
     sut.hold(sharedConnection().get());
     LogCapture const log;
@@ -80,7 +80,7 @@ TEST(BusConnection, Closed_IsToldOnce) {
     EXPECT_EQ(log.entries(), std::vector<LogEntry>{closedLine()});
 }
 
-TEST(BusConnection, ClosedBeforeItIsHeld_IsToldAtOnceAndOnce) {
+TEST(BusConnectionTest, ClosedBeforeItIsHeld_IsToldAtOnceAndOnce) {
     auto const connection = sharedConnection();
     closeSharedConnection();
     LogCapture const log;
@@ -92,7 +92,7 @@ TEST(BusConnection, ClosedBeforeItIsHeld_IsToldAtOnceAndOnce) {
     EXPECT_EQ(log.entries(), std::vector<LogEntry>{closedLine()});
 }
 
-TEST(BusConnection, ClosedButNotDispatched_IsToldWhenGivenBack) {
+TEST(BusConnectionTest, ClosedButNotDispatched_IsToldWhenGivenBack) {
     BusConnection sut;
     auto const connection = sharedConnection();
     g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
@@ -108,7 +108,7 @@ TEST(BusConnection, ClosedButNotDispatched_IsToldWhenGivenBack) {
     EXPECT_EQ(log.entries(), std::vector<LogEntry>{closedLine()});
 }
 
-TEST(BusConnection, ClosedAfterItsEnd_IsToldByNobody) {
+TEST(BusConnectionTest, ClosedAfterItsEnd_IsToldByNobody) {
     auto const connection = sharedConnection();
     {
         BusConnection sut;
@@ -119,7 +119,7 @@ TEST(BusConnection, ClosedAfterItsEnd_IsToldByNobody) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-TEST(BusConnection, EndsWhileClosedIsDispatched_WithoutRace) {
+TEST(BusConnectionTest, EndsWhileClosedIsDispatched_WithoutRace) {
     auto const connection = sharedConnection();
     std::vector<std::unique_ptr<BusConnection>> suts(64);
     for (auto& sut : suts) {
@@ -131,7 +131,7 @@ TEST(BusConnection, EndsWhileClosedIsDispatched_WithoutRace) {
     end.join();
 }
 
-TEST(BusConnection, InAForkedChild_IsNotTheOwnProcess_AndGivesNothingBack) {
+TEST(BusConnectionTest, InAForkedChild_IsNotTheOwnProcess_AndGivesNothingBack) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     auto const connection = sharedConnection();
     bool isGone = false;

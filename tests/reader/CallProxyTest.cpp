@@ -25,9 +25,9 @@ using qel::test::SleepRecorder;
 constexpr char busName[] = "org.qel.HardwareManager";
 constexpr auto pause = 123ms;
 
-class CallProxy : public testing::Test {
+class CallProxyTest : public testing::Test {
 protected:
-    ~CallProxy() override {
+    ~CallProxyTest() override {
         g_clear_error(&error);
         g_clear_object(&proxy);
     }
@@ -77,7 +77,7 @@ protected:
     std::size_t pauses = 0;
 };
 
-TEST_F(CallProxy, OwnerPresent_CallsThroughTheSameProxyAtOnce) {
+TEST_F(CallProxyTest, OwnerPresent_CallsThroughTheSameProxyAtOnce) {
     FakeHardwareManager service;
     service.setAnswer(42);
     makeProxy();
@@ -91,7 +91,7 @@ TEST_F(CallProxy, OwnerPresent_CallsThroughTheSameProxyAtOnce) {
     EXPECT_EQ(error, nullptr);
 }
 
-TEST_F(CallProxy, ServiceAnswersWithError_GivesFalseAndTheError) {
+TEST_F(CallProxyTest, ServiceAnswersWithError_GivesFalseAndTheError) {
     FakeHardwareManager service;
     service.setError("still starting");
     makeProxy();
@@ -102,7 +102,7 @@ TEST_F(CallProxy, ServiceAnswersWithError_GivesFalseAndTheError) {
     EXPECT_EQ(creations, 0);
 }
 
-TEST_F(CallProxy, OwnerAppearsAtCreation_CallsAfterThatManyPauses) {
+TEST_F(CallProxyTest, OwnerAppearsAtCreation_CallsAfterThatManyPauses) {
     for (int const creation : {1, 2, 3}) {
         FakeHardwareManager service(false);
         makeProxy();
@@ -121,7 +121,7 @@ TEST_F(CallProxy, OwnerAppearsAtCreation_CallsAfterThatManyPauses) {
     }
 }
 
-TEST_F(CallProxy, OwnerNeverAppears_CallsAnywayAfterThreeCreations) {
+TEST_F(CallProxyTest, OwnerNeverAppears_CallsAnywayAfterThreeCreations) {
     makeProxy();
     EXPECT_FALSE(call());
     EXPECT_EQ(creations, 3);
@@ -133,7 +133,7 @@ TEST_F(CallProxy, OwnerNeverAppears_CallsAnywayAfterThreeCreations) {
     EXPECT_NE(proxy, nullptr);
 }
 
-TEST_F(CallProxy, EmptyHolder_IsFilled) {
+TEST_F(CallProxyTest, EmptyHolder_IsFilled) {
     FakeHardwareManager service;
     EXPECT_TRUE(call());
     EXPECT_EQ(creations, 1);
@@ -142,7 +142,7 @@ TEST_F(CallProxy, EmptyHolder_IsFilled) {
     EXPECT_NE(proxy, nullptr);
 }
 
-TEST_F(CallProxy, OldProxy_IsReleasedBeforeTheNewOneIsMade) {
+TEST_F(CallProxyTest, OldProxy_IsReleasedBeforeTheNewOneIsMade) {
     makeProxy();
     bool released = false;
     g_object_weak_ref(
@@ -154,7 +154,7 @@ TEST_F(CallProxy, OldProxy_IsReleasedBeforeTheNewOneIsMade) {
     EXPECT_EQ(creations, 3);
 }
 
-TEST_F(CallProxy, NoHolder_SaysSoAndCallsNothing) {
+TEST_F(CallProxyTest, NoHolder_SaysSoAndCallsNothing) {
     auto const create = [this](GBusType, GDBusProxyFlags, char const*, char const*, GCancellable*,
                                GError**) -> hardwaremanager* {
         ++creations;
@@ -173,7 +173,7 @@ TEST_F(CallProxy, NoHolder_SaysSoAndCallsNothing) {
     EXPECT_EQ(error, nullptr);
 }
 
-TEST_F(CallProxy, BusUnreachable_ReportsCreationFailure) {
+TEST_F(CallProxyTest, BusUnreachable_ReportsCreationFailure) {
     qel::test::UnreachableBus const down;
     testing::internal::CaptureStderr();
     EXPECT_FALSE(call());
@@ -189,7 +189,7 @@ TEST_F(CallProxy, BusUnreachable_ReportsCreationFailure) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(CallProxy, CreationFailsLater_ReportsItAndGivesUp) {
+TEST_F(CallProxyTest, CreationFailsLater_ReportsItAndGivesUp) {
     makeProxy();
     auto const create = [this](GBusType bus, GDBusProxyFlags flags, char const* name, char const* path,
                                GCancellable* cancellable, GError** failure) -> hardwaremanager* {
@@ -210,7 +210,7 @@ TEST_F(CallProxy, CreationFailsLater_ReportsItAndGivesUp) {
     EXPECT_EQ(proxy, nullptr);
 }
 
-TEST_F(CallProxy, Arguments_AreForwarded) {
+TEST_F(CallProxyTest, Arguments_AreForwarded) {
     FakeHardwareManager const service;
     makeProxy();
     auto number = std::make_unique<int>(5);
@@ -226,7 +226,7 @@ TEST_F(CallProxy, Arguments_AreForwarded) {
     EXPECT_EQ(number, nullptr);
 }
 
-TEST_F(CallProxy, Renewal_KeepsTheBusConnectionAlive) {
+TEST_F(CallProxyTest, Renewal_KeepsTheBusConnectionAlive) {
     makeProxy();
     void* connection = g_dbus_proxy_get_connection(G_DBUS_PROXY(proxy));
     auto* const before = G_OBJECT(connection);
@@ -237,7 +237,7 @@ TEST_F(CallProxy, Renewal_KeepsTheBusConnectionAlive) {
     g_object_remove_weak_pointer(before, &connection);
 }
 
-TEST_F(CallProxy, Renewal_AfterConnectionWasClosed_ConnectsAnewAtALaterCall) {
+TEST_F(CallProxyTest, Renewal_AfterConnectionWasClosed_ConnectsAnewAtALaterCall) {
     makeProxy();
     qel::test::closeSharedConnection();
     FakeHardwareManager const service;

@@ -16,18 +16,18 @@ public:
     void onInitialized() override {}
 };
 
-TEST(IQelShmInitCallback, LongestWait_IsTenMinutes) {
+TEST(IQelShmInitCallbackTest, LongestWait_IsTenMinutes) {
     constexpr unsigned int longest = shm::IQelShmInitCallback::MAX_WAIT;
     EXPECT_EQ(longest, 600U);
 }
 
-TEST(IQelShmInitCallback, Budget_IsFourPollsASecond) {
+TEST(IQelShmInitCallbackTest, Budget_IsFourPollsASecond) {
     for (unsigned int seconds = 0; seconds <= 600; ++seconds) {
         EXPECT_EQ(Callback(seconds).polls(), 4 * seconds);
     }
 }
 
-TEST(IQelShmInitCallback, Budget_BeyondLongestWait_IsCut) {
+TEST(IQelShmInitCallbackTest, Budget_BeyondLongestWait_IsCut) {
     EXPECT_EQ(Callback(601).polls(), 2400U);
     EXPECT_EQ(Callback(1000).polls(), 2400U);
     EXPECT_EQ(Callback(std::numeric_limits<unsigned int>::max()).polls(), 2400U);

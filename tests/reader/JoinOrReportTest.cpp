@@ -34,31 +34,31 @@ Outcome joinWith(std::vector<std::function<void()>> const& endings) {
     return outcome;
 }
 
-TEST(JoinOrReport, Success_IsSilentAndNotRepeated) {
+TEST(JoinOrReportTest, Success_IsSilentAndNotRepeated) {
     auto const outcome = joinWith({finish, fail});
     EXPECT_EQ(outcome.text, "");
     EXPECT_EQ(outcome.tries, 1U);
 }
 
-TEST(JoinOrReport, Interrupted_IsReportedAndTriedOnceMore) {
+TEST(JoinOrReportTest, Interrupted_IsReportedAndTriedOnceMore) {
     auto const outcome = joinWith({interrupt, finish, fail});
     EXPECT_EQ(outcome.text, "irq exception ?\n");
     EXPECT_EQ(outcome.tries, 2U);
 }
 
-TEST(JoinOrReport, InterruptedTwice_IsReportedTwiceAndGivenUp) {
+TEST(JoinOrReportTest, InterruptedTwice_IsReportedTwiceAndGivenUp) {
     auto const outcome = joinWith({interrupt, interrupt, fail});
     EXPECT_EQ(outcome.text, "irq exception ?\ninner irq exception ?\n");
     EXPECT_EQ(outcome.tries, 2U);
 }
 
-TEST(JoinOrReport, InterruptedThenFailing_IsReportedTwiceAndGivenUp) {
+TEST(JoinOrReportTest, InterruptedThenFailing_IsReportedTwiceAndGivenUp) {
     auto const outcome = joinWith({interrupt, fail, fail});
     EXPECT_EQ(outcome.text, "irq exception ?\ninner other exception ?\n");
     EXPECT_EQ(outcome.tries, 2U);
 }
 
-TEST(JoinOrReport, Failing_IsReportedAndNotRepeated) {
+TEST(JoinOrReportTest, Failing_IsReportedAndNotRepeated) {
     auto const outcome = joinWith({fail, finish});
     EXPECT_EQ(outcome.text, "other exception ?\n");
     EXPECT_EQ(outcome.tries, 1U);

@@ -19,7 +19,7 @@ void causeCritical() {
     g_dbus_proxy_set_default_timeout(nullptr, 1);
 }
 
-TEST(MutedCriticals, OfTheThread_AreDropped) {
+TEST(MutedCriticalsTest, OfTheThread_AreDropped) {
     testing::internal::CaptureStderr();
     {
         MutedCriticals const sut;
@@ -28,7 +28,7 @@ TEST(MutedCriticals, OfTheThread_AreDropped) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(MutedCriticals, OfAnotherThread_AreToldAsEver) {
+TEST(MutedCriticalsTest, OfAnotherThread_AreToldAsEver) {
     testing::internal::CaptureStderr();
     {
         MutedCriticals const sut;
@@ -37,14 +37,14 @@ TEST(MutedCriticals, OfAnotherThread_AreToldAsEver) {
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("g_dbus_proxy_set_default_timeout"));
 }
 
-TEST(MutedCriticals, AfterItsEnd_AreToldAsEver) {
+TEST(MutedCriticalsTest, AfterItsEnd_AreToldAsEver) {
     testing::internal::CaptureStderr();
     { MutedCriticals const sut; }
     causeCritical();
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("g_dbus_proxy_set_default_timeout"));
 }
 
-TEST(MutedCriticals, OfTwoThreadsAtOnce_AreBothDropped) {
+TEST(MutedCriticalsTest, OfTwoThreadsAtOnce_AreBothDropped) {
     testing::internal::CaptureStderr();
     {
         MutedCriticals const sut;
@@ -57,7 +57,7 @@ TEST(MutedCriticals, OfTwoThreadsAtOnce_AreBothDropped) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(MutedCriticals, OfOtherLevels_AreToldAsEver) {
+TEST(MutedCriticalsTest, OfOtherLevels_AreToldAsEver) {
     testing::internal::CaptureStderr();
     {
         MutedCriticals const sut;

@@ -29,14 +29,14 @@ void lay(Region& region, std::uint32_t point, std::uint64_t pointAt, std::uint32
     region.values[value].at = valueAt;
 }
 
-TEST(NewestDelivery, NothingReached_IsNever) {
+TEST(NewestDeliveryTest, NothingReached_IsNever) {
     auto const region = wiped();
     EXPECT_EQ(newestDelivery(*region), 0U);
     region->points[3].at = 77; // linked nowhere
     EXPECT_EQ(newestDelivery(*region), 0U);
 }
 
-TEST(NewestDelivery, OfPointsAndValues_IsTheNewest) {
+TEST(NewestDeliveryTest, OfPointsAndValues_IsTheNewest) {
     auto const region = wiped();
     lay(*region, 0, 10, 0, 20);
     lay(*region, 799, 30, 8799, 15);
@@ -55,7 +55,7 @@ TEST(NewestDelivery, OfPointsAndValues_IsTheNewest) {
     EXPECT_EQ(newestDelivery(*region), 33U);
 }
 
-TEST(NewestDelivery, WipedSlot_DoesNotCount) {
+TEST(NewestDeliveryTest, WipedSlot_DoesNotCount) {
     auto const region = wiped();
     region->root.devices = 1;
     region->points[1].mvs = 2;
@@ -64,7 +64,7 @@ TEST(NewestDelivery, WipedSlot_DoesNotCount) {
     EXPECT_EQ(newestDelivery(*region), 4U);
 }
 
-TEST(NewestDelivery, CircularAndCrossingLists_End) {
+TEST(NewestDeliveryTest, CircularAndCrossingLists_End) {
     auto const region = std::make_unique<Region>();
     std::memset(static_cast<void*>(region.get()), 0, sizeof *region); // slot 0 leads to itself everywhere
     region->values[0].at = 3;
@@ -77,7 +77,7 @@ TEST(NewestDelivery, CircularAndCrossingLists_End) {
     EXPECT_EQ(newestDelivery(*region), 9U);
 }
 
-TEST(NewestDelivery, RandomBytes_EndWithinTheTables) {
+TEST(NewestDeliveryTest, RandomBytes_EndWithinTheTables) {
     auto random = qel::test::randomNumbers(20261122);
     auto const below = [&random](unsigned int end) {
         return static_cast<std::uint32_t>(random() % end);
@@ -101,7 +101,7 @@ TEST(NewestDelivery, RandomBytes_EndWithinTheTables) {
     }
 }
 
-TEST(NewestDelivery, FullTables_AreReachedWhole) {
+TEST(NewestDeliveryTest, FullTables_AreReachedWhole) {
     auto const region = wiped();
     region->root.devices = 0;
     for (std::uint32_t pos = 0; pos < shm::MP_COUNT; ++pos) {

@@ -18,7 +18,7 @@ namespace {
 using qel::test::inForkedChild;
 using shm::OwnedThread;
 
-TEST(OwnedThread, RunsItsBodyInThisProcess) {
+TEST(OwnedThreadTest, RunsItsBodyInThisProcess) {
     std::atomic<bool> ran{false};
     OwnedThread sut([&] { ran = true; });
     EXPECT_TRUE(sut.isOfThisProcess());
@@ -27,7 +27,7 @@ TEST(OwnedThread, RunsItsBodyInThisProcess) {
     EXPECT_TRUE(sut.isOfThisProcess());
 }
 
-TEST(OwnedThread, InChildrenAndTheirChildren_IsNotOfTheProcess) {
+TEST(OwnedThreadTest, InChildrenAndTheirChildren_IsNotOfTheProcess) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     OwnedThread sut([&] { release.get_future().wait(); });
@@ -43,7 +43,7 @@ TEST(OwnedThread, InChildrenAndTheirChildren_IsNotOfTheProcess) {
     sut.thread().join();
 }
 
-TEST(OwnedThread, Abandon_TouchesNoThread) {
+TEST(OwnedThreadTest, Abandon_TouchesNoThread) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     auto sut = std::make_unique<OwnedThread>([&] { release.get_future().wait(); });

@@ -106,7 +106,7 @@ private:
     std::function<void()> act_;
 };
 
-class Follower : public testing::Test {
+class QelSharedMemoryFollowerTest : public testing::Test {
 protected:
     bool visit(shm::IQelSharedMemoryVisitor& visitor) {
         auto result = std::make_shared<shm::IQelVisitorResult>();
@@ -176,19 +176,19 @@ protected:
     std::optional<QelSharedMemoryFollower> sut;
 };
 
-TEST_F(Follower, Construction_MakesNoReader) {
+TEST_F(QelSharedMemoryFollowerTest, Construction_MakesNoReader) {
     make();
     EXPECT_EQ(readers(), 0U);
 }
 
-TEST_F(Follower, ActiveRegion_IsServed) {
+TEST_F(QelSharedMemoryFollowerTest, ActiveRegion_IsServed) {
     auto const first = served();
     expectNumber(1);
     EXPECT_EQ(readers(), 1U);
     EXPECT_EQ(voided, Conditions{});
 }
 
-TEST_F(Follower, WithoutCallback_Follows) {
+TEST_F(QelSharedMemoryFollowerTest, WithoutCallback_Follows) {
     auto first = activeRegion(1);
     sut.emplace(60U, ANY_AGE);
     become(QelShmCondition::Active);
@@ -196,7 +196,7 @@ TEST_F(Follower, WithoutCallback_Follows) {
     become(QelShmCondition::Gone);
 }
 
-TEST_F(Follower, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
+TEST_F(QelSharedMemoryFollowerTest, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
     auto const first = region(1);
     make();
     become(QelShmCondition::Inactive);
@@ -208,7 +208,7 @@ TEST_F(Follower, RegionNotLaidOutYet_GivesNothing_ThenIsServedByTheSameReader) {
     EXPECT_EQ(voided, Conditions{});
 }
 
-TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
+TEST_F(QelSharedMemoryFollowerTest, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
     auto const first = served();
     removeName();
     expectNothing();
@@ -217,7 +217,7 @@ TEST_F(Follower, NameRemoved_GivesNothing_AndWaitsWithTheReaderThatItHas) {
     EXPECT_EQ(readers(), 1U);
 }
 
-TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
+TEST_F(QelSharedMemoryFollowerTest, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
     auto const first = served();
     expectNumber(1);
     removeName();
@@ -231,7 +231,7 @@ TEST_F(Follower, AnotherObject_IsFollowed_AfterTheHandlesWereVoided) {
     EXPECT_EQ(voided.size(), 1U);
 }
 
-TEST_F(Follower, WriterThatTookTheSameObjectOver_IsFollowed) {
+TEST_F(QelSharedMemoryFollowerTest, WriterThatTookTheSameObjectOver_IsFollowed) {
     auto const first = served();
     first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
     expectNothing();
@@ -246,7 +246,7 @@ TEST_F(Follower, WriterThatTookTheSameObjectOver_IsFollowed) {
     EXPECT_EQ(voided.size(), 1U);
 }
 
-TEST_F(Follower, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
+TEST_F(QelSharedMemoryFollowerTest, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
     auto const first = activeRegion(1);
     std::optional<ObjectLock> writer;
     writer.emplace();
@@ -262,7 +262,7 @@ TEST_F(Follower, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
     EXPECT_EQ(readers(), 2U);
 }
 
-TEST_F(Follower, LockSeenByAFormerReader_CountsForTheNextOne) {
+TEST_F(QelSharedMemoryFollowerTest, LockSeenByAFormerReader_CountsForTheNextOne) {
     auto const first = activeRegion(1);
     std::optional<ObjectLock> writer;
     writer.emplace();
@@ -279,7 +279,7 @@ TEST_F(Follower, LockSeenByAFormerReader_CountsForTheNextOne) {
     expectNothing();
 }
 
-TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
+TEST_F(QelSharedMemoryFollowerTest, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
     auto const first = served();
     std::this_thread::sleep_for(20ms); // the clock of files is a coarse one
     first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
@@ -295,7 +295,7 @@ TEST_F(Follower, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
     EXPECT_EQ(readers(), 2U);
 }
 
-TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
+TEST_F(QelSharedMemoryFollowerTest, StoringIntoTheRegion_IsNoTakingOver) {
     auto const first = served();
     for (int round = 0; round < 50; ++round) {
         first->raw().set(qel::test::rawValue(7), 1.0 * round);
@@ -305,7 +305,7 @@ TEST_F(Follower, StoringIntoTheRegion_IsNoTakingOver) {
     EXPECT_EQ(readers(), 1U);
 }
 
-TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
+TEST_F(QelSharedMemoryFollowerTest, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
     auto const first = served();
     std::unique_ptr<ForgedRegion> second;
     ActingVisitor visitor([&] {
@@ -325,7 +325,7 @@ TEST_F(Follower, AnotherObjectDuringAVisit_IsFollowedAfterIt) {
     EXPECT_EQ(voided.size(), 1U);
 }
 
-TEST_F(Follower, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
+TEST_F(QelSharedMemoryFollowerTest, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
     auto const first = served();
     PointCounter inner;
     ActingVisitor visitor([&] {
@@ -338,14 +338,14 @@ TEST_F(Follower, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
     expectNumber(1);
 }
 
-TEST_F(Follower, VisitThatThrew_IsOver) {
+TEST_F(QelSharedMemoryFollowerTest, VisitThatThrew_IsOver) {
     auto const first = served();
     ActingVisitor visitor([] { throw std::runtime_error("of the client"); });
     EXPECT_THROW(visit(visitor), std::runtime_error);
     expectNumber(1);
 }
 
-TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
+TEST_F(QelSharedMemoryFollowerTest, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
     auto const first = served();
     QelSharedMemoryFollower other(60, ANY_AGE);
     ASSERT_TRUE(eventually([&] { return other.condition() == QelShmCondition::Active; }));
@@ -364,7 +364,7 @@ TEST_F(Follower, MemoryThatEndsInsideAnotherCallback_EndsTheVisitOnly) {
     expectNumber(1);
 }
 
-TEST_F(Follower, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
+TEST_F(QelSharedMemoryFollowerTest, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
     auto const first = served();
     ActingVisitor visitor([&] { sut->reader()->visitor(nullptr); });
     EXPECT_TRUE(visit(visitor));
@@ -372,7 +372,7 @@ TEST_F(Follower, VisitorThatIsTakenAwayDuringItsVisit_IsToldNoMore) {
     expectNumber(1);
 }
 
-TEST_F(Follower, WithoutDescriptors_ServesOn) {
+TEST_F(QelSharedMemoryFollowerTest, WithoutDescriptors_ServesOn) {
     auto const first = activeRegion(1);
     ObjectLock const writer;
     make();
@@ -387,7 +387,7 @@ TEST_F(Follower, WithoutDescriptors_ServesOn) {
     EXPECT_EQ(voided, Conditions{});
 }
 
-TEST_F(Follower, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
+TEST_F(QelSharedMemoryFollowerTest, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
     auto const first = activeRegion(1);
     make(60, 1h);
     become(QelShmCondition::Silent);
@@ -404,7 +404,7 @@ TEST_F(Follower, SilentRegion_GivesNothing_ThenIsServedByTheSameReader) {
     EXPECT_EQ(readers(), 1U);
 }
 
-TEST_F(Follower, WaitBudgetRunsOut_AnotherReaderWaits) {
+TEST_F(QelSharedMemoryFollowerTest, WaitBudgetRunsOut_AnotherReaderWaits) {
     auto const first = activeRegion(1);
     manager.setAnswer(0);
     make(1);
@@ -416,7 +416,7 @@ TEST_F(Follower, WaitBudgetRunsOut_AnotherReaderWaits) {
     expectNumber(1);
 }
 
-TEST_F(Follower, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
+TEST_F(QelSharedMemoryFollowerTest, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
     make();
     ASSERT_TRUE(eventually([&] {
         EXPECT_EQ(sut->condition(), QelShmCondition::Gone);
@@ -432,7 +432,7 @@ TEST_F(Follower, ManagerThatAnswersWithoutAnObject_IsAskedAgainOnceThereIsOne) {
     EXPECT_EQ(readers(), 2U);
 }
 
-TEST_F(Follower, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
+TEST_F(QelSharedMemoryFollowerTest, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
     auto const first = activeRegion(1);
     make(0);
     auto const start = std::chrono::steady_clock::now();
@@ -443,7 +443,7 @@ TEST_F(Follower, BudgetOfNothing_MapsNothing_AndTakesItsTime) {
     EXPECT_LE(readers(), most);
 }
 
-TEST_F(Follower, KeptValue_IsNotMistakenForThatOfAnotherReader) {
+TEST_F(QelSharedMemoryFollowerTest, KeptValue_IsNotMistakenForThatOfAnotherReader) {
     // In the second object the same slots hold a point and a key of the same ids, but the value belongs to another point.
     auto const first = served();
     expectNumber(1);
@@ -461,7 +461,7 @@ TEST_F(Follower, KeptValue_IsNotMistakenForThatOfAnotherReader) {
     EXPECT_EQ(found->value, 3.0);
 }
 
-TEST_F(Follower, SeveralInOneProcess_EachFindTheNewStructure) {
+TEST_F(QelSharedMemoryFollowerTest, SeveralInOneProcess_EachFindTheNewStructure) {
     QelSharedMemoryFollower other(60, ANY_AGE);
     auto const first = activeRegion(1);
     make();
@@ -479,14 +479,14 @@ TEST_F(Follower, SeveralInOneProcess_EachFindTheNewStructure) {
     }
 }
 
-TEST_F(Follower, PointWhoseSlotShowsAnother_IsNotGiven) {
+TEST_F(QelSharedMemoryFollowerTest, PointWhoseSlotShowsAnother_IsNotGiven) {
     auto const first = served();
     expectNumber(1);
     first->point(5, point + 0x10000); // and no signal
     EXPECT_FALSE(sut->mpnt(point));
 }
 
-TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
+TEST_F(QelSharedMemoryFollowerTest, ConnectionClosed_AnotherReaderHearsAgain) {
     auto const first = served();
     expectNumber(1);
     {
@@ -503,7 +503,7 @@ TEST_F(Follower, ConnectionClosed_AnotherReaderHearsAgain) {
 }
 
 /// As the README shows it.
-TEST_F(Follower, ExampleOfTheReadme_Works) {
+TEST_F(QelSharedMemoryFollowerTest, ExampleOfTheReadme_Works) {
     auto const first = activeRegion(21.5);
     std::ostringstream out;
     shm::QelSharedMemoryFollower unit(60, ANY_AGE, [&](shm::QelShmCondition now) {
@@ -519,7 +519,7 @@ TEST_F(Follower, ExampleOfTheReadme_Works) {
     EXPECT_EQ(out.str(), "21.5 W\nhandles are void: gone\n");
 }
 
-TEST(FollowerWithoutBus, NothingIsThrown_AndTriesAreASecondApart) {
+TEST(QelSharedMemoryFollowerWithoutBusTest, NothingIsThrown_AndTriesAreASecondApart) {
     auto const first = activeRegion(1);
     LogCapture const log;
     QelSharedMemoryFollower sut(60, ANY_AGE);

@@ -35,7 +35,7 @@ LogEntry closedLine() {
         "onClosed: the connection to the bus was closed, changes of the structure are not heard any more"};
 }
 
-TEST(ReaderOnTheBus, ConnectionClosed_IsToldOnceByEachReader) {
+TEST(QelSharedMemoryReaderBusTest, ConnectionClosed_IsToldOnceByEachReader) {
     QelSharedMemoryReader const first(0, false);
     QelSharedMemoryReader const second(0, false);
     LogCapture const log;
@@ -43,7 +43,7 @@ TEST(ReaderOnTheBus, ConnectionClosed_IsToldOnceByEachReader) {
     EXPECT_EQ(log.count(closedLine()), 2U);
 }
 
-TEST(ReaderOnTheBus, ConnectionClosedAndExchanged_IsToldOnce) {
+TEST(QelSharedMemoryReaderBusTest, ConnectionClosedAndExchanged_IsToldOnce) {
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
     qel::test::closeSharedConnection();
@@ -63,9 +63,9 @@ std::optional<int> statusOfChildThatEnds(std::unique_ptr<QelSharedMemoryReader>&
     });
 }
 
-class ForkedReader : public testing::Test {
+class QelSharedMemoryReaderForkedTest : public testing::Test {
 protected:
-    ForkedReader() { manager.setAnswer(0); }
+    QelSharedMemoryReaderForkedTest() { manager.setAnswer(0); }
 
     void expectSignalsAreHeard() {
         manager.emitStructureChanged();
@@ -77,7 +77,7 @@ protected:
     std::unique_ptr<QelSharedMemoryReader> reader;
 };
 
-TEST_F(ForkedReader, DestroyedInTheChild_LeavesTheParentItsSubscription) {
+TEST_F(QelSharedMemoryReaderForkedTest, DestroyedInTheChild_LeavesTheParentItsSubscription) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     reader = std::make_unique<QelSharedMemoryReader>(0, false);
     LogCapture const log;
@@ -85,7 +85,7 @@ TEST_F(ForkedReader, DestroyedInTheChild_LeavesTheParentItsSubscription) {
     expectSignalsAreHeard();
 }
 
-TEST_F(ForkedReader, DestroyedInTheChildWhileItWaits_EndsAtOnce) {
+TEST_F(QelSharedMemoryReaderForkedTest, DestroyedInTheChildWhileItWaits_EndsAtOnce) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     reader = std::make_unique<QelSharedMemoryReader>(600, false);
     ASSERT_TRUE(manager.waitForCalls(2));

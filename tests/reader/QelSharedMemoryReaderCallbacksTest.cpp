@@ -75,9 +75,9 @@ private:
 };
 
 /// Points 1, with the values 1 to 3, and 2, with value 4, below point 0.
-class CallbacksTest : public testing::Test {
+class QelSharedMemoryReaderCallbacksTest : public testing::Test {
 protected:
-    CallbacksTest() {
+    QelSharedMemoryReaderCallbacksTest() {
         for (std::uint32_t const pos : {0U, 1U, 2U}) {
             region.point(pos, svid(static_cast<int>(pos)));
         }
@@ -98,48 +98,48 @@ protected:
     MappedReader sut;
 };
 
-TEST_F(CallbacksTest, VisitorTakenAway_InOnMVal_EndsTheTelling_AndOutlivesItsCallback) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorTakenAway_InOnMVal_EndsTheTelling_AndOutlivesItsCallback) {
     install("first", "value 1", [&] { sut.visitor(nullptr); });
     sut.visit();
     EXPECT_THAT(events, ElementsAre("first root", "first point 0", "first point 1", "first value 1",
                                     "first goes on", "first ends"));
 }
 
-TEST_F(CallbacksTest, VisitorTakenAway_InOnMPnt_EndsTheTelling) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorTakenAway_InOnMPnt_EndsTheTelling) {
     install("first", "point 1", [&] { sut.visitor(nullptr); });
     sut.visit();
     EXPECT_THAT(events,
                 ElementsAre("first root", "first point 0", "first point 1", "first goes on", "first ends"));
 }
 
-TEST_F(CallbacksTest, VisitorTakenAway_InOnRoot_EndsTheTelling) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorTakenAway_InOnRoot_EndsTheTelling) {
     install("first", "root", [&] { sut.visitor(nullptr); });
     sut.visit();
     EXPECT_THAT(events, ElementsAre("first root", "first goes on", "first ends"));
 }
 
-TEST_F(CallbacksTest, VisitorTakenAway_InValues_EndsTheTelling) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorTakenAway_InValues_EndsTheTelling) {
     install("first", "value 2", [&] { sut.visitor(nullptr); });
     Result result;
     sut.values(sut.mps(1, SensorType::Any).front(), 1, result);
     EXPECT_THAT(events, ElementsAre("first value 1", "first value 2", "first goes on", "first ends"));
 }
 
-TEST_F(CallbacksTest, VisitorExchanged_InOnMVal_IsToldNothingMoreOfThatPoint) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorExchanged_InOnMVal_IsToldNothingMoreOfThatPoint) {
     install("first", "value 1", [&] { install("second"); });
     sut.visit();
     EXPECT_THAT(events, ElementsAre("first root", "first point 0", "first point 1", "first value 1",
                                     "first goes on", "first ends", "second point 2", "second value 4"));
 }
 
-TEST_F(CallbacksTest, VisitorExchanged_InOnMPnt_IsToldThatPointsValues) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorExchanged_InOnMPnt_IsToldThatPointsValues) {
     install("first", "point 2", [&] { install("second"); });
     sut.visit();
     EXPECT_EQ((Events{"first goes on", "second value 4", "first ends"}),
               Events(events.end() - 3, events.end()));
 }
 
-TEST_F(CallbacksTest, VisitorsExchangedOverAndOver_AllEnd) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorsExchangedOverAndOver_AllEnd) {
     install("a", "value 1", [&] {
         install("b");
         install("c", "point 2", [&] { install("d", "value 4", [&] { sut.visitor(nullptr); }); });
@@ -150,7 +150,8 @@ TEST_F(CallbacksTest, VisitorsExchangedOverAndOver_AllEnd) {
     }
 }
 
-TEST_F(CallbacksTest, VisitorExchanged_InAVisitWithinACallback_OutlivesTheOuterCallback) {
+TEST_F(QelSharedMemoryReaderCallbacksTest,
+       VisitorExchanged_InAVisitWithinACallback_OutlivesTheOuterCallback) {
     install("first", "point 0", [&] {
         auto const point = sut.mps(1, SensorType::Any).front();
         install("second", "point 1", [&] { sut.visitor(nullptr); });
@@ -162,13 +163,13 @@ TEST_F(CallbacksTest, VisitorExchanged_InAVisitWithinACallback_OutlivesTheOuterC
                                     "first goes on", testing::EndsWith(" ends"), testing::EndsWith(" ends")));
 }
 
-TEST_F(CallbacksTest, VisitorExchanged_OutsideOfVisits_EndsAtOnce) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, VisitorExchanged_OutsideOfVisits_EndsAtOnce) {
     install("first");
     sut.visitor(nullptr);
     EXPECT_THAT(events, ElementsAre("first ends"));
 }
 
-TEST_F(CallbacksTest, LookUpWithARebuild_InACallback_LeavesTheVisitUndisturbed) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, LookUpWithARebuild_InACallback_LeavesTheVisitUndisturbed) {
     install("first", "value 1", [&] { EXPECT_NE(nullptr, sut.mpnt(svid(2), true)); });
     sut.visit();
     EXPECT_THAT(events,
@@ -176,7 +177,7 @@ TEST_F(CallbacksTest, LookUpWithARebuild_InACallback_LeavesTheVisitUndisturbed) 
                             "first value 2", "first value 3", "first point 2", "first value 4"));
 }
 
-TEST_F(CallbacksTest, ExceptionFromACallback_LeavesReaderAndMemoryAsTheyWere) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, ExceptionFromACallback_LeavesReaderAndMemoryAsTheyWere) {
     for (auto const* const when : {"root", "point 1", "value 2"}) {
         install("first", when, [] { throw std::runtime_error("callback"); });
         EXPECT_THROW(sut.visit(), std::runtime_error);
@@ -203,7 +204,7 @@ private:
     std::atomic<int>& calls_;
 };
 
-TEST_F(CallbacksTest, Visits_AllocateNothingAfterAThreadsFirst_WhereverTheValuesLie) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, Visits_AllocateNothingAfterAThreadsFirst_WhereverTheValuesLie) {
     std::atomic<int> calls{0};
     sut.visitor(std::make_unique<CountingVisitor>(calls));
     region.children(0, {2, 1});                                                       // not in order
@@ -217,7 +218,7 @@ TEST_F(CallbacksTest, Visits_AllocateNothingAfterAThreadsFirst_WhereverTheValues
     EXPECT_EQ(2 * (3 + 3 + 1), calls);
 }
 
-TEST_F(CallbacksTest, ValuesAnywhere_AreToldInTheOrderOfTheirChain) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, ValuesAnywhere_AreToldInTheOrderOfTheirChain) {
     auto const& raw = region.raw();
     for (auto const& [slot, key, next] : {std::array<std::uint32_t, 3>{8798, 5, 8799},
                                           {8799, 6, 12},
@@ -234,7 +235,7 @@ TEST_F(CallbacksTest, ValuesAnywhere_AreToldInTheOrderOfTheirChain) {
                 ElementsAre("v point 1", "v value 5", "v value 6", "v value 7", "v value 8", "v value 9"));
 }
 
-TEST_F(CallbacksTest, CircularLists_EndAfterAsManyAsThereAreSlots) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, CircularLists_EndAfterAsManyAsThereAreSlots) {
     std::atomic<int> calls{0};
     sut.visitor(std::make_unique<CountingVisitor>(calls));
     auto const& raw = region.raw();
@@ -250,7 +251,7 @@ TEST_F(CallbacksTest, CircularLists_EndAfterAsManyAsThereAreSlots) {
     EXPECT_EQ(800U, sut.mps(1, SensorType::Any).size());
 }
 
-TEST_F(CallbacksTest, SeveralThreads_VisitByOneReaderAtOnce) {
+TEST_F(QelSharedMemoryReaderCallbacksTest, SeveralThreads_VisitByOneReaderAtOnce) {
     std::atomic<int> calls{0};
     sut.visitor(std::make_unique<CountingVisitor>(calls));
     constexpr int threads = 4;

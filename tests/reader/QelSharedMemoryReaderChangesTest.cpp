@@ -71,7 +71,7 @@ public:
     std::function<void(long long)> atValue;
 };
 
-class ChangingStructure : public testing::Test {
+class QelSharedMemoryReaderChangesTest : public testing::Test {
 protected:
     /// Lays out one circuit with these sockets, and gives each value its number.
     static void layOut(ExposedWriter& writer, Sockets const& sockets) {
@@ -136,7 +136,8 @@ protected:
     MappedReader reader;
 };
 
-TEST_F(ChangingStructure, Mval_AfterARestartWithOneSensorFewer_BeforeTheSignal_IsNoOtherPointsValue) {
+TEST_F(QelSharedMemoryReaderChangesTest,
+       Mval_AfterARestartWithOneSensorFewer_BeforeTheSignal_IsNoOtherPointsValue) {
     Sockets sockets;
     for (int number = 1; number <= 6; ++number) {
         sockets[number] = {1, 4};
@@ -163,7 +164,8 @@ TEST_F(ChangingStructure, Mval_AfterARestartWithOneSensorFewer_BeforeTheSignal_I
     EXPECT_EQ(-1, shown(socket(3) | 4));
 }
 
-TEST_F(ChangingStructure, Mval_AfterARestartWithOneValueFewer_BeforeTheSignal_IsNoOtherPointsValue) {
+TEST_F(QelSharedMemoryReaderChangesTest,
+       Mval_AfterARestartWithOneValueFewer_BeforeTheSignal_IsNoOtherPointsValue) {
     layOut(writer, {{1, {1, 4, 19}}, {2, {19, 20}}});
     shm::QelShmKeptMVal kept(socket(1) | 19);
     ASSERT_EQ(numberOf(kept.svid()), shown(kept));
@@ -173,7 +175,8 @@ TEST_F(ChangingStructure, Mval_AfterARestartWithOneValueFewer_BeforeTheSignal_Is
     EXPECT_EQ(-1, shown(kept.svid()));
 }
 
-TEST_F(ChangingStructure, Mval_RemovedPointWhoseValueSlotsServeAnother_BeforeTheSignal_IsNull) {
+TEST_F(QelSharedMemoryReaderChangesTest,
+       Mval_RemovedPointWhoseValueSlotsServeAnother_BeforeTheSignal_IsNull) {
     layOut(writer, {{1, {1, 4}}, {6, {1, 4}}});
     shm::QelShmKeptMVal kept(socket(6) | 1);
     ASSERT_EQ(numberOf(kept.svid()), shown(kept));
@@ -187,7 +190,7 @@ TEST_F(ChangingStructure, Mval_RemovedPointWhoseValueSlotsServeAnother_BeforeThe
     EXPECT_EQ(numberOf(socket(7) | 1), shown(socket(7) | 1));
 }
 
-TEST_F(ChangingStructure, Mval_RemovedPoint_BeforeTheSignal_IsNull_AndItsNeighboursAreFound) {
+TEST_F(QelSharedMemoryReaderChangesTest, Mval_RemovedPoint_BeforeTheSignal_IsNull_AndItsNeighboursAreFound) {
     layOut(writer, {{1, {1}}, {2, {1}}, {3, {1}}});
     std::vector<shm::QelShmKeptMVal> kept;
     for (int number = 1; number <= 3; ++number) {
@@ -209,7 +212,7 @@ TEST_F(ChangingStructure, Mval_RemovedPoint_BeforeTheSignal_IsNull_AndItsNeighbo
     }
 }
 
-TEST_F(ChangingStructure, Mval_PointThatIsAddedBefore_LeavesTheOthersFound) {
+TEST_F(QelSharedMemoryReaderChangesTest, Mval_PointThatIsAddedBefore_LeavesTheOthersFound) {
     layOut(writer, {{2, {1}}, {3, {1}}});
     shm::QelShmKeptMVal kept(socket(2) | 1);
     ASSERT_EQ(numberOf(kept.svid()), shown(kept));
@@ -220,9 +223,12 @@ TEST_F(ChangingStructure, Mval_PointThatIsAddedBefore_LeavesTheOthersFound) {
 }
 
 /// What the writer does within the callback of the first, of a middle or of the last socket.
-class VisitDuringAChange : public ChangingStructure, public testing::WithParamInterface<int> {
+class QelSharedMemoryReaderVisitDuringAChangeTest : public QelSharedMemoryReaderChangesTest,
+                                                    public testing::WithParamInterface<int> {
 protected:
-    VisitDuringAChange() { layOut(writer, {{1, {1}}, {2, {1}}, {3, {1}}, {4, {1}}, {5, {1}}}); }
+    QelSharedMemoryReaderVisitDuringAChangeTest() {
+        layOut(writer, {{1, {1}}, {2, {1}}, {3, {1}}, {4, {1}}, {5, {1}}});
+    }
 
     /// The sockets that a visit shows, while something happens at one of them.
     std::vector<int> visitWhile(std::function<void()> action) {
@@ -242,19 +248,19 @@ protected:
     }
 };
 
-TEST_P(VisitDuringAChange, CurrentPointRemoved_AllThatStayAreVisited) {
+TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, CurrentPointRemoved_AllThatStayAreVisited) {
     std::set<int> left{1, 2, 3, 4, 5};
     left.erase(GetParam());
     EXPECT_THAT(visitWhile([&] { keep(left); }), ElementsAre(1, 2, 3, 4, 5));
 }
 
-TEST_P(VisitDuringAChange, FollowingPointRemoved_AllThatStayAreVisited) {
+TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, FollowingPointRemoved_AllThatStayAreVisited) {
     std::set<int> left{1, 2, 3, 4, 5};
     left.erase(GetParam() % 5 + 1);
     EXPECT_THAT(visitWhile([&] { keep(left); }), IsSupersetOf(left));
 }
 
-TEST_P(VisitDuringAChange, AllPointsRemovedAndOthersLaidOut_NoneIsVisitedTwice) {
+TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, AllPointsRemovedAndOthersLaidOut_NoneIsVisitedTwice) {
     auto numbers = visitWhile([&] {
         keep({});
         layOut(writer, {{11, {1}}, {12, {1}}});
@@ -263,13 +269,13 @@ TEST_P(VisitDuringAChange, AllPointsRemovedAndOthersLaidOut_NoneIsVisitedTwice) 
     EXPECT_EQ(numbers.end(), std::adjacent_find(numbers.begin(), numbers.end()));
 }
 
-TEST_P(VisitDuringAChange, PointAdded_AllOthersAreVisited) {
+TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, PointAdded_AllOthersAreVisited) {
     EXPECT_THAT(visitWhile([&] { layOut(writer, {{6, {1}}}); }), IsSupersetOf({1, 2, 3, 4, 5}));
 }
 
-INSTANTIATE_TEST_SUITE_P(AtSocket, VisitDuringAChange, testing::Values(1, 3, 5));
+INSTANTIATE_TEST_SUITE_P(AtSocket, QelSharedMemoryReaderVisitDuringAChangeTest, testing::Values(1, 3, 5));
 
-TEST_F(ChangingStructure, Visit_TopLevelPointRemoved_AllThatStayAreVisited) {
+TEST_F(QelSharedMemoryReaderChangesTest, Visit_TopLevelPointRemoved_AllThatStayAreVisited) {
     for (int number = 1; number <= 4; ++number) {
         writer.addMP(pointId(number, 0), {}, rawNone);
     }
@@ -284,7 +290,7 @@ TEST_F(ChangingStructure, Visit_TopLevelPointRemoved_AllThatStayAreVisited) {
     EXPECT_THAT(seen, ElementsAre(pointId(1, 0), pointId(2, 0), pointId(3, 0), pointId(4, 0)));
 }
 
-TEST_F(ChangingStructure, Visit_ValueSlotsReusedWithinACallback_TellsAsManyValuesAsThereWere) {
+TEST_F(QelSharedMemoryReaderChangesTest, Visit_ValueSlotsReusedWithinACallback_TellsAsManyValuesAsThereWere) {
     layOut(writer, {{1, {1, 2, 3, 4}}});
     useUpValues();
     int values = 0;

@@ -38,9 +38,9 @@ std::uint64_t now() {
 }
 
 /// One point with one value.
-class ReaderCondition : public testing::Test {
+class QelSharedMemoryReaderConditionTest : public testing::Test {
 protected:
-    ReaderCondition() {
+    QelSharedMemoryReaderConditionTest() {
         region.point(5, 0x0100000000000000);
         region.values(5, 7, {1});
         region.devices({5});
@@ -53,13 +53,13 @@ protected:
     ForgedRegion region;
 };
 
-TEST_F(ReaderCondition, MappedAndCurrent_IsActive) {
+TEST_F(QelSharedMemoryReaderConditionTest, MappedAndCurrent_IsActive) {
     MappedReader const sut;
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Active);
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
 }
 
-TEST_F(ReaderCondition, NotMappedYet_IsInactiveWhileThereIsAnObject_ElseGone) {
+TEST_F(QelSharedMemoryReaderConditionTest, NotMappedYet_IsInactiveWhileThereIsAnObject_ElseGone) {
     QelSharedMemoryReader const sut(0, false);
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Inactive);
     EXPECT_EQ(sut.lastDelivery(), 0U);
@@ -67,7 +67,7 @@ TEST_F(ReaderCondition, NotMappedYet_IsInactiveWhileThereIsAnObject_ElseGone) {
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Gone);
 }
 
-TEST_F(ReaderCondition, OldDelivery_IsSilent_UntilTheNextOne) {
+TEST_F(QelSharedMemoryReaderConditionTest, OldDelivery_IsSilent_UntilTheNextOne) {
     MappedReader const sut;
     deliver(now() - 60'000);
     EXPECT_EQ(sut.condition(10s), QelShmCondition::Silent);
@@ -82,13 +82,13 @@ TEST_F(ReaderCondition, OldDelivery_IsSilent_UntilTheNextOne) {
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
 }
 
-TEST_F(ReaderCondition, LastDelivery_IsTheNewestTime) {
+TEST_F(QelSharedMemoryReaderConditionTest, LastDelivery_IsTheNewestTime) {
     MappedReader const sut;
     deliver(1234567890123);
     EXPECT_EQ(sut.lastDelivery(), 1234567890123U);
 }
 
-TEST_F(ReaderCondition, VersionNotThatOfAnActiveRegion_IsInactive_AndBack) {
+TEST_F(QelSharedMemoryReaderConditionTest, VersionNotThatOfAnActiveRegion_IsInactive_AndBack) {
     MappedReader const sut;
     region.raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Inactive);
@@ -96,7 +96,7 @@ TEST_F(ReaderCondition, VersionNotThatOfAnActiveRegion_IsInactive_AndBack) {
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
 }
 
-TEST_F(ReaderCondition, NameRemoved_IsGone_AnotherObjectUnderIt_IsReplaced) {
+TEST_F(QelSharedMemoryReaderConditionTest, NameRemoved_IsGone_AnotherObjectUnderIt_IsReplaced) {
     MappedReader const sut;
     ::shm_unlink(name);
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Gone);
@@ -109,7 +109,7 @@ TEST_F(ReaderCondition, NameRemoved_IsGone_AnotherObjectUnderIt_IsReplaced) {
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Gone);
 }
 
-TEST_F(ReaderCondition, NamedPipeOrFolderInItsPlace_IsReplaced_AndDoesNotHoldUp) {
+TEST_F(QelSharedMemoryReaderConditionTest, NamedPipeOrFolderInItsPlace_IsReplaced_AndDoesNotHoldUp) {
     MappedReader const sut;
     ::shm_unlink(name);
     ASSERT_EQ(::mkfifo("/dev/shm/QelSharedMemory", 0600), 0);
@@ -122,14 +122,14 @@ TEST_F(ReaderCondition, NamedPipeOrFolderInItsPlace_IsReplaced_AndDoesNotHoldUp)
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Replaced);
 }
 
-TEST_F(ReaderCondition, ObjectThatWasNeverLocked_TellsNothingOfItsWriter) {
+TEST_F(QelSharedMemoryReaderConditionTest, ObjectThatWasNeverLocked_TellsNothingOfItsWriter) {
     MappedReader const sut;
     for (int look = 0; look < 3; ++look) {
         EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
     }
 }
 
-TEST_F(ReaderCondition, ObjectLockedWhenMapped_IsGoneOnceItIsNot_AndBack) {
+TEST_F(QelSharedMemoryReaderConditionTest, ObjectLockedWhenMapped_IsGoneOnceItIsNot_AndBack) {
     std::optional<ObjectLock> lock;
     lock.emplace();
     MappedReader const sut;
@@ -139,7 +139,7 @@ TEST_F(ReaderCondition, ObjectLockedWhenMapped_IsGoneOnceItIsNot_AndBack) {
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
 }
 
-TEST_F(ReaderCondition, ObjectLockedLater_IsGoneOnceItIsNot) {
+TEST_F(QelSharedMemoryReaderConditionTest, ObjectLockedLater_IsGoneOnceItIsNot) {
     MappedReader const sut;
     {
         ObjectLock const lock;
@@ -152,7 +152,7 @@ TEST_F(ReaderCondition, ObjectLockedLater_IsGoneOnceItIsNot) {
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Inactive);
 }
 
-TEST_F(ReaderCondition, LockOfSomebodyWhoMayOnlyRead_IsNoWriters) {
+TEST_F(QelSharedMemoryReaderConditionTest, LockOfSomebodyWhoMayOnlyRead_IsNoWriters) {
     MappedReader const sut;
     {
         ObjectLock const writer;
@@ -187,12 +187,12 @@ private:
     std::unique_ptr<ForgedRegion> next_;
 };
 
-TEST_F(ReaderCondition, ObjectExchangedWhileItIsMapped_IsUnknown_SoReplaced) {
+TEST_F(QelSharedMemoryReaderConditionTest, ObjectExchangedWhileItIsMapped_IsUnknown_SoReplaced) {
     EXPECT_EQ(RacingReader(true).condition(ANY_AGE), QelShmCondition::Replaced);
     EXPECT_EQ(RacingReader(false).condition(ANY_AGE), QelShmCondition::Replaced);
 }
 
-TEST_F(ReaderCondition, Asked_LogsNothingAndLeavesNothing) {
+TEST_F(QelSharedMemoryReaderConditionTest, Asked_LogsNothingAndLeavesNothing) {
     MappedReader const sut;
     qel::test::LogCapture const log;
     auto const before = qel::test::ownResources();

@@ -71,9 +71,9 @@ public:
     std::function<void()> duringWalk;
 };
 
-class PositionIndex : public testing::Test {
+class QelSharedMemoryReaderIndexTest : public testing::Test {
 protected:
-    PositionIndex() {
+    QelSharedMemoryReaderIndexTest() {
         for (std::uint32_t const pos : {0U, 5U, 6U, 799U}) {
             region.point(pos, svid(static_cast<int>(pos)));
         }
@@ -97,7 +97,7 @@ protected:
     LogCapture log;
 };
 
-TEST_F(PositionIndex, Mpnt_FindsPointsOfAllLevelsAndLists) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_FindsPointsOfAllLevelsAndLists) {
     for (int const pos : {0, 5, 6, 799}) {
         EXPECT_EQ(lookUp(svid(pos)), pos);
     }
@@ -105,7 +105,7 @@ TEST_F(PositionIndex, Mpnt_FindsPointsOfAllLevelsAndLists) {
     EXPECT_THAT(log.entries(), ElementsAre(synced("0")));
 }
 
-TEST_F(PositionIndex, Mpnt_UnknownSvid_IsNullAndSilent) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_UnknownSvid_IsNullAndSilent) {
     EXPECT_EQ(lookUp(svid(5)), 5);
     log.take();
     EXPECT_EQ(lookUp(svid(1)), -1);
@@ -114,35 +114,35 @@ TEST_F(PositionIndex, Mpnt_UnknownSvid_IsNullAndSilent) {
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
-TEST_F(PositionIndex, Mpnt_GivesTheSlotThatThePointNames) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_GivesTheSlotThatThePointNames) {
     setPos(5, 6); // a slot that is being moved
     auto const point = sut.mpnt(svid(5), false);
     ASSERT_NE(point, nullptr);
     EXPECT_EQ((*point)->guid, svid(6));
 }
 
-TEST_F(PositionIndex, Mpnt_StoredPositionOutOfRange_IsNull) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_StoredPositionOutOfRange_IsNull) {
     for (std::uint32_t const pos : {800U, 0x80000000U, 0xFFFFFFFFU}) {
         setPos(5, pos);
         EXPECT_EQ(sut.mpnt(svid(5), true), nullptr) << pos;
     }
 }
 
-TEST_F(PositionIndex, Mpnt_SvidTwice_FindsTheOneVisitedFirst) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_SvidTwice_FindsTheOneVisitedFirst) {
     region.point(0, svid(5)); // a group like the device in slot 5
     EXPECT_EQ(lookUp(svid(5), true), 5);
     region.point(799, svid(6)); // a child like its parent in slot 6
     EXPECT_EQ(lookUp(svid(6), true), 6);
 }
 
-TEST_F(PositionIndex, Mpnt_SiblingsOfEqualSvid_FindsTheFirstOfThem) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_SiblingsOfEqualSvid_FindsTheFirstOfThem) {
     region.point(10, svid(10));
     region.point(11, svid(10));
     region.children(6, {11, 10});
     EXPECT_EQ(lookUp(svid(10), true), 11);
 }
 
-TEST_F(PositionIndex, Mpnt_Handle_IsNeitherPinnedNorUpdated) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_Handle_IsNeitherPinnedNorUpdated) {
     auto const point = sut.mpnt(svid(5), false);
     ASSERT_NE(point, nullptr);
     region.point(5, svid(77));
@@ -153,7 +153,7 @@ TEST_F(PositionIndex, Mpnt_Handle_IsNeitherPinnedNorUpdated) {
     EXPECT_EQ(lookUp(svid(5)), -1);
 }
 
-TEST_F(PositionIndex, Mpnt_Force_RebuildsWithCounterAtZero) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_Force_RebuildsWithCounterAtZero) {
     EXPECT_EQ(lookUp(svid(5)), 5);
     EXPECT_EQ(sut.modifications(), 0U);
     EXPECT_EQ(lookUp(svid(5), true), 5);
@@ -161,20 +161,20 @@ TEST_F(PositionIndex, Mpnt_Force_RebuildsWithCounterAtZero) {
     EXPECT_THAT(log.entries(), ElementsAre(synced("0"), synced("0")));
 }
 
-TEST_F(PositionIndex, Mpnt_AfterRegionWasClosed_IsNull) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_AfterRegionWasClosed_IsNull) {
     EXPECT_EQ(lookUp(svid(5)), 5);
     sut.closeShm();
     EXPECT_EQ(lookUp(svid(5)), -1);
 }
 
-TEST_F(PositionIndex, Mpnt_FromWithinARebuild_IsPossible) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_FromWithinARebuild_IsPossible) {
     sut.duringWalk = [&] {
         EXPECT_EQ(lookUp(svid(0)), 0) << "the counter is still raised, so this walks too";
     };
     EXPECT_EQ(lookUp(svid(5)), 5);
 }
 
-TEST_F(PositionIndex, Mpnt_DuringAnotherThreadsRebuild_WaitsForItsEnd) {
+TEST_F(QelSharedMemoryReaderIndexTest, Mpnt_DuringAnotherThreadsRebuild_WaitsForItsEnd) {
     std::future<int> other;
     sut.duringWalk = [&] {
         other = std::async(std::launch::async, [&] { return lookUp(svid(799)); });
@@ -184,7 +184,7 @@ TEST_F(PositionIndex, Mpnt_DuringAnotherThreadsRebuild_WaitsForItsEnd) {
     EXPECT_EQ(other.get(), 799);
 }
 
-TEST_F(PositionIndex, SyncPositions_CounterAtZero_DoesNothing) {
+TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_CounterAtZero_DoesNothing) {
     sut.syncPositions(false);
     log.take();
     sut.syncPositions(false);
@@ -192,7 +192,7 @@ TEST_F(PositionIndex, SyncPositions_CounterAtZero_DoesNothing) {
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
-TEST_F(PositionIndex, SyncPositions_PutsTheClientsVisitorBack) {
+TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_PutsTheClientsVisitorBack) {
     class Counting : public shm::BaseQelShmVisitor {
     public:
         explicit Counting(int& points) : points_(points) {}
@@ -218,7 +218,7 @@ TEST_F(PositionIndex, SyncPositions_PutsTheClientsVisitorBack) {
     EXPECT_EQ(points, 8);
 }
 
-TEST_F(PositionIndex, SyncPositions_FailedWalk_KeepsTheCounterRaised) {
+TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_FailedWalk_KeepsTheCounterRaised) {
     sut.duringWalk = [] {
         throw std::runtime_error("hook");
     };
@@ -227,7 +227,7 @@ TEST_F(PositionIndex, SyncPositions_FailedWalk_KeepsTheCounterRaised) {
     EXPECT_EQ(lookUp(svid(5)), 5);
 }
 
-TEST_F(PositionIndex, SyncPositions_IsCalledThroughTheVirtualOperation) {
+TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_IsCalledThroughTheVirtualOperation) {
     class Overriding : public MappedReader {
     public:
         void syncPositions(bool force) override { forced.push_back(force); }
@@ -239,7 +239,7 @@ TEST_F(PositionIndex, SyncPositions_IsCalledThroughTheVirtualOperation) {
     EXPECT_THAT(other.forced, ElementsAre(false, true));
 }
 
-TEST_F(PositionIndex, SyncPositions_CounterLoweredMeanwhile_StaysAtZero) {
+TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_CounterLoweredMeanwhile_StaysAtZero) {
     MappedReader other; // counts once more: 2
     sut.duringWalk = [&] {
         other.syncPositions(false);
@@ -261,7 +261,7 @@ void announceFromAnotherThread() {
     }).join();
 }
 
-TEST_F(PositionIndex, SignalDuringAForcedRebuildFromZero_IsNotLost) {
+TEST_F(QelSharedMemoryReaderIndexTest, SignalDuringAForcedRebuildFromZero_IsNotLost) {
     sut.syncPositions(false);
     sut.duringWalk = announceFromAnotherThread;
     sut.syncPositions(true);
@@ -271,7 +271,7 @@ TEST_F(PositionIndex, SignalDuringAForcedRebuildFromZero_IsNotLost) {
     EXPECT_EQ(sut.modifications(), 0U);
 }
 
-TEST_F(PositionIndex, TwoThreadsThatRebuildForOneChange_LeaveZero) {
+TEST_F(QelSharedMemoryReaderIndexTest, TwoThreadsThatRebuildForOneChange_LeaveZero) {
     std::future<void> other;
     sut.duringWalk = [&] {
         other = std::async(std::launch::async, [&] { sut.syncPositions(false); });
@@ -284,7 +284,7 @@ TEST_F(PositionIndex, TwoThreadsThatRebuildForOneChange_LeaveZero) {
     EXPECT_EQ(sut.modifications(), 1U) << "it did not wrap";
 }
 
-TEST_F(PositionIndex, ChangeBetweenTwoRebuilds_ThatBringsTheSameNumberBack_IsNotLost) {
+TEST_F(QelSharedMemoryReaderIndexTest, ChangeBetweenTwoRebuilds_ThatBringsTheSameNumberBack_IsNotLost) {
     MappedReader other;
     other.syncPositions(false);
     announceFromAnotherThread();
@@ -296,7 +296,7 @@ TEST_F(PositionIndex, ChangeBetweenTwoRebuilds_ThatBringsTheSameNumberBack_IsNot
     EXPECT_EQ(sut.modifications(), 1U);
 }
 
-TEST_F(PositionIndex, ForcedRebuildThatThrows_LeavesTheCounterRaised) {
+TEST_F(QelSharedMemoryReaderIndexTest, ForcedRebuildThatThrows_LeavesTheCounterRaised) {
     sut.syncPositions(false);
     sut.duringWalk = [] {
         throw std::runtime_error("hook");
@@ -307,7 +307,7 @@ TEST_F(PositionIndex, ForcedRebuildThatThrows_LeavesTheCounterRaised) {
     EXPECT_EQ(sut.modifications(), 0U);
 }
 
-TEST_F(PositionIndex, ForcedRebuildThatIsStopped_LeavesTheCounterRaised) {
+TEST_F(QelSharedMemoryReaderIndexTest, ForcedRebuildThatIsStopped_LeavesTheCounterRaised) {
     sut.syncPositions(false);
     sut.duringWalk = [&] {
         std::thread([&] { sut.stop(true); }).join();
@@ -322,7 +322,7 @@ TEST_F(PositionIndex, ForcedRebuildThatIsStopped_LeavesTheCounterRaised) {
     EXPECT_EQ(sut.modifications(), 0U);
 }
 
-TEST_F(PositionIndex, RegionMappedDuringAForcedRebuild_IsNotMissed) {
+TEST_F(QelSharedMemoryReaderIndexTest, RegionMappedDuringAForcedRebuild_IsNotMissed) {
     BusyReader waiting(false);
     sut.syncPositions(false);
     waiting.duringWalk = [&] {
@@ -334,7 +334,8 @@ TEST_F(PositionIndex, RegionMappedDuringAForcedRebuild_IsNotMissed) {
     EXPECT_EQ(waiting.modifications(), 0U);
 }
 
-TEST_F(PositionIndex, VisitorInstalledByAHookOfARebuild_Stays_AndTheRebuildCountsAsUnfinished) {
+TEST_F(QelSharedMemoryReaderIndexTest,
+       VisitorInstalledByAHookOfARebuild_Stays_AndTheRebuildCountsAsUnfinished) {
     class Counting : public shm::BaseQelShmVisitor {
     public:
         explicit Counting(int& points) : points_(points) {}
@@ -360,7 +361,7 @@ TEST_F(PositionIndex, VisitorInstalledByAHookOfARebuild_Stays_AndTheRebuildCount
     EXPECT_EQ(former, 0);
 }
 
-TEST_F(PositionIndex, OneReadersRebuild_LowersTheCounterForAll) {
+TEST_F(QelSharedMemoryReaderIndexTest, OneReadersRebuild_LowersTheCounterForAll) {
     MappedReader other;
     EXPECT_EQ(other.modifications(), 2U);
     EXPECT_EQ(lookUp(svid(5)), 5);
@@ -369,7 +370,7 @@ TEST_F(PositionIndex, OneReadersRebuild_LowersTheCounterForAll) {
     EXPECT_NE(other.mpnt(svid(5), true), nullptr);
 }
 
-TEST(Waiting, Mpnt_NothingMapped_IsNullAndLowersTheCounter) {
+TEST(QelSharedMemoryReaderWaitingTest, Mpnt_NothingMapped_IsNullAndLowersTheCounter) {
     shm::QelSharedMemoryReader sut(0, false);
     MainLoopThread const loop;
     FakeHardwareManager service;
@@ -388,9 +389,9 @@ TEST(Waiting, Mpnt_NothingMapped_IsNullAndLowersTheCounter) {
     EXPECT_NE(sut.mpnt(svid(5), false), nullptr);
 }
 
-class StructureChanges : public PositionIndex {
+class QelSharedMemoryReaderStructureChangesTest : public QelSharedMemoryReaderIndexTest {
 protected:
-    StructureChanges() {
+    QelSharedMemoryReaderStructureChangesTest() {
         sut.syncPositions(false);
         sut.lists = 0;
         log.take();
@@ -406,7 +407,7 @@ protected:
     MainLoopThread loop;
 };
 
-TEST_F(StructureChanges, Two_LeadToOneRebuild) {
+TEST_F(QelSharedMemoryReaderStructureChangesTest, Two_LeadToOneRebuild) {
     announce();
     announce();
     EXPECT_EQ(lookUp(svid(5)), 5);
@@ -416,7 +417,7 @@ TEST_F(StructureChanges, Two_LeadToOneRebuild) {
     EXPECT_EQ(log.count(synced("0")), 1U);
 }
 
-TEST_F(StructureChanges, MovedPoint_IsFoundInItsNewSlot) {
+TEST_F(QelSharedMemoryReaderStructureChangesTest, MovedPoint_IsFoundInItsNewSlot) {
     region.point(20, svid(5));
     region.devices({20, 6});
     EXPECT_EQ(lookUp(svid(5)), 5) << "not announced yet";
@@ -424,7 +425,7 @@ TEST_F(StructureChanges, MovedPoint_IsFoundInItsNewSlot) {
     EXPECT_EQ(lookUp(svid(5)), 20);
 }
 
-TEST_F(StructureChanges, DuringARebuild_LeadToOneMore) {
+TEST_F(QelSharedMemoryReaderStructureChangesTest, DuringARebuild_LeadToOneMore) {
     announce();
     sut.duringWalk = [&] {
         announce();
@@ -437,7 +438,7 @@ TEST_F(StructureChanges, DuringARebuild_LeadToOneMore) {
     EXPECT_EQ(sut.modifications(), 0U);
 }
 
-TEST_F(StructureChanges, SeveralDuringARebuild_LowerTheCounterByOneOnly) {
+TEST_F(QelSharedMemoryReaderStructureChangesTest, SeveralDuringARebuild_LowerTheCounterByOneOnly) {
     announce();
     announce();
     sut.duringWalk = [&] {
@@ -450,7 +451,7 @@ TEST_F(StructureChanges, SeveralDuringARebuild_LowerTheCounterByOneOnly) {
     EXPECT_EQ(sut.modifications(), 0U);
 }
 
-TEST_F(StructureChanges, WhileManyThreadsLookUp_NothingIsMissed) {
+TEST_F(QelSharedMemoryReaderStructureChangesTest, WhileManyThreadsLookUp_NothingIsMissed) {
     std::atomic<bool> done{false};
     std::atomic<int> misses{0};
     std::vector<std::thread> clients;

@@ -37,9 +37,9 @@ void announceChange() {
 }
 
 /// A point with the keys 1, 4 and 0xFFFF in the value slots from 10 on, and another one with key 1 in 20.
-class KeptValue : public testing::Test {
+class QelSharedMemoryReaderKeptTest : public testing::Test {
 protected:
-    KeptValue() {
+    QelSharedMemoryReaderKeptTest() {
         region.point(3, pointId);
         region.values(3, 10, {1, 4, 0xFFFF});
         region.point(4, otherId);
@@ -58,25 +58,25 @@ protected:
     MappedReader sut;
 };
 
-TEST_F(KeptValue, Mval_FindsEachValueByItsSvid) {
+TEST_F(QelSharedMemoryReaderKeptTest, Mval_FindsEachValueByItsSvid) {
     EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
     EXPECT_EQ(11, numberOf(sut.mval(pointId | 4, false)));
     EXPECT_EQ(12, numberOf(sut.mval(pointId | 0xFFFF, false)));
     EXPECT_EQ(20, numberOf(sut.mval(otherId | 1, false)));
 }
 
-TEST_F(KeptValue, Mval_UnknownPointOrKey_IsNull) {
+TEST_F(QelSharedMemoryReaderKeptTest, Mval_UnknownPointOrKey_IsNull) {
     EXPECT_FALSE(sut.mval(otherId | 4, false));
     EXPECT_FALSE(sut.mval(pointId, false));
     EXPECT_FALSE(sut.mval(1, false));
 }
 
-TEST_F(KeptValue, Mval_SeveralValuesOfAKey_GivesTheFirst) {
+TEST_F(QelSharedMemoryReaderKeptTest, Mval_SeveralValuesOfAKey_GivesTheFirst) {
     region.values(3, 10, {4, 1, 1});
     EXPECT_EQ(11, numberOf(sut.mval(pointId | 1, false)));
 }
 
-TEST_F(KeptValue, Mval_Force_FollowsAnUnannouncedChange) {
+TEST_F(QelSharedMemoryReaderKeptTest, Mval_Force_FollowsAnUnannouncedChange) {
     EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
     region.point(5, pointId);
     region.values(5, 25, {1});
@@ -85,7 +85,7 @@ TEST_F(KeptValue, Mval_Force_FollowsAnUnannouncedChange) {
     EXPECT_EQ(25, numberOf(sut.mval(pointId | 1, true)));
 }
 
-TEST_F(KeptValue, Kept_ShowsTheSlotsPresentNumber) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_ShowsTheSlotsPresentNumber) {
     shm::QelShmKeptMVal kept(pointId | 4);
     EXPECT_EQ(pointId | 4, kept.svid());
     EXPECT_EQ(11, number(kept));
@@ -93,7 +93,7 @@ TEST_F(KeptValue, Kept_ShowsTheSlotsPresentNumber) {
     EXPECT_EQ(111, number(kept));
 }
 
-TEST_F(KeptValue, Kept_WhileTheStructureStands_LooksNothingUp) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_WhileTheStructureStands_LooksNothingUp) {
     shm::QelShmKeptMVal kept(pointId | 4);
     EXPECT_EQ(11, number(kept));
     auto const before = qel::test::locks();
@@ -101,7 +101,7 @@ TEST_F(KeptValue, Kept_WhileTheStructureStands_LooksNothingUp) {
     EXPECT_EQ(before, qel::test::locks());
 }
 
-TEST_F(KeptValue, Kept_ChainThatLeadsElsewhere_IsFollowedUnannounced) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_ChainThatLeadsElsewhere_IsFollowedUnannounced) {
     shm::QelShmKeptMVal kept(pointId | 4);
     EXPECT_EQ(11, number(kept));
     region.values(3, 20, {4});
@@ -110,13 +110,13 @@ TEST_F(KeptValue, Kept_ChainThatLeadsElsewhere_IsFollowedUnannounced) {
     EXPECT_EQ(-1, number(kept));
 }
 
-TEST_F(KeptValue, SlotOfAnotherPoint_IsNotTaken) {
+TEST_F(QelSharedMemoryReaderKeptTest, SlotOfAnotherPoint_IsNotTaken) {
     EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
     region.point(3, 0x0300FFFFFFFF0000);
     EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false)));
 }
 
-TEST_F(KeptValue, PointOutOfItsList_IsNotTaken) {
+TEST_F(QelSharedMemoryReaderKeptTest, PointOutOfItsList_IsNotTaken) {
     shm::QelShmKeptMVal kept(pointId | 1);
     EXPECT_EQ(10, number(kept));
     region.devices({4});
@@ -126,7 +126,7 @@ TEST_F(KeptValue, PointOutOfItsList_IsNotTaken) {
     EXPECT_EQ(10, number(kept));
 }
 
-TEST_F(KeptValue, NeighbourBeingInserted_LeavesTheValueFound) {
+TEST_F(QelSharedMemoryReaderKeptTest, NeighbourBeingInserted_LeavesTheValueFound) {
     shm::QelShmKeptMVal kept(otherId | 1);
     EXPECT_EQ(20, number(kept));
     auto const& raw = region.raw();
@@ -139,12 +139,12 @@ TEST_F(KeptValue, NeighbourBeingInserted_LeavesTheValueFound) {
     EXPECT_EQ(20, numberOf(sut.mval(otherId | 1, false)));
 }
 
-TEST_F(KeptValue, CircularChain_WithoutTheKey_Ends) {
+TEST_F(QelSharedMemoryReaderKeptTest, CircularChain_WithoutTheKey_Ends) {
     region.raw().set<std::uint32_t>(qel::test::rawValue(12) + qel::test::mvNext, 10);
     EXPECT_EQ(-1, numberOf(sut.mval(pointId | 2, false)));
 }
 
-TEST_F(KeptValue, Kept_AnnouncedChange_IsLookedUpAnew) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_AnnouncedChange_IsLookedUpAnew) {
     shm::QelShmKeptMVal kept(pointId | 1);
     EXPECT_EQ(10, number(kept));
     region.values(3, 22, {1});
@@ -152,7 +152,7 @@ TEST_F(KeptValue, Kept_AnnouncedChange_IsLookedUpAnew) {
     EXPECT_EQ(22, number(kept));
 }
 
-TEST_F(KeptValue, Kept_RemovedPointWhoseSlotStands_IsTold) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_RemovedPointWhoseSlotStands_IsTold) {
     shm::QelShmKeptMVal kept(pointId | 1);
     shm::QelShmKeptMVal other(otherId | 1);
     EXPECT_EQ(10, number(kept));
@@ -166,7 +166,7 @@ TEST_F(KeptValue, Kept_RemovedPointWhoseSlotStands_IsTold) {
     EXPECT_EQ(10, number(kept));
 }
 
-TEST_F(KeptValue, Kept_SlotOfAnotherPoint_IsNotTaken) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_SlotOfAnotherPoint_IsNotTaken) {
     shm::QelShmKeptMVal kept(pointId | 1);
     EXPECT_EQ(10, number(kept));
     region.point(3, otherId);
@@ -175,14 +175,14 @@ TEST_F(KeptValue, Kept_SlotOfAnotherPoint_IsNotTaken) {
     EXPECT_EQ(-1, number(kept));
 }
 
-TEST_F(KeptValue, Kept_SlotOfAnotherKey_IsLookedUpAnew) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_SlotOfAnotherKey_IsLookedUpAnew) {
     shm::QelShmKeptMVal kept(pointId | 1);
     EXPECT_EQ(10, number(kept));
     region.values(3, 10, {7, 4, 1});
     EXPECT_EQ(12, number(kept)) << "no announcement is needed for this";
 }
 
-TEST_F(KeptValue, Kept_RegionClosed_IsNull) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_RegionClosed_IsNull) {
     shm::QelShmKeptMVal kept(pointId | 1);
     EXPECT_EQ(10, number(kept));
     sut.closeShm();
@@ -191,7 +191,7 @@ TEST_F(KeptValue, Kept_RegionClosed_IsNull) {
     EXPECT_EQ(10, number(kept));
 }
 
-TEST_F(KeptValue, Kept_Copy_GoesItsOwnWay) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_Copy_GoesItsOwnWay) {
     shm::QelShmKeptMVal kept(pointId | 1);
     EXPECT_EQ(10, number(kept));
     auto copy = kept;
@@ -200,7 +200,7 @@ TEST_F(KeptValue, Kept_Copy_GoesItsOwnWay) {
     EXPECT_EQ(10, number(copy));
 }
 
-TEST_F(KeptValue, Kept_InSeveralThreads_EachFindsItsOwn) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_InSeveralThreads_EachFindsItsOwn) {
     auto const readAll = [&](long long svid, double expected) {
         shm::QelShmKeptMVal kept(svid);
         bool isRight = true;
@@ -218,7 +218,7 @@ TEST_F(KeptValue, Kept_InSeveralThreads_EachFindsItsOwn) {
     EXPECT_TRUE(second.get());
 }
 
-TEST_F(KeptValue, Kept_BesideAThreadThatRebuilds_FindsItsOwn) {
+TEST_F(QelSharedMemoryReaderKeptTest, Kept_BesideAThreadThatRebuilds_FindsItsOwn) {
     std::atomic<bool> isDone{false};
     std::thread rebuilding([&] {
         for (int round = 0; round < 2000; ++round) {
@@ -236,7 +236,7 @@ TEST_F(KeptValue, Kept_BesideAThreadThatRebuilds_FindsItsOwn) {
     EXPECT_EQ(0, wrong);
 }
 
-TEST_F(KeptValue, RandomStructures_AgreeWithTheListOfValues) {
+TEST_F(QelSharedMemoryReaderKeptTest, RandomStructures_AgreeWithTheListOfValues) {
     auto random = qel::test::randomNumbers(3);
     constexpr int points = 12;
     std::vector<shm::QelShmKeptMVal> kept;

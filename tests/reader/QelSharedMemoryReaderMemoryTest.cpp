@@ -51,9 +51,9 @@ private:
 };
 
 /// Point 0 with all others below it; the values of the last one lie scattered.
-class ReaderWithoutMemory : public testing::Test {
+class QelSharedMemoryReaderMemoryTest : public testing::Test {
 protected:
-    ReaderWithoutMemory() {
+    QelSharedMemoryReaderMemoryTest() {
         std::vector<std::uint32_t> children;
         for (std::uint32_t pos = 0; pos < points; ++pos) {
             region.point(pos, svid(static_cast<int>(pos)));
@@ -111,7 +111,7 @@ protected:
     int calls = 0;
 };
 
-TEST_F(ReaderWithoutMemory, SyncPositions_LeavesTheCounterRaisedAndTheVisitorInPlace) {
+TEST_F(QelSharedMemoryReaderMemoryTest, SyncPositions_LeavesTheCounterRaisedAndTheVisitorInPlace) {
     auto const failures = failEach([&] { sut.syncPositions(true); },
                                    [&] {
                                        EXPECT_EQ(1U, sut.modifications());
@@ -121,13 +121,13 @@ TEST_F(ReaderWithoutMemory, SyncPositions_LeavesTheCounterRaisedAndTheVisitorInP
     expectAllInPlace();
 }
 
-TEST_F(ReaderWithoutMemory, Mpnt_Forced_LeavesTheNextLookUpRight) {
+TEST_F(QelSharedMemoryReaderMemoryTest, Mpnt_Forced_LeavesTheNextLookUpRight) {
     auto const failures =
         failEach([&] { EXPECT_NE(nullptr, sut.mpnt(svid(7), true)); }, [&] { expectAllInPlace(); });
     EXPECT_GT(failures, std::size_t{points});
 }
 
-TEST_F(ReaderWithoutMemory, Mpnt_ThrowsAndChangesNothing) {
+TEST_F(QelSharedMemoryReaderMemoryTest, Mpnt_ThrowsAndChangesNothing) {
     EXPECT_EQ(1U, failEach([&] { EXPECT_NE(nullptr, sut.mpnt(svid(7), false)); },
                            [&] {
                                EXPECT_EQ(0U, sut.modifications());
@@ -135,7 +135,7 @@ TEST_F(ReaderWithoutMemory, Mpnt_ThrowsAndChangesNothing) {
                            }));
 }
 
-TEST_F(ReaderWithoutMemory, Mval_NeedsNone) {
+TEST_F(QelSharedMemoryReaderMemoryTest, Mval_NeedsNone) {
     shm::QelShmKeptMVal kept(svid(7) | 4);
     EXPECT_EQ(0U, failEach(
                       [&] {
@@ -146,13 +146,13 @@ TEST_F(ReaderWithoutMemory, Mval_NeedsNone) {
                       [] {}));
 }
 
-TEST_F(ReaderWithoutMemory, Mval_Forced_LeavesTheNextLookUpRight) {
+TEST_F(QelSharedMemoryReaderMemoryTest, Mval_Forced_LeavesTheNextLookUpRight) {
     auto const failures =
         failEach([&] { EXPECT_TRUE(sut.mval(svid(7) | 4, true)); }, [&] { expectAllInPlace(); });
     EXPECT_GE(failures, std::size_t{points});
 }
 
-TEST_F(ReaderWithoutMemory, KeptValue_WhoseRebuildFails_IsFoundAfterwards) {
+TEST_F(QelSharedMemoryReaderMemoryTest, KeptValue_WhoseRebuildFails_IsFoundAfterwards) {
     shm::QelShmKeptMVal kept(svid(7) | 4);
     ASSERT_TRUE(sut.mval(kept));
     auto const* const slot = &*sut.mval(kept);
@@ -165,7 +165,7 @@ TEST_F(ReaderWithoutMemory, KeptValue_WhoseRebuildFails_IsFoundAfterwards) {
     expectAllInPlace();
 }
 
-TEST_F(ReaderWithoutMemory, Visit_ThrowsAndChangesNothing) {
+TEST_F(QelSharedMemoryReaderMemoryTest, Visit_ThrowsAndChangesNothing) {
     EXPECT_EQ(2U, failEach([&] { sut.visit(); }, [&] { expectAllInPlace(); }))
         << "the result, the memory of the lists";
     auto result = std::make_shared<shm::IQelVisitorResult>();
@@ -177,13 +177,13 @@ TEST_F(ReaderWithoutMemory, Visit_ThrowsAndChangesNothing) {
     EXPECT_EQ(0U, failEach([&] { sut.values(first, 1, result); }, [] {})) << "values side by side";
 }
 
-TEST_F(ReaderWithoutMemory, Lists_ThrowAndChangeNothing) {
+TEST_F(QelSharedMemoryReaderMemoryTest, Lists_ThrowAndChangeNothing) {
     EXPECT_EQ(std::size_t{points - 1},
               failEach([&] { sut.mps(1, SensorType::Any); }, [&] { expectAllInPlace(); }));
     EXPECT_EQ(std::size_t{valuesPerPoint}, failEach([&] { sut.mvs(0); }, [&] { expectAllInPlace(); }));
 }
 
-TEST_F(ReaderWithoutMemory, VisitorTakenAwayInACallback_ThrowsAndStays) {
+TEST_F(QelSharedMemoryReaderMemoryTest, VisitorTakenAwayInACallback_ThrowsAndStays) {
     class Leaving : public CountingVisitor {
     public:
         Leaving(MappedReader& reader, int& calls) : CountingVisitor(calls), reader_(reader) {}

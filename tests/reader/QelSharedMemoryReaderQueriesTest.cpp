@@ -25,7 +25,7 @@ constexpr long long svid(int number) {
     return 0x0100000000000000 + number * 0x10000LL;
 }
 
-class Queries : public testing::Test {
+class QelSharedMemoryReaderQueriesTest : public testing::Test {
 protected:
     std::vector<std::uint32_t> points(unsigned int first, int type) const {
         std::vector<std::uint32_t> positions;
@@ -46,7 +46,7 @@ protected:
     MappedReader sut;
 };
 
-TEST_F(Queries, Mps_EverySensorType_GivesThePointsOfThatTypeInChainOrder) {
+TEST_F(QelSharedMemoryReaderQueriesTest, Mps_EverySensorType_GivesThePointsOfThatTypeInChainOrder) {
     // Each of the 256 types twice, far apart; the low bits of the position are the type.
     std::vector<std::uint32_t> chain(512);
     std::iota(chain.begin(), chain.end(), 0);
@@ -65,7 +65,7 @@ TEST_F(Queries, Mps_EverySensorType_GivesThePointsOfThatTypeInChainOrder) {
     }
 }
 
-TEST_F(Queries, Mps_StartsAtTheGivenPosition) {
+TEST_F(QelSharedMemoryReaderQueriesTest, Mps_StartsAtTheGivenPosition) {
     for (std::uint32_t const pos : {7U, 799U, 0U}) {
         region.point(pos, svid(1));
     }
@@ -75,7 +75,7 @@ TEST_F(Queries, Mps_StartsAtTheGivenPosition) {
     EXPECT_THAT(points(0, -2), ElementsAre(0));
 }
 
-TEST_F(Queries, Mps_OutOfRange_EndsTheChain) {
+TEST_F(QelSharedMemoryReaderQueriesTest, Mps_OutOfRange_EndsTheChain) {
     region.point(1, svid(1));
     for (unsigned int const none : {800U, 801U, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         EXPECT_THAT(points(none, -2), IsEmpty()) << none;
@@ -85,20 +85,20 @@ TEST_F(Queries, Mps_OutOfRange_EndsTheChain) {
     }
 }
 
-TEST_F(Queries, Mps_HandlesShowTheSlotsInPlace) {
+TEST_F(QelSharedMemoryReaderQueriesTest, Mps_HandlesShowTheSlotsInPlace) {
     region.point(3, svid(1));
     auto const found = sut.mps(3, SensorType::Any);
     region.point(3, svid(2));
     EXPECT_EQ(found.front()->guid, svid(2));
 }
 
-TEST_F(Queries, Mvs_GivesTheChainInOrder) {
+TEST_F(QelSharedMemoryReaderQueriesTest, Mvs_GivesTheChainInOrder) {
     region.values(0, 8796, {9, 1, 0xFFFF, 1});
     EXPECT_THAT(keys(8796), ElementsAre(9, 1, 0xFFFF, 1));
     EXPECT_THAT(keys(8799), ElementsAre(1));
 }
 
-TEST_F(Queries, Mvs_OutOfRange_EndsTheChain) {
+TEST_F(QelSharedMemoryReaderQueriesTest, Mvs_OutOfRange_EndsTheChain) {
     for (unsigned int const none : {8800U, 8801U, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         EXPECT_THAT(keys(none), IsEmpty()) << none;
         region.values(0, 5, {4});
@@ -107,7 +107,7 @@ TEST_F(Queries, Mvs_OutOfRange_EndsTheChain) {
     }
 }
 
-TEST(QueriesWithoutRegion, AreEmpty) {
+TEST(QelSharedMemoryReaderQueriesWithoutRegionTest, AreEmpty) {
     shm::QelSharedMemoryReader const sut(0, false);
     EXPECT_THAT(sut.mps(0, SensorType::Any), IsEmpty());
     EXPECT_TRUE(sut.mvs(0).empty());

@@ -37,7 +37,7 @@ LogEntry debug(std::string const& text) {
 
 static_assert(std::is_same_v<decltype(&QelSharedMemoryReader::handler), GDBusSignalCallback>);
 
-class Handler : public testing::Test {
+class QelSharedMemoryReaderHandlerTest : public testing::Test {
 protected:
     void call(GDBusConnection* from, char const* path, char const* interface, char const* signal,
               GVariant* with) {
@@ -51,7 +51,7 @@ protected:
     LogCapture log;
 };
 
-TEST_F(Handler, StructureChanged_CountsAndTells) {
+TEST_F(QelSharedMemoryReaderHandlerTest, StructureChanged_CountsAndTells) {
     for (unsigned int count = 1; count <= 16; ++count) {
         call(connection.get(), "/", busName, "shmStructureChanged", nothing.get());
         EXPECT_EQ(reader.modifications(), count);
@@ -61,7 +61,7 @@ TEST_F(Handler, StructureChanged_CountsAndTells) {
     EXPECT_EQ(log.entries().size(), 16U);
 }
 
-TEST_F(Handler, ForeignSignal_IsAStrangeCall) {
+TEST_F(QelSharedMemoryReaderHandlerTest, ForeignSignal_IsAStrangeCall) {
     static constexpr char signal[] = "shmStructureChanged";
     call(nullptr, "/", busName, signal, nothing.get());
     call(connection.get(), "/other", busName, signal, nothing.get());
@@ -74,14 +74,14 @@ TEST_F(Handler, ForeignSignal_IsAStrangeCall) {
     EXPECT_EQ(reader.modifications(), 0U);
 }
 
-TEST_F(Handler, OtherSignalName_IsIgnoredSilently) {
+TEST_F(QelSharedMemoryReaderHandlerTest, OtherSignalName_IsIgnoredSilently) {
     call(connection.get(), "/", busName, "shmStructureChange", nothing.get());
     call(connection.get(), "/", busName, nullptr, nothing.get());
     EXPECT_TRUE(log.entries().empty());
     EXPECT_EQ(reader.modifications(), 0U);
 }
 
-class Signals : public testing::Test {
+class QelSharedMemoryReaderSignalsTest : public testing::Test {
 protected:
     bool reaches(unsigned int count) const {
         return eventually([&] { return reader.modifications() >= count; }) && reader.modifications() == count;
@@ -92,7 +92,7 @@ protected:
     MainLoopThread loop;
 };
 
-TEST_F(Signals, EachStructureChange_Counts) {
+TEST_F(QelSharedMemoryReaderSignalsTest, EachStructureChange_Counts) {
     LogCapture const log;
     service.emitStructureChanged();
     EXPECT_TRUE(reaches(1));
@@ -101,13 +101,13 @@ TEST_F(Signals, EachStructureChange_Counts) {
     EXPECT_TRUE(log.waitFor(debug("handler: modifications = 0x2")));
 }
 
-TEST_F(Signals, FromAnySender_Count) {
+TEST_F(QelSharedMemoryReaderSignalsTest, FromAnySender_Count) {
     service.releaseName();
     service.emitStructureChanged();
     EXPECT_TRUE(reaches(1));
 }
 
-TEST_F(Signals, OfOtherPathInterfaceOrName_DoNotArrive) {
+TEST_F(QelSharedMemoryReaderSignalsTest, OfOtherPathInterfaceOrName_DoNotArrive) {
     service.emitSignal("/other", busName, "shmStructureChanged");
     service.emitSignal("/", "org.qel.Other", "shmStructureChanged");
     service.emitSignal("/", busName, "other");
@@ -118,14 +118,14 @@ TEST_F(Signals, OfOtherPathInterfaceOrName_DoNotArrive) {
     EXPECT_EQ(log.entries().size(), 1U);
 }
 
-TEST_F(Signals, TwoReaders_CountEachSignalTwice) {
+TEST_F(QelSharedMemoryReaderSignalsTest, TwoReaders_CountEachSignalTwice) {
     QelSharedMemoryReader const second(0, false);
     service.emitStructureChanged();
     EXPECT_TRUE(reaches(2));
     EXPECT_EQ(second.modifications(), 2U);
 }
 
-TEST_F(Signals, DestroyedReader_NoLongerCounts) {
+TEST_F(QelSharedMemoryReaderSignalsTest, DestroyedReader_NoLongerCounts) {
     { QelSharedMemoryReader const second(0, false); }
     service.emitStructureChanged();
     EXPECT_TRUE(reaches(1));
@@ -133,14 +133,14 @@ TEST_F(Signals, DestroyedReader_NoLongerCounts) {
     EXPECT_TRUE(reaches(2));
 }
 
-TEST_F(Signals, CountOutlivesItsReaders) {
+TEST_F(QelSharedMemoryReaderSignalsTest, CountOutlivesItsReaders) {
     service.emitStructureChanged();
     EXPECT_TRUE(reaches(1));
     { QelSharedMemoryReader const second(0, false); }
     EXPECT_EQ(reader.modifications(), 1U);
 }
 
-TEST(Subscription, OutlivesTheAbsenceOfTheHardwareManager) {
+TEST(QelSharedMemoryReaderSubscriptionTest, OutlivesTheAbsenceOfTheHardwareManager) {
     LogCapture const log;
     QelSharedMemoryReader sut(0, false);
     {

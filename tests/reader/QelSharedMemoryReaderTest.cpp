@@ -59,7 +59,7 @@ constexpr char unknownService[] =
 static_assert(std::is_base_of_v<shm::QelSharedMemoryAccess, QelSharedMemoryReader>);
 static_assert(std::is_base_of_v<shm::IQelShmInitCallback, QelSharedMemoryReader>);
 
-TEST(QelSharedMemoryReader, Life_IsLogged) {
+TEST(QelSharedMemoryReaderTest, Life_IsLogged) {
     LogCapture log;
     auto sut = std::make_unique<QelSharedMemoryReader>(0, false);
     auto const start = log.take();
@@ -80,7 +80,7 @@ TEST(QelSharedMemoryReader, Life_IsLogged) {
                     info("~QelSharedMemoryReader: done"), access("~QelSharedMemoryAccess: done")));
 }
 
-TEST(QelSharedMemoryReader, Constructor_SubscriptionId_IsHexadecimal) {
+TEST(QelSharedMemoryReaderTest, Constructor_SubscriptionId_IsHexadecimal) {
     auto const connection = sharedConnection();
     LogCapture log;
     bool seenLetter = false;
@@ -95,7 +95,7 @@ TEST(QelSharedMemoryReader, Constructor_SubscriptionId_IsHexadecimal) {
     EXPECT_TRUE(seenLetter);
 }
 
-TEST(QelSharedMemoryReader, Constructor_BusUnreachable_LogsAndThrows) {
+TEST(QelSharedMemoryReaderTest, Constructor_BusUnreachable_LogsAndThrows) {
     static constexpr char text[] =
         "Unable to create a proxy to service org.qel.HardwareManager on object path /, code = 1, "
         "msg = Could not connect: No such file or directory";
@@ -116,7 +116,7 @@ TEST(QelSharedMemoryReader, Constructor_BusUnreachable_LogsAndThrows) {
                             access("~QelSharedMemoryAccess: done")));
 }
 
-TEST(QelSharedMemoryReader, Constructor_WithoutThreadToGet_ThrowsAndLeavesNoSubscription) {
+TEST(QelSharedMemoryReaderTest, Constructor_WithoutThreadToGet_ThrowsAndLeavesNoSubscription) {
     auto const connection = sharedConnection(); // its worker thread must be there before threads run short
     MainLoopThread const loop;
     FakeHardwareManager service;
@@ -133,7 +133,7 @@ TEST(QelSharedMemoryReader, Constructor_WithoutThreadToGet_ThrowsAndLeavesNoSubs
     EXPECT_EQ(other.modifications(), 1U);
 }
 
-TEST(QelSharedMemoryReader, Constructor_BudgetBeyondTenMinutes_IsCutForPollsOnly) {
+TEST(QelSharedMemoryReaderTest, Constructor_BudgetBeyondTenMinutes_IsCutForPollsOnly) {
     SleepRecorder const time;
     FakeHardwareManager service;
     service.setAnswer(0);
@@ -142,19 +142,19 @@ TEST(QelSharedMemoryReader, Constructor_BudgetBeyondTenMinutes_IsCutForPollsOnly
     EXPECT_EQ(SleepRecorder::count(1s), 1000U);
 }
 
-TEST(QelSharedMemoryReader, Constructor_WaitForRegionWithoutSeconds_DoesNotWait) {
+TEST(QelSharedMemoryReaderTest, Constructor_WaitForRegionWithoutSeconds_DoesNotWait) {
     SleepRecorder const time;
     QelSharedMemoryReader const sut(0, true);
     EXPECT_EQ(SleepRecorder::count(1s), 0U);
 }
 
-TEST(QelSharedMemoryReader, Constructor_NotToWait_DoesNotWait) {
+TEST(QelSharedMemoryReaderTest, Constructor_NotToWait_DoesNotWait) {
     SleepRecorder const time;
     QelSharedMemoryReader const sut(5, false);
     EXPECT_EQ(SleepRecorder::count(1s), 0U);
 }
 
-TEST(QelSharedMemoryReader, Constructor_RegionActive_ReturnsEarly) {
+TEST(QelSharedMemoryReaderTest, Constructor_RegionActive_ReturnsEarly) {
     ForgedRegion const region;
     region.activate();
     FakeHardwareManager const service;
@@ -164,7 +164,7 @@ TEST(QelSharedMemoryReader, Constructor_RegionActive_ReturnsEarly) {
     EXPECT_TRUE(sut.root());
 }
 
-TEST(QelSharedMemoryReader, Constructor_RegionMappedButInactive_WaitsOutItsSeconds) {
+TEST(QelSharedMemoryReaderTest, Constructor_RegionMappedButInactive_WaitsOutItsSeconds) {
     ForgedRegion const region;
     FakeHardwareManager const service;
     LogCapture const log;
@@ -175,7 +175,7 @@ TEST(QelSharedMemoryReader, Constructor_RegionMappedButInactive_WaitsOutItsSecon
     EXPECT_EQ(log.entries().back(), debug("onInitialized: modifications = 0x1"));
 }
 
-TEST(QelSharedMemoryReader, Constructor_RegionBecomesActiveWhileWaiting_Returns) {
+TEST(QelSharedMemoryReaderTest, Constructor_RegionBecomesActiveWhileWaiting_Returns) {
     ForgedRegion const region;
     FakeHardwareManager const service;
     std::thread writer([&] {
@@ -189,7 +189,7 @@ TEST(QelSharedMemoryReader, Constructor_RegionBecomesActiveWhileWaiting_Returns)
     writer.join();
 }
 
-TEST(QelSharedMemoryReader, WaitThread_HardwareManagerInitialized_MapsRegion) {
+TEST(QelSharedMemoryReaderTest, WaitThread_HardwareManagerInitialized_MapsRegion) {
     ForgedRegion const region;
     region.point(5, 0x0100000000000000);
     region.devices({5});
@@ -205,7 +205,7 @@ TEST(QelSharedMemoryReader, WaitThread_HardwareManagerInitialized_MapsRegion) {
     EXPECT_EQ((*point)->pos, 5U);
 }
 
-TEST(QelSharedMemoryReader, WaitThread_InitializedAtFifthPoll_ToldAsOneSecond) {
+TEST(QelSharedMemoryReaderTest, WaitThread_InitializedAtFifthPoll_ToldAsOneSecond) {
     ForgedRegion const region;
     FakeHardwareManager service;
     service.setAnswer([](unsigned int call) { return call == 5 ? 1 : 0; });
@@ -215,7 +215,7 @@ TEST(QelSharedMemoryReader, WaitThread_InitializedAtFifthPoll_ToldAsOneSecond) {
     EXPECT_EQ(service.calls(), 5U);
 }
 
-TEST(QelSharedMemoryReader, WaitThread_HardwareManagerAppearsLater_MapsRegion) {
+TEST(QelSharedMemoryReaderTest, WaitThread_HardwareManagerAppearsLater_MapsRegion) {
     ForgedRegion const region;
     LogCapture const log;
     QelSharedMemoryReader const sut(60, false);
@@ -225,7 +225,7 @@ TEST(QelSharedMemoryReader, WaitThread_HardwareManagerAppearsLater_MapsRegion) {
     EXPECT_TRUE(sut.root());
 }
 
-TEST(QelSharedMemoryReader, WaitThread_WithoutBudget_NeverAsks) {
+TEST(QelSharedMemoryReaderTest, WaitThread_WithoutBudget_NeverAsks) {
     ForgedRegion const region;
     region.activate();
     FakeHardwareManager const service;
@@ -236,7 +236,7 @@ TEST(QelSharedMemoryReader, WaitThread_WithoutBudget_NeverAsks) {
     EXPECT_EQ(service.calls(), 0U);
 }
 
-TEST(QelSharedMemoryReader, WaitThread_BudgetRunsOut_LeavesReaderWaiting) {
+TEST(QelSharedMemoryReaderTest, WaitThread_BudgetRunsOut_LeavesReaderWaiting) {
     ForgedRegion const region;
     FakeHardwareManager service;
     service.setAnswer([](unsigned int call) { return call <= 4 ? 0 : 1; });
@@ -248,7 +248,7 @@ TEST(QelSharedMemoryReader, WaitThread_BudgetRunsOut_LeavesReaderWaiting) {
     EXPECT_EQ(sut.mpnt(0, true), nullptr);
 }
 
-TEST(QelSharedMemoryReader, Initialized_AnswerOne_IsTrueAndSilent) {
+TEST(QelSharedMemoryReaderTest, Initialized_AnswerOne_IsTrueAndSilent) {
     FakeHardwareManager const service;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
@@ -256,7 +256,7 @@ TEST(QelSharedMemoryReader, Initialized_AnswerOne_IsTrueAndSilent) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-TEST(QelSharedMemoryReader, Initialized_AnyOtherAnswer_IsFalseAndSilent) {
+TEST(QelSharedMemoryReaderTest, Initialized_AnyOtherAnswer_IsFalseAndSilent) {
     FakeHardwareManager service;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
@@ -267,7 +267,7 @@ TEST(QelSharedMemoryReader, Initialized_AnyOtherAnswer_IsFalseAndSilent) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-TEST(QelSharedMemoryReader, Initialized_ErrorReply_IsToldWithDecimalCode) {
+TEST(QelSharedMemoryReaderTest, Initialized_ErrorReply_IsToldWithDecimalCode) {
     FakeHardwareManager service;
     service.setError("not yet");
     QelSharedMemoryReader sut(0, false);
@@ -277,7 +277,7 @@ TEST(QelSharedMemoryReader, Initialized_ErrorReply_IsToldWithDecimalCode) {
                 ElementsAre(notQueried(", code = 36, msg = GDBus.Error:org.qel.Error: not yet")));
 }
 
-TEST(QelSharedMemoryReader, Initialized_NoHardwareManager_CallsAnywayAfterThreeProxies) {
+TEST(QelSharedMemoryReaderTest, Initialized_NoHardwareManager_CallsAnywayAfterThreeProxies) {
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
     SleepRecorder const time;
@@ -286,7 +286,7 @@ TEST(QelSharedMemoryReader, Initialized_NoHardwareManager_CallsAnywayAfterThreeP
     EXPECT_EQ(SleepRecorder::count(123ms), 3U);
 }
 
-TEST(QelSharedMemoryReader, Initialized_BusGone_IsToldAndRecoversWithTheBus) {
+TEST(QelSharedMemoryReaderTest, Initialized_BusGone_IsToldAndRecoversWithTheBus) {
     LogCapture log;
     QelSharedMemoryReader sut(0, false);
     qel::test::closeSharedConnection();
@@ -301,7 +301,7 @@ TEST(QelSharedMemoryReader, Initialized_BusGone_IsToldAndRecoversWithTheBus) {
     EXPECT_TRUE(eventually([&] { return sut.initialized(); }));
 }
 
-TEST(QelSharedMemoryReader, Destructor_WithoutProxy_EndsNoSubscription) {
+TEST(QelSharedMemoryReaderTest, Destructor_WithoutProxy_EndsNoSubscription) {
     LogCapture log;
     auto sut = std::make_unique<QelSharedMemoryReader>(0, false);
     qel::test::closeSharedConnection();
@@ -312,7 +312,7 @@ TEST(QelSharedMemoryReader, Destructor_WithoutProxy_EndsNoSubscription) {
                 ElementsAre(info("~QelSharedMemoryReader: done"), access("~QelSharedMemoryAccess: done")));
 }
 
-TEST(QelSharedMemoryReader, Destructor_HardwareManagerAbsent_ReturnsAfterOnePoll) {
+TEST(QelSharedMemoryReaderTest, Destructor_HardwareManagerAbsent_ReturnsAfterOnePoll) {
     LogCapture const log;
     auto sut = std::make_unique<QelSharedMemoryReader>(600, false);
     ASSERT_TRUE(log.waitFor(notQueried(unknownService)));
@@ -322,7 +322,7 @@ TEST(QelSharedMemoryReader, Destructor_HardwareManagerAbsent_ReturnsAfterOnePoll
     EXPECT_LE(log.count(notQueried(unknownService)), 2U);
 }
 
-TEST(QelSharedMemoryReader, Destructor_DuringCall_WaitsForItsEnd) {
+TEST(QelSharedMemoryReaderTest, Destructor_DuringCall_WaitsForItsEnd) {
     ForgedRegion const region;
     FakeHardwareManager service;
     service.setDelay(1s);
@@ -335,7 +335,7 @@ TEST(QelSharedMemoryReader, Destructor_DuringCall_WaitsForItsEnd) {
     EXPECT_EQ(log.entries().back(), access("~QelSharedMemoryAccess: done"));
 }
 
-TEST(QelSharedMemoryReader, Destructor_UnmapsButKeepsTheObject) {
+TEST(QelSharedMemoryReaderTest, Destructor_UnmapsButKeepsTheObject) {
     ForgedRegion const region;
     {
         QelSharedMemoryReader sut(0, false);
@@ -345,7 +345,7 @@ TEST(QelSharedMemoryReader, Destructor_UnmapsButKeepsTheObject) {
     EXPECT_TRUE(qel::test::rawRegionExists());
 }
 
-TEST(QelSharedMemoryReader, OnInitialized_MapsRegionAndCounts) {
+TEST(QelSharedMemoryReaderTest, OnInitialized_MapsRegionAndCounts) {
     ForgedRegion const region;
     QelSharedMemoryReader sut(0, false);
     LogCapture const log;
@@ -356,7 +356,7 @@ TEST(QelSharedMemoryReader, OnInitialized_MapsRegionAndCounts) {
     EXPECT_THAT(log.entries(), ElementsAre(debug("onInitialized: modifications = 0x1")));
 }
 
-TEST(QelSharedMemoryReader, OnInitialized_SecondTime_OnlyWarns) {
+TEST(QelSharedMemoryReaderTest, OnInitialized_SecondTime_OnlyWarns) {
     ForgedRegion const region;
     QelSharedMemoryReader sut(0, false);
     sut.onInitialized();
@@ -369,7 +369,7 @@ TEST(QelSharedMemoryReader, OnInitialized_SecondTime_OnlyWarns) {
                                                     "onInitialized: don't call this method directly"}));
 }
 
-TEST(QelSharedMemoryReader, OnInitialized_NoObject_CountsAllTheSame) {
+TEST(QelSharedMemoryReaderTest, OnInitialized_NoObject_CountsAllTheSame) {
     QelSharedMemoryReader sut(0, false);
     sut.onInitialized();
     EXPECT_FALSE(sut.root());

@@ -113,9 +113,9 @@ private:
     std::size_t lists_ = 0;
 };
 
-class VisitsOfATree : public testing::Test {
+class QelSharedMemoryReaderVisitsOfATreeTest : public testing::Test {
 protected:
-    VisitsOfATree() {
+    QelSharedMemoryReaderVisitsOfATreeTest() {
         // devices: 9 before 2 as stored; below 9: 5, 4, 6 as stored; below 4: 8. groups: 7.
         for (int const number : {2, 4, 5, 6, 7, 8, 9}) {
             region.point(static_cast<std::uint32_t>(number), svid(number));
@@ -134,7 +134,7 @@ protected:
     NotingReader sut;
 };
 
-TEST_F(VisitsOfATree, Visit_CallsEverythingInOrder) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_CallsEverythingInOrder) {
     sut.noteVisitor();
     sut.visit();
     EXPECT_THAT(sut.events,
@@ -157,7 +157,7 @@ TEST_F(VisitsOfATree, Visit_CallsEverythingInOrder) {
                             "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_WithoutVisitor_RunsTheHooksOnly) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_WithoutVisitor_RunsTheHooksOnly) {
     sut.visit();
     EXPECT_THAT(sut.events, ElementsAre("list",                                                 //
                                         "values of 9 at 1", "after", "down 9 at 1",             //
@@ -170,14 +170,14 @@ TEST_F(VisitsOfATree, Visit_WithoutVisitor_RunsTheHooksOnly) {
                                         "values of 7 at 1", "after", "down 7 at 1", "up", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_NullVisitor_TakesTheFormerOneAway) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_NullVisitor_TakesTheFormerOneAway) {
     sut.noteVisitor();
     sut.visitor(nullptr);
     sut.visit();
     EXPECT_THAT(sut.events, testing::Not(testing::Contains("root")));
 }
 
-TEST_F(VisitsOfATree, Visit_MvFound_EndsTheValuesOfThatPointOnly) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_MvFound_EndsTheValuesOfThatPointOnly) {
     sut.noteVisitor().seek = 30;
     Result result;
     sut.visit(point(4), 2, result);
@@ -187,7 +187,7 @@ TEST_F(VisitsOfATree, Visit_MvFound_EndsTheValuesOfThatPointOnly) {
                             "values of 8 at 3", "after", "down 8 at 3", "up", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_FoundFlagOfBaseVisitor_StaysForLaterPoints) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_FoundFlagOfBaseVisitor_StaysForLaterPoints) {
     class Seeker : public shm::BaseQelShmVisitor {
     public:
         explicit Seeker(std::vector<int>& keys) : keys_(keys) {}
@@ -208,7 +208,7 @@ TEST_F(VisitsOfATree, Visit_FoundFlagOfBaseVisitor_StaysForLaterPoints) {
     EXPECT_THAT(keys, ElementsAre(31, 30, /* point 8 */ 4, /* point 5 */ 1, /* point 7 */ 30));
 }
 
-TEST_F(VisitsOfATree, Visit_ListNotWalked_HasNoUp) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_ListNotWalked_HasNoUp) {
     sut.noteVisitor();
     sut.walkLists = {false, true};
     sut.visit();
@@ -216,7 +216,7 @@ TEST_F(VisitsOfATree, Visit_ListNotWalked_HasNoUp) {
                                         "value 30 of 7 at 1", "found?", "after", "down 7 at 1", "up", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_GroupsNotWalked_HaveNoUp) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_GroupsNotWalked_HaveNoUp) {
     sut.walkLists = {true, false};
     region.devices({2});
     sut.visit();
@@ -224,7 +224,7 @@ TEST_F(VisitsOfATree, Visit_GroupsNotWalked_HaveNoUp) {
                 ElementsAre("list", "values of 2 at 1", "after", "down 2 at 1", "up", "up", "list"));
 }
 
-TEST_F(VisitsOfATree, Visit_ChildrenNotWalked_LeavesOutDescendantsAndUp) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_ChildrenNotWalked_LeavesOutDescendantsAndUp) {
     sut.noteVisitor();
     sut.walkChildren = [](long long id) {
         return id != svid(9);
@@ -236,7 +236,7 @@ TEST_F(VisitsOfATree, Visit_ChildrenNotWalked_LeavesOutDescendantsAndUp) {
                                         "down 9 at 1", "up", "list", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_ValuesNotWalked_LeavesOutAfterValues) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_ValuesNotWalked_LeavesOutAfterValues) {
     sut.noteVisitor();
     sut.walkValues = [](long long) {
         return false;
@@ -246,7 +246,7 @@ TEST_F(VisitsOfATree, Visit_ValuesNotWalked_LeavesOutAfterValues) {
     EXPECT_THAT(sut.events, ElementsAre("point 7 at 1", "values of 7 at 1", "down 7 at 1", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_Stopped_DoesNothingPerPoint) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_Stopped_DoesNothingPerPoint) {
     sut.noteVisitor();
     sut.stop();
     sut.visit();
@@ -257,7 +257,7 @@ TEST_F(VisitsOfATree, Visit_Stopped_DoesNothingPerPoint) {
     EXPECT_THAT(sut.events, ElementsAre("point 2 at 1", "values of 2 at 1", "after", "down 2 at 1", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_StoppedUnderWay_CutsShortWhatFollows) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_StoppedUnderWay_CutsShortWhatFollows) {
     sut.noteVisitor();
     sut.walkChildren = [this](long long id) {
         if (id == svid(4)) {
@@ -272,7 +272,7 @@ TEST_F(VisitsOfATree, Visit_StoppedUnderWay_CutsShortWhatFollows) {
     EXPECT_THAT(sut.events, testing::Not(testing::Contains("point 7 at 1")));
 }
 
-TEST_F(VisitsOfATree, VisitOfPoint_StartsAtTheGivenDepth) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, VisitOfPoint_StartsAtTheGivenDepth) {
     sut.noteVisitor();
     sut.visit(point(4), 41);
     EXPECT_THAT(sut.events,
@@ -281,20 +281,20 @@ TEST_F(VisitsOfATree, VisitOfPoint_StartsAtTheGivenDepth) {
                                testing::Not(testing::Contains("list"))));
 }
 
-TEST_F(VisitsOfATree, Values_WithoutVisitor_DoesNothing) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Values_WithoutVisitor_DoesNothing) {
     Result result;
     sut.values(point(4), 2, result);
     EXPECT_THAT(sut.events, IsEmpty());
 }
 
-TEST_F(VisitsOfATree, Values_FeedsTheVisitorWithoutHooks) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Values_FeedsTheVisitorWithoutHooks) {
     sut.noteVisitor();
     Result result;
     sut.values(point(7), 5, result);
     EXPECT_THAT(sut.events, ElementsAre("value 30 of 7 at 5", "found?"));
 }
 
-TEST_F(VisitsOfATree, Visit_LinksOutOfRange_EndQuietly) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_LinksOutOfRange_EndQuietly) {
     auto const& raw = region.raw();
     raw.set<std::uint32_t>(qel::test::rootDevices, 800);
     raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpNext, 0x80000000);
@@ -306,28 +306,28 @@ TEST_F(VisitsOfATree, Visit_LinksOutOfRange_EndQuietly) {
                                         "after", "down 7 at 1", "up", "up"));
 }
 
-TEST_F(VisitsOfATree, Visit_EmptyRegion_WalksTwoEmptyLists) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_EmptyRegion_WalksTwoEmptyLists) {
     region.raw().fill(0xFF);
     sut.noteVisitor();
     sut.visit();
     EXPECT_THAT(sut.events, ElementsAre("root", "list", "up", "list", "up"));
 }
 
-TEST(Visits, Visit_NothingMapped_CallsRootAndListHooksOnly) {
+TEST(QelSharedMemoryReaderVisitsTest, Visit_NothingMapped_CallsRootAndListHooksOnly) {
     NotingReader sut; // there is no object to map
     sut.noteVisitor();
     sut.visit();
     EXPECT_THAT(sut.events, ElementsAre("null root", "list", "up", "list", "up"));
 }
 
-TEST(Visits, Visit_NothingMapped_ListNotWalkedHasNoUp) {
+TEST(QelSharedMemoryReaderVisitsTest, Visit_NothingMapped_ListNotWalkedHasNoUp) {
     NotingReader sut;
     sut.walkLists = {false, false};
     sut.visit();
     EXPECT_THAT(sut.events, ElementsAre("list", "list"));
 }
 
-TEST(Visits, Visitor_ReplacedOrLeftAtTheEnd_IsDestroyed) {
+TEST(QelSharedMemoryReaderVisitsTest, Visitor_ReplacedOrLeftAtTheEnd_IsDestroyed) {
     class Counted : public shm::BaseQelShmVisitor {
     public:
         explicit Counted(int& alive) : alive_(alive) { ++alive_; }
@@ -356,7 +356,7 @@ public:
     int calls = 0;
 };
 
-TEST_F(VisitsOfATree, Result_OfTheCaller_ReachesEveryCallback) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Result_OfTheCaller_ReachesEveryCallback) {
     class Tallying : public shm::IQelSharedMemoryVisitor {
     public:
         static void count(Result& result) { ++dynamic_cast<Tally&>(*result).calls; }
@@ -379,7 +379,7 @@ TEST_F(VisitsOfATree, Result_OfTheCaller_ReachesEveryCallback) {
     EXPECT_EQ(tally->calls, 12 + 2 + 3);
 }
 
-TEST_F(VisitsOfATree, Result_OfAVisitWithoutOne_IsAPlainOneThatIsDropped) {
+TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Result_OfAVisitWithoutOne_IsAPlainOneThatIsDropped) {
     class Keeping : public shm::BaseQelShmVisitor {
     public:
         explicit Keeping(std::vector<std::weak_ptr<IQelVisitorResult>>& results) : results_(results) {}
@@ -403,7 +403,7 @@ TEST_F(VisitsOfATree, Result_OfAVisitWithoutOne_IsAPlainOneThatIsDropped) {
     }
 }
 
-TEST(Visits, PointWithLinks_OfAReaderWithoutARegion_IsVisitedAlone) {
+TEST(QelSharedMemoryReaderVisitsTest, PointWithLinks_OfAReaderWithoutARegion_IsVisitedAlone) {
     NotingReader sut;
     sut.noteVisitor();
     shm::record::QelShmMP slot{};
@@ -417,7 +417,7 @@ TEST(Visits, PointWithLinks_OfAReaderWithoutARegion_IsVisitedAlone) {
     EXPECT_THAT(sut.events, ElementsAre("point 1 at 3", "values of 1 at 3", "after", "down 1 at 3", "up"));
 }
 
-TEST(Visits, Children_AreSortedByTheirKeys_TopLevelListsAreNot) {
+TEST(QelSharedMemoryReaderVisitsTest, Children_AreSortedByTheirKeys_TopLevelListsAreNot) {
     ForgedRegion const region;
     // Keys: an electrical point with a large id, a monitor (sorts without its kind byte), an electrical one
     // between.
@@ -454,7 +454,7 @@ TEST(Visits, Children_AreSortedByTheirKeys_TopLevelListsAreNot) {
     EXPECT_THAT(order, ElementsAre(4, 3, 1, 2));
 }
 
-TEST(Visits, Subtrees_AreVisitedThroughTheVirtualOperation) {
+TEST(QelSharedMemoryReaderVisitsTest, Subtrees_AreVisitedThroughTheVirtualOperation) {
     class Overriding : public MappedReader {
     public:
         using QelSharedMemoryReader::visit;
@@ -478,7 +478,7 @@ TEST(Visits, Subtrees_AreVisitedThroughTheVirtualOperation) {
     EXPECT_THAT(sut.visited, ElementsAre(1, 2, 3, 1, 2));
 }
 
-TEST(Visits, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
+TEST(QelSharedMemoryReaderVisitsTest, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
     ForgedRegion const region;
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
         region.point(pos, svid(static_cast<int>(pos)));
@@ -511,7 +511,7 @@ void visitPlainly(MappedReader const& reader, std::list<shm::QelShmMPnt> const& 
     }
 }
 
-TEST(RandomTrees, Visit_ShowsWhatListsShow) {
+TEST(QelSharedMemoryReaderRandomTreesTest, Visit_ShowsWhatListsShow) {
     auto random = qel::test::randomNumbers(21);
     for (int round = 0; round < 100; ++round) {
         ForgedRegion const region;

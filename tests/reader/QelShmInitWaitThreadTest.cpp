@@ -57,7 +57,7 @@ void runThrough(Callback& callback) {
     sut.join();
 }
 
-TEST(QelShmInitWaitThread, Run_WithoutCallback_ReturnsAtOnce) {
+TEST(QelShmInitWaitThreadTest, Run_WithoutCallback_ReturnsAtOnce) {
     shm::QelShmInitWaitThread sut(nullptr);
     LogCapture const log;
     sut.start();
@@ -66,7 +66,7 @@ TEST(QelShmInitWaitThread, Run_WithoutCallback_ReturnsAtOnce) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-TEST(QelShmInitWaitThread, Run_WithoutBudget_NeverAsks) {
+TEST(QelShmInitWaitThreadTest, Run_WithoutBudget_NeverAsks) {
     Callback callback(0, 1);
     shm::QelShmInitWaitThread sut(&callback);
     LogCapture const log;
@@ -78,14 +78,14 @@ TEST(QelShmInitWaitThread, Run_WithoutBudget_NeverAsks) {
     EXPECT_TRUE(log.entries().empty());
 }
 
-TEST(QelShmInitWaitThread, Run_NotStarted_NeverAsks) {
+TEST(QelShmInitWaitThreadTest, Run_NotStarted_NeverAsks) {
     Callback callback(1, 1);
     shm::QelShmInitWaitThread sut(&callback);
     sut.run();
     EXPECT_EQ(callback.asked, 0U);
 }
 
-TEST(QelShmInitWaitThread, Run_InitializedAtFirstPoll_TellsAtOnce) {
+TEST(QelShmInitWaitThreadTest, Run_InitializedAtFirstPoll_TellsAtOnce) {
     Callback callback(1, 1);
     LogCapture const log;
     SleepRecorder const time;
@@ -96,7 +96,7 @@ TEST(QelShmInitWaitThread, Run_InitializedAtFirstPoll_TellsAtOnce) {
     EXPECT_EQ(SleepRecorder::count(250ms), 0U);
 }
 
-TEST(QelShmInitWaitThread, Run_InitializedAtFifthPoll_CountsOneSecond) {
+TEST(QelShmInitWaitThreadTest, Run_InitializedAtFifthPoll_CountsOneSecond) {
     Callback callback(2, 5);
     LogCapture const log;
     SleepRecorder const time;
@@ -107,7 +107,7 @@ TEST(QelShmInitWaitThread, Run_InitializedAtFifthPoll_CountsOneSecond) {
     EXPECT_EQ(SleepRecorder::count(250ms), 4U);
 }
 
-TEST(QelShmInitWaitThread, Run_AnyPoll_TellsSecondsInDecimalWithOneDigit) {
+TEST(QelShmInitWaitThreadTest, Run_AnyPoll_TellsSecondsInDecimalWithOneDigit) {
     char const* const fractions[] = {".0", ".2", ".5", ".8"}; // exact quarters: halves go to the even digit
     for (unsigned int poll = 1; poll <= 120; ++poll) {
         Callback callback(30, poll);
@@ -119,7 +119,7 @@ TEST(QelShmInitWaitThread, Run_AnyPoll_TellsSecondsInDecimalWithOneDigit) {
     }
 }
 
-TEST(QelShmInitWaitThread, Run_InitializedAtLastPollOfLargestBudget_StillTells) {
+TEST(QelShmInitWaitThreadTest, Run_InitializedAtLastPollOfLargestBudget_StillTells) {
     Callback callback(601, 2400);
     LogCapture const log;
     SleepRecorder const time;
@@ -128,7 +128,7 @@ TEST(QelShmInitWaitThread, Run_InitializedAtLastPollOfLargestBudget_StillTells) 
     EXPECT_EQ(callback.told, 1U);
 }
 
-TEST(QelShmInitWaitThread, Run_BudgetRunsOut_EndsSilently) {
+TEST(QelShmInitWaitThreadTest, Run_BudgetRunsOut_EndsSilently) {
     for (unsigned int const seconds : {1U, 2U, 600U, 601U}) {
         Callback callback(seconds, 0);
         LogCapture const log;
@@ -141,7 +141,7 @@ TEST(QelShmInitWaitThread, Run_BudgetRunsOut_EndsSilently) {
     }
 }
 
-TEST(QelShmInitWaitThread, Join_WhilePolling_EndsAfterPauseUnderWay) {
+TEST(QelShmInitWaitThreadTest, Join_WhilePolling_EndsAfterPauseUnderWay) {
     Callback callback(600, 0);
     shm::QelShmInitWaitThread sut(&callback);
     auto const start = std::chrono::steady_clock::now();

@@ -63,7 +63,7 @@ shm::QelShmMP pointOf(long long svid) {
     return point;
 }
 
-TEST(QelShmMPntCmp, Key_RandomSvids_AgreesWithModel) {
+TEST(QelShmMPntCmpTest, Key_RandomSvids_AgreesWithModel) {
     Svids svids;
     for (int i = 0; i < 200000; ++i) {
         auto const svid = svids.next();
@@ -71,28 +71,28 @@ TEST(QelShmMPntCmp, Key_RandomSvids_AgreesWithModel) {
     }
 }
 
-TEST(QelShmMPntCmp, Key_EverySensorType_AgreesWithModel) {
+TEST(QelShmMPntCmpTest, Key_EverySensorType_AgreesWithModel) {
     for (unsigned int type = 0; type < 256; ++type) {
         auto const svid = static_cast<long long>(0xA5001234567889ABULL | (std::uint64_t{type} << 48U));
         EXPECT_EQ(QelShmMPntCmp::key(svid), modelKey(svid)) << type;
     }
 }
 
-TEST(QelShmMPntCmp, Key_I2CSensor_LosesBytesTwoAndFive) {
+TEST(QelShmMPntCmpTest, Key_I2CSensor_LosesBytesTwoAndFive) {
     EXPECT_EQ(QelShmMPntCmp::key(0x0101A1B2C3D4E5F6), 0x010100B2C300E5F6);
 }
 
-TEST(QelShmMPntCmp, Key_ResidualCurrentMonitor_GetsLowHalfWordFourAndNoType) {
+TEST(QelShmMPntCmpTest, Key_ResidualCurrentMonitor_GetsLowHalfWordFourAndNoType) {
     EXPECT_EQ(QelShmMPntCmp::key(0x0104A1B2C3D4E5F6), 0x0100A1B2C3D40004);
 }
 
-TEST(QelShmMPntCmp, Key_AnyOtherType_IsTheSvid) {
+TEST(QelShmMPntCmpTest, Key_AnyOtherType_IsTheSvid) {
     EXPECT_EQ(QelShmMPntCmp::key(0x0100A1B2C3D4E5F6), 0x0100A1B2C3D4E5F6);
     EXPECT_EQ(QelShmMPntCmp::key(0x0102A1B2C3D4E5F6), 0x0102A1B2C3D4E5F6);
     EXPECT_EQ(QelShmMPntCmp::key(-1), -1);
 }
 
-TEST(QelShmMPntCmp, Order_IsThatOfSignedKeys) {
+TEST(QelShmMPntCmpTest, Order_IsThatOfSignedKeys) {
     auto const smallest = pointOf(std::numeric_limits<long long>::min());
     auto const negative = pointOf(-1);
     auto const zero = pointOf(0);
@@ -107,7 +107,7 @@ TEST(QelShmMPntCmp, Order_IsThatOfSignedKeys) {
     }
 }
 
-TEST(QelShmMPntCmp, Sort_RandomPoints_IsStableAndAgreesWithModel) {
+TEST(QelShmMPntCmpTest, Sort_RandomPoints_IsStableAndAgreesWithModel) {
     Svids svids;
     for (int round = 0; round < 200; ++round) {
         std::vector<shm::QelShmMP> points;
@@ -132,7 +132,7 @@ TEST(QelShmMPntCmp, Sort_RandomPoints_IsStableAndAgreesWithModel) {
     }
 }
 
-TEST(QelShmMPntCmp, Sort_I2CSensorsThatDifferInByteTwoOnly_KeepTheirOrder) {
+TEST(QelShmMPntCmpTest, Sort_I2CSensorsThatDifferInByteTwoOnly_KeepTheirOrder) {
     auto const larger = pointOf(0x01010102035A0000 | 0x00FF0000);
     auto const smaller = pointOf(0x01010102035A0000 & ~0x00FF0000LL);
     std::list<shm::QelShmMPnt> points{shm::QelShmMPnt(&larger), shm::QelShmMPnt(&smaller)};

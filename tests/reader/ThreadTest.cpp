@@ -62,7 +62,7 @@ private:
 
 std::vector<std::string> const orderlyStop{"preStop, running", "postStop, stopped"};
 
-TEST(Thread, Join_NeverStarted_DoesNothing) {
+TEST(ThreadTest, Join_NeverStarted_DoesNothing) {
     NotingThread sut;
     testing::internal::CaptureStderr();
     sut.join();
@@ -72,7 +72,7 @@ TEST(Thread, Join_NeverStarted_DoesNothing) {
     EXPECT_FALSE(sut.isRunning());
 }
 
-TEST(Thread, Start_RunsBodyOnAnotherThreadWithRunningSet) {
+TEST(ThreadTest, Start_RunsBodyOnAnotherThreadWithRunningSet) {
     std::thread::id runner;
     NotingThread sut([&] { runner = std::this_thread::get_id(); });
     sut.start();
@@ -83,7 +83,7 @@ TEST(Thread, Start_RunsBodyOnAnotherThreadWithRunningSet) {
     EXPECT_NE(runner, std::this_thread::get_id());
 }
 
-TEST(Thread, Start_SecondTime_SaysSoAndKeepsFirstThread) {
+TEST(ThreadTest, Start_SecondTime_SaysSoAndKeepsFirstThread) {
     std::promise<void> release;
     NotingThread sut([&] { release.get_future().wait(); });
     sut.start();
@@ -95,7 +95,7 @@ TEST(Thread, Start_SecondTime_SaysSoAndKeepsFirstThread) {
     EXPECT_EQ(sut.runs(), 1);
 }
 
-TEST(Thread, Start_AfterBodyEndedByItself_StillSaysAlreadyStarted) {
+TEST(ThreadTest, Start_AfterBodyEndedByItself_StillSaysAlreadyStarted) {
     NotingThread sut;
     sut.start();
     ASSERT_TRUE(sut.waitForRun());
@@ -105,7 +105,7 @@ TEST(Thread, Start_AfterBodyEndedByItself_StillSaysAlreadyStarted) {
     sut.join();
 }
 
-TEST(Thread, Start_AfterJoin_StartsAnew) {
+TEST(ThreadTest, Start_AfterJoin_StartsAnew) {
     NotingThread sut;
     sut.start();
     sut.join();
@@ -114,7 +114,7 @@ TEST(Thread, Start_AfterJoin_StartsAnew) {
     EXPECT_EQ(sut.runs(), 2);
 }
 
-TEST(Thread, Start_WithoutThreadToGet_Throws) {
+TEST(ThreadTest, Start_WithoutThreadToGet_Throws) {
     NotingThread sut;
     {
         NoMoreThreads const shortage;
@@ -127,7 +127,7 @@ TEST(Thread, Start_WithoutThreadToGet_Throws) {
     EXPECT_FALSE(sut.isRunning());
 }
 
-TEST(Thread, Join_CallsPreStopThenClearsRunningThenCallsPostStop) {
+TEST(ThreadTest, Join_CallsPreStopThenClearsRunningThenCallsPostStop) {
     NotingThread sut;
     sut.start();
     sut.join();
@@ -135,7 +135,7 @@ TEST(Thread, Join_CallsPreStopThenClearsRunningThenCallsPostStop) {
     EXPECT_FALSE(sut.isRunning());
 }
 
-TEST(Thread, Join_AfterBodyEndedByItself_FindsRunningStillSet) {
+TEST(ThreadTest, Join_AfterBodyEndedByItself_FindsRunningStillSet) {
     NotingThread sut;
     sut.start();
     ASSERT_TRUE(sut.waitForRun());
@@ -144,7 +144,7 @@ TEST(Thread, Join_AfterBodyEndedByItself_FindsRunningStillSet) {
     EXPECT_EQ(sut.stops(), orderlyStop);
 }
 
-TEST(Thread, Join_SecondTime_DoesNothing) {
+TEST(ThreadTest, Join_SecondTime_DoesNothing) {
     NotingThread sut;
     sut.start();
     sut.join();
@@ -152,7 +152,7 @@ TEST(Thread, Join_SecondTime_DoesNothing) {
     EXPECT_EQ(sut.stops(), orderlyStop);
 }
 
-TEST(Thread, Join_WaitsForBodyToEnd) {
+TEST(ThreadTest, Join_WaitsForBodyToEnd) {
     std::atomic<bool> ended{false};
     NotingThread sut([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
@@ -163,7 +163,7 @@ TEST(Thread, Join_WaitsForBodyToEnd) {
     EXPECT_TRUE(ended);
 }
 
-TEST(Thread, Join_InterruptsBodyAtAnInterruptionPoint) {
+TEST(ThreadTest, Join_InterruptsBodyAtAnInterruptionPoint) {
     std::atomic<bool> interrupted{false};
     NotingThread sut([&] {
         try {
@@ -177,7 +177,7 @@ TEST(Thread, Join_InterruptsBodyAtAnInterruptionPoint) {
     EXPECT_TRUE(interrupted);
 }
 
-TEST(Thread, Join_FromItself_SaysSoAndDetaches) {
+TEST(ThreadTest, Join_FromItself_SaysSoAndDetaches) {
     std::promise<void> started;
     std::promise<void> ended;
     NotingThread* self = nullptr;
@@ -206,7 +206,7 @@ TEST(Thread, Join_FromItself_SaysSoAndDetaches) {
     testing::internal::GetCapturedStderr();
 }
 
-TEST(Thread, Join_IsNotItselfInterrupted) {
+TEST(ThreadTest, Join_IsNotItselfInterrupted) {
     std::promise<void> release;
     std::atomic<bool> joined{false};
     std::atomic<bool> stillRequested{false};
@@ -230,7 +230,7 @@ TEST(Thread, Join_IsNotItselfInterrupted) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(Thread, Destructor_LetsUnjoinedThreadRunOn) {
+TEST(ThreadTest, Destructor_LetsUnjoinedThreadRunOn) {
     struct Shared {
         std::promise<void> entered;
         std::promise<void> release;
@@ -259,7 +259,7 @@ TEST(Thread, Destructor_LetsUnjoinedThreadRunOn) {
     EXPECT_EQ(shared->ended.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
 }
 
-TEST(Thread, LeavesTheRoomBehindItsFlagToDerivedClasses) {
+TEST(ThreadTest, LeavesTheRoomBehindItsFlagToDerivedClasses) {
     class Flagged : public Thread {
         void run() override {}
         [[maybe_unused]] bool flag_ = false;
@@ -269,7 +269,7 @@ TEST(Thread, LeavesTheRoomBehindItsFlagToDerivedClasses) {
     static_assert(sizeof(Flagged) == sizeof(Thread));
 }
 
-TEST(Thread, Join_InAForkedChild_ForgetsTheThreadAndCallsNothing) {
+TEST(ThreadTest, Join_InAForkedChild_ForgetsTheThreadAndCallsNothing) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     NotingThread sut([&] { release.get_future().wait(); });
@@ -288,7 +288,7 @@ TEST(Thread, Join_InAForkedChild_ForgetsTheThreadAndCallsNothing) {
     EXPECT_EQ(sut.stops(), orderlyStop);
 }
 
-TEST(Thread, Join_InAForkedChild_DoesNotWaitForABodyThatHadEnded) {
+TEST(ThreadTest, Join_InAForkedChild_DoesNotWaitForABodyThatHadEnded) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     if (qel::test::underThreadSanitizer) {
         GTEST_SKIP() << "it demands that the child joins the thread of its parent";
@@ -304,7 +304,7 @@ TEST(Thread, Join_InAForkedChild_DoesNotWaitForABodyThatHadEnded) {
     sut.join();
 }
 
-TEST(Thread, Destructor_InAForkedChild_LetsGoOfTheThread) {
+TEST(ThreadTest, Destructor_InAForkedChild_LetsGoOfTheThread) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     std::promise<void> release;
     auto sut = std::make_unique<NotingThread>([&] { release.get_future().wait(); });
@@ -320,7 +320,7 @@ TEST(Thread, Destructor_InAForkedChild_LetsGoOfTheThread) {
     EXPECT_EQ(sut->stops(), orderlyStop);
 }
 
-TEST(Thread, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
+TEST(ThreadTest, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     struct Joined {
         std::promise<void> release;
@@ -338,7 +338,7 @@ TEST(Thread, OfStaticDuration_DoesNotHoldUpTheEndOfAForkedChild) {
     sut.thread.join();
 }
 
-TEST(Thread, Start_InAForkedChild_StartsAThreadOfTheChildsOwn) {
+TEST(ThreadTest, Start_InAForkedChild_StartsAThreadOfTheChildsOwn) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     if (qel::test::underThreadSanitizer) {
         GTEST_SKIP() << "it allows no new thread in a child that a process with threads has forked";
@@ -364,7 +364,7 @@ TEST(Thread, Start_InAForkedChild_StartsAThreadOfTheChildsOwn) {
     EXPECT_EQ(sut.runs(), 1);
 }
 
-TEST(Thread, DefaultHooks_DoNothing) {
+TEST(ThreadTest, DefaultHooks_DoNothing) {
     class Plain : public Thread {
     public:
         void run() override { ran = true; }

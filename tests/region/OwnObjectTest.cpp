@@ -126,9 +126,9 @@ std::vector<Foreign> const& foreigners() {
     return *all;
 }
 
-class ForeignObjectTest : public OwnObjectTest, public testing::WithParamInterface<Foreign> {};
+class OwnObjectForeignTest : public OwnObjectTest, public testing::WithParamInterface<Foreign> {};
 
-TEST_P(ForeignObjectTest, Writer_ReplacesIt_AndLeavesAloneWhatItWas) {
+TEST_P(OwnObjectForeignTest, Writer_ReplacesIt_AndLeavesAloneWhatItWas) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can make objects of others";
     }
@@ -150,7 +150,7 @@ TEST_P(ForeignObjectTest, Writer_ReplacesIt_AndLeavesAloneWhatItWas) {
     EXPECT_THAT(log.entries(), IsEmpty()) << "at the end";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, ForeignObjectTest, testing::ValuesIn(foreigners()),
+INSTANTIATE_TEST_SUITE_P(Of, OwnObjectForeignTest, testing::ValuesIn(foreigners()),
                          [](auto const& instance) { return instance.param.name; });
 
 TEST_F(OwnObjectTest, OwnObjectOfANarrowerMode_IsReused) {

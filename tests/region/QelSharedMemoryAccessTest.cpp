@@ -648,9 +648,9 @@ TEST_F(QelSharedMemoryAccessTest, Root_IsNullWhileNothingIsMapped) {
 
 // The tree as text
 
-class TreeTest : public QelSharedMemoryAccessTest {
+class QelSharedMemoryAccessTreeTest : public QelSharedMemoryAccessTest {
 protected:
-    TreeTest() {
+    QelSharedMemoryAccessTreeTest() {
         sut.openShm();
         raw = std::make_unique<RawRegion>();
         raw->set<std::uint64_t>(rawRootOffset, 0xFF00FFFFFFFF0000ULL);
@@ -677,23 +677,23 @@ protected:
     std::unique_ptr<RawRegion> raw;
 };
 
-TEST_F(TreeTest, Tree_WithoutRegionIsEmpty) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_WithoutRegionIsEmpty) {
     sut.closeShm();
     EXPECT_EQ(sut.tree(), "");
 }
 
-TEST_F(TreeTest, Tree_WithoutPointsIsTheRootAlone) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_WithoutPointsIsTheRootAlone) {
     EXPECT_EQ(sut.tree(), "0xff00ffffffff0000\n");
 }
 
-TEST_F(TreeTest, Tree_RootIdHasNoLeadingZeros) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_RootIdHasNoLeadingZeros) {
     raw->set<std::uint64_t>(rawRootOffset, 0xAB);
     EXPECT_EQ(sut.tree(), "0xab\n");
     raw->set<std::uint64_t>(rawRootOffset, 0);
     EXPECT_EQ(sut.tree(), "0x0\n");
 }
 
-TEST_F(TreeTest, Tree_PointWithValuesAndSibling) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_PointWithValuesAndSibling) {
     devices(3);
     point(3, 0x0100FFFFFFFF0000ULL);
     next(3, 7);
@@ -709,7 +709,7 @@ TEST_F(TreeTest, Tree_PointWithValuesAndSibling) {
         "  - 0x0200ffffffff0000, this = 7, parent = ffffffff, prev = 3, next = ffffffff []\n");
 }
 
-TEST_F(TreeTest, Tree_NumbersAreLowerCaseHexadecimal) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_NumbersAreLowerCaseHexadecimal) {
     devices(799);
     point(799, 0xABCDEF);
     next(799, 0xFFFFFFFF);
@@ -722,7 +722,7 @@ TEST_F(TreeTest, Tree_NumbersAreLowerCaseHexadecimal) {
               "  - 0x0000000000abcdef, this = 31f, parent = a0, prev = 10, next = ffffffff [0xfffe]\n");
 }
 
-TEST_F(TreeTest, Tree_ChildrenStandBelowTheirParentAndGroupsBehindDevices) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_ChildrenStandBelowTheirParentAndGroupsBehindDevices) {
     devices(0);
     groups(5);
     point(0, 1ULL << 16U);
@@ -752,7 +752,7 @@ TEST_F(TreeTest, Tree_ChildrenStandBelowTheirParentAndGroupsBehindDevices) {
               "  - 0x0000000000060000, this = 5, parent = ffffffff, prev = ffffffff, next = ffffffff []\n");
 }
 
-TEST_F(TreeTest, Tree_GroupsAloneAreShown) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_GroupsAloneAreShown) {
     groups(9);
     point(9, 0xFF0201FFFFFF0000ULL);
     EXPECT_EQ(sut.tree(),
@@ -760,7 +760,7 @@ TEST_F(TreeTest, Tree_GroupsAloneAreShown) {
               "  - 0xff0201ffffff0000, this = 9, parent = ffffffff, prev = ffffffff, next = ffffffff []\n");
 }
 
-TEST_F(TreeTest, Tree_LinksOutOfRangeAreNotFollowed) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_LinksOutOfRangeAreNotFollowed) {
     groups(800);
     devices(0);
     point(0, 0);
@@ -774,7 +774,7 @@ TEST_F(TreeTest, Tree_LinksOutOfRangeAreNotFollowed) {
     }
 }
 
-TEST_F(TreeTest, Tree_ValuesOutOfRangeAreNotFollowed) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_ValuesOutOfRangeAreNotFollowed) {
     devices(0);
     point(0, 0);
     values(0, 8800);
@@ -784,7 +784,7 @@ TEST_F(TreeTest, Tree_ValuesOutOfRangeAreNotFollowed) {
     EXPECT_THAT(sut.tree(), ::testing::EndsWith(" [0x0004]\n"));
 }
 
-TEST_F(TreeTest, Tree_EightHundredSiblings) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_EightHundredSiblings) {
     devices(0);
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
         point(pos, pos);
@@ -798,7 +798,7 @@ TEST_F(TreeTest, Tree_EightHundredSiblings) {
                                           "prev = ffffffff, next = ffffffff []\n"));
 }
 
-TEST_F(TreeTest, Tree_EightHundredGenerations) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_EightHundredGenerations) {
     devices(0);
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
         point(pos, pos);
@@ -813,7 +813,7 @@ TEST_F(TreeTest, Tree_EightHundredGenerations) {
                                           "prev = ffffffff, next = ffffffff []\n"));
 }
 
-TEST_F(TreeTest, Tree_AllValuesInOneChain) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_AllValuesInOneChain) {
     devices(0);
     point(0, 0);
     values(0, 0);
@@ -831,7 +831,7 @@ TEST_F(TreeTest, Tree_AllValuesInOneChain) {
                   keys + "]\n");
 }
 
-TEST_F(TreeTest, Tree_ReaderRendersTheSame) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_ReaderRendersTheSame) {
     devices(3);
     point(3, 0x0100FFFFFFFF0000ULL);
     Reader reader;
@@ -845,7 +845,7 @@ protected:
     std::string do_grouping() const override { return "\1"; }
 };
 
-TEST_F(TreeTest, Tree_TheLocaleOfTheProcessDoesNotShow) {
+TEST_F(QelSharedMemoryAccessTreeTest, Tree_TheLocaleOfTheProcessDoesNotShow) {
     devices(799);
     point(799, 0x0100FFFFFFFF0000ULL);
     auto const plain = sut.tree();
@@ -855,7 +855,7 @@ TEST_F(TreeTest, Tree_TheLocaleOfTheProcessDoesNotShow) {
     EXPECT_EQ(text, plain);
 }
 
-TEST_F(TreeTest, Treenode_StartsAtTheGivenIndentAndLeavesTheFillAlone) {
+TEST_F(QelSharedMemoryAccessTreeTest, Treenode_StartsAtTheGivenIndentAndLeavesTheFillAlone) {
     point(1, 0x10000);
     values(1, 0);
     value(0, 5);

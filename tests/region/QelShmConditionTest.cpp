@@ -35,7 +35,7 @@ std::string textOf(QelShmCondition condition) {
     return text.str();
 }
 
-TEST(QelShmCondition, Text_IsItsNameInSmallLetters) {
+TEST(QelShmConditionTest, Text_IsItsNameInSmallLetters) {
     EXPECT_EQ(textOf(QelShmCondition::Active), "active");
     EXPECT_EQ(textOf(QelShmCondition::Silent), "silent");
     EXPECT_EQ(textOf(QelShmCondition::Inactive), "inactive");
@@ -58,7 +58,7 @@ QelShmCondition expected(bool held, bool named, bool same, bool abandoned, bool 
     return !active ? QelShmCondition::Inactive : silent ? QelShmCondition::Silent : QelShmCondition::Active;
 }
 
-TEST(QelShmCondition, EveryCombinationOfFacts_IsAsTheTableSays) {
+TEST(QelShmConditionTest, EveryCombinationOfFacts_IsAsTheTableSays) {
     for (unsigned int bits = 0; bits < 64; ++bits) {
         auto const bit = [bits](unsigned int number) {
             return (bits >> number & 1U) != 0;
@@ -75,21 +75,21 @@ TEST(QelShmCondition, EveryCombinationOfFacts_IsAsTheTableSays) {
     }
 }
 
-TEST(QelShmCondition, Age_IsComparedInclusively) {
+TEST(QelShmConditionTest, Age_IsComparedInclusively) {
     auto facts = current();
     facts.newest = facts.now - 1000;
     EXPECT_EQ(conditionOf(facts, 1000ms), QelShmCondition::Active);
     EXPECT_EQ(conditionOf(facts, 999ms), QelShmCondition::Silent);
 }
 
-TEST(QelShmCondition, DeliveryFromTheFuture_IsCurrent) {
+TEST(QelShmConditionTest, DeliveryFromTheFuture_IsCurrent) {
     auto facts = current();
     facts.newest = facts.now + 1'000'000;
     EXPECT_EQ(conditionOf(facts, 0ms), QelShmCondition::Active);
     EXPECT_EQ(conditionOf(facts, -1ms), QelShmCondition::Active);
 }
 
-TEST(QelShmCondition, NoDeliveryEver_IsSilentAtAnyLimitedAge) {
+TEST(QelShmConditionTest, NoDeliveryEver_IsSilentAtAnyLimitedAge) {
     auto facts = current();
     facts.newest = 0;
     EXPECT_EQ(conditionOf(facts, ANY_AGE - 1ms), QelShmCondition::Silent);
@@ -98,7 +98,7 @@ TEST(QelShmCondition, NoDeliveryEver_IsSilentAtAnyLimitedAge) {
     EXPECT_EQ(conditionOf(facts, ANY_AGE), QelShmCondition::Active);
 }
 
-TEST(QelShmCondition, AgeOfZeroOrBelow_AllowsThisMillisecondAlone) {
+TEST(QelShmConditionTest, AgeOfZeroOrBelow_AllowsThisMillisecondAlone) {
     auto facts = current();
     for (auto const age : {0ms, -1ms, std::chrono::milliseconds::min()}) {
         facts.newest = facts.now;
@@ -108,7 +108,7 @@ TEST(QelShmCondition, AgeOfZeroOrBelow_AllowsThisMillisecondAlone) {
     }
 }
 
-TEST(QelShmCondition, HugeAge_DoesNotOverflow) {
+TEST(QelShmConditionTest, HugeAge_DoesNotOverflow) {
     auto facts = current();
     facts.newest = 1;
     facts.now = ~std::uint64_t{0};

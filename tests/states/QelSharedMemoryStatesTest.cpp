@@ -3,18 +3,21 @@
 
 #include "states/QelSharedMemoryStates.h"
 
+#include "tests/model/ReferenceStates.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
 #include <list>
-#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace {
+
+namespace reference = qel::test::reference;
 
 using States = std::list<eStatus_Bits>;
 
@@ -40,105 +43,9 @@ std::string text(States const& states) {
     return out.str();
 }
 
-/// The rules once more, in plain numbers and as slowly as they read.
-namespace model {
-
-std::set<int> const valueAlarm{1, 2, 9, 10, 39};
-std::set<int> const valueWarning{3, 4, 13, 14, 40};
-std::set<int> const childAlarm{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39};
-std::set<int> const childWarning{11, 12, 13, 14, 21, 24, 40};
-std::set<int> const ownAlarm{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 35, 39};
-
-bool in(std::set<int> const& set, int number) {
-    return set.count(number) != 0;
+reference::States numbersOf(States const& states) {
+    return {states.begin(), states.end()};
 }
-
-int initial(int stored) {
-    if (in({-2, 5, 6, 34, 35, 36, 43}, stored)) {
-        return stored;
-    }
-    if (in({7, 11, 15}, stored)) {
-        return 15;
-    }
-    if (in({8, 12, 16}, stored)) {
-        return 16;
-    }
-    if (in({10, 14, 18, 20, 22}, stored)) {
-        return 18;
-    }
-    return 17;
-}
-
-std::vector<int> known(States const& states) {
-    std::vector<int> result;
-    for (auto const entry : states) {
-        if (entry != -2 && entry != -1) {
-            result.push_back(entry);
-        }
-    }
-    return result;
-}
-
-int values(States const& states) {
-    auto const entries = known(states);
-    std::optional<int> lastWarning;
-    std::optional<int> lastOther;
-    for (int const entry : entries) {
-        if (in(valueAlarm, entry)) {
-            return entry;
-        }
-        (in(valueWarning, entry) ? lastWarning : lastOther) = entry;
-    }
-    return lastWarning.value_or(lastOther.value_or(-1));
-}
-
-int children(States const& states) {
-    auto const entries = known(states);
-    std::optional<int> lastAlarm;
-    std::optional<int> lastWarning;
-    for (int const entry : entries) {
-        if (entry == 34 || entry == 35) {
-            return entry;
-        }
-        if (in(childAlarm, entry)) {
-            lastAlarm = entry;
-        } else if (in(childWarning, entry)) {
-            lastWarning = entry;
-        }
-    }
-    return lastAlarm.value_or(lastWarning.value_or(-1));
-}
-
-int point(int own, States const& valueStates, States const& childStates) {
-    int i = initial(own);
-    if (in({-2, -1, 5, 6, 34, 36, 43}, i)) {
-        return i;
-    }
-    int const m = values(valueStates);
-    if (i >= 15 && i <= 18) {
-        if (in(valueAlarm, m)) {
-            i -= 8;
-        } else if (in(valueWarning, m)) {
-            i -= 4;
-        }
-    }
-    int const c = children(childStates);
-    if (c == 34 || c == 35) {
-        return c;
-    }
-    if (in(ownAlarm, i)) {
-        return i;
-    }
-    if (in(childAlarm, c)) {
-        return i == 18 ? 20 : 23;
-    }
-    if (in({15, 16, 17, 18, -1}, i) && in(childWarning, c)) {
-        return i == 18 ? 22 : 24;
-    }
-    return i;
-}
-
-} // namespace model
 
 /// All states, and numbers that are none.
 std::vector<eStatus_Bits> everyState() {
@@ -178,7 +85,7 @@ protected:
 
 TEST_F(QelSharedMemoryStatesTest, MpInitial_KeepsOnOffAndIdentifyOfEveryState) {
     for (int number = -300; number <= 300; ++number) {
-        ASSERT_EQ(sut.mpInitial(state(number)), model::initial(number)) << number;
+        ASSERT_EQ(sut.mpInitial(state(number)), reference::ownState(number)) << number;
     }
     EXPECT_EQ(sut.mpInitial(state(std::numeric_limits<int>::min())), 17);
     EXPECT_EQ(sut.mpInitial(state(std::numeric_limits<int>::max())), 17);
@@ -210,7 +117,7 @@ TEST_F(QelSharedMemoryStatesTest, MvState_NothingToFoldGivesUndefined) {
 
 TEST_F(QelSharedMemoryStatesTest, MvState_FollowsTheRulesForEveryListOfUpToThree) {
     forEveryListUpTo(3, [&](States const& values) {
-        ASSERT_EQ(sut.mvState(values), model::values(values)) << text(values);
+        ASSERT_EQ(sut.mvState(values), reference::foldValues(numbersOf(values))) << text(values);
     });
 }
 
@@ -239,7 +146,7 @@ TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_OffChildWarningIsAnAlarmAndO
 
 TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_FollowsTheRulesForEveryListOfUpToThree) {
     forEveryListUpTo(3, [&](States const& children) {
-        ASSERT_EQ(sut.mpState(children), model::children(children)) << text(children);
+        ASSERT_EQ(sut.mpState(children), reference::foldChildren(numbersOf(children))) << text(children);
     });
 }
 
@@ -330,7 +237,7 @@ TEST_F(QelSharedMemoryStatesTest, MpState_FollowsTheRulesForEveryOwnStateValueAn
         for (auto const& values : lists) {
             for (auto const& children : lists) {
                 auto const result = sut.mpState(own, values, children);
-                ASSERT_EQ(result, model::point(own, values, children))
+                ASSERT_EQ(result, reference::pointState(own, numbersOf(values), numbersOf(children)))
                     << own << ' ' << text(values) << ' ' << text(children);
                 results.insert(result);
             }

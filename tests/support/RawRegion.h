@@ -25,6 +25,30 @@ constexpr std::size_t rawValue(std::uint32_t pos) {
     return rawValuesOffset + pos * std::size_t{32};
 }
 
+/// Offsets of fields: of a point and of a value within its slot, of the root within the region.
+namespace field {
+constexpr std::size_t pos = 0;
+constexpr std::size_t next = 4;
+constexpr std::size_t prev = 8;
+constexpr std::size_t mvs = 12;
+constexpr std::size_t children = 16;
+constexpr std::size_t parent = 20;
+constexpr std::size_t guid = 24;
+constexpr std::size_t pointAt = 32;
+constexpr std::size_t pointState = 40;
+constexpr std::size_t pointType = 44;
+constexpr std::size_t valueAt = 8;
+constexpr std::size_t valueState = 16;
+constexpr std::size_t valueNext = 20;
+constexpr std::size_t valueKey = 24;
+constexpr std::size_t rootGuid = 320000;
+constexpr std::size_t rootUnused = 320008;
+constexpr std::size_t devices = 320016;
+constexpr std::size_t groups = 320020;
+constexpr std::size_t rootState = 320024;
+constexpr std::size_t version = 320028;
+} // namespace field
+
 /// Whether an object with the region's name exists.
 bool rawRegionExists();
 

@@ -3,7 +3,7 @@
 
 #include "tests/writer/PlainTree.h"
 
-#include "tests/writer/WriterFixture.h"
+#include "tests/support/RawRegion.h"
 
 namespace qel::test {
 

@@ -6,13 +6,15 @@
 #include "writer/QelSharedMemoryWriter.h"
 
 #include "region/Exceptions.h"
+#include "tests/model/ReferenceSvid.h"
+#include "tests/model/ReferenceWriter.h"
+#include "tests/model/WriterCalls.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <iterator>
 #include <random>
@@ -26,39 +28,6 @@ namespace {
 
 using log4cpp::Priority;
 using testing::ElementsAre;
-
-int part(long long svid, int index) {
-    return static_cast<signed char>((static_cast<std::uint64_t>(svid) >> (56 - 8 * index)) & 0xFFU);
-}
-
-// The table of the sibling order, one row after the other.
-bool goesBefore(long long added, long long present) {
-    int const kind = part(added, 1);
-    int const other = part(present, 1);
-    if (kind == 0) {
-        return other == 0 ? added < present : true;
-    }
-    if (kind == 1 && (other == 0 || other == 4)) {
-        return false;
-    }
-    if (kind == 1 && other == 2) {
-        return true;
-    }
-    if (kind == 1) {
-        return part(added, 3) != part(present, 3) ? part(added, 3) < part(present, 3)
-                                                  : part(added, 4) < part(present, 4);
-    }
-    if (kind == 2) {
-        return other == 2 ? added < present : false;
-    }
-    if (kind == 4 && other == 0) {
-        return false;
-    }
-    if (kind == 4 && (other == 1 || other == 2)) {
-        return true;
-    }
-    return added < present;
-}
 
 std::vector<long long> combinations(std::vector<int> const& devices, std::vector<int> const& kinds,
                                     std::vector<int> const& inlets, std::vector<int> const& phases,
@@ -82,12 +51,6 @@ std::vector<long long> combinations(std::vector<int> const& devices, std::vector
     return svids;
 }
 
-void insertSorted(std::vector<long long>& list, long long added) {
-    list.insert(
-        std::find_if(list.begin(), list.end(), [&](long long present) { return goesBefore(added, present); }),
-        added);
-}
-
 template <typename Action>
 std::string invalidIdText(Action const& action) {
     try {
@@ -98,45 +61,9 @@ std::string invalidIdText(Action const& action) {
     return "no such exception";
 }
 
-// Parents that an id may have, in the order in which they are tried; none for a top-level point.
-std::vector<long long> parentCandidates(long long svid) {
-    std::array<int, 6> p{};
-    for (int i = 0; i < 6; ++i) {
-        p[static_cast<std::size_t>(i)] = part(svid, i);
-    }
-    if (p[0] == -1 || p[2] == -1) {
-        return {};
-    }
-    int inlet = -1;
-    int phase = -1;
-    int circuit = -1;
-    if (p[1] != 1 && (p[3] != -1 || p[4] != -1)) {
-        inlet = p[2];
-        if (p[4] != -1 || p[5] != -1) {
-            phase = p[3];
-            if (p[5] != -1) {
-                circuit = p[4];
-            }
-        }
-    }
-    std::vector<long long> candidates{pointId(p[0], 0, inlet, phase, circuit)};
-    if (p[5] != -1 && p[4] == 0) {
-        candidates.push_back(pointId(p[0], 0, inlet, phase));
-    }
-    return candidates;
-}
-
 } // namespace
 
-class QelSharedMemoryWriterLinksTest : public WriterTest {
-protected:
-    std::vector<long long> svids(std::vector<std::uint32_t> const& positions) const {
-        std::vector<long long> list;
-        std::transform(positions.begin(), positions.end(), std::back_inserter(list),
-                       [&](auto pos) { return raw.get<std::int64_t>(rawPoint(pos) + field::guid); });
-        return list;
-    }
-};
+class QelSharedMemoryWriterLinksTest : public WriterTest {};
 
 // connectMP: lists
 
@@ -286,7 +213,7 @@ TEST_F(QelSharedMemoryWriterLinksTest, I2CSensors_OfEqualByte3_AreOrderedByByte4
 }
 
 // Of every kind beside every kind, with the deciding bytes smaller, equal and greater.
-TEST_F(QelSharedMemoryWriterLinksTest, EveryPairOfKinds_StandsAsTheTableSays) {
+TEST_F(QelSharedMemoryWriterLinksTest, EveryPairOfKinds_StandsAsTheRulesSay) {
     for (auto const added :
          combinations({1, 2, 3}, {-1, 0, 1, 2, 3, 4, 5}, {1}, {1, 2, 3}, {-1, 2, 3}, {1})) {
         for (auto const present : combinations({2}, {-1, 0, 1, 2, 3, 4, 5}, {1}, {2}, {2}, {-1})) {
@@ -295,7 +222,7 @@ TEST_F(QelSharedMemoryWriterLinksTest, EveryPairOfKinds_StandsAsTheTableSays) {
             sut.connectMP(sut.initMP(1, present, 0));
             sut.connectMP(sut.initMP(2, added, 0));
 
-            std::vector<std::uint32_t> const expected = goesBefore(added, present)
+            std::vector<std::uint32_t> const expected = reference::standsBefore(added, present)
                                                             ? std::vector<std::uint32_t>{2, 1}
                                                             : std::vector<std::uint32_t>{1, 2};
             ASSERT_EQ(expected, children(0)) << hex(added) << " beside " << hex(present);
@@ -303,45 +230,39 @@ TEST_F(QelSharedMemoryWriterLinksTest, EveryPairOfKinds_StandsAsTheTableSays) {
     }
 }
 
-TEST_F(QelSharedMemoryWriterLinksTest, RandomChildren_StandAsInAPlainList) {
+TEST_F(QelSharedMemoryWriterLinksTest, RandomChildren_AreLinkedAsByTheReference) {
     auto random = randomNumbers(7);
     auto const number = [&](int low, int high) {
         return std::uniform_int_distribution<int>(low, high)(random);
     };
-    std::vector<std::vector<long long>> lists(10);
+    ReferenceWriter expected;
     for (int parent = 0; parent < 10; ++parent) {
+        expected.addMP(pointId(parent, 0), {}, rawNone);
         sut.addMP(pointId(parent, 0), {}, rawNone);
     }
     for (int i = 0; i < 700; ++i) {
         auto const parent = static_cast<std::uint32_t>(number(0, 9));
         auto const svid =
             pointId(number(-128, 127), number(0, 5), i / 100, number(-2, 3), number(-2, 3), i % 100);
-        ASSERT_EQ(10U + static_cast<std::uint32_t>(i), sut.addMP(svid, {}, parent));
-        insertSorted(lists[parent], svid);
+        ASSERT_EQ(expected.addMP(svid, {}, parent), sut.addMP(svid, {}, parent));
 
-        ASSERT_EQ(lists[parent], svids(children(parent))) << "after " << hex(svid);
+        ASSERT_TRUE(holdsBytesOf(expected, raw.bytes())) << "after " << hex(svid);
     }
 }
 
-TEST_F(QelSharedMemoryWriterLinksTest, RandomTopLevelPoints_StandAsInPlainLists) {
+TEST_F(QelSharedMemoryWriterLinksTest, RandomTopLevelPoints_AreLinkedAsByTheReference) {
     auto random = randomNumbers(8);
     auto const number = [&](int low, int high) {
         return std::uniform_int_distribution<int>(low, high)(random);
     };
-    std::vector<long long> deviceList;
-    std::vector<long long> groupList;
+    ReferenceWriter expected;
     for (int i = 0; i < 600; ++i) {
         auto const kind = number(0, 5);
         auto const svid = pointId(number(-128, 127), kind, number(-2, 3), number(-2, 3), i / 100, i % 100);
+        expected.addMP(svid, {}, rawNone);
         sut.addMP(svid, {}, rawNone);
-        if (kind == 0) {
-            insertSorted(deviceList, svid);
-        } else if (kind == 2) {
-            insertSorted(groupList, svid);
-        }
 
-        ASSERT_EQ(deviceList, svids(devices()));
-        ASSERT_EQ(groupList, svids(groups()));
+        ASSERT_TRUE(holdsBytesOf(expected, raw.bytes())) << "after " << hex(svid);
     }
 }
 
@@ -389,7 +310,7 @@ TEST_F(QelSharedMemoryWriterLinksTest, ParentOf_EveryCombinationOfLevels) {
         for (auto const child :
              combinations(levels, {-1, 0, 1, 2, 3, 4, 5}, levels, levels, levels, levels)) {
             SCOPED_TRACE(hex(child));
-            auto const candidates = parentCandidates(child);
+            auto const candidates = reference::parentCandidates(child);
             auto const found = std::find_if(candidates.begin(), candidates.end(),
                                             [&](auto id) { return known.count(id) != 0; });
             WriterLog const log;

@@ -5,6 +5,9 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "tests/model/ReferenceStates.h"
+#include "tests/model/ReferenceWriter.h"
+#include "tests/model/WriterCalls.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/support/SmallStack.h"
 #include "tests/writer/WriterFixture.h"
@@ -13,9 +16,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
-#include <initializer_list>
+#include <array>
+#include <list>
 #include <random>
+#include <vector>
 
 namespace qel::test {
 
@@ -25,58 +29,6 @@ using testing::ElementsAre;
 
 constexpr long long device = pointId(1, 0);
 constexpr unsigned short stateKey = 0x3B;
-
-// The rules of combination, in their own words.
-
-template <typename States = std::initializer_list<int>>
-bool isOneOf(int state, States const& states) {
-    return std::find(states.begin(), states.end(), state) != states.end();
-}
-
-std::vector<int> const valueAlarms{1, 2, 9, 10, 39};
-std::vector<int> const valueWarnings{3, 4, 13, 14, 40};
-std::vector<int> const childAlarms{5, 7, 8, 9, 10, 19, 20, 22, 23, 25, 39};
-std::vector<int> const childWarnings{11, 12, 13, 14, 21, 24, 40};
-
-int combined(int stored, std::vector<int> const& values, std::vector<int> const& children) {
-    // What the point is by itself.
-    if (isOneOf(stored, {-2, 5, 6, 34, 36, 43})) {
-        return stored;
-    }
-    bool const identify = isOneOf(stored, {7, 11, 15, 8, 12, 16});
-    bool const off = isOneOf(stored, {8, 12, 16, 10, 14, 18, 20, 22});
-    int own = (identify ? 15 : 17) + (off ? 1 : 0);
-    int const index = own - 15;
-    if (stored == 35) {
-        own = 35; // neither its values nor anything but an update below change it
-    } else if (std::any_of(values.begin(), values.end(),
-                           [](int state) { return isOneOf(state, valueAlarms); })) {
-        own = 7 + index;
-    } else if (std::any_of(values.begin(), values.end(),
-                           [](int state) { return isOneOf(state, valueWarnings); })) {
-        own = 11 + index;
-    }
-    // What comes from below.
-    auto const update =
-        std::find_if(children.begin(), children.end(), [](int state) { return state == 34 || state == 35; });
-    if (update != children.end()) {
-        return *update;
-    }
-    if (own == 35 || (own >= 7 && own <= 10)) {
-        return own;
-    }
-    bool const alarmBelow =
-        std::any_of(children.begin(), children.end(), [](int state) { return isOneOf(state, childAlarms); });
-    bool const warningBelow = std::any_of(children.begin(), children.end(),
-                                          [](int state) { return isOneOf(state, childWarnings); });
-    if (alarmBelow) {
-        return own == 18 ? 20 : 23;
-    }
-    if (warningBelow && own >= 15) {
-        return own == 18 ? 22 : 24;
-    }
-    return own;
-}
 
 } // namespace
 
@@ -216,15 +168,16 @@ TEST_F(QelSharedMemoryWriterStatesTest, OffCircuit_CountsAsAlarmForItsParent_And
             for (int const socket : {-1, 0, 1}) {
                 // Linked by hand, so that slots serve again.
                 auto& parent = sut.initMP(0, device, rawNone);
-                sut.connectMP(sut.initMP(1, pointId(1, kind, 1, 1, circuit, socket), 0));
+                auto const svid = pointId(1, kind, 1, 1, circuit, socket);
+                sut.connectMP(sut.initMP(1, svid, 0));
                 raw.set<std::int32_t>(rawPoint(1) + field::pointState, 18);
                 std::list<eStatus_Bits> out;
 
                 sut.defineState(parent, out);
 
-                bool const isCircuit = kind == 0 && circuit != -1 && socket == -1;
                 EXPECT_EQ(18, pointState(1));
-                EXPECT_EQ(isCircuit ? 23 : 17, pointState(0)) << kind << ", " << circuit << ", " << socket;
+                EXPECT_EQ(reference::reportedState(svid, 18) == 39 ? 23 : 17, pointState(0))
+                    << kind << ", " << circuit << ", " << socket;
             }
         }
     }
@@ -273,69 +226,67 @@ TEST_F(QelSharedMemoryWriterStatesTest, DefineState_StopsAtPositionsOutOfRange) 
     EXPECT_EQ(23, globalState());
 }
 
-TEST_F(QelSharedMemoryWriterStatesTest, RandomTrees_GetTheStatesOfThePlainRules) {
-    auto random = randomNumbers(11);
-    auto const number = [&](int low, int high) {
-        return std::uniform_int_distribution<int>(low, high)(random);
-    };
-    sut.setActive();
-    std::uint32_t points = 0;
-    for (int tree = 0; tree < 12; ++tree) {
-        // Some points more, at any place: long lists as well as deep ones.
-        for (int i = 0; i < 60; ++i, ++points) {
-            auto const parent = points == 0 || number(0, 9) == 0
-                                    ? rawNone
-                                    : static_cast<std::uint32_t>(number(0, static_cast<int>(points) - 1));
-            auto const kind = parent == rawNone ? 2 * number(0, 1) : number(0, 5);
-            Keys keys;
-            for (int key = number(0, 4); key > 0; --key) {
-                keys[static_cast<unsigned short>(key)] = 0;
-            }
-            sut.addMP(pointId(tree, kind, i, number(-1, 1), number(-1, 1), number(-1, 1)), keys, parent);
-        }
-        for (int round = 0; round < 15; ++round) {
-            // Rounds of few and of many troubled points; states that rules never meet are among them.
-            int const trouble = 1 + 10 * (round % 5);
-            for (std::uint32_t pos = 0; pos < points; ++pos) {
-                for (std::size_t i = 0; i < values(pos).size(); ++i) {
-                    setValue(pos, i, number(1, 100) <= trouble ? number(-3, 45) : number(0, 1) * 41);
-                }
-                if (number(1, 100) <= trouble) {
-                    setPoint(pos, number(-3, 45));
-                } else if (number(0, 1) == 0) {
-                    setPoint(pos, number(17, 18));
-                }
-            }
-            std::vector<int> expected(points, -100);
-            std::vector<int> reported;
-            auto const expect = [&](auto const& self, std::uint32_t pos) -> int {
-                std::vector<int> valueStates;
-                for (auto const slot : values(pos)) {
-                    valueStates.push_back(raw.get<std::int32_t>(rawValue(slot) + field::valueState));
-                }
-                std::vector<int> childStates;
-                for (auto const child : children(pos)) {
-                    childStates.push_back(self(self, child));
-                }
-                expected[pos] = combined(pointState(pos), valueStates, childStates);
-                auto const parts = SensorIdentifier::getSensorIdParts(guid(pos));
-                return expected[pos] == 18 && parts[1] == 0 && parts[4] != -1 && parts[5] == -1
-                           ? 39
-                           : expected[pos];
-            };
-            for (auto const& list : {devices(), groups()}) {
-                for (auto const pos : list) {
-                    reported.push_back(expect(expect, pos));
-                }
-            }
+// Trees that no unit has: long lists as well as deep ones, with states that rules never meet among the others.
+class QelSharedMemoryWriterStatesRandomTest : public WriterTest {
+protected:
+    int number(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
 
+    // Some points more, at any place.
+    void grow(int tree) {
+        for (int i = 0; i < 60; ++i, ++points_) {
+            auto const parent = points_ == 0 || number(0, 9) == 0
+                                    ? rawNone
+                                    : static_cast<std::uint32_t>(number(0, static_cast<int>(points_) - 1));
+            auto const kind = parent == rawNone ? 2 * number(0, 1) : number(0, 5);
+            auto const svid = pointId(tree, kind, i, number(-1, 1), number(-1, 1), number(-1, 1));
+            ReferenceWriter::Keys keys;
+            Keys mvs;
+            for (int key = number(0, 4); key > 0; --key) {
+                keys.insert(static_cast<std::uint16_t>(key));
+                mvs[static_cast<unsigned short>(key)] = 0;
+            }
+            ASSERT_EQ(reference_.addMP(svid, keys, parent), sut.addMP(svid, mvs, parent));
+        }
+    }
+
+    void deliver(long long svid, int state) {
+        reference_.updateMV(svid, 0.0, 1, state);
+        ASSERT_TRUE(sut.updateMV(svid, measured(0.0, 1, static_cast<eStatus_Bits>(state))));
+    }
+
+    // So many of a hundred states are anything, the others quiet.
+    void deliverAll(int trouble) {
+        for (auto const& [svid, known] : reference_.known()) {
+            for (auto const& value : known.values) {
+                deliver(svid | value.first, number(1, 100) <= trouble ? number(-3, 45) : number(0, 1) * 41);
+            }
+            if (number(1, 100) <= trouble) {
+                deliver(svid | stateKey, number(-3, 45));
+            } else if (number(0, 1) == 0) {
+                deliver(svid | stateKey, number(17, 18));
+            }
+        }
+    }
+
+    ReferenceWriter reference_;
+
+private:
+    std::mt19937 random_ = randomNumbers(11);
+    std::uint32_t points_ = 0;
+};
+
+TEST_F(QelSharedMemoryWriterStatesRandomTest, PropagateStates_LeavesTheBytesOfTheReference) {
+    reference_.setActive();
+    sut.setActive();
+    for (int tree = 0; tree < 12; ++tree) {
+        grow(tree);
+        for (int round = 0; round < 15; ++round) {
+            deliverAll(1 + 10 * (round % 5));
+
+            reference_.propagateStates();
             sut.propagateStates();
 
-            for (std::uint32_t pos = 0; pos < points; ++pos) {
-                ASSERT_EQ(expected[pos], pointState(pos))
-                    << "tree " << tree << ", round " << round << ", slot " << pos;
-            }
-            ASSERT_EQ(combined(17, {}, reported), globalState());
+            ASSERT_TRUE(holdsBytesOf(reference_, raw.bytes())) << "tree " << tree << ", round " << round;
         }
     }
 }

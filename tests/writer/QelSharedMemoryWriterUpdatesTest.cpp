@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "tests/model/ReferenceSvid.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
@@ -15,7 +16,6 @@
 #include <atomic>
 #include <cmath>
 #include <limits>
-#include <set>
 #include <thread>
 
 namespace qel::test {
@@ -107,8 +107,6 @@ class QelSharedMemoryWriterKeysTest : public QelSharedMemoryWriterUpdatesTest,
                                       public testing::WithParamInterface<int> {};
 
 TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
-    std::set<int> const pointLevel{0x30, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B};
-    std::set<int> const thousandths{32, 33, 34, 35, 36, 37, 38, 0xFFF9, 0xFFFA, 0xFFFB, 0xFFFC};
     int const first = 8192 * GetParam();
     Keys keys;
     for (int key = first; key < first + 8192; ++key) {
@@ -125,7 +123,7 @@ TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
 
         ASSERT_TRUE(sut.updateMV(device | key, measured(delivered, at, state))) << key;
 
-        if (pointLevel.count(key) != 0) {
+        if (reference::isPointStateKey(key)) {
             ASSERT_EQ(at, raw.get<std::uint64_t>(field::pointAt)) << key;
             ASSERT_EQ(state, pointState(0)) << key;
             ASSERT_EQ(0U, valueTime(pos)) << key;
@@ -135,7 +133,7 @@ TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
             ASSERT_EQ(pointBefore, pointState(0)) << key;
             ASSERT_EQ(at, valueTime(pos)) << key;
             ASSERT_EQ(state, valueState(pos)) << key;
-            ASSERT_EQ(thousandths.count(key) != 0 ? delivered / 1000.0 : delivered, number(pos)) << key;
+            ASSERT_EQ(reference::storedNumber(key, delivered), number(pos)) << key;
         }
     }
 }

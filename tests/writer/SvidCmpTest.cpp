@@ -3,6 +3,7 @@
 
 #include "writer/SvidCmp.h"
 
+#include "tests/model/ReferenceSvid.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gtest/gtest.h>
@@ -20,28 +21,6 @@ namespace {
 constexpr shm::SvidCmp sut;
 
 static_assert(sut(pointId(1, 0), pointId(1, 0, 1)) && !sut(pointId(1, 0, 1), pointId(1, 0)));
-
-int byteOf(long long svid, int index) {
-    return static_cast<int>((static_cast<std::uint64_t>(svid) >> (8 * index)) & 0xFFU);
-}
-
-// Byte by byte from the highest, as the order is told in words.
-bool standsBefore(long long a, long long b) {
-    for (int index = 7; index >= 2; --index) {
-        int const byteA = byteOf(a, index);
-        int const byteB = byteOf(b, index);
-        if (byteA != byteB) {
-            if (byteA == 0xFF) {
-                return true;
-            }
-            if (byteB == 0xFF) {
-                return false;
-            }
-            return byteA < byteB;
-        }
-    }
-    return a < b;
-}
 
 // Ids whose bytes are those where an ordering easily goes wrong.
 std::vector<long long> structuredIds(std::size_t count) {
@@ -87,20 +66,21 @@ TEST(SvidCmpTest, LowerLevels_DecideOnlyWhenHigherOnesAreEqual) {
     EXPECT_TRUE(sut(pointId(1, 0, -1, 9), pointId(1, 0, 0, -1)));
 }
 
-TEST(SvidCmpTest, EachBytePair_OrdersAsThePlainRule) {
+TEST(SvidCmpTest, EachBytePair_OrdersAsByTheReference) {
     for (int index = 0; index < 8; ++index) {
         for (std::uint64_t a = 0; a <= 0xFF; ++a) {
             for (std::uint64_t b = 0; b <= 0xFF; ++b) {
                 std::uint64_t const others = 0x0123FF8000FF7F55U & ~(std::uint64_t{0xFF} << (8 * index));
                 auto const left = static_cast<long long>(others | (a << (8 * index)));
                 auto const right = static_cast<long long>(others | (b << (8 * index)));
-                ASSERT_EQ(standsBefore(left, right), sut(left, right)) << hex(left) << ", " << hex(right);
+                ASSERT_EQ(reference::ParentsFirst()(left, right), sut(left, right))
+                    << hex(left) << ", " << hex(right);
             }
         }
     }
 }
 
-TEST(SvidCmpTest, RandomAndStructuredIds_OrderAsThePlainRule) {
+TEST(SvidCmpTest, RandomAndStructuredIds_OrderAsByTheReference) {
     auto ids = structuredIds(700);
     auto random = randomNumbers(2);
     for (int i = 0; i < 300; ++i) {
@@ -108,7 +88,8 @@ TEST(SvidCmpTest, RandomAndStructuredIds_OrderAsThePlainRule) {
     }
     for (auto const left : ids) {
         for (auto const right : ids) {
-            ASSERT_EQ(standsBefore(left, right), sut(left, right)) << hex(left) << ", " << hex(right);
+            ASSERT_EQ(reference::ParentsFirst()(left, right), sut(left, right))
+                << hex(left) << ", " << hex(right);
         }
     }
 }

@@ -24,29 +24,6 @@
 
 namespace qel::test {
 
-/// Offsets of fields within their records, written down once more on purpose.
-namespace field {
-constexpr std::size_t pos = 0;
-constexpr std::size_t next = 4;
-constexpr std::size_t prev = 8;
-constexpr std::size_t mvs = 12;
-constexpr std::size_t children = 16;
-constexpr std::size_t parent = 20;
-constexpr std::size_t guid = 24;
-constexpr std::size_t pointAt = 32;
-constexpr std::size_t pointState = 40;
-constexpr std::size_t pointType = 44;
-constexpr std::size_t valueAt = 8;
-constexpr std::size_t valueState = 16;
-constexpr std::size_t valueNext = 20;
-constexpr std::size_t valueKey = 24;
-constexpr std::size_t rootUnused = 320008;
-constexpr std::size_t devices = 320016;
-constexpr std::size_t groups = 320020;
-constexpr std::size_t rootState = 320024;
-constexpr std::size_t version = 320028;
-} // namespace field
-
 using Keys = std::map<unsigned short, unsigned int>;
 using Definitions = shm::QelSharedMemoryWriter::Definitions;
 

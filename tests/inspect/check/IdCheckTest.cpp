@@ -3,6 +3,7 @@
 
 #include "inspect/check/IdCheck.h"
 
+#include "tests/model/ReferenceSvid.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gtest/gtest.h>
@@ -41,6 +42,27 @@ TEST(SiblingRankTest, OtherKinds_HaveNone) {
     }
     EXPECT_FALSE(siblingRank(pointId(1, 3)));
     EXPECT_FALSE(siblingRank(pointId(1, -1)));
+}
+
+// Of every kind beside every kind, with the deciding bytes smaller, equal and greater: where both kinds take part, the
+// order is what the writer decides for a new point.
+TEST(SiblingRankTest, EveryPairOfKinds_StandsAsByTheReferenceWriter) {
+    std::vector<long long> ids;
+    for (int kind = -1; kind <= 5; ++kind) {
+        for (int level = 0; level < 3 * 3 * 3 * 3; ++level) {
+            ids.push_back(
+                pointId(1 + level % 3, kind, 1, level / 3 % 3 - 1, level / 9 % 3 - 1, level / 27 - 1));
+        }
+    }
+    for (auto const left : ids) {
+        for (auto const right : ids) {
+            auto const rank = siblingRank(left);
+            auto const other = siblingRank(right);
+            bool const counts = rank && other;
+            ASSERT_EQ(counts && test::reference::standsBefore(left, right), counts && *rank < *other)
+                << test::hex(left) << ' ' << test::hex(right);
+        }
+    }
 }
 
 } // namespace qel::inspect

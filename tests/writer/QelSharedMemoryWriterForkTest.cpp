@@ -23,7 +23,7 @@ namespace {
 
 constexpr long long device = pointId(1, 0);
 
-TEST(WriterForkTest, OfStaticDuration_IsLeftAloneByTheExitOfAForkedChild) {
+TEST(QelSharedMemoryWriterForkTest, OfStaticDuration_IsLeftAloneByTheExitOfAForkedChild) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     static auto sut = std::make_unique<shm::QelSharedMemoryWriter>(); // destroyed at the child's exit
     ASSERT_TRUE(sut->addStructure({{device, withKeys({1})}}));

@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+// The benchmarks' straightforward way makes the library's stores, in the library's order.
+
+#include "bench/literal/Writer.h"
+
+#include "tests/cuts/StoreLog.h"
+#include "tests/model/RandomSensors.h"
+#include "tests/model/ReferenceWriter.h"
+#include "tests/model/WriterCalls.h"
+#include "tests/support/LogCapture.h"
+#include "tests/writer/WriterFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+
+namespace qel::test {
+
+namespace {
+
+/// One store a line.
+std::string textOf(Stores const& stores) {
+    std::ostringstream text;
+    for (auto const& store : stores) {
+        text << static_cast<int>(store.kind) << ' ' << store.offset << '+' << static_cast<int>(store.width)
+             << ' ' << store.before << " -> " << store.written << '\n';
+    }
+    return text.str();
+}
+
+template <typename Call>
+std::string storesOf(void const* region, Call const& call) {
+    StoreLog const log(region);
+    call();
+    return textOf(log.stores());
+}
+
+class LiteralWriterStoresTest : public testing::Test {
+protected:
+    LiteralWriterStoresTest() { sut.openShm(); }
+
+    /// The stores of one operation, which both are to make alike.
+    template <typename Operation>
+    void carryOut(Operation const& operation) {
+        auto const expected = storesOf(library_.region(), [&] { operation(library_); });
+        ASSERT_EQ(expected, storesOf(sut.region(), [&] { operation(sut); }));
+        most_ = std::max(most_, expected.size());
+    }
+
+    void addStructure(ReferenceWriter::Structure const& structure) {
+        reference_.addStructure(structure);
+        carryOut([&](auto& writer) {
+            using Writer = std::decay_t<decltype(writer)>;
+            using Map = std::conditional_t<std::is_same_v<Writer, ExposedWriter>, Definitions,
+                                           bench::literal::Definitions>;
+            outcomeOf([&] { return writer.addStructure(definitionsOf<Map>(structure)); });
+        });
+    }
+
+    bench::literal::Writer sut;
+    RandomSensors sensors_{1, 6};
+    ReferenceWriter reference_;
+    std::size_t most_ = 0;
+
+private:
+    LogCapture quiet_{"qel", log4cpp::Priority::FATAL};
+    ExposedWriter library_;
+};
+
+} // namespace
+
+TEST_F(LiteralWriterStoresTest, EveryOperation_MakesTheStoresOfTheLibraryInItsOrder) {
+    for (int i = 0; i < 1000 && !HasFailure(); ++i) {
+        int const dice = sensors_.number(1, 100);
+        if (dice <= 15) {
+            addStructure(sensors_.anyStructure(2));
+        } else if (dice <= 17) {
+            carryOut([](auto& writer) { writer.setActive(); });
+        } else if (dice <= 90) {
+            auto const update = sensors_.anyUpdate(reference_);
+            carryOut([&](auto& writer) { writer.updateMV(update.svid, valueOf(update)); });
+        } else {
+            carryOut([](auto& writer) { writer.propagateStates(); });
+        }
+    }
+    EXPECT_GT(most_, 1000U); // so it was not silence that was compared
+}
+
+} // namespace qel::test
