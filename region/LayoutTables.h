@@ -38,14 +38,17 @@ static_assert(std::is_same_v<std::underlying_type_t<eStatus_Bits>, std::int32_t>
 
 /// One field of a record.
 struct FieldRow {
-    char const* name;
-    std::size_t offset;               ///< from the record's first byte
-    std::size_t size;                 ///< in bytes
-    char const* type;                 ///< see fieldType()
-    char const* meaning;              ///< at most 42 characters, a line of the manual page; no full stop
-    std::optional<std::int64_t> none; ///< the number that means "none"; absent where every number is one
-    char const* initially; ///< content once its slot or root is set up: "none", a number first, or words
-    char const* writtenBy; ///< the writer's operations that change it
+    char const* name = nullptr;
+    std::size_t offset = 0;     ///< from the record's first byte
+    std::size_t size = 0;       ///< in bytes
+    char const* type = nullptr; ///< see fieldType()
+    /// At most 42 characters, which is a line of the manual page, without a full stop.
+    char const* meaning = nullptr;
+    /// The number that means "none"; empty for a field that has none.
+    std::optional<std::int64_t> none = std::nullopt;
+    /// Content once its slot or the root is set up: "none", a number first, or words.
+    char const* initially = nullptr;
+    char const* writtenBy = nullptr; ///< the writer's operations that change it
 };
 
 /// One table of the region.
