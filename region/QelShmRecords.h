@@ -22,7 +22,10 @@
 /// may be new while its number is still old, and a list that is being re-linked may be seen half-changed. The only
 /// order to rely on is that the root's version is written after everything it announces.
 ///
-/// The same tables for readers in other languages: docs/reference/region-layout.md.
+/// "Initially" in the tables below is the content of a field once its slot or the root has been set up.
+///
+/// For readers in other languages: docs/reference/region-layout.md. The words of the tables below are written once, in
+/// region/LayoutTables.h; tools/layout/fill-documents puts them here.
 #pragma once
 
 #include "domain/eStatus_Bits.h"
@@ -62,19 +65,19 @@ namespace record {
 
 /// A measurement point, 48 bytes.
 ///
-/// | offset | width | field    | meaning                                            | initially  | written by             |
-/// |--------|-------|----------|----------------------------------------------------|------------|------------------------|
-/// | 0      | u32   | pos      | the slot's own position                            | position   | initialisation         |
-/// | 4      | u32   | next     | next sibling's position                            | none       | linking                |
-/// | 8      | u32   | prev     | previous sibling's position                        | none       | linking                |
-/// | 12     | u32   | mvs      | position of the first value of the point's chain   | none       | adding values          |
-/// | 16     | u32   | children | position of the first child                        | none       | linking                |
-/// | 20     | u32   | parent   | parent's position; none for a top-level point      | parent     | initialisation         |
-/// | 24     | i64   | guid     | sensor id, low 16 bits zero                        | sensor id  | initialisation         |
-/// | 32     | u64   | at       | time of the point's own state, as delivered        | 0          | value updates          |
-/// | 40     | i32   | state    | eStatus_Bits                                       | 17 ("On")  | updates, propagation   |
-/// | 44     | u8    | type     | sub-type code, meaning depends on the kind         | 0 or 1     | type injection         |
-/// | 45     | 3     | reserved | left at 0xFF                                       | 0xFF       | nobody                 |
+/// | offset | width   | field    | meaning                                  | initially              | written by           |
+/// |--------|---------|----------|------------------------------------------|------------------------|----------------------|
+/// | 0      | u32     | pos      | the slot's own position                  | its position           | initialisation       |
+/// | 4      | u32     | next     | next sibling                             | none                   | linking              |
+/// | 8      | u32     | prev     | previous sibling                         | none                   | linking              |
+/// | 12     | u32     | mvs      | first value of the point's chain         | none                   | adding values        |
+/// | 16     | u32     | children | first child                              | none                   | linking              |
+/// | 20     | u32     | parent   | parent; none for a top-level point       | its parent             | initialisation       |
+/// | 24     | i64     | guid     | sensor id, low 16 bits zero              | its sensor id          | initialisation       |
+/// | 32     | u64     | at       | time of its own state, ms since 1970 UTC | 0                      | value updates        |
+/// | 40     | i32     | state    | state, with its values and children      | 17 (On)                | updates, propagation |
+/// | 44     | u8      | type     | type code; its meaning depends on the id | 0; 1 for kinds 2 and 4 | type injection       |
+/// | 45     | 3 bytes | reserved | left at 0xFF                             | 0xFF                   | nobody               |
 struct QelShmMP {
     /// @{
     /// A field of the record: see its table.
@@ -107,14 +110,14 @@ static_assert(std::is_standard_layout_v<QelShmMP> && std::is_trivially_copyable_
 
 /// A measured value, 32 bytes.
 ///
-/// | offset | width | field    | meaning                                            | initially  | written by             |
-/// |--------|-------|----------|----------------------------------------------------|------------|------------------------|
-/// | 0      | f64   | value    | IEEE 754 double; unit by key, see ValueFormatter   | 0.0        | value updates          |
-/// | 8      | u64   | at       | time of the value, as delivered                    | 0          | value updates          |
-/// | 16     | i32   | state    | eStatus_Bits                                       | -2         | value updates          |
-/// | 20     | u32   | next     | next value of the same point                       | none       | adding values          |
-/// | 24     | u16   | key      | what the value is: the low 16 bits of its id       | key        | initialisation         |
-/// | 26     | 6     | reserved | left at 0xFF                                       | 0xFF       | nobody                 |
+/// | offset | width   | field    | meaning                                  | initially           | written by     |
+/// |--------|---------|----------|------------------------------------------|---------------------|----------------|
+/// | 0      | f64     | value    | the number; its key says unit and factor | 0                   | value updates  |
+/// | 8      | u64     | at       | time of the value, ms since 1970 UTC     | 0                   | value updates  |
+/// | 16     | i32     | state    | state of the value                       | -2 (Expected Value) | value updates  |
+/// | 20     | u32     | next     | next value of the same point             | none                | adding values  |
+/// | 24     | u16     | key      | low 16 bits of the value's sensor id     | its key             | initialisation |
+/// | 26     | 6 bytes | reserved | left at 0xFF                             | 0xFF                | nobody         |
 struct QelShmMVal {
     /// @{
     /// A field of the record: see its table.
@@ -138,15 +141,15 @@ static_assert(std::is_standard_layout_v<QelShmMVal> && std::is_trivially_copyabl
 
 /// The root, 32 bytes, after all slots.
 ///
-/// | offset | width | field    | meaning                                            | initially  | written by             |
-/// |--------|-------|----------|----------------------------------------------------|------------|------------------------|
-/// | 0      | i64   | guid     | 0xFF00FFFFFFFF0000 once active                     | 0xFF...    | activation             |
-/// | 8      | u64   | unused   | 0 once active, read by nobody                      | 0xFF...    | activation             |
-/// | 16     | u32   | devices  | first top-level point of sensor type 0             | none       | linking                |
-/// | 20     | u32   | groups   | first top-level point of sensor type 2             | none       | linking                |
-/// | 24     | i32   | state    | global state, eStatus_Bits; 17 at activation       | -1         | activation, propagation|
-/// | 28     | u8    | version  | 32 once active; everything else means "not yet"    | 0xFF       | activation, last       |
-/// | 29     | 3     | reserved | left at 0xFF                                       | 0xFF       | nobody                 |
+/// | offset | width   | field    | meaning                               | initially          | written by              |
+/// |--------|---------|----------|---------------------------------------|--------------------|-------------------------|
+/// | 0      | i64     | guid     | the root's own sensor id, of no point | 0xFF00FFFFFFFF0000 | activation              |
+/// | 8      | u64     | unused   | read by nobody                        | 0                  | activation              |
+/// | 16     | u32     | devices  | first top-level point of kind 0       | none               | linking                 |
+/// | 20     | u32     | groups   | first top-level point of kind 2       | none               | linking                 |
+/// | 24     | i32     | state    | global state                          | 17 (On)            | activation, propagation |
+/// | 28     | u8      | version  | layout version; 32 while active       | 32                 | activation, last        |
+/// | 29     | 3 bytes | reserved | left at 0xFF                          | 0xFF               | nobody                  |
 struct QelShmRoot {
     /// @{
     /// A field of the record: see its table.
