@@ -2,8 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 
 # With QEL_QUICK_BUILD tools and tests take less time to build, for builds whose tools and tests are only run: several
-# sources of a target at a time, which reads their common headers once, and without optimisation. The library itself is
-# compiled as ever. The preset lint, without it, tells when a source leans on the includes of another.
+# sources of a target at a time, which reads their common headers once, with the largest headers compiled beforehand, and
+# without optimisation. The library itself is compiled as ever. The preset lint, without all that, tells when a source
+# leans on the includes of another.
 option(QEL_QUICK_BUILD "Compile tools and tests jointly and without optimisation" OFF)
 
 # qel_compile_jointly(<target> [EXCEPT <source>...])
@@ -16,6 +17,15 @@ function(qel_compile_jointly target)
   if(QEL_QUICK_BUILD)
     # What is said of a name of another source, and of fixtures in an unnamed namespace, does not hold here.
     target_compile_options(${target} PRIVATE -Wno-shadow "$<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>")
+  endif()
+endfunction()
+
+# qel_precompile(<target> <header>...)
+#
+# The largest headers of a target's sources. (ccache needs CCACHE_SLOPPINESS=pch_defines,time_macros for it.)
+function(qel_precompile target)
+  if(QEL_QUICK_BUILD)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
   endif()
 endfunction()
 
@@ -33,6 +43,7 @@ endfunction()
 # Sources of the calling folder that its tests keep busy.
 function(qel_keep_optimised)
   if(QEL_QUICK_BUILD)
-    set_source_files_properties(${ARGV} PROPERTIES COMPILE_OPTIONS -O1 SKIP_UNITY_BUILD_INCLUSION ON)
+    set_source_files_properties(${ARGV} PROPERTIES
+      COMPILE_OPTIONS -O1 SKIP_UNITY_BUILD_INCLUSION ON SKIP_PRECOMPILE_HEADERS ON)
   endif()
 endfunction()

@@ -1,7 +1,8 @@
 # SPDX-FileCopyrightText: the libQelSharedMemory authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""Writes performance.md, .svg and .json from what the benchmark programs found.
+"""Writes performance.md, performance-tables.md and performance.svg from what the benchmark programs found, and
+performance.json, with every single pass, beside the raw results.
 
 usage: report.py RESULTS-DIRECTORY OUTPUT-DIRECTORY
 """
@@ -36,6 +37,7 @@ WORKS = [
 ]
 
 CHART_SHAPE = "1x800"
+COST_SHAPES = ("20x40", "1x800")
 
 
 def machine():
@@ -80,8 +82,7 @@ def work_table(findings, work):
     ratio = "x idle" if any(variant for _, variant in known) else "x floor"
     columns = ["time", ratio] + (["instructions"] if counted else [])
     rows = []
-    absent = [(contender, "") for contender in findings.all_contenders() if contender not in dict(known)]
-    for contender, variant in known + absent:
+    for contender, variant in known:
         cells = [named(contender, variant)]
         for shape in shapes:
             row = findings.row(shape, work, contender, variant)
@@ -126,6 +127,8 @@ def sizes_table(findings, shape):
 
 
 def targets_table(findings):
+    """Targets that are not met first, then those that were not measured."""
+    order = ["**not met**", "not measured", "met"]
     rows = []
     for target in TARGETS:
         if target.shape not in findings.shapes():
@@ -138,12 +141,30 @@ def targets_table(findings):
             number = f"{reached:.3g} x" if target.measure == "time" else f"{count(reached)} {target.measure}"
         title = next(title for work, title, _ in WORKS if work == target.work)
         rows.append([title, target.shape, target.contender, f"at most {target.bound()}", number, verdict])
+    rows.sort(key=lambda row: order.index(row[-1]))
     return table(["work", "shape", "by", "target", "reached", ""], rows)
 
 
-def notes():
-    """What people found out about the targets."""
-    path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "notes.md")
+def costs_table(findings):
+    """What the library's operations cost: time and instructions on the largest shapes."""
+    shapes = [shape for shape in findings.shapes() if shape in COST_SHAPES] or findings.shapes()[:1]
+    rows = []
+    for work, title, operation in WORKS:
+        for contender, variant in findings.contenders(work):
+            if variant or not contender.startswith("library"):
+                continue
+            cells = [title, operation.split(",")[0] if contender == "library" else contender.split(", ")[1]]
+            for shape in shapes:
+                row = findings.row(shape, work, contender)
+                cells += [duration(row.median), count(row.instructions)] if row and row.passes else ["-", "-"]
+            rows.append(cells)
+    head = ["what", "by"] + [f"{shape} {column}" for shape in shapes for column in ("time", "instructions")]
+    return table(head, rows)
+
+
+def prose(name):
+    """What people found out about the numbers."""
+    path = os.path.join(os.path.dirname(os.path.abspath(__file__)), name)
     with open(path, encoding="utf-8") as file:
         return file.read()
 
@@ -152,48 +173,38 @@ def stripped_sizes(findings):
     return ", ".join(f"{size:,} ({machine})" for machine, size in findings.stripped_sizes.items())
 
 
-def markdown(findings, facts):
-    shape = CHART_SHAPE if CHART_SHAPE in findings.shapes() else findings.shapes()[0]
+def page(findings, facts):
     shape_lines = "\n".join(f"- `{name}`: {SHAPES[name]}, 11 values each" for name in findings.shapes())
-    parts = [
-        f"""# Performance
+    return f"""# Performance
 
-Written by `bench/run`, which measures everything anew. Measured on {facts['cores']} cores of {facts['cpu']}, Linux
-{facts['kernel']}, {facts['compiler']}, optimised (`-O3`).
+Written by `bench/run`. Measured on {facts['cores']} cores of {facts['cpu']}, Linux {facts['kernel']},
+{facts['compiler']}, optimised (`-O3`). [performance-tables.md](performance-tables.md) compares the library with
+other stores, work by work, and says how everything is measured.
 
-![medians and quartiles of all works](performance.svg)
-
-## How it is measured
-
-All contenders do the same work in one run, pass after pass; before each pass their order and the order of the ids are
-shuffled anew, and each must give the result that the work is known to have. Times are medians over the passes, ± half
-the distance between the quartiles: of the time that the measuring thread runs, and of the elapsed time where a contender
-waits for others (LMDB, SQLite, Redis, D-Bus, and the way to being seen). Ratios are medians of the ratios within a pass, to the floor or, where other
-processes are beside, to the same contender without them ("idle"). Instructions are those of this process under
-callgrind, for the work alone; they hardly vary. A "-" says that the work does not apply to the contender, or that the
-number would tell nothing (instructions of a contender whose work another process does).
+## What it costs
 
 {shape_lines}
 
-| contender | what it is |
-|---|---|
-| floor | plain loads and stores at known positions of a mapped array |
-| open-addressing hash | the same behind a hash from sensor id to position |
-| library | this library; one value by `mpnt` and `mvs` |
-| library, mval | one value by `mval` and its id |
-| library, kept value | one value by `mval` and a kept handle |
-| literal | the straightforward way to do the library's work: ordered maps, lists and locks, without shortcuts (`bench/literal`) |
-| Boost.Interprocess | its ordered map and an unordered map in a managed segment, not locked; "heap value": each sample comes as the object that `updateMV` takes |
-| PCP MMV | memory-mapped values of Performance Co-Pilot: three metrics a key, an instance a point, addresses kept in a hash |
-| LMDB | one database in /dev/shm, a transaction per update, nothing synced |
-| SQLite | a file in /dev/shm, write-ahead log, prepared statements, a transaction per update, nothing synced |
-| Redis | a hash per point, over a unix socket, nothing persisted |
-| D-Bus properties | an object per point and a property per key, set and got by GDBus through the bus daemon |
+{costs_table(findings)}
+The stripped library takes {stripped_sizes(findings)} bytes.
+
+![medians and quartiles of all contenders](performance.svg)
 
 ## Targets
 
-{targets_table(findings)}""",
-        notes(),
+{targets_table(findings)}
+{prose("bounds.md")}"""
+
+
+def tables(findings):
+    shape = CHART_SHAPE if CHART_SHAPE in findings.shapes() else findings.shapes()[0]
+    parts = [
+        """# Performance, in tables
+
+Written by `bench/run`, on the machine that [performance.md](performance.md) names.
+
+"""
+        + prose("method.md"),
         "## Works\n",
     ]
     for work, title, operation in WORKS:
@@ -204,23 +215,22 @@ number would tell nothing (instructions of a contender whose work another proces
         "`--version` is the start alone.\n\n" + inspector_table(findings)
     )
     parts.append(
-        f"## Allocations per operation\n\nShape `{shape}`; of the process that measures, all threads.\n\n"
+        f"## Allocations per operation\n\nShape `{shape}`; all threads of the process that measures.\n\n"
         + counts_table(findings, shape, "allocations")
     )
     if any(row.system_calls is not None for row in findings.rows()):
         parts.append(
-            f"## System calls per operation\n\nShape `{shape}`; of the thread that measures.\n\n"
+            f"## System calls per operation\n\nShape `{shape}`; the thread that measures.\n\n"
             + counts_table(findings, shape, "system_calls")
         )
     parts.append(
         f"""## Bytes per value
 
-Shape `{shape}`. The store is what processes share; the heap is what a writer and a reader need beside it.
+Shape `{shape}`. The processes share the store; a writer and a reader need the heap beside it.
 
-{sizes_table(findings, shape)}
-The stripped library is {stripped_sizes(findings)} bytes long.
-"""
+{sizes_table(findings, shape)}"""
     )
+    parts.append(prose("changes.md"))
     return "\n".join(parts)
 
 
@@ -278,8 +288,9 @@ def main():
         if rows:
             panels.append((title, rows))
     write(output, "performance.svg", draw(panels))
-    write(output, "performance.md", markdown(findings, facts))
-    write(output, "performance.json", json.dumps(as_json(findings, facts), indent=1) + "\n")
+    write(output, "performance.md", page(findings, facts))
+    write(output, "performance-tables.md", tables(findings))
+    write(results, "performance.json", json.dumps(as_json(findings, facts), indent=1) + "\n")
 
 
 if __name__ == "__main__":

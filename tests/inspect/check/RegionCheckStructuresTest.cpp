@@ -8,6 +8,7 @@
 #include "inspect/image/PointTree.h"
 #include "tests/inspect/RandomUnit.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Rounds.h"
 
 #include <gtest/gtest.h>
 
@@ -72,9 +73,9 @@ TEST_P(RegionCheckStructures, OfARealWriterGiveNoFinding) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Courses, RegionCheckStructures,
-                         testing::Values(Course{1, 24500, 12, false, false},
-                                         Course{2, 24500, 30, false, false},
-                                         Course{3, 24500, 15, true, false}, Course{4, 24500, 40, true, false},
+                         testing::Values(Course{1, test::rounds(2500, 24500), 12, false, false},
+                                         Course{2, test::rounds(2500, 24500), 30, false, false},
+                                         Course{3, test::rounds(2500, 24500), 15, true, false}, Course{4, 24500, 40, true, false},
                                          Course{5, 1000, 350, false, false},
                                          Course{6, 1000, 350, true, true}),
                          [](auto const& course) { return "Seed" + std::to_string(course.param.seed); });

@@ -5,6 +5,7 @@
 
 #include "inspect/image/LiveRegion.h"
 
+#include "tests/support/Rounds.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>
@@ -366,7 +367,7 @@ private:
     std::optional<PointTree> tree_;
 };
 
-constexpr int rounds = 10000;
+int const treesEach = test::rounds(1500, 10000);
 
 } // namespace
 
@@ -374,7 +375,7 @@ TEST(CausesOfRandomTreesTest, Global_ThereAreSomeExactlyWhenItIsNotOnAndWithoutT
     RandomTrees trees;
     std::map<CauseRule, int> rules;
     std::map<eStatus_Bits, int> states;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < treesEach; ++round) {
         trees.next();
         auto const state = trees.image().root().state;
         auto const causes = globalCauses(trees.image(), trees.tree(), now);
@@ -406,7 +407,7 @@ TEST(CausesOfRandomTreesTest, Global_ThereAreSomeExactlyWhenItIsNotOnAndWithoutT
 TEST(CausesOfRandomTreesTest, Global_EachOfThemAloneKeepsItFromBeingOn) {
     RandomTrees trees;
     int tried = 0;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < treesEach; ++round) {
         trees.next();
         auto const causes = globalCauses(trees.image(), trees.tree(), now).causes;
         if (causes.empty()) {
@@ -429,7 +430,7 @@ TEST(CausesOfRandomTreesTest, Global_EachOfThemAloneKeepsItFromBeingOn) {
 TEST(CausesOfRandomTreesTest, Point_ThereAreSomeExactlyWhenItIsNotOnAndWithoutThemItIs) {
     RandomTrees trees;
     std::set<eStatus_Bits> states;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < treesEach; ++round) {
         trees.next();
         auto const node = trees.anyNode();
         auto const causes = pointCauses(trees.image(), trees.tree(), node, now);
@@ -473,7 +474,7 @@ TEST(CausesOfRandomTreesTest, Point_ThereAreSomeExactlyWhenItIsNotOnAndWithoutTh
 TEST(CausesOfRandomTreesTest, Point_EachOfThemAloneKeepsItFromBeingOn) {
     RandomTrees trees;
     int tried = 0;
-    for (int round = 0; round < rounds; ++round) {
+    for (int round = 0; round < treesEach; ++round) {
         trees.next();
         auto const node = trees.anyNode();
         auto const causes = pointCauses(trees.image(), trees.tree(), node, now).causes;
