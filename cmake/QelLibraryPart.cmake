@@ -22,9 +22,9 @@ function(qel_library_part name)
   # for nobody is meant to put functions of their own in the place of exported ones.
   target_compile_options(qel-${name} PRIVATE -fno-plt -fno-semantic-interposition
     "$<$<CXX_COMPILER_ID:Clang>:-Wglobal-constructors;-Wexit-time-destructors>")
-  target_compile_options(qel-${name} PUBLIC "${QEL_DOMAIN_FIRST}")
   qel_guide_fuzzers(qel-${name})
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
+  target_compile_options(qel-${name} PUBLIC "${QEL_DOMAIN_FIRST}")
   foreach(header IN LISTS part_HEADERS)
     install(FILES ${header} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/qel/${name}" COMPONENT development)
   endforeach()
