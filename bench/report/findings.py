@@ -54,7 +54,7 @@ class Findings:
     def __init__(self, directory):
         self._rows = {}
         self.sizes = {}  # (shape, contender, what) -> bytes
-        for path in sorted(glob.glob(os.path.join(directory, "*.json"))):
+        for path in sorted(glob.glob(os.path.join(directory, "*-*.json"))):
             with open(path, encoding="utf-8") as file:
                 for finding in json.load(file):
                     self._add(finding)
@@ -68,6 +68,10 @@ class Findings:
 
     def shapes(self):
         return [shape for shape in SHAPES if any(row.shape == shape for row in self.rows())]
+
+    def timed_shapes(self, work):
+        timed = {row.shape for row in self.rows() if row.work == work and row.passes}
+        return [shape for shape in SHAPES if shape in timed]
 
     def rows(self):
         return self._rows.values()

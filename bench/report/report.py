@@ -39,6 +39,9 @@ WORKS = [
 CHART_SHAPE = "1x800"
 COST_SHAPES = ("20x40", "1x800")
 
+# The call at the start of an operation's description.
+CALL = re.compile("`[^`]*`")
+
 
 def machine():
     with open("/proc/cpuinfo", encoding="utf-8") as file:
@@ -75,8 +78,8 @@ def reference(findings, row):
 
 
 def work_table(findings, work):
-    """Time, ratio and (where they were counted) instructions of each contender, for each shape."""
-    shapes = findings.shapes()
+    """Time, ratio and (where they were counted) instructions of each contender, for each shape that was timed."""
+    shapes = findings.timed_shapes(work)
     known = findings.contenders(work)
     counted = any(row.instructions is not None for row in findings.rows() if row.work == work)
     ratio = "x idle" if any(variant for _, variant in known) else "x floor"
@@ -96,7 +99,7 @@ def work_table(findings, work):
 
 
 def inspector_table(findings):
-    shapes = findings.shapes()
+    shapes = findings.timed_shapes(INSPECTOR)
     rows = []
     for call, _ in findings.contenders(INSPECTOR):
         found = [findings.row(shape, INSPECTOR, call) for shape in shapes]
@@ -153,7 +156,7 @@ def costs_table(findings):
         for contender, variant in findings.contenders(work):
             if variant or not contender.startswith("library"):
                 continue
-            cells = [title, operation.split(",")[0] if contender == "library" else contender.split(", ")[1]]
+            cells = [title, CALL.match(operation)[0] if contender == "library" else contender.split(", ")[1]]
             for shape in shapes:
                 row = findings.row(shape, work, contender)
                 cells += [duration(row.median), count(row.instructions)] if row and row.passes else ["-", "-"]
@@ -178,8 +181,8 @@ def page(findings, facts):
     return f"""# Performance
 
 Written by `bench/run`. Measured on {facts['cores']} cores of {facts['cpu']}, Linux {facts['kernel']},
-{facts['compiler']}, optimised (`-O3`). [performance-tables.md](performance-tables.md) compares the library with
-other stores, work by work, and says how everything is measured.
+{facts['compiler']}, optimised (`-O3`). [performance-tables.md](performance-tables.md) compares the
+library with other stores, work by work, and says how everything is measured.
 
 ## What it costs
 
