@@ -21,8 +21,11 @@ target_include_directories(QelSharedMemory INTERFACE
   $<BUILD_INTERFACE:${QEL_GENERATED_INCLUDE_DIR}>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/qel>)
 target_compile_features(QelSharedMemory INTERFACE cxx_std_17)
+target_compile_options(QelSharedMemory INTERFACE "$<BUILD_INTERFACE:${QEL_DOMAIN_FIRST}>")
+# The installed package names Qel::Domain, whatever target of this build stands behind it; $<1:...> keeps CMake from
+# looking it up.
 target_link_libraries(QelSharedMemory
-  PUBLIC Qel::Domain
+  PUBLIC $<BUILD_INTERFACE:Qel::Domain> $<INSTALL_INTERFACE:$<1:Qel::Domain>>
   PRIVATE $<BUILD_INTERFACE:qel-hardwaremanager> $<BUILD_INTERFACE:PkgConfig::LOG4CPP>
           $<BUILD_INTERFACE:PkgConfig::GIO> $<BUILD_INTERFACE:Boost::thread> $<BUILD_INTERFACE:Boost::chrono>
           $<BUILD_INTERFACE:Boost::system> $<BUILD_INTERFACE:Threads::Threads>)
