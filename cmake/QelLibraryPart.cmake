@@ -20,6 +20,8 @@ function(qel_library_part name)
   qel_library_flags(qel-${name})
   qel_guide_fuzzers(qel-${name})
   target_link_libraries(qel-${name} PUBLIC Qel::Domain PkgConfig::LOG4CPP ${part_LINK})
+  list(TRANSFORM part_HEADERS PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/" OUTPUT_VARIABLE paths)
+  set_property(GLOBAL APPEND PROPERTY QEL_API_HEADERS ${paths}) # for QelDocs
   foreach(header IN LISTS part_HEADERS)
     install(FILES ${header} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/qel/${name}" COMPONENT development)
   endforeach()

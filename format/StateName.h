@@ -11,7 +11,7 @@ namespace shm {
 
 /// Name of a state, "UNKNOWN STATE" for a number that is none. The text lives as long as the process.
 ///
-/// Threads: any thread.
+/// Threads: reentrant.
 char const* stateName(eStatus_Bits state);
 
 } // namespace shm

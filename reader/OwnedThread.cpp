@@ -11,7 +11,7 @@ namespace shm {
 
 namespace {
 
-/// Those that were let go of, in a list, for tools that look for lost memory.
+/// List of the abandoned threads, so that leak detectors find them referenced.
 std::atomic<OwnedThread*> abandoned{nullptr};
 
 } // namespace

@@ -22,7 +22,7 @@ namespace {
 void requireMemoryForAppenders(std::size_t length) {
     constexpr std::size_t atLeast = 4096;
     constexpr std::size_t perCharacter = 8;
-    // The functions, not new and delete: a compiler may leave out the pair of those.
+    // Calls of the functions: a compiler may remove a pair of new and delete expressions.
     ::operator delete(::operator new(atLeast + perCharacter * length));
 }
 
@@ -63,12 +63,12 @@ LogLine::LogLine(LogCategory const& category, log4cpp::Priority::Value level,
 }
 
 LogLine::~LogLine() {
-    // A failed stream has swallowed an exception (those of streams' own printing do not pass), so the text has a gap.
+    // A failed stream has swallowed an exception of a formatted output function, so the text has a gap.
     if (!text_ || text_->fail()) {
         return;
     }
     try {
-        // Not by Category::log(): declared not to throw, it would end the process when memory ends within.
+        // Not by Category::log(): it is declared not to throw and would end the process without memory.
         log4cpp::LoggingEvent const event(category_->getName(), text_->str(), log4cpp::NDC::get(), level_);
         requireMemoryForAppenders(event.message.size());
         category_->callAppenders(event);

@@ -31,6 +31,8 @@ public:
     /// @return null if there is no memory to look it up; the next call tries again
     log4cpp::Category* get() const noexcept;
 
+    /// @param level of log4cpp
+    /// @return whether the category takes lines of this level
     bool isPriorityEnabled(log4cpp::Priority::Value level) const noexcept;
 
 private:
@@ -44,30 +46,43 @@ inline LogCategory const readerLog{"qel.shm.access.reader"};
 inline LogCategory const statesLog{"qel.shm.access.states"};
 inline LogCategory const formatLog{"qel.shm.access.format"};
 
-/// Collects a line that starts with the name of the logging operation and ": ", and passes it to the category when it
-/// goes out of scope. Numbers are hexadecimal with 0x (std::hex, std::showbase; zero is a bare 0) unless the line says
-/// std::dec. Nothing is formatted if the category does not take the level.
+/// One line of the log. It starts with the name of the logging operation and ": ", and goes to the category when
+/// it is destroyed. Numbers are hexadecimal with 0x (std::hex, std::showbase; zero is a bare 0) unless the line
+/// uses std::dec. Nothing is formatted while the category does not take the level.
 ///
-/// No operation throws. A line reaches the category as a whole or not at all. It is dropped silently if memory runs out,
-/// if an item's own printing throws, if an item leaves the stream in a failed state, or if the memory that appenders
-/// usually need (4 KiB and eight times the line) is not available. An appender must not throw: log4cpp would end the
-/// process (Category::callAppenders is declared not to throw).
+/// No operation throws. A line reaches the category as a whole or not at all. It is dropped silently
+/// - when memory runs out while it is built,
+/// - when printing an item throws or leaves the stream in a failed state,
+/// - when less memory is free than appenders usually need (4 KiB plus eight times the line's length).
 ///
-/// Threads: reentrant.
+/// An appender must not throw: log4cpp would end the process (Category::callAppenders is declared not to throw).
+///
+/// Threads: thread-bound to the thread that made the line.
 class LogLine {
 public:
+    /// Starts the line.
+    /// @param category  where it goes
+    /// @param level     of log4cpp
+    /// @param operation name of the logging operation
     LogLine(LogCategory const& category, log4cpp::Priority::Value level, std::string_view operation) noexcept;
+
+    /// Hands the line to the category.
     ~LogLine();
     LogLine(LogLine const&) = delete;
     LogLine& operator=(LogLine const&) = delete;
 
+    /// Appends an item by its own stream operator.
+    /// @param item to print
+    /// @return this line
     template <typename Item>
     LogLine& operator<<(Item const& item) noexcept {
         add([&item](std::ostream& text) { text << item; });
         return *this;
     }
 
-    /// For std::hex, std::dec and their like.
+    /// Applies std::hex, std::dec or the like to the items that follow.
+    /// @param manipulator of std::ios_base
+    /// @return this line
     LogLine& operator<<(std::ios_base& (*manipulator)(std::ios_base&)) noexcept {
         add([manipulator](std::ostream& text) { text << manipulator; });
         return *this;
