@@ -271,7 +271,7 @@ void expectEachSlotFreeOnceOrInUse(Laid& laid) {
 
 } // namespace
 
-class MemoryEndsTest : public testing::TestWithParam<Case> {
+class QelSharedMemoryWriterMemoryTest : public testing::TestWithParam<Case> {
 protected:
     /// @return the region after the operation with all the memory that it needs
     static std::vector<std::uint8_t> undisturbed() {
@@ -306,7 +306,7 @@ protected:
     }
 };
 
-TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
+TEST_P(QelSharedMemoryWriterMemoryTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt) {
     auto const expected = undisturbed();
     for (std::size_t allowed = 0; !HasFailure(); ++allowed) {
         SCOPED_TRACE(std::to_string(allowed) + " allocations succeed");
@@ -328,7 +328,8 @@ TEST_P(MemoryEndsTest, AtEachAllocation_TheRegionStaysSound_AndARetryCompletesIt
 }
 
 // A line that cannot be logged is dropped, and the operation goes on without it.
-TEST_P(MemoryEndsTest, AtEachAllocationOfLoggedLines_TheRegionStaysSound_AndARetryCompletesIt) {
+TEST_P(QelSharedMemoryWriterMemoryTest,
+       AtEachAllocationOfLoggedLines_TheRegionStaysSound_AndARetryCompletesIt) {
     QEL_SKIP_WITHOUT_SCARCE_MEMORY();
     auto const expected = undisturbed();
     std::size_t lostLines = 0;
@@ -357,10 +358,10 @@ TEST_P(MemoryEndsTest, AtEachAllocationOfLoggedLines_TheRegionStaysSound_AndARet
     EXPECT_GT(lostLines, 0U) << "no allocation of a line failed";
 }
 
-INSTANTIATE_TEST_SUITE_P(Operation, MemoryEndsTest, testing::ValuesIn(cases()),
+INSTANTIATE_TEST_SUITE_P(Operation, QelSharedMemoryWriterMemoryTest, testing::ValuesIn(cases()),
                          [](auto const& one) { return one.param.name; });
 
-TEST(MemoryEndsHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
+TEST(QelSharedMemoryWriterMemoryHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
     Laid laid({"", layOut, nothing});
     auto const before = allocations();
     auto value = measured(2.5, 7, eStatus_HighAlarm);
@@ -379,7 +380,7 @@ TEST(MemoryEndsHotPathTest, UpdatesAndPropagation_NeedNoMemory) {
     EXPECT_EQ(23, laid.raw.get<std::int32_t>(field::rootState));
 }
 
-TEST(MemoryEndsHotPathTest, UpdatesAndPropagationThatLog_DoTheSameWithoutMemory) {
+TEST(QelSharedMemoryWriterMemoryHotPathTest, UpdatesAndPropagationThatLog_DoTheSameWithoutMemory) {
     QEL_SKIP_WITHOUT_SCARCE_MEMORY();
     auto const operate = [](ExposedWriter& writer, auto const& limited) {
         auto value = measured(2.5, 7, eStatus_HighAlarm);
