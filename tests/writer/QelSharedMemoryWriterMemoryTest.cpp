@@ -328,7 +328,8 @@ TEST_P(QelSharedMemoryWriterMemoryTest, AtEachAllocation_TheRegionStaysSound_And
 }
 
 // A line that cannot be logged is dropped, and the operation goes on without it.
-TEST_P(QelSharedMemoryWriterMemoryTest, AtEachAllocationOfLoggedLines_TheRegionStaysSound_AndARetryCompletesIt) {
+TEST_P(QelSharedMemoryWriterMemoryTest,
+       AtEachAllocationOfLoggedLines_TheRegionStaysSound_AndARetryCompletesIt) {
     QEL_SKIP_WITHOUT_SCARCE_MEMORY();
     auto const expected = undisturbed();
     std::size_t lostLines = 0;
