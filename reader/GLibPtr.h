@@ -14,12 +14,13 @@
 
 namespace shm {
 
-/// Frees an error or a text.
+/// Frees an error or a text, or gives up a reference to a value.
 struct GLibRelease {
     /// @param error not null
     void operator()(GError* error) const { g_error_free(error); }
     /// @param text not null
     void operator()(char* text) const { g_free(text); }
+    /// @param value not null
     void operator()(GVariant* value) const { g_variant_unref(value); }
 };
 
@@ -27,6 +28,7 @@ struct GLibRelease {
 using GErrorPtr = std::unique_ptr<GError, GLibRelease>;
 /// Owns a text that GLib allocated.
 using GStringPtr = std::unique_ptr<char, GLibRelease>;
+/// Owns one reference to a GVariant.
 using GVariantPtr = std::unique_ptr<GVariant, GLibRelease>;
 
 /// Gives up one reference to a GObject.
