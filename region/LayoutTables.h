@@ -37,6 +37,8 @@ constexpr char const* fieldType(Member Record::* /*member*/) {
 static_assert(std::is_same_v<std::underlying_type_t<eStatus_Bits>, std::int32_t>);
 
 /// One field of a record.
+///
+/// Threads: reentrant.
 struct FieldRow {
     char const* name = nullptr;
     std::size_t offset = 0;     ///< from the record's first byte
@@ -52,6 +54,8 @@ struct FieldRow {
 };
 
 /// One table of the region.
+///
+/// Threads: reentrant.
 struct TableRow {
     char const* name;
     char const* record; ///< what one slot holds

@@ -3,8 +3,8 @@
 
 #include "tools/replay/csv/Column.h"
 
-#include "tools/replay/unit/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
+#include "tools/replay/unit/ValueKeys.h"
 
 #include <array>
 #include <charconv>

@@ -3,9 +3,9 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
-#include "tools/replay/unit/ValueKeys.h"
 #include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
+#include "tools/replay/unit/ValueKeys.h"
 
 #include <algorithm>
 #include <utility>
