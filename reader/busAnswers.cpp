@@ -4,7 +4,7 @@
 #include "reader/busAnswers.h"
 
 #include "reader/Deadline.h"
-#include "reader/GLibPtr.h"
+#include "reader/privateBus.h"
 
 #include <gio/gio.h>
 
@@ -18,14 +18,7 @@ namespace {
 constexpr std::chrono::seconds patience{2};
 
 bool answers(GCancellable* cancellable) {
-    GStringPtr const address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, cancellable, nullptr));
-    if (!address) {
-        return false;
-    }
-    auto const flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    GObjectPtr<GDBusConnection> const connection(
-        g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, cancellable, nullptr));
+    auto const connection = privateBus(cancellable);
     if (!connection) {
         return false;
     }
@@ -39,7 +32,7 @@ bool busAnswers() {
     try {
         Deadline const deadline(patience);
         return answers(deadline.cancellable());
-    } catch (std::system_error const&) { // no thread to watch the time
+    } catch (std::system_error const&) { // no thread for the time limit
         return false;
     }
 }

@@ -3,13 +3,14 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
-#include "writer/PointIndex.h"
+#include "writer/KeySets.h"
+#include "writer/SlotsBySvid.h"
 #include "writer/StatePropagation.h"
-#include "writer/ValueKeys.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -21,9 +22,7 @@ namespace shm {
 
 namespace {
 
-constexpr double thousandths = 1000.0;
-
-std::size_t valuePosition(PointIndex::Point const& point, unsigned short key) {
+std::size_t valuePosition(SlotsBySvid::Point const& point, unsigned short key) {
     std::lock_guard<std::mutex> const lock(point.mutex());
     return point.valuePosition(key);
 }
@@ -42,7 +41,7 @@ void QelSharedMemoryWriter::setActive() {
     storeVersion(root, ACTIVE_VERSION);
     LogLine(writerLog(), log4cpp::Priority::INFO, "setActive")
         << "root.version = " << static_cast<unsigned int>(ACTIVE_VERSION);
-    if (before != eStatus_On && ledThread_) { // it may show a state that the root has lost just now
+    if (before != eStatus_On && ledThread_) { // the LED may show the former state
         ledThread_->request(eStatus_On);
     }
 }
@@ -67,12 +66,12 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
         auto& mv = region()->values[pos];
         storeField(mv.at, value->timestamp());
         storeField(mv.state, value->state());
-        // Deliberate: a value that is no number has left its time and state by now; the old number stays.
+        // Deliberate: a value that is no number still stores its time and state. The old number stays.
         auto const number = value->toDouble();
         if (number.type != measval::Double) {
             return false;
         }
-        storeField(mv.value, isInThousandths(key) ? number.value / thousandths : number.value);
+        storeField(mv.value, isEnergyKey(key) ? number.value / energyFactor : number.value);
         return true;
     } catch (std::exception const&) {
         return false;
@@ -96,7 +95,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
             }
         }
     } catch (std::exception const&) {
-        // The states written so far stay; the next propagation computes all of them again.
+        // The states stored so far stay. The next propagation combines all of them again.
         return;
     }
 }

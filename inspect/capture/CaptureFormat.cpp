@@ -143,7 +143,7 @@ void applyRuns(ContentReader& content, shm::record::Region& region) {
 
 } // namespace
 
-std::string recordingHeader(std::uint64_t startTime) {
+std::string captureHeader(std::uint64_t startTime) {
     std::string header(magic);
     appendNumber(header, formatVersion);
     appendNumber(header, static_cast<std::uint32_t>(shm::REGION_SIZE));
@@ -152,9 +152,9 @@ std::string recordingHeader(std::uint64_t startTime) {
     return header;
 }
 
-std::uint64_t recordingStart(std::string_view header) {
+std::uint64_t captureStart(std::string_view header) {
     if (header.substr(0, magic.size()) != magic) {
-        throw std::invalid_argument("it is no recording");
+        throw std::invalid_argument("it is not a capture");
     }
     if (numberAt<std::uint32_t>(header, headerCrcOffset) != crcOf(header.substr(0, headerCrcOffset))) {
         throw std::invalid_argument("the header at byte 0 is damaged");

@@ -20,19 +20,19 @@ CaptureReader::CaptureReader(std::string path)
     if (!file_) {
         fail(std::generic_category().message(errno));
     }
-    auto const header = take(RECORDING_HEADER_SIZE);
-    if (header.size() < RECORDING_HEADER_SIZE) {
-        fail("it is no recording, or ends within the header at byte 0");
+    auto const header = take(CAPTURE_HEADER_SIZE);
+    if (header.size() < CAPTURE_HEADER_SIZE) {
+        fail("it is not a capture, or it ends within the header");
     }
     try {
-        startTime_ = recordingStart(header);
+        startTime_ = captureStart(header);
     } catch (std::invalid_argument const& problem) {
         fail(problem.what());
     }
-    offset_ = RECORDING_HEADER_SIZE;
+    offset_ = CAPTURE_HEADER_SIZE;
 }
 
-std::optional<RecordedSample> CaptureReader::next() {
+std::optional<CaptureSample> CaptureReader::next() {
     if (damage_) {
         fail(*damage_);
     }
@@ -60,29 +60,24 @@ std::optional<RecordedSample> CaptureReader::next() {
     }
     offset_ += head.size() + content.size();
     ++samples_;
-    return RecordedSample{time_, last_};
+    return CaptureSample{time_, last_};
 }
 
-/// At the end of the file fewer bytes than asked for.
+/// Fewer bytes at the end of the file.
 std::string CaptureReader::take(std::size_t count) const {
     std::string bytes(count, '\0');
-    std::size_t present = 0;
-    while (present < count) {
-        auto const got = ::read(file_.number(), bytes.data() + present, count - present);
-        if (got > 0) {
-            present += static_cast<std::size_t>(got);
-        } else if (got == 0) {
-            break;
-        } else if (errno != EINTR) {
-            fail(std::generic_category().message(errno));
-        }
+    try {
+        bytes.resize(readAll([this](void* buffer, std::size_t size,
+                                    off_t /*offset*/) { return ::read(file_.number(), buffer, size); },
+                             bytes.data(), count));
+    } catch (std::system_error const& error) {
+        fail(error.code().message());
     }
-    bytes.resize(present);
     return bytes;
 }
 
 void CaptureReader::fail(std::string const& problem) const {
-    throw RecordingError("cannot read " + path_ + ": " + problem);
+    throw CaptureError("cannot read " + path_ + ": " + problem);
 }
 
 void CaptureReader::failInSample(std::string const& problem) {

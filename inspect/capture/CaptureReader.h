@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Reads the recording of a region's changes.
+/// Reads captures.
 #pragma once
 
 #include "inspect/capture/CaptureFormat.h"
@@ -16,29 +16,31 @@
 
 namespace qel::inspect {
 
-/// The region at one moment of a recording.
-struct RecordedSample {
-    std::uint64_t time; ///< ms since the recording began
-    Image image;        ///< equal to the recorded one in every byte and in size
+/// The region at one moment of a capture.
+struct CaptureSample {
+    std::uint64_t time; ///< ms since the start of the capture
+    Image image;        ///< equal to the captured one in size and in every byte
 };
 
-/// Gives a recording's samples (see CaptureFormat.h) one after the other, from a file or a pipe.
+/// Reads the samples of a capture (see CaptureFormat.h) in turn, from a file or a pipe.
 ///
-/// Threads: not shared without care.
+/// Threads: reentrant.
 class CaptureReader {
 public:
-    /// Opens the file and reads its header. Throws RecordingError: "cannot read FILE: what is wrong".
+    /// Opens the file and reads its header.
+    /// @throws CaptureError "cannot read FILE: No such file or directory"
     explicit CaptureReader(std::string path);
 
-    /// When the recording began, ms since 1970 UTC.
+    /// The start of the capture, ms since 1970 UTC.
     std::uint64_t startTime() const { return startTime_; }
 
-    /// The next sample, nothing behind the last one. Throws RecordingError when the file ends within a sample or a
-    /// sample is damaged, and again at every further call: "cannot read FILE: the sample at byte 5120 is cut off; 12
-    /// samples before it are complete". Samples given before are good.
-    std::optional<RecordedSample> next();
+    /// Reads the next sample.
+    /// @return none behind the last sample
+    /// @throws CaptureError if the sample is cut off or damaged, now and at each further call: "cannot read FILE: the
+    ///         sample at byte 5120 is cut off; 12 samples before it are complete"
+    std::optional<CaptureSample> next();
 
-    /// How many samples were given.
+    /// How many samples were read.
     std::uint64_t samples() const { return samples_; }
 
     /// Where the next sample starts in the file, in bytes.

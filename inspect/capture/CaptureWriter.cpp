@@ -3,7 +3,7 @@
 
 #include "inspect/capture/CaptureWriter.h"
 
-#include "inspect/image/FileOutput.h"
+#include "inspect/image/ImageFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -18,7 +18,7 @@ namespace qel::inspect {
 namespace {
 
 [[noreturn]] void cannotRecord(std::string const& path, std::string const& problem) {
-    throw RecordingError("cannot record to " + path + ": " + problem);
+    throw CaptureError("cannot record to " + path + ": " + problem);
 }
 
 } // namespace
@@ -33,8 +33,8 @@ CaptureWriter::CaptureWriter(std::string path, std::uint64_t startTime) : path_(
         fail(errno);
     }
     try {
-        write(recordingHeader(startTime));
-    } catch (RecordingError const&) {
+        write(captureHeader(startTime));
+    } catch (CaptureError const&) {
         ::unlink(path_.c_str()); // so that the same path can be tried again
         throw;
     }
@@ -59,10 +59,10 @@ void CaptureWriter::close() {
 
 void CaptureWriter::write(std::string_view bytes) {
     if (int const error = writeAll(file_.number(), bytes); error != 0) {
-        // What stands behind the last whole sample would be in the way of the next one.
+        // Half a sample would make the next one unreadable.
         auto const end = static_cast<off_t>(size_);
         if (::ftruncate(file_.number(), end) != 0 || ::lseek(file_.number(), end, SEEK_SET) != end) {
-            file_ = FileDescriptor(); // a later sample must not stand behind half of this one
+            file_ = FileDescriptor(); // nothing can be appended any more
         }
         fail(error);
     }

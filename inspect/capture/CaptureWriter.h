@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Records a region's changes into a file.
+/// Writes captures.
 #pragma once
 
 #include "inspect/capture/CaptureFormat.h"
@@ -15,36 +15,36 @@
 
 namespace qel::inspect {
 
-/// Writes a recording (see CaptureFormat.h). Each sample goes to the file at once and by itself, so when the process
-/// dies the file holds every sample but the one being written, and a reader finds the end of the complete ones. What
-/// the system still holds in memory is lost when the machine loses power before close().
+/// Writes a capture (see CaptureFormat.h). Each sample is written at once and by itself. If the process dies, the file
+/// holds every sample but the one being written, and a reader finds where the complete ones end. If the machine loses
+/// power before close(), samples that the system still holds in memory are lost.
 ///
-/// An image is recorded exactly as it is; one that was copied while it was being written is no better in the file.
-///
-/// Threads: not shared without care.
+/// Threads: reentrant.
 class CaptureWriter {
 public:
-    /// Creates the file; a path that exists is refused, so that no recording is overwritten by mistake, and so is the
-    /// live object's.
-    /// @param startTime when the recording begins, ms since 1970 UTC
-    /// Throws RecordingError: "cannot record to FILE: what is wrong".
+    /// Creates the file. A path that exists is refused, so that nothing is overwritten by mistake, and so is the live
+    /// object.
+    /// @param startTime start of the capture, ms since 1970 UTC
+    /// @throws CaptureError "cannot record to FILE: File exists"
     CaptureWriter(std::string path, std::uint64_t startTime);
 
-    /// Closes without waiting for the storage.
+    /// Closes the file without waiting for the storage.
     ~CaptureWriter() = default;
     CaptureWriter(CaptureWriter const&) = delete;
     CaptureWriter& operator=(CaptureWriter const&) = delete;
 
-    /// Appends a sample, be it equal to the one before or not; an equal one takes 12 or 13 bytes.
-    /// @param time ms since the recording began, by a clock that never goes back
-    /// Throws RecordingError when the file cannot take it: it then ends behind the sample before, and the next one can
-    /// be tried; std::invalid_argument when the time lies before that of the sample before.
+    /// Appends a sample. One that equals the previous one takes 12 or 13 bytes.
+    /// @param time ms since the start of the capture, by a clock that never goes back
+    /// @throws CaptureError if the sample cannot be written; the file then ends behind the previous one, and the call
+    ///         may be repeated
+    /// @throws std::invalid_argument if the time is before that of the previous sample
     void append(std::uint64_t time, Image const& image);
 
-    /// Waits until everything is stored safely, and closes the file; nothing can be appended any more. Throws
-    /// RecordingError.
+    /// Waits until everything is stored safely, and closes the file. Nothing can be appended any more.
+    /// @throws CaptureError
     void close();
 
+    /// How many samples were written.
     std::uint64_t samples() const { return samples_; }
 
     /// Bytes in the file.

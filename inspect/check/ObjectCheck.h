@@ -2,11 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Holds the object against what a rightful writer makes of it.
+/// Checks who may change the object that holds a region.
 #pragma once
 
 #include "inspect/check/Finding.h"
-#include "inspect/image/RegionObject.h"
+#include "inspect/image/LiveRegion.h"
 
 #include <optional>
 
@@ -14,11 +14,10 @@
 
 namespace qel::inspect {
 
-/// What tells that somebody else than the rightful writer made the object or may change it: its owner, rights to write for
-/// its group or others, more than one name. Rights and names are looked at in a regular file alone. Empty for what a
-/// writer makes. Any thread.
-/// @param managerUser the user that owns the hardware manager's bus name, who may own the object beside root; none when
-///                    it is not known
+/// Finds signs that somebody else than the rightful writer created the object or may change it: its owner, write
+/// permission for group or others, a second name. Permissions and names are checked of a regular file only. Reentrant.
+/// @param managerUser the user that owns the hardware manager's bus name, who may own the object beside root; none if
+///                    it is unknown
 Findings checkObject(RegionObject const& object, std::optional<uid_t> managerUser);
 
 } // namespace qel::inspect

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Holds a region against everything that the layout and the writer promise.
+/// Checks a region against the rules of the layout and the writer.
 #pragma once
 
 #include "inspect/check/Finding.h"
@@ -12,31 +12,31 @@
 
 namespace qel::inspect {
 
-/// Everything in an image that is not as a writer leaves it; empty for a sound one. In this order: size and root,
-/// links of points, contents of points, values, states.
+/// Finds damage and inconsistencies in an image. The findings are in this order: size and root, links of points,
+/// contents of points, values, states. A sound region has none. Any content is accepted; time and memory are bounded by
+/// the number of slots.
 ///
-/// What is checked:
-/// - Slots that the root leads to. The others are free, or their point lost its parent; they hold what was left in
-///   them. Links are judged by both ends: a link counts if its target names the source as prev, or the list's parent
-///   as parent. A broken link is one finding, and the walk goes on with the slot that should stand there if there is
-///   just one that can.
-/// - The root's id and unused field only while the region is active. An inactive region is no damage.
-/// - The order of siblings as far as the kinds electrical, residual-current monitor, I2C sensor and socket group go; a
-///   list with any other kind in it has no order to rely on, nor has one from which such a point was removed; ids of
-///   other kinds are not in use.
-/// - What cannot be told from a freed slot is not found: a top-level list that lost its last point, or its only one.
-/// - States against what values and children make of them, as notes, if the region is active and nothing else is
-///   wrong in it.
+/// - Only slots that can be reached from the root are checked. Others are free, or their point lost its parent, and may
+///   hold anything.
+/// - A link is sound if its target names the source as prev or, at the head of a list, the list's parent as parent.
+///   Each broken link is one finding; the walk goes on with the slot that belongs there if exactly one can.
+/// - The root's id and unused field are checked in an active region only. An inactive region is no damage.
+/// - The order of siblings is checked between electrical points, residual-current monitors, I2C sensors and socket
+///   groups. A list with a point of another type has no fixed order and is not checked. (Such types are not in use, so
+///   it does not matter that a list keeps its odd order when such a point is removed.)
+/// - A top-level list that lost its last point, or its only one, is not found: that point looks like a freed slot.
+/// - States are compared with those that values and children lead to if the region is active and nothing is damaged.
+///   Differences are notes.
 ///
-/// A region that was copied while it was being written may show what is not there a moment later; see
-/// confirmedFindings().
+/// A region that was copied while it was being written may show findings that vanish; see confirmedFindings().
 ///
-/// Any content is fine: time and memory are bounded by the number of slots. Any thread.
+/// Reentrant.
 Findings checkRegion(Image const& image);
 
-/// What is found in an image and again in a second copy, as the second one has it. For a region that is being written.
-/// @param secondCopy is asked for only when the first image has findings
-/// Throws what secondCopy throws.
+/// Finds what two copies of a region have in common, for a region that is being written. Reentrant.
+/// @param secondCopy makes the second copy; called only if the first one has findings
+/// @return the findings of the second copy that the first one has, too
+/// @throws what secondCopy throws
 Findings confirmedFindings(Image const& first, std::function<Image()> const& secondCopy);
 
 } // namespace qel::inspect

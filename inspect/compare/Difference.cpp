@@ -4,7 +4,7 @@
 #include "inspect/compare/Difference.h"
 
 #include "inspect/image/PointTree.h"
-#include "inspect/image/SameBits.h"
+#include "inspect/image/RecordBytes.h"
 #include "inspect/naming/PointPath.h"
 
 #include <array>
@@ -22,7 +22,7 @@ constexpr std::array<char const*, 13> kindNames{
     "type",   "state",   "value added",  "value removed", "value state",   "number"};
 static_assert(kindNames.size() == static_cast<std::size_t>(DifferenceKind::ValueNumber) + 1);
 
-/// Which of several of the same id.
+/// An id and a number that distinguishes several of the same id.
 template <typename Id>
 using Occurrence = std::pair<Id, std::size_t>;
 
@@ -51,8 +51,8 @@ public:
     shm::QelShmMP const& point(std::uint32_t node) const { return image_.region().points[slot(node)]; }
     std::uint32_t slot(std::uint32_t node) const { return tree_.nodes()[node].pos; }
 
-    /// The node of this side that a node of the other one is, NO_NODE for none.
-    std::uint32_t nodeLike(Side const& other, std::uint32_t node) const {
+    /// This side's counterpart of a node of the other side, NO_NODE for none.
+    std::uint32_t counterpart(Side const& other, std::uint32_t node) const {
         auto const found = nodeOf_.find(other.ids_[node]);
         return found == nodeOf_.end() ? NO_NODE : found->second;
     }
@@ -64,7 +64,7 @@ public:
 
     using Values = std::map<Occurrence<unsigned short>, shm::record::QelShmMVal const*>;
 
-    /// Keys in chain order, and the values by key.
+    /// A node's keys in chain order, and its values by key.
     std::pair<std::vector<Occurrence<unsigned short>>, Values> values(std::uint32_t node) const {
         std::vector<Occurrence<unsigned short>> keys;
         Values values;
@@ -107,30 +107,30 @@ private:
     }
 
     void comparePoints() {
-        // The removed points behind each node of the later tree; first those before all of them.
+        // The removed points behind each node of the later tree, and those before all of them.
         std::vector<std::uint32_t> leading;
         std::vector<std::vector<std::uint32_t>> removedBehind(after_.count());
         auto* behind = &leading;
         for (std::uint32_t node = 0; node < before_.count(); ++node) {
-            if (auto const kept = after_.nodeLike(before_, node); kept != NO_NODE) {
+            if (auto const kept = after_.counterpart(before_, node); kept != NO_NODE) {
                 behind = &removedBehind[kept];
             } else {
                 behind->push_back(node);
             }
         }
-        tellRemoved(leading);
+        addRemoved(leading);
         for (std::uint32_t node = 0; node < after_.count(); ++node) {
             setPoint(after_.point(node).guid);
-            if (auto const old = before_.nodeLike(after_, node); old != NO_NODE) {
+            if (auto const old = before_.counterpart(after_, node); old != NO_NODE) {
                 comparePoint(old, node);
             } else {
                 add(DifferenceKind::PointAdded, {}, std::uint64_t{after_.slot(node)});
             }
-            tellRemoved(removedBehind[node]);
+            addRemoved(removedBehind[node]);
         }
     }
 
-    void tellRemoved(std::vector<std::uint32_t> const& nodes) {
+    void addRemoved(std::vector<std::uint32_t> const& nodes) {
         for (auto const node : nodes) {
             setPoint(before_.point(node).guid);
             add(DifferenceKind::PointRemoved, std::uint64_t{before_.slot(node)}, {});
@@ -191,7 +191,7 @@ private:
 
     Side before_;
     Side after_;
-    long long svid_ = 0; // what is being compared, as the next two
+    long long svid_ = 0; // with the next two: what is being compared
     std::string path_;
     std::optional<unsigned short> key_;
     std::vector<Difference> found_;

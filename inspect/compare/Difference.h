@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What has changed between two images.
+/// The differences between two images.
 #pragma once
 
 #include "inspect/image/Image.h"
@@ -17,10 +17,10 @@
 
 namespace qel::inspect {
 
-/// In the order in which the differences of one place are told.
+/// What differs. Differences of one point or value are listed in this order.
 enum class DifferenceKind : std::uint8_t {
     Active,       ///< of the region; bool
-    Version,      ///< of the root, when it says more than Active; number
+    Version,      ///< of the root, if it differs and Active does not; number
     GlobalState,  ///< state
     PointAdded,   ///< after: slot, as number
     PointRemoved, ///< before: slot, as number
@@ -35,28 +35,30 @@ enum class DifferenceKind : std::uint8_t {
 };
 
 /// For programs and people: "active", "version", "global state", "point added", "point removed", "parent", "slot",
-/// "type", "state", "value added", "value removed", "value state", "number". Any thread.
+/// "type", "state", "value added", "value removed", "value state", "number". Reentrant.
 char const* differenceName(DifferenceKind kind);
 
-/// Nothing where there is no such side: before of what was added, after of what was removed.
+/// One side of a difference; nothing before an addition and after a removal.
 using DifferenceSide = std::variant<std::monostate, bool, std::uint64_t, double, eStatus_Bits, std::string>;
 
+/// One difference, before and after.
 struct Difference {
     DifferenceKind kind;
-    long long svid;                    ///< of the point; ROOT_SVID for the region's own facts
-    std::string path;                  ///< of the point, see PointPath.h; "" for the region's own facts
-    std::optional<unsigned short> key; ///< of the value
+    long long svid;                    ///< of the point; ROOT_SVID for the region
+    std::string path;                  ///< of the point, see PointPath.h; "" for the region
+    std::optional<unsigned short> key; ///< of the value; none for region and point
     DifferenceSide before;
     DifferenceSide after;
 };
 
-/// Compares what can be reached in two images, matching points by their ids and values by their keys; of several
-/// points or values of one id the first with the first, the second with the second. Times are not compared, nor which
-/// slot holds a value. Numbers count as equal when their bits are. The values of a point that was added or removed
-/// are not told one by one.
+/// Compares what links from the root reach in two images. Points are matched by their ids, values by their keys; if an
+/// id occurs several times, the first occurrence is matched with the first, the second with the second. Times and the
+/// slots of values are not compared. Numbers are equal if their bits are. The values of an added or removed point are
+/// not listed.
 ///
-/// First the region's own facts, then the points in the order of the later tree; one that was removed stands behind
-/// the point that came before it in the earlier tree. Empty when there is no difference. Threads: any thread.
+/// Reentrant.
+/// @return first the differences of the region, then those of points in the order of the later tree; a removed point
+///         stands behind the point that came before it in the earlier tree
 std::vector<Difference> differences(Image const& before, Image const& after);
 
 } // namespace qel::inspect

@@ -4,7 +4,7 @@
 #include "inspect/compare/UpdateRates.h"
 
 #include "inspect/image/PointTree.h"
-#include "inspect/image/SameBits.h"
+#include "inspect/image/RecordBytes.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -51,7 +51,7 @@ void UpdateRates::take(long long svid, QelShmMVal const& value, Time time) {
         return; // a second value of this id
     }
     bool const isTimeNew = value.at != track.last.at;
-    // The writer stores the time first: what follows it in the next image belongs to the same update.
+    // The writer stores the time first: a change without a new time, in the next image, belongs to the same update.
     if (isTimeNew || (!hasSameContent(value, track.last) && !track.isTimeNew)) {
         if (track.lastUpdate) {
             std::chrono::nanoseconds const gap = time - *track.lastUpdate;

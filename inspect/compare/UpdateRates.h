@@ -15,37 +15,36 @@
 
 namespace qel::inspect {
 
-/// What was seen of one value's updates.
+/// The updates of one value that were seen.
 struct UpdateRate {
     long long svid;                    ///< of the value, its key included
     std::uint64_t count;               ///< updates seen
     std::uint64_t lastAt;              ///< time of the newest delivery, ms since 1970 UTC; 0 for never
     std::chrono::nanoseconds observed; ///< from the first image with the value to the last one
-    std::optional<double> perSecond;   ///< count over that time; none while it is zero
-    std::optional<std::chrono::nanoseconds> shortest; ///< gap between two updates seen; none below two
-    std::optional<std::chrono::nanoseconds> longest;
-    bool isPresent; ///< in the last image
+    std::optional<double> perSecond;   ///< count over that time; none if it is zero
+    std::optional<std::chrono::nanoseconds>
+        shortest; ///< gap between two updates seen; none for fewer than two
+    std::optional<std::chrono::nanoseconds> longest; ///< likewise
+    bool isPresent;                                  ///< in the last image
 };
 
-/// Counts updates from successive images. An update shows as a change of the value's time, state or number between
-/// one image and the next. So counts are exact as long as images are taken more often than each value is updated; if
-/// not, updates in between are missed and count and rate are lower bounds, as they are when an update repeats time,
-/// state and number. Gaps are taken from the images' times and are as fine as those.
+/// Counts updates in successive images. An update is a change of a value's time, state or number from one image to the
+/// next. If images are taken more often than a value is updated, the count is exact. If not, updates are missed, so
+/// count and rate are lower bounds; so they are if an update repeats time, state and number. The rate becomes more
+/// accurate the more updates the time observed holds. Gaps are as fine as the times of the images.
 ///
-/// The rate is the count over the time observed, so it is the more accurate the more updates that time holds.
+/// An update that is half stored when an image is taken (new time, old number) counts once.
 ///
-/// An update that is only half stored when an image is taken (the time new, the number old) counts once.
-///
-/// Threads: not shared without care.
+/// Threads: reentrant.
 class UpdateRates {
 public:
     /// Takes the next image.
     /// @param time when it was taken, by a clock that never goes back
-    /// Throws std::invalid_argument when the time lies before that of the image before.
+    /// @throws std::invalid_argument if the time is before that of the previous image
     void add(Image const& image, std::chrono::steady_clock::time_point time);
 
-    /// All values that can be reached in any of the images, in the order in which they were first met: that of the
-    /// tree, then those that came later. Of several values of one id only the first counts.
+    /// The rates of all values in any of the images: first those of the first image in the order of its tree, then
+    /// later ones as they came. If several values have one id, only the first counts.
     std::vector<UpdateRate> rates() const;
 
 private:
@@ -53,11 +52,11 @@ private:
 
     struct Track {
         long long svid = 0;
-        shm::record::QelShmMVal last{}; ///< as in the newest image that had it
+        shm::record::QelShmMVal last{}; ///< as in the newest image with the value
         Time first;
         Time newest;
-        std::uint64_t newestImage = 0;
-        bool isTimeNew = false; ///< the newest image brought another time of delivery
+        std::uint64_t newestImage = 0; ///< number of the newest image with the value
+        bool isTimeNew = false;        ///< the newest image changed the time of delivery
         std::uint64_t count = 0;
         std::optional<Time> lastUpdate;
         std::optional<std::chrono::nanoseconds> shortest;

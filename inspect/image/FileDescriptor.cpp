@@ -5,49 +5,49 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <memory>
 #include <system_error>
 
 namespace qel::inspect {
 
-namespace {
-
-void close(int fd) {
-    if (fd >= 0) {
-        ::close(fd);
-    }
-}
-
-} // namespace
-
 FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
-    if (this != &other) {
-        close(std::exchange(fd_, std::exchange(other.fd_, -1)));
-    }
+    FileDescriptor taken(std::move(other));
+    std::swap(fd_, taken.fd_); // what it owned before is closed with `taken`
     return *this;
 }
 
 FileDescriptor::~FileDescriptor() {
-    close(fd_);
+    if (fd_ >= 0) {
+        ::close(fd_);
+    }
 }
 
-Image imageOf(ReadAt const& readAt, std::function<std::uint64_t()> const& sourceSize) {
-    auto region = std::make_unique<shm::record::Region>();
-    auto* const bytes = reinterpret_cast<unsigned char*>(region.get());
-    std::size_t present = 0;
-    while (present < shm::REGION_SIZE) {
-        auto const count = readAt(bytes + present, shm::REGION_SIZE - present, static_cast<off_t>(present));
+std::size_t readAll(ReadAt const& readAt, void* buffer, std::size_t size) {
+    auto* const bytes = static_cast<unsigned char*>(buffer);
+    std::size_t done = 0;
+    while (done < size) {
+        auto const count = readAt(bytes + done, size - done, static_cast<off_t>(done));
         if (count > 0) {
-            present += static_cast<std::size_t>(count);
+            done += static_cast<std::size_t>(count);
         } else if (count == 0) {
-            return {std::move(region), present};
+            break;
         } else if (errno != EINTR) {
             throw std::system_error(errno, std::generic_category(), "read");
         }
     }
-    return {std::move(region), std::max<std::uint64_t>(sourceSize(), present)};
+    return done;
+}
+
+int writeAll(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        auto const count = ::write(fd, bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
 }
 
 } // namespace qel::inspect

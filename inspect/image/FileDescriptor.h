@@ -2,21 +2,21 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Ownership of file descriptors, and reading a region through one.
+/// Ownership of file descriptors; reading and writing without gaps.
 #pragma once
 
-#include "inspect/image/Image.h"
-
 #include <cstddef>
-#include <cstdint>
 #include <functional>
+#include <string_view>
 #include <utility>
 
 #include <sys/types.h>
 
 namespace qel::inspect {
 
-/// Closes its descriptor at the end; movable. Threads: not shared without care.
+/// Owns a file descriptor and closes it when destroyed.
+///
+/// Threads: reentrant.
 class FileDescriptor {
 public:
     /// Owns none.
@@ -29,19 +29,27 @@ public:
     FileDescriptor& operator=(FileDescriptor const&) = delete;
     ~FileDescriptor();
 
+    /// Whether it owns one.
     explicit operator bool() const { return fd_ >= 0; }
+    /// @return the descriptor, negative for none
     int number() const { return fd_; }
 
 private:
     int fd_ = -1;
 };
 
-/// Reads up to a number of bytes at an offset, as pread() does: how many, 0 at the end, -1 with errno.
+/// Reads at most `count` bytes from an offset, like pread(). It returns the number of bytes read, 0 at the end, or -1
+/// and sets errno.
 using ReadAt = std::function<ssize_t(void* bytes, std::size_t count, off_t offset)>;
 
-/// Reads as much of a region as the source gives, over short and interrupted reads. The image's size is that number
-/// of bytes, or sourceSize() if the source gave a whole region and has more.
-/// Throws std::system_error when the source cannot be read.
-Image imageOf(ReadAt const& readAt, std::function<std::uint64_t()> const& sourceSize);
+/// Reads until the buffer is full or the source ends; continues after short and interrupted reads. Reentrant.
+/// @param buffer room for `size` bytes
+/// @return the number of bytes read
+/// @throws std::system_error if the source cannot be read
+std::size_t readAll(ReadAt const& readAt, void* buffer, std::size_t size);
+
+/// Writes all bytes; continues after short and interrupted writes. Reentrant.
+/// @return 0, or the errno of the write that failed; the bytes before it are written
+int writeAll(int fd, std::string_view bytes);
 
 } // namespace qel::inspect

@@ -16,7 +16,7 @@ std::size_t keptBytes(std::uint64_t size) {
 }
 
 std::unique_ptr<shm::record::Region> copyOf(void const* bytes, std::uint64_t size) {
-    // Not zeroed: the image wipes what is not copied.
+    // Not zeroed: bytes that are not copied are wiped later.
     std::unique_ptr<shm::record::Region> region(new shm::record::Region);
     if (size != 0) {
         std::memcpy(region.get(), bytes, keptBytes(size));

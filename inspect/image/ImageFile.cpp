@@ -3,22 +3,24 @@
 
 #include "inspect/image/ImageFile.h"
 
-#include "inspect/image/FileDescriptor.h"
-#include "inspect/image/FileOutput.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <filesystem>
+#include <memory>
 #include <system_error>
+#include <utility>
 
 namespace qel::inspect {
 
 namespace {
 
 namespace fs = std::filesystem;
+
+/// Where Linux shows shared-memory objects.
+constexpr char sharedMemoryDirectory[] = "/dev/shm";
 
 [[noreturn]] void cannot(char const* what, std::string const& path, std::string const& problem) {
     throw ImageFileError("cannot " + std::string(what) + ' ' + path + ": " + problem);
@@ -34,7 +36,7 @@ std::uint64_t regularSize(int fd) {
                                                                 : 0;
 }
 
-/// A new file beside the target that is removed unless it took the target's name.
+/// A new file beside the target. It is removed unless takeName() succeeded.
 class NewFile {
 public:
     explicit NewFile(std::string const& target) : target_(target), path_(target + ".new-") {
@@ -100,9 +102,15 @@ Image readImage(std::string const& path) {
     }
 }
 
+Image imageOf(ReadAt const& readAt, std::function<std::uint64_t()> const& sourceSize) {
+    auto region = std::make_unique<shm::record::Region>();
+    std::uint64_t const present = readAll(readAt, region.get(), shm::REGION_SIZE);
+    return {std::move(region), present < shm::REGION_SIZE ? present : std::max(sourceSize(), present)};
+}
+
 void writeImage(Image const& image, std::string const& path) {
     std::error_code ignored;
-    // Through links: the file is replaced, not the link that leads to it.
+    // Follows links: the file is replaced, not a link that leads to it.
     auto const canonical = fs::canonical(path, ignored);
     auto const target = canonical.empty() ? fs::path(path) : canonical;
     if (isLiveObject(target)) {
@@ -116,6 +124,12 @@ void writeImage(Image const& image, std::string const& path) {
     NewFile file(target.string());
     file.write(image.bytes());
     file.takeName();
+}
+
+bool isLiveObject(fs::path const& path) {
+    std::error_code ignored;
+    return path.filename() == shm::REGION_NAME &&
+           fs::equivalent(path.has_parent_path() ? path.parent_path() : ".", sharedMemoryDirectory, ignored);
 }
 
 } // namespace qel::inspect

@@ -3,17 +3,42 @@
 
 #include "inspect/image/LiveRegion.h"
 
+#include "inspect/image/ImageFile.h"
+
 #include <fcntl.h>
+#include <grp.h>
+#include <pwd.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <system_error>
+#include <vector>
 
 namespace qel::inspect {
 
 namespace {
+
+/// Name of a user or group, by getpwuid_r() or getgrgid_r(); the number if there is none.
+template <typename Record, typename Id, typename LookUp>
+std::string nameOf(Id id, char* Record::*name, LookUp const& lookUp) {
+    constexpr std::size_t firstSize = 1024;
+    constexpr std::size_t lastSize = std::size_t{1} << 20U; // no record of the system is larger
+    for (std::size_t size = firstSize; size <= lastSize; size *= 2) {
+        std::vector<char> buffer(size);
+        Record record = {};
+        Record* found = nullptr;
+        int const error = lookUp(id, &record, buffer.data(), buffer.size(), &found);
+        if (found != nullptr) {
+            return found->*name;
+        }
+        if (error != ERANGE) {
+            break;
+        }
+    }
+    return std::to_string(id);
+}
 
 FileDescriptor openName(int flags) {
     return FileDescriptor(::shm_open(shm::REGION_NAME, flags | O_CLOEXEC, 0));
@@ -28,6 +53,40 @@ std::optional<RegionObject> factsOf(FileDescriptor const& descriptor) {
 }
 
 } // namespace
+
+RegionObject regionObject(struct stat const& status) {
+    constexpr mode_t permissions = S_ISUID | S_ISGID | S_ISVTX | S_IRWXU | S_IRWXG | S_IRWXO;
+    return {status.st_dev,
+            status.st_ino,
+            status.st_uid,
+            status.st_gid,
+            status.st_mode & permissions,
+            static_cast<std::uint64_t>(status.st_size),
+            static_cast<std::uint64_t>(status.st_nlink),
+            S_ISREG(status.st_mode)};
+}
+
+bool isSameObject(RegionObject const& left, RegionObject const& right) {
+    return left.device == right.device && left.inode == right.inode;
+}
+
+std::string userName(uid_t uid) {
+    return nameOf(uid, &passwd::pw_name, ::getpwuid_r);
+}
+
+std::string groupName(gid_t gid) {
+    return nameOf(gid, &group::gr_name, ::getgrgid_r);
+}
+
+std::string modeText(mode_t mode) {
+    std::string text = "rwxrwxrwx";
+    mode_t bit = S_IRUSR;
+    for (auto& letter : text) {
+        letter = (mode & bit) != 0 ? letter : '-';
+        bit >>= 1U;
+    }
+    return text;
+}
 
 std::string openingProblem(RegionSource const& source) {
     switch (source.opening) {
@@ -44,29 +103,29 @@ std::string openingProblem(RegionSource const& source) {
 }
 
 LiveRegion::LiveRegion() {
-    // O_PATH shows what is there without the right to read it, and without following a link.
+    // O_PATH needs no right to read and does not follow a link.
     auto const name = openName(O_RDONLY | O_PATH);
     if (!name) {
-        error_ = errno == ENOENT ? 0 : errno;
-        opening_ = error_ == 0 ? Opening::Absent : Opening::Unreadable;
+        found_.error = errno == ENOENT ? 0 : errno;
+        found_.opening = found_.error == 0 ? Opening::Absent : Opening::Unreadable;
         return;
     }
-    found_ = factsOf(name);
-    if (found_ && !found_->isRegular) {
-        opening_ = Opening::NotRegular;
+    found_.object = factsOf(name);
+    if (found_.object && !found_.object->isRegular) {
+        found_.opening = Opening::NotRegular;
         return;
     }
-    // Something else may stand there by now; a named pipe must hold nobody up.
+    // Another object may have taken the name by now. O_NONBLOCK: opening a named pipe must not block.
     descriptor_ = openName(O_RDONLY | O_NONBLOCK);
     if (!descriptor_) {
-        error_ = errno;
-        opening_ = Opening::Unreadable;
+        found_.error = errno;
+        found_.opening = Opening::Unreadable;
         return;
     }
     if (auto const opened = factsOf(descriptor_); opened && !opened->isRegular) {
-        found_ = opened;
+        found_.object = opened;
         descriptor_ = FileDescriptor();
-        opening_ = Opening::NotRegular;
+        found_.opening = Opening::NotRegular;
     }
 }
 
@@ -83,7 +142,7 @@ Image LiveRegion::copy() const {
 }
 
 std::optional<RegionObject> LiveRegion::object() const {
-    return isOpen() ? factsOf(descriptor_) : found_;
+    return isOpen() ? factsOf(descriptor_) : found_.object;
 }
 
 bool LiveRegion::isReplaced() const {
@@ -96,7 +155,7 @@ bool LiveRegion::isReplaced() const {
 }
 
 RegionSource LiveRegion::source() const {
-    return {opening_, error_, isReplaced(), object()};
+    return {found_.opening, found_.error, isReplaced(), object()};
 }
 
 } // namespace qel::inspect

@@ -11,6 +11,13 @@ namespace {
 
 constexpr std::uint32_t topLevel = 1;
 
+/// A link to a point that is still to be followed.
+struct PendingLink {
+    SkippedLink link;
+    std::uint32_t parent;
+    std::uint32_t depth;
+};
+
 } // namespace
 
 char const* fieldName(LinkField field) {
@@ -32,12 +39,14 @@ char const* fieldName(LinkField field) {
 PointTree::PointTree(Image const& image) {
     nodes_.reserve(shm::MP_COUNT);
     values_.reserve(shm::MV_COUNT);
-    nodeOfSlot_.fill(NO_NODE);
+    std::bitset<shm::MP_COUNT> reached;
+    ReachedValues reachedValues;
 
     auto const& root = image.root();
-    // What comes next is on top.
-    std::vector<Pending> pending{{{SlotKind::Root, 0, LinkField::Groups, root.groups}, NO_NODE, topLevel},
-                                 {{SlotKind::Root, 0, LinkField::Devices, root.devices}, NO_NODE, topLevel}};
+    // The next link to follow is last.
+    std::vector<PendingLink> pending{
+        {{SlotKind::Root, 0, LinkField::Groups, root.groups}, NO_NODE, topLevel},
+        {{SlotKind::Root, 0, LinkField::Devices, root.devices}, NO_NODE, topLevel}};
     while (!pending.empty()) {
         auto const current = pending.back();
         pending.pop_back();
@@ -46,21 +55,21 @@ PointTree::PointTree(Image const& image) {
         if (slot == nullptr) {
             continue;
         }
-        if (nodeOfSlot_.at(pos) != NO_NODE) {
-            cuts_.push_back(current.link);
+        if (reached[pos]) {
+            skippedLinks_.push_back(current.link);
             continue;
         }
+        reached.set(pos);
         auto const index = static_cast<std::uint32_t>(nodes_.size());
-        nodeOfSlot_.at(pos) = index;
         nodes_.push_back({pos, current.parent, current.depth, index + 1, 0, 0});
-        addValues(image, nodes_.back());
+        addValues(image, nodes_.back(), reachedValues);
         pending.push_back(
             {{SlotKind::Point, pos, LinkField::Next, slot->next}, current.parent, current.depth});
         pending.push_back(
             {{SlotKind::Point, pos, LinkField::Children, slot->children}, index, current.depth + 1});
     }
 
-    // Children stand behind their parents, so each range is complete when it is handed up.
+    // Children stand behind their parents, so backwards each range is complete before its parent takes it over.
     for (auto node = nodes_.rbegin(); node != nodes_.rend(); ++node) {
         if (node->parent != NO_NODE) {
             auto& parent = nodes_[node->parent];
@@ -69,15 +78,15 @@ PointTree::PointTree(Image const& image) {
     }
 }
 
-void PointTree::addValues(Image const& image, PointNode& node) {
+void PointTree::addValues(Image const& image, PointNode& node, ReachedValues& reached) {
     node.firstValue = static_cast<std::uint32_t>(values_.size());
-    Cut link{SlotKind::Point, node.pos, LinkField::Values, image.point(node.pos)->mvs};
+    SkippedLink link{SlotKind::Point, node.pos, LinkField::Values, image.point(node.pos)->mvs};
     while (auto const* const value = image.value(link.toPos)) {
-        if (reachedValues_[link.toPos]) {
-            cuts_.push_back(link);
+        if (reached[link.toPos]) {
+            skippedLinks_.push_back(link);
             break;
         }
-        reachedValues_[link.toPos] = true;
+        reached.set(link.toPos);
         values_.push_back(link.toPos);
         link = {SlotKind::Value, link.toPos, LinkField::Next, value->next};
     }
@@ -95,10 +104,6 @@ std::vector<std::uint32_t> PointTree::childrenOf(std::uint32_t node) const {
         children.push_back(child);
     }
     return children;
-}
-
-std::uint32_t PointTree::nodeAt(std::uint32_t pos) const {
-    return pos < shm::MP_COUNT ? nodeOfSlot_.at(pos) : NO_NODE;
 }
 
 } // namespace qel::inspect

@@ -7,7 +7,6 @@
 
 #include "inspect/image/Image.h"
 
-#include <array>
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
@@ -15,37 +14,38 @@
 
 namespace qel::inspect {
 
-/// "No node" where the index of one is expected.
+/// In place of the index of a node: there is none.
 constexpr std::uint32_t NO_NODE = 0xFFFFFFFF;
 
 /// A point that can be reached from the root.
 struct PointNode {
     std::uint32_t pos;        ///< the slot
-    std::uint32_t parent;     ///< index of the node that it was reached from, NO_NODE for a top-level point
+    std::uint32_t parent;     ///< index of the parent's node, NO_NODE for a top-level point
     std::uint32_t depth;      ///< 1 for a top-level point
-    std::uint32_t end;        ///< index behind its last descendant; the first one is the next node
+    std::uint32_t end;        ///< index behind its last descendant; its first child, if any, is the next node
     std::uint32_t firstValue; ///< index into PointTree::values()
-    std::uint32_t valueCount;
+    std::uint32_t valueCount; ///< how many values it has
 };
 
+/// What a slot holds.
 enum class SlotKind : std::uint8_t { Root, Point, Value };
 
-/// The fields that hold positions and are followed by the walk.
+/// The fields that the walk follows.
 enum class LinkField : std::uint8_t { Devices, Groups, Children, Next, Values };
 
-/// "devices", "groups", "children", "next", "mvs". Any thread.
+/// "devices", "groups", "children", "next", "mvs". Reentrant.
 char const* fieldName(LinkField field);
 
-/// A link that was not followed because the walk had been at its target before. It leads to a value if it is field
-/// Values or comes from a value, else to a point.
-struct Cut {
+/// A link that was not followed because its target was reached before. The target is a value if the link is the field
+/// Values or starts at a value, else a point.
+struct SkippedLink {
     SlotKind fromKind;
     std::uint32_t fromPos; ///< 0 for the root
     LinkField field;
     std::uint32_t toPos;
 };
 
-/// The positions of a point's values, in chain order; valid while the tree lives.
+/// The positions of a point's values, in chain order. Valid while the tree lives. Threads: thread-safe.
 class ValuePositions {
 public:
     ValuePositions(std::uint32_t const* begin, std::size_t count) : begin_(begin), count_(count) {}
@@ -59,11 +59,13 @@ private:
     std::size_t count_;
 };
 
-/// What a walk along the links finds: devices, then groups; each point, then its values, then its children, then its
-/// next sibling. Only next, children and mvs are followed, as readers do. Positions out of range end a list. Each
-/// slot is visited once at most, so the walk ends whatever the links say.
+/// The points and values that links from the root reach, in this order: devices, then groups; each point, then its
+/// values, then its children, then its next sibling. Like a reader, the walk follows next, children and mvs only; a
+/// position out of range ends a list. It visits each slot once at most, so it ends whatever the links are.
 ///
-/// Holds positions only; independent of the image afterwards. Threads: const operations from any thread.
+/// The tree holds positions only and does not need the image any more.
+///
+/// Threads: thread-safe.
 class PointTree {
 public:
     explicit PointTree(Image const& image);
@@ -71,39 +73,28 @@ public:
     /// Parents before their children, in the order of the lists.
     std::vector<PointNode> const& nodes() const { return nodes_; }
 
-    /// The values of all nodes, one after the other; see PointNode::firstValue.
+    /// The positions of the values of all nodes, node by node; see PointNode::firstValue.
     std::vector<std::uint32_t> const& values() const { return values_; }
 
     /// The links that were not followed, in the order in which the walk met them.
-    std::vector<Cut> const& cuts() const { return cuts_; }
+    std::vector<SkippedLink> const& skippedLinks() const { return skippedLinks_; }
 
-    /// A node of this tree; its value positions.
+    /// The positions of a node's values.
+    /// @param node of this tree
     ValuePositions valuesOf(PointNode const& node) const;
 
-    /// Indexes of the children of a node, of the top-level points for NO_NODE.
+    /// The indexes of a node's children.
+    /// @param node index of a node, NO_NODE for the top-level points
     std::vector<std::uint32_t> childrenOf(std::uint32_t node) const;
 
-    /// Index of the node of a slot, NO_NODE when the slot was not reached or does not exist.
-    std::uint32_t nodeAt(std::uint32_t pos) const;
-
-    /// Whether a value slot was reached; false when it does not exist.
-    bool hasValue(std::uint32_t pos) const { return pos < shm::MV_COUNT && reachedValues_[pos]; }
-
 private:
-    /// A link to a point that is still to be followed.
-    struct Pending {
-        Cut link;
-        std::uint32_t parent;
-        std::uint32_t depth;
-    };
+    using ReachedValues = std::bitset<shm::MV_COUNT>;
 
-    void addValues(Image const& image, PointNode& node);
+    void addValues(Image const& image, PointNode& node, ReachedValues& reached);
 
     std::vector<PointNode> nodes_;
     std::vector<std::uint32_t> values_;
-    std::vector<Cut> cuts_;
-    std::array<std::uint32_t, shm::MP_COUNT> nodeOfSlot_{};
-    std::bitset<shm::MV_COUNT> reachedValues_;
+    std::vector<SkippedLink> skippedLinks_;
 };
 
 } // namespace qel::inspect

@@ -13,7 +13,7 @@ namespace qel::inspect {
 
 namespace {
 
-/// Counts what the tree reaches and finds the newest delivery.
+/// Counts the points and values in the tree and finds the newest delivery.
 void addContent(RegionStatus& status, Image const& image) {
     PointTree const tree(image);
     status.pointsUsed = tree.nodes().size();
@@ -37,7 +37,7 @@ Condition conditionOf(RegionStatus const& status, Image const& image, std::uint6
     }
     shm::QelShmRegionFacts facts;
     facts.isHeld = true;
-    facts.isNamed = true; // or to none: the source does not tell these apart
+    facts.isNamed = true; // perhaps it is not: the source does not distinguish "gone" from "replaced"
     facts.isSame = !status.source.isReplaced;
     facts.isActive = image.isActive();
     facts.newest = status.newest;

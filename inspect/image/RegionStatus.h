@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What condition a region is in.
+/// The condition of a region.
 #pragma once
 
 #include "inspect/image/Image.h"
@@ -17,36 +17,37 @@
 
 namespace qel::inspect {
 
-/// In the order in which they are looked for: the first one that holds is it, Active if none other does.
+/// The first condition that holds, in this order; Active if no other does.
 enum class Condition : std::uint8_t {
     Absent,     ///< there is no object
     Unreadable, ///< it could not be opened
-    Replaced,   ///< the name leads to another object by now, or to none; the content is what was left
+    Replaced,   ///< the name now leads to another object, or to none; the content is left over
     TooShort,   ///< not every byte of the region is there
-    Inactive,   ///< the root's version says "not yet"
+    Inactive,   ///< the root's version is not that of an active region
     Silent,     ///< active, but nothing was delivered within the time allowed
     Active,
 };
 
-/// "absent", "unreadable", "replaced", "too short", "inactive", "silent", "active". Any thread.
+/// "absent", "unreadable", "replaced", "too short", "inactive", "silent", "active". Reentrant.
 char const* conditionName(Condition condition);
 
+/// The condition of a region and what is in it.
 struct RegionStatus {
     Condition condition = Condition::Absent;
     RegionSource source;
     std::uint64_t size = 0;      ///< bytes that are there
     std::uint8_t version = 0xFF; ///< the root's
-    std::size_t pointsUsed = 0;  ///< of MP_COUNT: points that can be reached from the root
-    std::size_t valuesUsed = 0;  ///< of MV_COUNT: values of those points
+    std::size_t pointsUsed = 0;  ///< points that can be reached from the root, at most MP_COUNT
+    std::size_t valuesUsed = 0;  ///< values of those points, at most MV_COUNT
     eStatus_Bits globalState = eStatus_UndefinedValue;
     std::uint64_t newest = 0; ///< time of the newest delivery to any of them, ms since 1970 UTC; 0 for never
 };
 
-/// A pure function of its arguments. Any thread.
-/// @param image  the copy; an empty one when the source could not be opened
+/// Determines the status of a region. Reentrant.
+/// @param image  the copy; an empty one if the source could not be opened
 /// @param now    ms since 1970 UTC
-/// @param maxAge age up to which the newest delivery counts as current, not negative; none to never call a region
-///               silent. One from the future is current; "never" is silent whatever the age.
+/// @param maxAge the newest delivery counts as current up to this age, not negative; none: a region is never silent.
+///               A delivery in the future is current. A region without any delivery is silent at every age.
 RegionStatus regionStatus(RegionSource const& source, Image const& image, std::uint64_t now,
                           std::optional<std::chrono::milliseconds> maxAge);
 

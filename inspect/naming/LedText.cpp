@@ -17,23 +17,23 @@ namespace {
 
 using shm::StateColor;
 
-constexpr std::array<shm::TextRow<StateColor>, 8> colorNames{{{StateColor::Off, "off"},
-                                                              {StateColor::Red, "red"},
-                                                              {StateColor::Green, "green"},
-                                                              {StateColor::Blue, "blue"},
-                                                              {StateColor::Orange, "orange"},
-                                                              {StateColor::Cyan, "cyan"},
-                                                              {StateColor::Magenta, "magenta"},
-                                                              {StateColor::White, "white"}}};
-static_assert(shm::isSortedByCode(colorNames) && colorNames.size() == shm::ledTables.colors.size());
+constexpr std::array<shm::TextRow<StateColor>, 8> colourNames{{{StateColor::Off, "off"},
+                                                               {StateColor::Red, "red"},
+                                                               {StateColor::Green, "green"},
+                                                               {StateColor::Blue, "blue"},
+                                                               {StateColor::Orange, "orange"},
+                                                               {StateColor::Cyan, "cyan"},
+                                                               {StateColor::Magenta, "magenta"},
+                                                               {StateColor::White, "white"}}};
+static_assert(shm::isSortedByCode(colourNames) && colourNames.size() == shm::ledTables.colors.size());
 
-/// The colours of a sequence, each once, dark left out.
+/// The colours of a sequence without "off", each once.
 std::vector<StateColor> lightsOf(shm::ColorSequence const& sequence) {
     std::vector<StateColor> lights;
     for (std::size_t step = 0; step < sequence.length(); ++step) {
-        auto const color = sequence.at(step);
-        if (color != StateColor::Off && std::find(lights.begin(), lights.end(), color) == lights.end()) {
-            lights.push_back(color);
+        auto const colour = sequence.at(step);
+        if (colour != StateColor::Off && std::find(lights.begin(), lights.end(), colour) == lights.end()) {
+            lights.push_back(colour);
         }
     }
     return lights;
@@ -47,11 +47,11 @@ std::string ledText(eStatus_Bits state) {
         return "as before";
     }
     std::string text;
-    for (auto const color : lightsOf(found->sequence)) {
-        text.append(text.empty() ? "" : " and ").append(shm::textOf(colorNames, color, ""));
+    for (auto const colour : lightsOf(found->sequence)) {
+        text.append(text.empty() ? "" : " and ").append(shm::textOf(colourNames, colour, ""));
     }
     if (text.empty()) {
-        return shm::textOf(colorNames, StateColor::Off, "");
+        return shm::textOf(colourNames, StateColor::Off, "");
     }
     return found->sequence.length() > 1 ? text + ", blinking" : text;
 }

@@ -12,7 +12,7 @@
 namespace qel::inspect {
 
 /// What the LED shows for a global state: "green", "red", "off", "magenta, blinking", "magenta and red, blinking";
-/// "as before" for a state without colours, at which it goes on with what it shows. Any thread.
+/// "as before" for a state without colours, which does not change the LED. Reentrant.
 std::string ledText(eStatus_Bits state);
 
 } // namespace qel::inspect

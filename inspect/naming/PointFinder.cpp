@@ -21,7 +21,7 @@ namespace qel::inspect {
 
 namespace {
 
-constexpr std::size_t listedKeys = 20; ///< so many a message names at most
+constexpr std::size_t listedKeys = 20; ///< a message names at most this many
 
 char lowerCase(char character) {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
@@ -32,8 +32,7 @@ bool isSameWord(std::string_view left, std::string_view right) {
                       [](char a, char b) { return lowerCase(a) == lowerCase(b); });
 }
 
-/// How many characters must be added, removed or changed to make one text of the other (Levenshtein distance), upper
-/// and lower case being the same.
+/// The Levenshtein distance of two texts, ignoring case.
 std::size_t distance(std::string_view from, std::string_view into) {
     std::vector<std::size_t> row(into.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points and values by what people call them.
+/// Looks up points and values by the names that people type.
 #pragma once
 
 #include "inspect/image/Image.h"
@@ -16,32 +16,39 @@
 
 namespace qel::inspect {
 
-/// A point or value that is not there; one line for the user that says what is there instead: the nearest
-/// path, or the names of the point's values.
+/// A point or value does not exist. The text is one line for the user and names alternatives: the nearest path, or the
+/// keys of the point's values.
 class NotFoundError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Looks up what can be reached in an image. Two points of one id: the first in the tree's order.
-/// Keeps references: image and tree must outlive it. Threads: any thread.
+/// Looks up the points and values of a tree. If two points have one id, it finds the first in the tree's order.
+/// Keeps references: image and tree must outlive it.
+///
+/// Threads: thread-safe.
 class PointFinder {
 public:
     /// @param tree of this image
     PointFinder(Image const& image, PointTree const& tree) : image_(image), tree_(tree) {}
 
-    /// The node of a point by its path (see PointPath.h) or by its id, in hexadecimal (0x) or decimal; the id of a
-    /// value finds its point. Throws NotFoundError.
+    /// Finds the node of a point.
+    /// @param text path (see PointPath.h) or id of the point, or id of one of its values; ids in hexadecimal (0x) or
+    ///             decimal
+    /// @throws NotFoundError
     std::uint32_t point(std::string_view text) const;
 
-    /// The node with this id, none when there is none; the key in it is not looked at.
+    /// Finds the node with an id. The key in the id is ignored.
+    /// @return none if there is no such node
     std::optional<std::uint32_t> node(long long svid) const;
 
-    /// The position of a node's value by its key: decimal, hexadecimal (0x), or its name in upper or lower case
-    /// ("active power"). Throws NotFoundError.
+    /// Finds the position of a node's value.
+    /// @param key number in decimal or hexadecimal (0x), or name in upper or lower case ("active power")
+    /// @throws NotFoundError
     std::uint32_t value(std::uint32_t node, std::string_view key) const;
 
-    /// The position of a node's first value with this key, none when it has none.
+    /// Finds the position of a node's first value with a key.
+    /// @return none if there is no such value
     std::optional<std::uint32_t> value(std::uint32_t node, unsigned short key) const;
 
 private:
@@ -53,8 +60,8 @@ private:
     PointTree const& tree_;
 };
 
-/// The key that the text of an id carries ("0x0100010203050013": 0x13); none for a path and for the id of a point.
-/// Any thread.
+/// The key in the text of a value's id: 0x13 for "0x0100010203050013". Reentrant.
+/// @return none for a path and for the id of a point
 std::optional<unsigned short> keyInText(std::string_view text);
 
 } // namespace qel::inspect

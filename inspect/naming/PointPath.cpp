@@ -21,7 +21,7 @@ namespace qel::inspect {
 namespace {
 
 constexpr signed char unused = -1;
-constexpr signed char defaultDevice = 1; ///< the one that the path of a top-level group leaves out
+constexpr signed char defaultDevice = 1; ///< the path of a top-level group does not name it
 constexpr std::size_t levelCount = levelNames.size();
 
 struct NestedKind {
@@ -29,7 +29,7 @@ struct NestedKind {
     std::string_view name;
 };
 
-/// Kinds whose points stand below an electrical one.
+/// Kinds of points below an electrical one.
 constexpr std::array<NestedKind, 2> nestedKinds{
     {{SensorType::SocketGroup, socketGroupName}, {SensorType::RCM, rcmName}}};
 
@@ -39,7 +39,7 @@ struct Id {
     signed char kind = SensorType::Electrical;
     std::array<signed char, levelCount> levels{unused, unused, unused, unused};
 
-    /// Number of levels down to the deepest one in use, of those before a level.
+    /// How many levels there are down to the deepest one in use, looking only at those before a level.
     std::size_t usedLevels(std::size_t before = levelCount) const {
         while (before > 0 && levels.at(before - 1) == unused) {
             --before;
@@ -75,7 +75,7 @@ std::string component(std::string_view name, signed char number) {
     return std::string(name) + std::to_string(number);
 }
 
-/// The device and the levels before one, unused ones left out.
+/// The device and the levels in use before a level.
 std::string electricalPath(Id const& id, std::size_t levels) {
     auto path = component(unitName, id.device);
     for (std::size_t level = 0; level < levels; ++level) {
@@ -98,7 +98,7 @@ std::string topLevelGroupPath(Id const& id) {
                                       : component(socketGroupName, id.device) + '.' + std::to_string(number);
 }
 
-/// Of a group or monitor that stands below the unit, or below one of its levels; its number is the deepest level.
+/// The path of a group or monitor below the unit or one of its levels. Its number is the deepest level.
 std::string nestedPath(Id const& id, std::string_view name) {
     auto const level = id.usedLevels() - 1;
     auto path = electricalPath(id, level) + '/';
@@ -108,7 +108,7 @@ std::string nestedPath(Id const& id, std::string_view name) {
     return path + component(name, id.levels.at(level));
 }
 
-/// "" when the levels in use are not the first ones.
+/// The path of an I2C sensor; "" if a level before the deepest one is not in use.
 std::string sensorPath(Id const& id) {
     auto path = electricalPath(id, 0) + '/';
     for (std::size_t level = 0; level < id.usedLevels(); ++level) {
@@ -121,7 +121,7 @@ std::string sensorPath(Id const& id) {
     return path;
 }
 
-/// "" for an id that follows no scheme.
+/// The path by the scheme of the id's kind, "" if there is none.
 std::string schemePath(Id const& id) {
     if (id.device < 0 ||
         std::any_of(id.levels.begin(), id.levels.end(), [](signed char level) { return level < unused; })) {
@@ -162,7 +162,7 @@ bool takePrefix(std::string_view& text, std::string_view prefix) {
     return true;
 }
 
-/// Takes digits off the front; nothing when there are none or the number is above 127.
+/// Reads a number at the front; none if there are no digits or it is above 127.
 std::optional<signed char> takeNumber(std::string_view& text) {
     signed char number = 0;
     auto const parsed = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -173,12 +173,12 @@ std::optional<signed char> takeNumber(std::string_view& text) {
     return number;
 }
 
-/// Reads "name" and a number off the front.
+/// Reads a name and a number at the front.
 std::optional<signed char> takeComponent(std::string_view& text, std::string_view name) {
     return takePrefix(text, name) ? takeNumber(text) : std::nullopt;
 }
 
-// What follows takes ids apart that need not be in their proper form; parsePath() compares.
+// The functions below also accept paths in another form than pointPath() writes; parsePath() rejects these.
 
 std::optional<Id> readTopLevelGroup(std::string_view text) {
     Id id;
@@ -209,7 +209,7 @@ bool readSensor(std::string_view& text, Id& id) {
     return false;
 }
 
-/// Reads a group or monitor whose number stands in a level.
+/// Reads a group or monitor; its number goes into a level.
 bool readNested(std::string_view& text, Id& id, std::size_t level) {
     for (auto const& [kind, name] : nestedKinds) {
         if (takePrefix(text, name)) {
@@ -225,7 +225,7 @@ bool readNested(std::string_view& text, Id& id, std::size_t level) {
     return false;
 }
 
-/// Reads what stands between two slashes.
+/// Reads the text between two slashes.
 bool readComponent(std::string_view& text, Id& id) {
     for (std::size_t level = 0; level < levelCount; ++level) {
         if (takePrefix(text, levelNames.at(level).name)) {

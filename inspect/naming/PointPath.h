@@ -4,7 +4,7 @@
 /// @file
 /// Points as paths that people read and type.
 ///
-/// A path is derived from the sensor id alone, so it stays when slots change, and leads back to it:
+/// A path is made from the sensor id alone, so it does not change with the slots, and can be converted back:
 ///
 /// | point                  | path                              | bytes of the id: device, kind, four levels      |
 /// |------------------------|-----------------------------------|-------------------------------------------------|
@@ -28,11 +28,11 @@
 
 namespace qel::inspect {
 
-/// The path of a point; the key in the id is not looked at. Two points have two paths. Any thread.
+/// The path of a point; different points have different paths. The key in the id is ignored. Reentrant.
 std::string pointPath(long long svid);
 
-/// The point that a path names, its key bits zero; upper and lower case are the same. Nothing when it is no path of
-/// the above. Of an id in hexadecimal, key bits are cleared. Any thread.
+/// Reads a path, in upper or lower case. Reentrant.
+/// @return the point's id with key 0, also if the path is a hexadecimal id with a key; none if it is not a path
 std::optional<long long> parsePath(std::string_view path);
 
 } // namespace qel::inspect

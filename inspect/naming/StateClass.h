@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What kind of state a state is, for people.
+/// Classes of states, for people.
 #pragma once
 
 #include "domain/eStatus_Bits.h"
@@ -11,19 +11,20 @@
 
 namespace qel::inspect {
 
+/// What a state means to somebody who looks at a display.
 enum class StateClass : std::uint8_t {
     NoState,  ///< a number that is no state
-    NoValue,  ///< nothing was delivered yet
+    NoValue,  ///< nothing has been delivered yet
     Plain,    ///< neither good nor bad
     Good,     ///< on, all well
-    Identify, ///< on, and being looked for
+    Identify, ///< on, and identifying itself
     Out,      ///< off, disabled or deactivated
-    Busy,     ///< an update or a switching under way
-    Warning,  ///< a warning, its own or one below
-    Alarm,    ///< an alarm, a loss or a failed update, its own or one below
+    Busy,     ///< updating or switching
+    Warning,  ///< a warning, of the point or below it
+    Alarm,    ///< an alarm, a loss or a failed update, of the point or below it
 };
 
-/// Every number is allowed. Any thread.
+/// The class of a state; any number is allowed. Reentrant.
 StateClass classOf(eStatus_Bits state);
 
 } // namespace qel::inspect

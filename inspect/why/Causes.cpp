@@ -57,7 +57,7 @@ std::optional<CauseRule> childRule(eStatus_Bits state) {
     return shm::childWarnings.has(state) ? std::optional(CauseRule::ChildWarning) : std::nullopt;
 }
 
-/// Whether a level's state is what the rule makes of its part. Of points' own states, see ownRule().
+/// Whether a level's state is one that this rule leads to. Not for own states, see findIn().
 bool shows(eStatus_Bits state, CauseRule rule) {
     auto const isAny = [state](eStatus_Bits shm::Escalation::*code) {
         return std::any_of(shm::escalations.begin(), shm::escalations.end(),
@@ -96,7 +96,7 @@ public:
     }
 
     Causes of(std::uint32_t node) {
-        isAsked_ = true;
+        isPointAsked_ = true;
         findIn(node);
         return {pointAt(node).state, folded(node).state, std::move(causes_)};
     }
@@ -113,9 +113,9 @@ private:
         return {tree_.nodes()[node].pos, point.guid, pointPath(point.guid), folded(node).state, {}, false};
     }
 
-    /// The rule by which a point's own part keeps what is asked about from being "On".
+    /// The rule by which a point's own state is a cause, if it is one.
     std::optional<CauseRule> ownRule(std::uint32_t node, eStatus_Bits own) const {
-        if (above_.empty() && isAsked_) {
+        if (above_.empty() && isPointAsked_) {
             return own == eStatus_On ? std::nullopt : std::optional(CauseRule::OwnState);
         }
         if (childRule(own)) {
@@ -131,7 +131,7 @@ private:
         auto const own = shm::ownPart(point.state);
         if (auto const rule = ownRule(node, own)) {
             step.rule = *rule;
-            // A circuit that shows more than "Off" reports that instead.
+            // A circuit whose state is more than "Off" reports that state instead.
             step.isShown =
                 *rule == CauseRule::SwitchedOffCircuit ? step.state == own : shm::ownPart(step.state) == own;
             add(step, {}, {}, own, point.at);
@@ -148,7 +148,7 @@ private:
         findBelow(node, std::move(step));
     }
 
-    /// Every child that reports trouble holds a cause, and no other child does.
+    /// There are causes in a child if and only if it reports trouble.
     void findBelow(std::uint32_t node, CauseStep step) {
         for (auto const child : tree_.childrenOf(node)) {
             if (auto const rule = childRule(folded(child).reported)) {
@@ -165,7 +165,7 @@ private:
              eStatus_Bits state, std::uint64_t at) {
         std::optional<std::chrono::milliseconds> age;
         if (at != 0) {
-            // Of unsigned times, so that the difference wraps instead of overflowing.
+            // The difference of unsigned times wraps and does not overflow.
             age = std::chrono::milliseconds(static_cast<std::int64_t>(now_ - at));
         }
         std::vector<CauseStep> chain{step};
@@ -178,7 +178,7 @@ private:
     PointTree const& tree_;
     std::uint64_t now_;
     FoldedStates folded_;
-    bool isAsked_ = false;         // a point was asked about, not the root
+    bool isPointAsked_ = false;    // the question is about a point, not about the root
     std::vector<CauseStep> above_; // the levels above the current point, highest first
     std::vector<Cause> causes_;
 };

@@ -22,7 +22,7 @@ eStatus_Bits valuesOf(Image const& image, ValuePositions const& positions) {
     return values.result();
 }
 
-/// Folds what siblings report, from a node to the end of its parent's range.
+/// Folds what siblings report: the nodes in a range of indexes that are not below another one.
 eStatus_Bits siblingsOf(PointTree const& tree, std::vector<FoldedState> const& nodes, std::size_t first,
                         std::size_t end) {
     shm::ChildFold siblings;
@@ -35,7 +35,7 @@ eStatus_Bits siblingsOf(PointTree const& tree, std::vector<FoldedState> const& n
 } // namespace
 
 FoldedStates::FoldedStates(Image const& image, PointTree const& tree) : nodes_(tree.nodes().size()) {
-    // Children stand behind their parents in the tree.
+    // Children stand behind their parents in the tree, so they are folded first.
     for (auto index = nodes_.size(); index-- > 0;) {
         auto const& node = tree.nodes()[index];
         auto const& point = image.region().points[node.pos];

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The states that a propagation would give to the points of an image.
+/// The states that a propagation would store in an image.
 #pragma once
 
 #include "inspect/image/Image.h"
@@ -14,17 +14,19 @@
 
 namespace qel::inspect {
 
-/// How the state of a point comes about.
+/// The parts of a point's state and the result.
 struct FoldedState {
     eStatus_Bits own;      ///< the point's own part of its stored state
-    eStatus_Bits values;   ///< what its values come to, -1 for nothing
-    eStatus_Bits children; ///< what its children report, -1 for nothing
-    eStatus_Bits state;    ///< the point's state out of the three
-    eStatus_Bits reported; ///< what it counts as for its parent
+    eStatus_Bits values;   ///< its values folded, -1 if none counts
+    eStatus_Bits children; ///< what its children report, folded, -1 if nothing counts
+    eStatus_Bits state;    ///< the three combined
+    eStatus_Bits reported; ///< what it reports to its parent
 };
 
-/// States of all points in a tree and the global state, by the data plane's own rules, children before their parents.
-/// Independent of the image afterwards. Threads: const operations from any thread.
+/// The folded states of all points in a tree and the global state, by the rules that the writer uses
+/// (states/StateRules.h). Does not need image and tree after construction.
+///
+/// Threads: thread-safe.
 class FoldedStates {
 public:
     /// @param tree of this image
@@ -33,6 +35,7 @@ public:
     /// By index of the tree's nodes.
     std::vector<FoldedState> const& nodes() const { return nodes_; }
 
+    /// The global state.
     eStatus_Bits global() const { return global_; }
 
 private:

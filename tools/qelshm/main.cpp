@@ -3,13 +3,14 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/qelshm/app/QelshmApp.h"
+#include "tools/qelshm/verbs/Commands.h"
 
 #include <iostream>
 
 int main(int argc, char** argv) {
     try {
-        return qel::tools::runQelshm(argc, argv, std::cout);
+        return qel::tools::runQelshm(argc, argv, std::cout, qel::tools::allCommands());
     } catch (...) {
-        return qel::tools::exitFailure; // not even the line that tells of the failure could be written
+        return qel::tools::exitFailure; // the error message could not be written either
     }
 }

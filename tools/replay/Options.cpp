@@ -256,7 +256,7 @@ CapturePlayer::Parts readRecord(Options const& options) {
             throw InputError({recordOption}, options.record + " holds no sample", "one sample at least");
         }
         return {options.record, samples};
-    } catch (inspect::RecordingError const& error) {
+    } catch (inspect::CaptureError const& error) {
         throw InputError({recordOption}, error.what(),
                          "a recorded region; --until ends the replay before a damaged sample");
     }

@@ -2,12 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What the tests of recordings share.
+/// The fixture of the tests of captures.
 #pragma once
 
 #include "inspect/capture/CaptureFormat.h"
 #include "inspect/image/Image.h"
 
+#include "tests/inspect/FileTest.h"
 #include "tests/support/RawRegion.h"
 
 #include <gtest/gtest.h>
@@ -15,13 +16,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
 namespace qel::test {
@@ -56,39 +51,6 @@ inline void expectSame(inspect::Image const& expected, inspect::Image const& ima
     EXPECT_EQ(left.size(), static_cast<std::size_t>(same)) << "first difference at byte " << same;
 }
 
-/// A directory of its own.
-class RecordingTest : public testing::Test {
-protected:
-    RecordingTest() : directory_("/tmp/qel-recording-XXXXXX") {
-        if (::mkdtemp(directory_.data()) == nullptr) {
-            throw std::runtime_error("mkdtemp failed");
-        }
-    }
-    ~RecordingTest() override { std::filesystem::remove_all(directory_); }
-
-    std::string path(std::string const& name = "recording") const { return directory_ + '/' + name; }
-
-    static std::string content(std::string const& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    static void fill(std::string const& path, std::string const& bytes) {
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
-
-    /// What the failure says, "(none)" when there is none.
-    template <typename Action>
-    static std::string problemOf(Action const& action) {
-        try {
-            action();
-        } catch (inspect::RecordingError const& error) {
-            return error.what();
-        }
-        return "(none)";
-    }
-
-private:
-    std::string directory_;
-};
+using CaptureTest = FileTest<inspect::CaptureError>;
 
 } // namespace qel::test

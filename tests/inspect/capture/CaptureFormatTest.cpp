@@ -56,7 +56,7 @@ std::string problemIn(std::string const& content) {
 
 std::string problemInHeader(std::string const& header) {
     try {
-        recordingStart(header);
+        captureStart(header);
     } catch (std::invalid_argument const& problem) {
         return problem.what();
     }
@@ -72,10 +72,10 @@ Image imageWith(std::size_t offset, std::uint64_t word) {
 } // namespace
 
 TEST(CaptureFormatTest, HeaderIsAsWrittenDown) {
-    auto const header = recordingHeader(0x0000018BCFE56800);
+    auto const header = captureHeader(0x0000018BCFE56800);
     EXPECT_EQ("QELSHREC\x01\0\0\0\x20\xE2\x04\0\0\x68\xE5\xCF\x8B\x01\0\0"s, header.substr(0, 24));
-    EXPECT_EQ(RECORDING_HEADER_SIZE, header.size());
-    EXPECT_EQ(0x0000018BCFE56800U, recordingStart(header));
+    EXPECT_EQ(CAPTURE_HEADER_SIZE, header.size());
+    EXPECT_EQ(0x0000018BCFE56800U, captureStart(header));
 }
 
 TEST(CaptureFormatTest, FrameIsAsWrittenDown) {
@@ -172,8 +172,8 @@ TEST(CaptureFormatTest, ContentHasABoundedSize) {
 }
 
 TEST(CaptureFormatTest, HeaderThatMakesNoSenseIsRefused) {
-    auto const header = recordingHeader(5);
-    EXPECT_EQ("it is no recording", problemInHeader('R' + header.substr(1)));
+    auto const header = captureHeader(5);
+    EXPECT_EQ("it is not a capture", problemInHeader('R' + header.substr(1)));
     for (std::size_t byte = 8; byte < header.size(); ++byte) {
         auto damaged = header;
         damaged[byte] = static_cast<char>(damaged[byte] ^ 4);

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <csignal>
 #include <limits>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -25,9 +26,9 @@ namespace {
 
 using testing::HasSubstr;
 
-class CaptureReaderTest : public test::RecordingTest {
+class CaptureReaderTest : public test::CaptureTest {
 protected:
-    /// A recording of random images, 50 ms apart; gives the offset of each sample and of the end.
+    /// A capture of random images, 50 ms apart; gives the offset of each sample and of the end.
     std::vector<std::size_t> record(std::size_t count) {
         images_ = test::randomImages(count, 21);
         CaptureWriter writer(path(), 1'700'000'000'000);
@@ -66,7 +67,7 @@ protected:
 
 } // namespace
 
-TEST_F(CaptureReaderTest, Samples_AreTheRecordedImages) {
+TEST_F(CaptureReaderTest, Samples_AreTheCapturedImages) {
     auto const offsets = record(40);
     CaptureReader sut(path());
     EXPECT_EQ(1'700'000'000'000U, sut.startTime());
@@ -143,7 +144,7 @@ TEST_F(CaptureReaderTest, WrongChecksumAndLength_AreNamed) {
 }
 
 TEST_F(CaptureReaderTest, TimeBeyondAllBounds_IsDamage) {
-    fill(path("damaged"), recordingHeader(0) +
+    fill(path("damaged"), captureHeader(0) +
                               frameOf(std::numeric_limits<std::uint64_t>::max(), Image(), Image()) +
                               frameOf(1, Image(), Image()));
     CaptureReader sut(path("damaged"));
@@ -151,16 +152,16 @@ TEST_F(CaptureReaderTest, TimeBeyondAllBounds_IsDamage) {
     EXPECT_THAT(problemOf([&] { sut.next(); }), HasSubstr("is damaged: the time is out of range"));
 }
 
-TEST_F(CaptureReaderTest, WhatIsNoRecording_IsRefused) {
+TEST_F(CaptureReaderTest, WhatIsNoCapture_IsRefused) {
     auto const refused = [&](std::string const& bytes) {
         fill(path(), bytes);
         return problemOf([&] { CaptureReader sut(path()); });
     };
     auto const prefix = "cannot read " + path() + ": ";
-    EXPECT_EQ(prefix + "it is no recording, or ends within the header at byte 0", refused(""));
-    EXPECT_EQ(prefix + "it is no recording, or ends within the header at byte 0",
-              refused(recordingHeader(0).substr(0, 27)));
-    EXPECT_EQ(prefix + "it is no recording", refused(std::string(1000, 'x')));
+    EXPECT_EQ(prefix + "it is not a capture, or it ends within the header", refused(""));
+    EXPECT_EQ(prefix + "it is not a capture, or it ends within the header",
+              refused(captureHeader(0).substr(0, 27)));
+    EXPECT_EQ(prefix + "it is not a capture", refused(std::string(1000, 'x')));
     EXPECT_EQ("cannot read " + path("none") + ": No such file or directory",
               problemOf([&] { CaptureReader sut(path("none")); }));
     EXPECT_EQ("cannot read " + path("") + ": Is a directory",
@@ -187,8 +188,8 @@ TEST_F(CaptureReaderTest, Pipe_IsReadToo) {
     ::close(ends[0]);
 }
 
-// The recording process is killed while it records as fast as it can.
-TEST_F(CaptureReaderTest, KilledRecorder_LosesNoCompleteSample) {
+// The writing process is killed while it writes as fast as it can.
+TEST_F(CaptureReaderTest, KilledWriter_LosesNoCompleteSample) {
     images_ = test::randomImages(20, 21);
     int ends[2] = {-1, -1};
     ASSERT_EQ(0, ::pipe(ends));
@@ -205,14 +206,14 @@ TEST_F(CaptureReaderTest, KilledRecorder_LosesNoCompleteSample) {
     }
     ::close(ends[1]);
     char tick = 0;
-    std::size_t told = 0;
-    while (told < 30 && ::read(ends[0], &tick, 1) == 1) {
-        ++told;
+    std::size_t written = 0;
+    while (written < 30 && ::read(ends[0], &tick, 1) == 1) {
+        ++written;
     }
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     while (::read(ends[0], &tick, 1) == 1) {
-        ++told;
+        ++written;
     }
     ::close(ends[0]);
 
@@ -224,9 +225,9 @@ TEST_F(CaptureReaderTest, KilledRecorder_LosesNoCompleteSample) {
             ++read;
         }
     });
-    EXPECT_GE(told, 30U);
-    EXPECT_GE(read, told);
-    EXPECT_LE(read, told + 1);
+    EXPECT_GE(written, 30U);
+    EXPECT_GE(read, written);
+    EXPECT_LE(read, written + 1);
     EXPECT_TRUE(problem == "(none)" || problem.find("is cut off") != std::string::npos) << problem;
 }
 

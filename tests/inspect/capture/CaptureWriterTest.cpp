@@ -5,7 +5,6 @@
 
 #include "inspect/capture/CaptureReader.h"
 
-#include "tests/inspect/SizeLimit.h"
 #include "tests/inspect/capture/CaptureFixture.h"
 
 #include <gmock/gmock.h>
@@ -14,29 +13,31 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <stdexcept>
+#include <string>
 
 namespace qel::inspect {
 
 namespace {
 
-using CaptureWriterTest = test::RecordingTest;
+using CaptureWriterTest = test::CaptureTest;
 using test::SizeLimit;
 using testing::HasSubstr;
 
 } // namespace
 
-TEST_F(CaptureWriterTest, New_IsARecordingWithoutSamples) {
+TEST_F(CaptureWriterTest, New_IsACaptureWithoutSamples) {
     CaptureWriter sut(path(), 77);
-    EXPECT_EQ(recordingHeader(77), content(path()));
-    EXPECT_EQ(RECORDING_HEADER_SIZE, sut.size());
+    EXPECT_EQ(captureHeader(77), content(path()));
+    EXPECT_EQ(CAPTURE_HEADER_SIZE, sut.size());
     EXPECT_EQ(0U, sut.samples());
 }
 
 TEST_F(CaptureWriterTest, Append_WritesEachSampleAtOnce) {
     auto const images = test::randomImages(20, 8);
     CaptureWriter sut(path(), 0);
-    std::string expected = recordingHeader(0);
+    std::string expected = captureHeader(0);
     Image before;
     for (std::size_t index = 0; index < images.size(); ++index) {
         sut.append(index * 100, images[index]);
@@ -96,8 +97,8 @@ TEST_F(CaptureWriterTest, New_OverwritesNothing) {
 }
 
 TEST_F(CaptureWriterTest, New_SaysWhyThereCanBeNoFile) {
-    EXPECT_EQ("cannot record to " + path("none/recording") + ": No such file or directory",
-              problemOf([&] { CaptureWriter(path("none/recording"), 0); }));
+    EXPECT_EQ("cannot record to " + path("none/capture") + ": No such file or directory",
+              problemOf([&] { CaptureWriter(path("none/capture"), 0); }));
 }
 
 TEST_F(CaptureWriterTest, New_RefusesTheLiveObject) {

@@ -20,7 +20,7 @@ Finding findingOf(FindingCode code, RegionField const& field, std::uint32_t pos,
 } // namespace
 
 // Names are never changed: this list only grows.
-TEST(FindingCode, NamesAreThoseThatScriptsKnow) {
+TEST(FindingCodeTest, NamesAreThoseThatScriptsKnow) {
     std::vector<std::string> names;
     names.reserve(findingKinds.size());
     for (auto const& kind : findingKinds) {
@@ -37,7 +37,7 @@ TEST(FindingCode, NamesAreThoseThatScriptsKnow) {
                     "global-state-not-folded", "owner-not-expected", "mode-too-loose", "name-not-unique"));
 }
 
-TEST(FindingCode, EachHasOneLineOfExplanation_AndOnlyThreeAreNotes) {
+TEST(FindingCodeTest, EachHasOneLineOfExplanation_AndOnlyThreeAreNotes) {
     std::set<std::string_view> explanations;
     int notes = 0;
     for (auto const& kind : findingKinds) {
@@ -46,15 +46,15 @@ TEST(FindingCode, EachHasOneLineOfExplanation_AndOnlyThreeAreNotes) {
         EXPECT_GT(kind.explanation.size(), 20U);
         EXPECT_EQ(std::string_view::npos, kind.explanation.find('\n'));
         EXPECT_NE('.', kind.explanation.back());
-        notes += kind.severity == Severity::Note ? 1 : 0;
+        notes += kind.isDamage ? 0 : 1;
     }
     EXPECT_EQ(3, notes);
-    EXPECT_EQ(Severity::Note, kindOf(FindingCode::ChildNotListed).severity);
-    EXPECT_EQ(Severity::Note, kindOf(FindingCode::StateNotFolded).severity);
-    EXPECT_EQ(Severity::Note, kindOf(FindingCode::GlobalStateNotFolded).severity);
+    EXPECT_FALSE(kindOf(FindingCode::ChildNotListed).isDamage);
+    EXPECT_FALSE(kindOf(FindingCode::StateNotFolded).isDamage);
+    EXPECT_FALSE(kindOf(FindingCode::GlobalStateNotFolded).isDamage);
 }
 
-TEST(Finding, PlaceText_NamesSlotAndOwner) {
+TEST(FindingTest, PlaceText_NamesSlotAndOwner) {
     EXPECT_EQ("region", placeText(findingOf(FindingCode::RegionTooLong, field::size, 0)));
     EXPECT_EQ("root", placeText(findingOf(FindingCode::ReservedChanged, field::rootReserved, 0)));
     EXPECT_EQ("point 7", placeText(findingOf(FindingCode::ReservedChanged, field::pointReserved, 7)));
@@ -63,30 +63,34 @@ TEST(Finding, PlaceText_NamesSlotAndOwner) {
     EXPECT_EQ("object", placeText(findingOf(FindingCode::ModeTooLoose, field::mode, 0)));
 }
 
-TEST(Finding, IsSamePlace_ComparesCodeSlotAndField_NotValues) {
+TEST(FindingTest, InBoth_ComparesCodeSlotAndField_NotValues) {
     auto const finding = findingOf(FindingCode::LinkOutOfRange, field::next, 7);
-    EXPECT_TRUE(isSamePlace(finding, findingOf(FindingCode::LinkOutOfRange, field::next, 7, 99)));
-    EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::LinkOutOfRange, field::next, 8)));
-    EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::LinkOutOfRange, field::children, 7)));
-    EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::NextNotMirrored, field::next, 7)));
-    EXPECT_FALSE(isSamePlace(finding, findingOf(FindingCode::LinkOutOfRange, field::valueNext, 7)));
-    EXPECT_FALSE(isSamePlace(findingOf(FindingCode::OwnerNotExpected, field::owner, 0),
-                             findingOf(FindingCode::ModeTooLoose, field::mode, 0)));
+    auto const isInBoth = [&](Finding const& other) {
+        return !findingsInBoth({finding}, {other}).empty();
+    };
+    EXPECT_TRUE(isInBoth(findingOf(FindingCode::LinkOutOfRange, field::next, 7, 99)));
+    EXPECT_FALSE(isInBoth(findingOf(FindingCode::LinkOutOfRange, field::next, 8)));
+    EXPECT_FALSE(isInBoth(findingOf(FindingCode::LinkOutOfRange, field::children, 7)));
+    EXPECT_FALSE(isInBoth(findingOf(FindingCode::NextNotMirrored, field::next, 7)));
+    EXPECT_FALSE(isInBoth(findingOf(FindingCode::LinkOutOfRange, field::valueNext, 7)));
+    EXPECT_TRUE(findingsInBoth({findingOf(FindingCode::OwnerNotExpected, field::owner, 0)},
+                               {findingOf(FindingCode::ModeTooLoose, field::mode, 0)})
+                    .empty());
 }
 
-TEST(Finding, InBoth_KeepsTheOrderAndValuesOfTheSecondList) {
+TEST(FindingTest, InBoth_KeepsTheOrderAndValuesOfTheSecondList) {
     auto const a = findingOf(FindingCode::LinkOutOfRange, field::next, 7);
     auto const b = findingOf(FindingCode::PosMismatch, field::pos, 2);
     auto const c = findingOf(FindingCode::KeyMissing, field::key, 1);
     auto const both = findingsInBoth({a, b}, {c, b, findingOf(a.code, a.field, a.pos, 5)});
     ASSERT_EQ(2U, both.size());
-    EXPECT_TRUE(isSamePlace(b, both[0]));
+    EXPECT_EQ(b.code, both[0].code);
     EXPECT_EQ("5", both[1].found.text());
     EXPECT_TRUE(findingsInBoth({}, {a}).empty());
     EXPECT_TRUE(findingsInBoth({a}, {}).empty());
 }
 
-TEST(Finding, HasDamage_NotesAreNone) {
+TEST(FindingTest, HasDamage_NotesAreNone) {
     EXPECT_FALSE(hasDamage({}));
     EXPECT_FALSE(hasDamage({findingOf(FindingCode::StateNotFolded, field::pointState, 1)}));
     EXPECT_TRUE(hasDamage({findingOf(FindingCode::StateNotFolded, field::pointState, 1),

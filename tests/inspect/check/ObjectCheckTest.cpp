@@ -41,14 +41,14 @@ std::vector<std::string> textsOf(Findings const& findings) {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(ObjectCheck, WhatAWriterOfRootMakes_HasNothing) {
+TEST(ObjectCheckTest, WhatAWriterOfRootMakes_HasNothing) {
     for (mode_t const mode : {0644U, 0640U, 0600U, 0444U, 0755U, 0U}) {
         EXPECT_THAT(checkObject(objectOf(0, mode), std::nullopt), IsEmpty());
         EXPECT_THAT(checkObject(objectOf(0, mode), 1000), IsEmpty());
     }
 }
 
-TEST(ObjectCheck, OwnerBesideRoot_IsTheHardwareManagersUserAlone) {
+TEST(ObjectCheckTest, OwnerBesideRoot_IsTheHardwareManagersUserAlone) {
     EXPECT_THAT(checkObject(objectOf(3999999999, 0644), 3999999999), IsEmpty());
     EXPECT_THAT(textsOf(checkObject(objectOf(3999999999, 0644), std::nullopt)),
                 ElementsAre("owner-not-expected: 3999999999, root (0)"));
@@ -58,20 +58,20 @@ TEST(ObjectCheck, OwnerBesideRoot_IsTheHardwareManagersUserAlone) {
                 ElementsAre("owner-not-expected: 3999999999, root or the hardware manager's user"));
 }
 
-TEST(ObjectCheck, RightsToWriteForGroupOrOthers_AreFound) {
+TEST(ObjectCheckTest, RightsToWriteForGroupOrOthers_AreFound) {
     EXPECT_THAT(textsOf(checkObject(objectOf(0, 0664), std::nullopt)),
-                ElementsAre("mode-too-loose: rw-rw-r--, write rights for the owner alone"));
+                ElementsAre("mode-too-loose: rw-rw-r--, write permission for the owner only"));
     EXPECT_THAT(textsOf(checkObject(objectOf(0, 0646), std::nullopt)),
-                ElementsAre("mode-too-loose: rw-r--rw-, write rights for the owner alone"));
+                ElementsAre("mode-too-loose: rw-r--rw-, write permission for the owner only"));
 }
 
-TEST(ObjectCheck, SecondName_IsFound) {
+TEST(ObjectCheckTest, SecondName_IsFound) {
     EXPECT_THAT(textsOf(checkObject(objectOf(0, 0644, 2), std::nullopt)),
                 ElementsAre("name-not-unique: 2, 1"));
     EXPECT_THAT(checkObject(objectOf(0, 0644, 0), std::nullopt), IsEmpty()) << "its name was removed";
 }
 
-TEST(ObjectCheck, AllAtOnce_InThisOrder) {
+TEST(ObjectCheckTest, AllAtOnce_InThisOrder) {
     auto const findings = checkObject(objectOf(3999999999, 0666, 3), std::nullopt);
     ASSERT_EQ(3U, findings.size());
     EXPECT_EQ(FindingCode::OwnerNotExpected, findings[0].code);
@@ -79,7 +79,7 @@ TEST(ObjectCheck, AllAtOnce_InThisOrder) {
     EXPECT_EQ(FindingCode::NameNotUnique, findings[2].code);
 }
 
-TEST(ObjectCheck, WhatIsNoRegularFile_IsLookedAtForItsOwnerAlone) {
+TEST(ObjectCheckTest, WhatIsNoRegularFile_IsLookedAtForItsOwnerAlone) {
     auto link = objectOf(0, 0777, 2);
     link.isRegular = false;
     EXPECT_THAT(checkObject(link, std::nullopt), IsEmpty());

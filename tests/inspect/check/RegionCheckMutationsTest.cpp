@@ -25,8 +25,8 @@ constexpr std::uint32_t none = 0xFFFFFFFF;
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
 
-/// What is broken, and the one finding that it makes. Names and numbers of fields, slots and offsets are written down
-/// once more on purpose.
+/// A change that breaks a field, and the one finding that it leads to. Names and numbers of fields, slots and offsets are
+/// repeated here on purpose.
 struct Mutation {
     char const* name;
     void (*apply)(Region& region);
@@ -62,9 +62,9 @@ std::string described(Findings const& findings) {
     return text;
 }
 
-class RegionCheckMutations : public testing::TestWithParam<Mutation> {};
+class RegionCheckMutationsTest : public testing::TestWithParam<Mutation> {};
 
-TEST_P(RegionCheckMutations, GiveExactlyTheirFinding) {
+TEST_P(RegionCheckMutationsTest, GiveExactlyTheirFinding) {
     auto const& mutation = GetParam();
     auto region = test::sampleUnit();
     ASSERT_EQ("", described(checkRegion(Image(region.get(), sizeof *region))));
@@ -253,7 +253,7 @@ Mutation const valueMutations[] = {
      "next", value(6, 20), "6", "a value that no other link leads to, or none"},
     {"ChainIntoOneFollowedBefore", [](Region& r) { r.values[10].next = 5; }, "value-linked-twice",
      "value 10 of point 4", "next", value(10, 20), "5", "a value that no other link leads to, or none"},
-    // Which of the two links is wrong cannot be told; the one that is met later is named.
+    // Either link may be wrong; the one that is met later is reported.
     {"ChainIntoOneFollowedLater", [](Region& r) { r.values[7].next = 8; }, "value-linked-twice", "point 4",
      "mvs", point(4, 12), "8", "a value that no other link leads to, or none"},
     {"ChainOutOfRange", [](Region& r) { r.values[6].next = 0x80000000; }, "link-out-of-range",
@@ -280,10 +280,10 @@ std::string nameOf(testing::TestParamInfo<Mutation> const& mutation) {
     return mutation.param.name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Root, RegionCheckMutations, testing::ValuesIn(rootMutations), nameOf);
-INSTANTIATE_TEST_SUITE_P(Links, RegionCheckMutations, testing::ValuesIn(linkMutations), nameOf);
-INSTANTIATE_TEST_SUITE_P(Points, RegionCheckMutations, testing::ValuesIn(pointMutations), nameOf);
-INSTANTIATE_TEST_SUITE_P(Values, RegionCheckMutations, testing::ValuesIn(valueMutations), nameOf);
+INSTANTIATE_TEST_SUITE_P(Root, RegionCheckMutationsTest, testing::ValuesIn(rootMutations), nameOf);
+INSTANTIATE_TEST_SUITE_P(Links, RegionCheckMutationsTest, testing::ValuesIn(linkMutations), nameOf);
+INSTANTIATE_TEST_SUITE_P(Points, RegionCheckMutationsTest, testing::ValuesIn(pointMutations), nameOf);
+INSTANTIATE_TEST_SUITE_P(Values, RegionCheckMutationsTest, testing::ValuesIn(valueMutations), nameOf);
 
 } // namespace
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-// checkRegion on what a writer makes, however its sensors come and go.
+// checkRegion on the regions of a writer whose sensors come and go.
 
 #include "inspect/check/RegionCheck.h"
 
@@ -45,12 +45,12 @@ bool isUnlistedChild(Finding const& finding) {
     return finding.code == FindingCode::ChildNotListed;
 }
 
-class RegionCheckStructures : public testing::TestWithParam<Course> {
+class RegionCheckStructuresTest : public testing::TestWithParam<Course> {
 protected:
     test::LogCapture const quiet{"qel", log4cpp::Priority::FATAL};
 };
 
-TEST_P(RegionCheckStructures, OfARealWriterGiveNoFinding) {
+TEST_P(RegionCheckStructuresTest, OfARealWriterGiveNoFinding) {
     auto const& course = GetParam();
     test::RandomUnit unit(course.seed, course.largest, course.leaveOrphans);
     std::size_t most = 0;
@@ -72,10 +72,11 @@ TEST_P(RegionCheckStructures, OfARealWriterGiveNoFinding) {
     EXPECT_EQ(course.leaveOrphans, unit.refusals() > 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Courses, RegionCheckStructures,
+INSTANTIATE_TEST_SUITE_P(Courses, RegionCheckStructuresTest,
                          testing::Values(Course{1, test::rounds(2500, 24500), 12, false, false},
                                          Course{2, test::rounds(2500, 24500), 30, false, false},
-                                         Course{3, test::rounds(2500, 24500), 15, true, false}, Course{4, 24500, 40, true, false},
+                                         Course{3, test::rounds(2500, 24500), 15, true, false},
+                                         Course{4, 24500, 40, true, false},
                                          Course{5, 1000, 350, false, false},
                                          Course{6, 1000, 350, true, true}),
                          [](auto const& course) { return "Seed" + std::to_string(course.param.seed); });

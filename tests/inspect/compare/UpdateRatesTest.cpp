@@ -35,7 +35,7 @@ protected:
         }
     }
 
-    /// Takes an image so many ms after the first one.
+    /// Takes an image this many ms after the first one.
     void takeAt(int time) { sut_.add(LiveRegion().copy(), start_ + milliseconds(time)); }
 
     void deliver(std::uint64_t at) const { region_.raw().set(slot + test::field::valueAt, at); }

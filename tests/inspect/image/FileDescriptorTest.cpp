@@ -3,19 +3,15 @@
 
 #include "inspect/image/FileDescriptor.h"
 
-#include "tests/inspect/Lengths.h"
-#include "tests/support/RawRegion.h"
-
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <string>
-#include <system_error>
+#include <thread>
+#include <utility>
 
 namespace qel::inspect {
 
@@ -28,29 +24,6 @@ bool isOpen(int fd) {
 int openOne() {
     return ::open("/dev/null", O_RDONLY | O_CLOEXEC);
 }
-
-/// Gives a text in pieces, with an interruption before each.
-class Pieces {
-public:
-    Pieces(std::string text, std::size_t length) : text_(std::move(text)), length_(length) {}
-
-    ssize_t operator()(void* bytes, std::size_t count, off_t offset) {
-        interrupt_ = !interrupt_;
-        if (interrupt_) {
-            errno = EINTR;
-            return -1;
-        }
-        auto const begin = std::min(static_cast<std::size_t>(offset), text_.size());
-        auto const given = std::min({length_, count, text_.size() - begin});
-        std::memcpy(bytes, text_.data() + begin, given);
-        return static_cast<ssize_t>(given);
-    }
-
-private:
-    std::string text_;
-    std::size_t length_;
-    bool interrupt_ = false;
-};
 
 } // namespace
 
@@ -94,40 +67,31 @@ TEST(FileDescriptorTest, AssignmentClosesWhatItHeld) {
     EXPECT_TRUE(isOpen(second));
 }
 
-class ImageOfTest : public testing::TestWithParam<std::size_t> {};
-
-TEST_P(ImageOfTest, ReadsOverShortAndInterruptedReads) {
-    auto const source = test::sourceBytes(GetParam());
-    auto const image = imageOf(Pieces(source, 4099), [&] { return source.size(); });
-    EXPECT_EQ(source.size(), image.size());
-    EXPECT_EQ(source.substr(0, test::rawRegionSize), image.bytes());
+// A pipe takes far less at once.
+TEST(FileDescriptorTest, WriteAll_GoesOnAfterShortWrites) {
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(0, ::pipe(ends));
+    FileDescriptor const output(ends[0]);
+    FileDescriptor input(ends[1]);
+    std::string const sent(1000000, 'x');
+    std::string received;
+    std::thread reader([&] {
+        char buffer[4096];
+        for (ssize_t count = 0; (count = ::read(output.number(), buffer, sizeof buffer)) > 0;) {
+            received.append(buffer, static_cast<std::size_t>(count));
+        }
+    });
+    EXPECT_EQ(0, writeAll(input.number(), sent));
+    input = FileDescriptor();
+    reader.join();
+    EXPECT_EQ(sent, received);
 }
 
-INSTANTIATE_TEST_SUITE_P(Lengths, ImageOfTest, testing::ValuesIn(test::sourceLengths));
-
-TEST(ImageOfTest, ASourceThatEndsEarlyHasTheBytesThatCame) {
-    auto const source = test::sourceBytes(5000);
-    auto const image = imageOf(Pieces(source, 5000), [] { return test::rawRegionSize; });
-    EXPECT_EQ(5000U, image.size());
-    EXPECT_EQ(source, image.bytes());
-}
-
-TEST(ImageOfTest, ASourceOfUnknownSizeHasAtLeastWhatCame) {
-    auto const image = imageOf(Pieces(test::sourceBytes(400000), 400000), [] { return 0; });
-    EXPECT_EQ(test::rawRegionSize, image.size());
-}
-
-TEST(ImageOfTest, AFailureIsThrownWithItsNumber) {
-    auto const failing = [](void* /*bytes*/, std::size_t /*count*/, off_t /*offset*/) -> ssize_t {
-        errno = EIO;
-        return -1;
-    };
-    try {
-        imageOf(failing, [] { return 0; });
-        FAIL() << "nothing was thrown";
-    } catch (std::system_error const& error) {
-        EXPECT_EQ(EIO, error.code().value());
-    }
+TEST(FileDescriptorTest, WriteAll_GivesTheErrorNumber) {
+    EXPECT_EQ(EBADF, writeAll(-1, "x"));
+    FileDescriptor const full(::open("/dev/full", O_WRONLY));
+    EXPECT_EQ(ENOSPC, writeAll(full.number(), "x"));
+    EXPECT_EQ(0, writeAll(full.number(), ""));
 }
 
 } // namespace qel::inspect

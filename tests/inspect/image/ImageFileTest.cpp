@@ -3,8 +3,8 @@
 
 #include "inspect/image/ImageFile.h"
 
+#include "tests/inspect/FileTest.h"
 #include "tests/inspect/Lengths.h"
-#include "tests/inspect/SizeLimit.h"
 #include "tests/support/RawRegion.h"
 
 #include <gmock/gmock.h>
@@ -13,11 +13,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 namespace qel::inspect {
@@ -34,45 +37,39 @@ Image imageOfLength(std::size_t length) {
     return {source.data(), source.size()};
 }
 
-template <typename Action>
-std::string problemOf(Action const& action) {
-    try {
-        action();
-    } catch (ImageFileError const& error) {
-        return error.what();
-    }
-    return "(none)";
-}
+/// Gives a text in pieces, with an interruption before each.
+class Pieces {
+public:
+    Pieces(std::string text, std::size_t length) : text_(std::move(text)), length_(length) {}
 
-/// A directory of its own.
-class ImageFileTest : public testing::Test {
-protected:
-    ImageFileTest() : directory_("/tmp/qel-image-XXXXXX") {
-        if (::mkdtemp(directory_.data()) == nullptr) {
-            throw std::runtime_error("mkdtemp failed");
+    ssize_t operator()(void* bytes, std::size_t count, off_t offset) {
+        interrupt_ = !interrupt_;
+        if (interrupt_) {
+            errno = EINTR;
+            return -1;
         }
+        auto const begin = std::min(static_cast<std::size_t>(offset), text_.size());
+        auto const given = std::min({length_, count, text_.size() - begin});
+        std::memcpy(bytes, text_.data() + begin, given);
+        return static_cast<ssize_t>(given);
     }
-    ~ImageFileTest() override { fs::remove_all(directory_); }
 
-    std::string path(std::string const& name) const { return directory_ + '/' + name; }
+private:
+    std::string text_;
+    std::size_t length_;
+    bool interrupt_ = false;
+};
 
-    static std::string content(std::string const& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    static void fill(std::string const& path, std::string const& text) {
-        std::ofstream(path, std::ios::binary) << text;
-    }
+class ImageFileTest : public test::FileTest<ImageFileError> {
+protected:
+    /// The names of the files in the directory.
     std::vector<std::string> names() const {
         std::vector<std::string> found;
-        for (auto const& entry : fs::directory_iterator(directory_)) {
+        for (auto const& entry : fs::directory_iterator(path(""))) {
             found.push_back(entry.path().filename());
         }
         return found;
     }
-
-private:
-    std::string directory_;
 };
 
 } // namespace
@@ -186,6 +183,58 @@ TEST_F(ImageFileTest, Write_RefusesTheLiveObject) {
 TEST_F(ImageFileTest, Write_TakesTheObjectsNameElsewhere) {
     writeImage(imageOfLength(10), path("QelSharedMemory"));
     EXPECT_EQ(sourceBytes(10), content(path("QelSharedMemory")));
+}
+
+class ImageOfTest : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(ImageOfTest, ReadsOverShortAndInterruptedReads) {
+    auto const source = test::sourceBytes(GetParam());
+    auto const image = imageOf(Pieces(source, 4099), [&] { return source.size(); });
+    EXPECT_EQ(source.size(), image.size());
+    EXPECT_EQ(source.substr(0, test::rawRegionSize), image.bytes());
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, ImageOfTest, testing::ValuesIn(test::sourceLengths));
+
+TEST(ImageOfTest, ASourceThatEndsEarlyHasTheBytesThatCame) {
+    auto const source = test::sourceBytes(5000);
+    auto const image = imageOf(Pieces(source, 5000), [] { return test::rawRegionSize; });
+    EXPECT_EQ(5000U, image.size());
+    EXPECT_EQ(source, image.bytes());
+}
+
+TEST(ImageOfTest, ASourceOfUnknownSizeHasAtLeastWhatCame) {
+    auto const image = imageOf(Pieces(test::sourceBytes(400000), 400000), [] { return 0; });
+    EXPECT_EQ(test::rawRegionSize, image.size());
+}
+
+TEST(ImageOfTest, AFailureIsThrownWithItsNumber) {
+    auto const failing = [](void* /*bytes*/, std::size_t /*count*/, off_t /*offset*/) -> ssize_t {
+        errno = EIO;
+        return -1;
+    };
+    try {
+        imageOf(failing, [] { return 0; });
+        FAIL() << "nothing was thrown";
+    } catch (std::system_error const& error) {
+        EXPECT_EQ(EIO, error.code().value());
+    }
+}
+
+TEST_F(ImageFileTest, LiveObject_IsKnownByItsPath) {
+    EXPECT_TRUE(isLiveObject("/dev/shm/QelSharedMemory"));
+    EXPECT_TRUE(isLiveObject("/dev/../dev/shm/./QelSharedMemory"));
+    EXPECT_FALSE(isLiveObject("/dev/shm/QelSharedMemory2"));
+    EXPECT_FALSE(isLiveObject("/tmp/QelSharedMemory"));
+    EXPECT_FALSE(isLiveObject("/nowhere/QelSharedMemory"));
+    EXPECT_FALSE(isLiveObject(""));
+}
+
+TEST_F(ImageFileTest, LiveObject_IsKnownByItsNameInItsDirectory) {
+    auto const before = std::filesystem::current_path();
+    std::filesystem::current_path("/dev/shm");
+    EXPECT_TRUE(isLiveObject("QelSharedMemory"));
+    std::filesystem::current_path(before);
 }
 
 } // namespace qel::inspect

@@ -26,7 +26,7 @@
 
 namespace {
 
-/// Whether the next opening for reading shall find a named pipe that was not there when the name was looked at.
+/// Replaces the object by a named pipe just before it is opened for reading the next time.
 bool isSwapDue = false;
 
 } // namespace
@@ -102,8 +102,8 @@ std::string_view bytesOf(test::RawRegion const& raw) {
 TEST_F(LiveRegionTest, WithoutAnObjectItIsAbsentAndNoneIsMade) {
     LiveRegion const live;
     EXPECT_FALSE(live.isOpen());
-    EXPECT_EQ(Opening::Absent, live.opening());
-    EXPECT_EQ(0, live.error());
+    EXPECT_EQ(Opening::Absent, live.source().opening);
+    EXPECT_EQ(0, live.source().error);
     EXPECT_FALSE(live.object());
     EXPECT_FALSE(live.isReplaced());
     EXPECT_EQ(0U, live.copy().size());
@@ -117,7 +117,7 @@ TEST_F(LiveRegionTest, CopiesWhatAWriterWrote) {
     writer.setActive();
     writer.updateMV(test::pointId(1, 0) | 1, test::measured(230.5));
     LiveRegion const live;
-    ASSERT_EQ(Opening::Opened, live.opening());
+    ASSERT_EQ(Opening::Opened, live.source().opening);
     EXPECT_EQ("", openingProblem(live.source()));
 
     auto const image = live.copy();
@@ -229,8 +229,8 @@ TEST_F(LiveRegionTest, AnObjectWithoutTheRightToReadShowsWhoseItIs) {
         GTEST_SKIP() << "this user cannot become another one";
     }
     LiveRegion const live;
-    EXPECT_EQ(Opening::Unreadable, live.opening());
-    EXPECT_EQ(EACCES, live.error());
+    EXPECT_EQ(Opening::Unreadable, live.source().opening);
+    EXPECT_EQ(EACCES, live.source().error);
     EXPECT_EQ("Permission denied", openingProblem(live.source()));
     EXPECT_EQ(0U, live.copy().size());
     ASSERT_TRUE(live.object());
@@ -253,7 +253,7 @@ TEST_P(NotRegularTest, IsNotOpened) {
     ASSERT_EQ(0, make(GetParam()));
     LiveRegion const live;
     EXPECT_FALSE(live.isOpen());
-    EXPECT_EQ(Opening::NotRegular, live.opening());
+    EXPECT_EQ(Opening::NotRegular, live.source().opening);
     EXPECT_EQ(0U, live.copy().size());
     EXPECT_FALSE(live.isReplaced());
     EXPECT_FALSE(openingProblem(live.source()).empty());
@@ -269,7 +269,7 @@ TEST_F(LiveRegionTest, NamedPipeThatComesBetweenLookAndOpening_HoldsNobodyUp) {
     LiveRegion const live;
     EXPECT_FALSE(isSwapDue) << "the object was not opened";
     EXPECT_FALSE(live.isOpen());
-    EXPECT_EQ(Opening::NotRegular, live.opening());
+    EXPECT_EQ(Opening::NotRegular, live.source().opening);
     EXPECT_EQ("a directory, link or device stands under the name", openingProblem(live.source()));
     ASSERT_TRUE(live.object());
     EXPECT_FALSE(live.object()->isRegular);
@@ -301,6 +301,57 @@ TEST_F(LiveRegionTest, CopiesWhileAWriterIsAtWork) {
     stop = true;
     work.join();
     EXPECT_EQ(101U, PointTree(live.copy()).nodes().size());
+}
+
+TEST(RegionObjectTest, TakesWhatTheSystemSays) {
+    struct stat status = {};
+    status.st_dev = 7;
+    status.st_ino = 8;
+    status.st_uid = 9;
+    status.st_gid = 10;
+    status.st_mode = S_IFREG | 0640;
+    status.st_size = 320032;
+    status.st_nlink = 2;
+    auto const object = regionObject(status);
+    EXPECT_EQ(7U, object.device);
+    EXPECT_EQ(8U, object.inode);
+    EXPECT_EQ(9U, object.uid);
+    EXPECT_EQ(10U, object.gid);
+    EXPECT_EQ(0640U, object.mode);
+    EXPECT_EQ(320032U, object.size);
+    EXPECT_EQ(2U, object.names);
+    EXPECT_TRUE(object.isRegular);
+    status.st_mode = S_IFDIR | 0755;
+    EXPECT_FALSE(regionObject(status).isRegular);
+}
+
+TEST(RegionObjectTest, IsTheSameByDeviceAndInodeAlone) {
+    RegionObject object;
+    object.device = 1;
+    object.inode = 2;
+    auto changed = object;
+    changed.mode = 0600;
+    changed.size = 5;
+    EXPECT_TRUE(isSameObject(object, changed));
+    changed.inode = 3;
+    EXPECT_FALSE(isSameObject(object, changed));
+    changed = object;
+    changed.device = 3;
+    EXPECT_FALSE(isSameObject(object, changed));
+}
+
+TEST(RegionObjectTest, NamesOwners) {
+    EXPECT_EQ("root", userName(0));
+    EXPECT_EQ("root", groupName(0));
+    EXPECT_EQ("3999999999", userName(3999999999U));
+    EXPECT_EQ("3999999999", groupName(3999999999U));
+}
+
+TEST(RegionObjectTest, WritesPermissionsAsLetters) {
+    EXPECT_EQ("rw-r--r--", modeText(0644));
+    EXPECT_EQ("---------", modeText(0));
+    EXPECT_EQ("rwxrwxrwx", modeText(0777));
+    EXPECT_EQ("r---wx--x", modeText(0431));
 }
 
 } // namespace qel::inspect

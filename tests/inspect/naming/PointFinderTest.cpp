@@ -67,8 +67,8 @@ TEST_F(PointFinderTest, FindsPointsByPathAndById) {
 }
 
 TEST_F(PointFinderTest, FindsNodesByNumber) {
-    EXPECT_EQ(tree.nodeAt(2), finder.node(pointId(1, 0, 2)));
-    EXPECT_EQ(tree.nodeAt(2), finder.node(pointId(1, 0, 2) | 0x13));
+    EXPECT_EQ(finder.point("unit1/inlet2"), finder.node(pointId(1, 0, 2)));
+    EXPECT_EQ(finder.point("unit1/inlet2"), finder.node(pointId(1, 0, 2) | 0x13));
     EXPECT_EQ(std::nullopt, finder.node(pointId(1, 0, 3)));
 }
 

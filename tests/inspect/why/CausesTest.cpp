@@ -396,11 +396,11 @@ TEST(CausesOfRandomTreesTest, Global_ThereAreSomeExactlyWhenItIsNotOnAndWithoutT
     }
     for (auto const rule : {CauseRule::ValueAlarm, CauseRule::ValueWarning, CauseRule::OwnState,
                             CauseRule::SwitchedOffCircuit}) {
-        EXPECT_GT(rules[rule], 100) << ruleCode(rule);
+        EXPECT_GT(rules[rule], treesEach / 100) << ruleCode(rule);
     }
     for (auto const state : {eStatus_On, eStatus_ChildAlarm, eStatus_ChildWarning, eStatus_DeviceIsUpdating,
                              eStatus_DeviceUpdateError}) {
-        EXPECT_GT(states[state], 50) << state;
+        EXPECT_GT(states[state], treesEach / 200) << state;
     }
 }
 
@@ -424,7 +424,7 @@ TEST(CausesOfRandomTreesTest, Global_EachOfThemAloneKeepsItFromBeingOn) {
             << "round " << round << ": " << nameOf(causes[kept]);
         ++tried;
     }
-    EXPECT_GT(tried, 1000);
+    EXPECT_GT(tried, treesEach / 10);
 }
 
 TEST(CausesOfRandomTreesTest, Point_ThereAreSomeExactlyWhenItIsNotOnAndWithoutThemItIs) {
@@ -432,13 +432,15 @@ TEST(CausesOfRandomTreesTest, Point_ThereAreSomeExactlyWhenItIsNotOnAndWithoutTh
     std::set<eStatus_Bits> states;
     for (int round = 0; round < treesEach; ++round) {
         trees.next();
+        for (std::uint32_t node = 0; node < trees.tree().nodes().size(); ++node) {
+            auto const causes = pointCauses(trees.image(), trees.tree(), node, now);
+            states.insert(trees.stateAt(node));
+            ASSERT_EQ(trees.stateAt(node), causes.state);
+            ASSERT_EQ(trees.stateAt(node), causes.propagated);
+            ASSERT_EQ(causes.state == eStatus_On, causes.causes.empty()) << "round " << round;
+        }
         auto const node = trees.anyNode();
-        auto const causes = pointCauses(trees.image(), trees.tree(), node, now);
-        states.insert(trees.stateAt(node));
-        ASSERT_EQ(trees.stateAt(node), causes.state);
-        ASSERT_EQ(trees.stateAt(node), causes.propagated);
-        ASSERT_EQ(causes.state == eStatus_On, causes.causes.empty()) << "round " << round;
-        for (auto const& cause : causes.causes) {
+        for (auto const& cause : pointCauses(trees.image(), trees.tree(), node, now).causes) {
             trees.clear(cause);
         }
         trees.propagate();
@@ -491,7 +493,7 @@ TEST(CausesOfRandomTreesTest, Point_EachOfThemAloneKeepsItFromBeingOn) {
         ASSERT_NE(eStatus_On, trees.stateAt(node)) << "round " << round << ": " << nameOf(causes[kept]);
         ++tried;
     }
-    EXPECT_GT(tried, 1000);
+    EXPECT_GT(tried, treesEach / 10);
 }
 
 } // namespace qel::inspect

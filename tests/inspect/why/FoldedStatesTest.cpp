@@ -24,7 +24,7 @@ constexpr long long socket = pointId(1, 0, 1, -1, 1, 1);
 
 } // namespace
 
-TEST(FoldedStates, TellHowEachStateComesAbout) {
+TEST(FoldedStatesTest, TellHowEachStateComesAbout) {
     test::ExposedWriter writer;
     writer.addStructure({{unit, {}}, {inlet, withKeys({1})}, {circuit, {}}, {socket, withKeys({1, 4})}});
     writer.updateMV(inlet | 1, test::measured(1, 1, eStatus_LowWarning));
@@ -49,7 +49,7 @@ TEST(FoldedStates, TellHowEachStateComesAbout) {
     EXPECT_EQ(eStatus_ChildAlarm, folded.global());
 }
 
-TEST(FoldedStates, SwitchedOffCircuit_ReportsAnAlarm_AndShowsOff) {
+TEST(FoldedStatesTest, SwitchedOffCircuit_ReportsAnAlarm_AndShowsOff) {
     test::ExposedWriter writer;
     writer.addStructure({{unit, {}}, {inlet, {}}, {circuit, {}}, {socket, {}}});
     writer.updateMV(circuit | 0x30, test::measured(1, 1, eStatus_Off));
@@ -61,7 +61,7 @@ TEST(FoldedStates, SwitchedOffCircuit_ReportsAnAlarm_AndShowsOff) {
     EXPECT_EQ(eStatus_ChildAlarm, folded.nodes()[0].state);
 }
 
-TEST(FoldedStates, ReportedState_OnlyOfAnElectricalCircuitDiffers) {
+TEST(FoldedStatesTest, ReportedState_OnlyOfAnElectricalCircuitDiffers) {
     EXPECT_EQ(eStatus_Alarm, shm::reportedState(circuit, eStatus_Off));
     EXPECT_EQ(eStatus_On, shm::reportedState(circuit, eStatus_On));
     EXPECT_EQ(eStatus_OffAlarm, shm::reportedState(circuit, eStatus_OffAlarm));
@@ -70,7 +70,7 @@ TEST(FoldedStates, ReportedState_OnlyOfAnElectricalCircuitDiffers) {
     EXPECT_EQ(eStatus_Off, shm::reportedState(pointId(1, 4, 1, -1, 1), eStatus_Off));
 }
 
-TEST(FoldedStates, WithoutPoints_GlobalStateIsOn) {
+TEST(FoldedStatesTest, WithoutPoints_GlobalStateIsOn) {
     Image const image;
     PointTree const tree(image);
     FoldedStates const folded(image, tree);
@@ -78,7 +78,7 @@ TEST(FoldedStates, WithoutPoints_GlobalStateIsOn) {
     EXPECT_EQ(eStatus_On, folded.global());
 }
 
-TEST(FoldedStates, AreWhatAPropagationStoresThen) {
+TEST(FoldedStatesTest, AreWhatAPropagationStoresThen) {
     test::LogCapture const quiet("qel", log4cpp::Priority::FATAL);
     test::RandomUnit random(11, 60, false);
     int changed = 0;

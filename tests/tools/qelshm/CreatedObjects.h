@@ -12,7 +12,7 @@ namespace qel::test {
 
 /// Watches /dev/shm for as long as the object lives, so that an object that came and went is noted too.
 ///
-/// Threads: not shared.
+/// Threads: reentrant.
 class CreatedObjects {
 public:
     CreatedObjects();

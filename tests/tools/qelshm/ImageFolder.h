@@ -13,7 +13,8 @@
 namespace qel::test {
 
 /// A new folder that is the working directory as long as the object lives, so that files in it go by their bare names.
-/// Threads: one at a time in a process.
+///
+/// Threads: thread-bound to the test's main thread; one object at a time.
 class ImageFolder {
 public:
     ImageFolder();

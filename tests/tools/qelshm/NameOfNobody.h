@@ -5,13 +5,15 @@
 /// A hardware manager that is not root.
 #pragma once
 
+#include "reader/GLibPtr.h"
+
 #include <gio/gio.h>
 
 namespace qel::test {
 
 /// Owns the hardware manager's bus name as the user "nobody" for as long as it lives, and serves nothing.
 ///
-/// Threads: while one is made, no other thread may open files or reach the bus.
+/// Threads: thread-bound to the test's main thread; while one is made, no other thread may open files or reach the bus.
 class NameOfNobody {
 public:
     NameOfNobody();
@@ -23,7 +25,7 @@ public:
     bool isOwned() const { return isOwned_; }
 
 private:
-    GDBusConnection* bus_ = nullptr;
+    shm::GObjectPtr<GDBusConnection> bus_;
     bool isOwned_ = false;
 };
 

@@ -4,6 +4,7 @@
 #include "tests/tools/qelshm/QelshmRun.h"
 
 #include "tools/qelshm/app/QelshmApp.h"
+#include "tools/qelshm/verbs/Commands.h"
 
 #include <algorithm>
 #include <iostream>
@@ -40,7 +41,8 @@ QelshmOutcome runQelshm(std::vector<std::string> const& arguments) {
     }
     std::ostringstream out;
     CapturedErrors const errors;
-    auto const status = tools::runQelshm(static_cast<int>(words.size()), words.data(), out);
+    auto const status =
+        tools::runQelshm(static_cast<int>(words.size()), words.data(), out, tools::allCommands());
     return {status, out.str(), errors.text()};
 }
 

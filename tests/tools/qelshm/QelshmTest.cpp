@@ -130,7 +130,7 @@ TEST_F(QelshmTest, NoVerb_NeedsABus) {
 TEST_F(QelshmTest, FullOutput_IsAFailure) {
     auto const outcome = outcomeWithErrors({"sh", "-c", QELSHM " tree >/dev/full"});
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: the output cannot be written\n", outcome.output);
+    EXPECT_EQ("qelshm: cannot write the output\n", outcome.output);
 }
 
 TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
@@ -170,7 +170,7 @@ TEST_F(QelshmWatchTest, UnitThatGoes_IsToldAndTheNextOneIsWatched) {
 
     replay_.signal(SIGTERM);
 
-    ASSERT_TRUE(sut.readUntil("qelshm: waiting, there is no shared-memory object \"QelSharedMemory\""));
+    ASSERT_TRUE(sut.readUntil("qelshm: waiting: there is no shared-memory object QelSharedMemory"));
     ReplayProcess next({"--speed", "20", "--loop", outletsFile});
     EXPECT_TRUE(sut.readUntil("Z  unit1"));
     sut.signal(SIGTERM);
@@ -180,8 +180,8 @@ TEST_F(QelshmWatchTest, UnitThatGoes_IsToldAndTheNextOneIsWatched) {
 TEST(QelshmWatchWaitTest, NoUnit_IsToldAndFailsInTheEnd) {
     auto const outcome = outcomeWithErrors(qelshm({"watch", "--wait", "2"}));
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: waiting, there is no shared-memory object \"QelSharedMemory\"\n"
-              "qelshm: nothing to read after 2 s: there is no shared-memory object \"QelSharedMemory\"\n",
+    EXPECT_EQ("qelshm: waiting: there is no shared-memory object QelSharedMemory\n"
+              "qelshm: no active region after 2 s: there is no shared-memory object QelSharedMemory\n",
               outcome.output);
 }
 
@@ -219,7 +219,7 @@ TEST(QelshmWaitTest, NoWait_LooksOnce) {
 TEST(QelshmWaitTest, RegionThatDoesNotComeInTime_IsToldAndFails) {
     auto const outcome = outcomeWithErrors(qelshm({"--wait", "2", "list"}));
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: waiting, there is no shared-memory object QelSharedMemory\n"
+    EXPECT_EQ("qelshm: waiting: there is no shared-memory object QelSharedMemory\n"
               "qelshm: there is no shared-memory object QelSharedMemory\n",
               outcome.output);
 }
@@ -228,7 +228,7 @@ TEST(QelshmWaitTest, RegionThatStaysInactive_IsToldAndShown) {
     tools::LiveUnit const region;
     auto const outcome = outcomeWithErrors(qelshm({"--wait", "2", "list"}));
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: waiting, the region is not active: its version is 255, not 32\n"
+    EXPECT_EQ("qelshm: waiting: the region is not active: its version is 255, not 32\n"
               "qelshm: warning: the region is not active: its version is 255, not 32\n",
               outcome.output);
 }
@@ -236,7 +236,7 @@ TEST(QelshmWaitTest, RegionThatStaysInactive_IsToldAndShown) {
 TEST(QelshmWaitTest, RegionThatComesInTime_IsRead) {
     TempFile const file(inletFile);
     ChildProcess sut(qelshm({"--wait", longWait, "list"}), ChildProcess::Errors::IntoOutput);
-    ASSERT_TRUE(sut.readUntil("qelshm: waiting, there is no shared-memory object"));
+    ASSERT_TRUE(sut.readUntil("qelshm: waiting: there is no shared-memory object"));
 
     ReplayProcess const replay({"--speed", "0", "--hold", file.path()});
 

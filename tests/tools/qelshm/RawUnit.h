@@ -21,7 +21,7 @@ struct RawReading {
     std::int32_t state;
 };
 
-/// Threads: not shared.
+/// Threads: reentrant.
 class RawUnit {
 public:
     /// Ids of all points that can be reached.

@@ -18,7 +18,7 @@ namespace qel::test {
 /// A child process whose standard input, output and errors are a pseudo terminal of 24 lines of 120
 /// characters. Killed and reaped at the latest when the object goes.
 ///
-/// Threads: not shared.
+/// Threads: reentrant.
 class Terminal {
 public:
     /// @param name what TERM says

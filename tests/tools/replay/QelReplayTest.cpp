@@ -379,7 +379,7 @@ TEST(QelReplayTest, FromRecord_ThatIsWrongPublishesNothing) {
     auto const wrong = outcomeOf(ReplayProcess::command({"--from-record", file.path()}));
     EXPECT_EQ(2, wrong.status);
     EXPECT_EQ("qel-replay: --from-record: cannot read " + file.path() +
-                  ": it is no recording; expected a recorded region; --until ends the replay before a "
+                  ": it is not a capture; expected a recorded region; --until ends the replay before a "
                   "damaged sample\n",
               wrong.output);
     auto const both = outcomeOf(ReplayProcess::command({"--from-record", "x", file.path()}));

@@ -241,7 +241,7 @@ TEST_F(ReplayOptionsTest, RecordWithoutSamples_IsRefused) {
     EXPECT_EQ("--from-record: " + file.path() + " holds no sample; expected one sample at least",
               recordFailureOf({"--from-record", file.path()}));
     EXPECT_EQ("--from-record: cannot read " + inlet_.path() +
-                  ": it is no recording; expected a recorded region; --until ends the replay before a "
+                  ": it is not a capture; expected a recorded region; --until ends the replay before a "
                   "damaged sample",
               recordFailureOf({"--from-record", inlet_.path()}));
 }

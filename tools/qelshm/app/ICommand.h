@@ -17,14 +17,17 @@ class App;
 
 namespace qel::tools {
 
-/// What a verb works with.
+/// What a verb works with. Reentrant.
 struct CommandContext {
     QelshmOptions const& options;
     std::ostream& out;
-    bool hasColor;
-    std::function<void(std::string const&)> tell; ///< a line on standard error
+    bool isColoured;
+    std::function<void(std::string const&)> tell; ///< prints a line on standard error
 };
 
+/// A verb: its options and what it does.
+///
+/// Threads: thread-bound to the main thread.
 class ICommand {
 public:
     ICommand() = default;
@@ -32,11 +35,13 @@ public:
     ICommand& operator=(ICommand const&) = delete;
     virtual ~ICommand() = default;
 
-    /// Adds the verb with its own arguments; they are kept in the command, which must outlive the app.
+    /// Adds the verb with its options to the app. The command receives their arguments and must outlive the app.
+    /// @return the verb
     virtual CLI::App& define(CLI::App& app, OptionalOptions const& optional) = 0;
 
+    /// Runs the verb with the arguments that were parsed.
     /// @return the program's exit status
-    /// Throws std::exception with a line for the user; the exit status is 1 then.
+    /// @throws std::exception with a line for the user; the exit status is 1 then
     virtual int run(CommandContext const& context) = 0;
 };
 

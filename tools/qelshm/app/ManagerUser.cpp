@@ -4,10 +4,10 @@
 #include "tools/qelshm/app/ManagerUser.h"
 
 #include "reader/Deadline.h"
-#include "tools/common/GLib.h"
+#include "reader/GLibPtr.h"
+#include "reader/privateBus.h"
 
 #include <chrono>
-#include <memory>
 
 namespace qel::tools {
 
@@ -15,36 +15,15 @@ namespace {
 
 constexpr std::chrono::milliseconds patience(2000);
 
-struct StringRelease {
-    void operator()(char* text) const { g_free(text); }
-};
-struct VariantRelease {
-    void operator()(GVariant* variant) const { g_variant_unref(variant); }
-};
-using VariantPtr = std::unique_ptr<GVariant, VariantRelease>;
-
-GObjectPtr<GDBusConnection> connect(GCancellable* cancellable) {
-    std::unique_ptr<char, StringRelease> const address(
-        g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SYSTEM, cancellable, nullptr));
-    if (!address) {
-        return nullptr;
-    }
-    // Not the shared connection: that one would stay, and end the process with the bus.
-    constexpr auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    return GObjectPtr<GDBusConnection>(
-        g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, cancellable, nullptr));
-}
-
 } // namespace
 
 std::optional<uid_t> managerUser() {
     shm::Deadline const deadline(patience);
-    auto const bus = connect(deadline.cancellable());
+    auto const bus = shm::privateBus(deadline.cancellable());
     if (!bus) {
         return std::nullopt;
     }
-    VariantPtr const answer(g_dbus_connection_call_sync(
+    shm::GVariantPtr const answer(g_dbus_connection_call_sync(
         bus.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
         "GetConnectionUnixUser", g_variant_new("(s)", "org.qel.HardwareManager"), G_VARIANT_TYPE("(u)"),
         G_DBUS_CALL_FLAGS_NONE, static_cast<int>(patience.count()), deadline.cancellable(), nullptr));

@@ -11,9 +11,9 @@
 
 namespace qel::tools {
 
-/// The user that owns the hardware manager's name on the system bus. None when there is no bus, when nobody owns the name,
-/// and when the bus does not answer within 2 s; none of these is an error. Makes a connection of its own and closes it.
-/// Any thread.
+/// Asks the system bus over a connection of its own. Reentrant.
+/// @return the user that owns the hardware manager's name; none when there is no bus, nobody owns the name or the bus does
+///         not answer within 2 s
 std::optional<uid_t> managerUser();
 
 } // namespace qel::tools

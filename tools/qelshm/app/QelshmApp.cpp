@@ -5,42 +5,28 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/verbs/Commands.h"
+#include "tools/qelshm/terminal/Style.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <unistd.h>
+
+#include <cstddef>
 #include <exception>
-#include <memory>
-#include <utility>
-#include <vector>
 
 namespace qel::tools {
 
-namespace {
-
-using DefinedCommand = std::pair<CLI::App*, std::unique_ptr<ICommand>>;
-
-int runParsed(std::vector<DefinedCommand> const& commands, CommandContext const& context) {
-    for (auto const& [verb, command] : commands) {
-        if (verb->parsed()) {
-            return command->run(context);
-        }
-    }
-    return exitUsage;
-}
-
-} // namespace
-
-int runQelshm(int argc, char const* const* argv, std::ostream& out) {
+int runQelshm(int argc, char const* const* argv, std::ostream& out,
+              std::vector<std::unique_ptr<ICommand>> const& commands) {
     CLI::App app("", "qelshm");
     QelshmOptions options;
     auto const optional = defineQelshmOptions(app, options);
-    std::vector<DefinedCommand> commands;
-    for (auto& command : allCommands()) {
-        auto* const verb = &command->define(app, optional);
-        commands.emplace_back(verb, std::move(command));
+    std::vector<CLI::App const*> verbs;
+    verbs.reserve(commands.size());
+    for (auto const& command : commands) {
+        verbs.push_back(&command->define(app, optional));
     }
     if (auto const status = parseCommandLine(app, argc, argv)) {
         return *status;
@@ -49,11 +35,16 @@ int runQelshm(int argc, char const* const* argv, std::ostream& out) {
         tellError(app, message);
     };
     try {
-        return runParsed(commands, {options, out, hasColor(options), tell});
+        for (std::size_t index = 0; index < verbs.size(); ++index) {
+            if (verbs[index]->parsed()) {
+                return commands[index]->run({options, out, mayColour(options.color, STDOUT_FILENO), tell});
+            }
+        }
     } catch (std::exception const& error) {
         tellError(app, error.what());
         return exitFailure;
     }
+    return exitUsage;
 }
 
 } // namespace qel::tools

@@ -10,29 +10,24 @@
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
 
-#include <unistd.h>
-
-#include <cstdlib>
 #include <set>
-#include <string_view>
 
 namespace qel::tools {
 
 namespace {
 
 constexpr char const* description =
-    "Shows the points and values that a power distribution unit keeps in shared memory.";
+    "Inspects the live data that a power distribution unit keeps in shared memory.";
 
 constexpr char const* footer = R"(Points:
-  By sensor id (0x and hexadecimal digits, or decimal) as list prints it, or by path: unit1/inlet1/circuit2/socket5.
-  The sensor id of a value (its point's id with the value's key in the low 16 bits) stands for that value.
+  A sensor id as list prints it (hexadecimal with 0x, or decimal), or a path: unit1/inlet1/circuit2/socket5.
+  The sensor id of a value (its point's id with the value's key in the low 16 bits) selects that value.
 
-Looking does no harm: the shared memory is copied once and never written, mapped or locked, and nothing
-needs D-Bus.
+Reading is safe: qelshm copies the shared memory once. It never writes, maps or locks it, and it needs no D-Bus.
 
 Exit status:
-  0  all is well
-  1  something was found, or there is nothing to look at; a broken region is shown as far as it is sound
+  0  success
+  1  a finding, no match, or no region to read; the intact parts of a damaged region are printed
   2  wrong arguments
 
 Examples:
@@ -40,11 +35,6 @@ Examples:
   qelshm tree --values --depth 2
   qelshm get unit1/inlet1 "active power"
   qelshm --image saved.img find alarm)";
-
-char const* environment(char const* name) {
-    auto const* const text = std::getenv(name);
-    return text != nullptr ? text : "";
-}
 
 } // namespace
 
@@ -56,33 +46,24 @@ OptionalOptions defineQelshmOptions(CLI::App& app, QelshmOptions& options) {
     app.fallthrough();
     OptionalOptions optional{};
     optional.image = app.add_option("--image", options.image,
-                                    "Look at a file that dump has written, in place of "
-                                    "the live object")
+                                    "Read an image file that dump wrote instead of the live object")
                          ->check([](std::string const& file) {
-                             return file.empty() ? std::string("a file is needed") : std::string();
+                             return file.empty() ? std::string("missing file name") : std::string();
                          })
                          ->type_name("FILE");
-    optional.wait = app.add_option("--wait", options.wait, "Wait so long for an active region, 0 to 600")
+    optional.wait = app.add_option("--wait", options.wait, "Longest wait for an active region, 0 to 600")
                         ->check(CLI::Range(0U, longestWait).description(""))
                         ->type_name("SECONDS")
                         ->excludes(optional.image);
-    optional.json = app.add_flag("--json", options.isJson, "Write JSON");
-    app.add_option("--color", options.color, "Colour by state: auto (on a terminal), always or never")
+    optional.json = app.add_flag("--json", options.isJson, "Print JSON");
+    app.add_option("--color", options.color, "Colour states: auto (on a terminal), always or never")
         ->check(CLI::IsMember(std::set<std::string>{"auto", "always", "never"}).description(""))
         ->type_name("WHEN")
         ->capture_default_str();
-    app.add_option("--now", options.now, "Time that ages count from, in ms since 1970 UTC")
-        ->group(""); // not shown: for comparisons with what was printed before
+    app.add_option("--now", options.now, "Reference time of ages, in ms since 1970 UTC")
+        ->group(""); // hidden: for comparisons with earlier output
     addVersionOption(app);
     return optional;
-}
-
-bool hasColor(QelshmOptions const& options) {
-    if (options.color != "auto") {
-        return options.color == "always";
-    }
-    return isatty(STDOUT_FILENO) == 1 && std::string_view(environment("NO_COLOR")).empty() &&
-           std::string_view(environment("TERM")) != "dumb";
 }
 
 } // namespace qel::tools

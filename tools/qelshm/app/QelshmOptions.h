@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What all verbs of qelshm have in common on the command line.
+/// Options that the verbs have in common.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,27 +17,30 @@ class Option;
 
 namespace qel::tools {
 
+/// What the command line says before it comes to a verb's own options. Reentrant.
 struct QelshmOptions {
-    std::string image;            ///< file to look at in place of the live object, "" for none
+    std::string image;            ///< file to read instead of the live object; "" for none
     std::optional<unsigned> wait; ///< s
     bool isJson = false;
     std::string color = "auto";       ///< "auto", "always" or "never"
-    std::optional<std::uint64_t> now; ///< ms since 1970 UTC that ages count from, in place of the clock
+    std::optional<std::uint64_t> now; ///< ms since 1970 UTC: reference time of ages instead of the clock
 };
 
-/// The options that not every verb takes.
+/// The options that not every verb takes. Reentrant.
 struct OptionalOptions {
     CLI::Option* image;
     CLI::Option* wait;
     CLI::Option* json;
 };
 
-/// Describes the program and these options to the app.
+/// Describes the program and the common options to the app. Reentrant.
 /// @param options receives the arguments; must outlive app
 OptionalOptions defineQelshmOptions(CLI::App& app, QelshmOptions& options);
 
-/// Whether standard output shall be coloured: what --color says, and by itself only on a terminal that can, unless
-/// NO_COLOR is set.
-bool hasColor(QelshmOptions const& options);
+/// Converts the argument of an option, rounded towards zero. Reentrant.
+template <typename Duration = std::chrono::steady_clock::duration>
+Duration secondsAs(double seconds) {
+    return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(seconds));
+}
 
 } // namespace qel::tools

@@ -4,12 +4,14 @@
 #include "tools/qelshm/app/RegionInput.h"
 
 #include "tools/qelshm/app/ManagerUser.h"
+#include "tools/qelshm/app/RegionWait.h"
 
 #include "inspect/check/ObjectCheck.h"
 #include "inspect/image/ImageFile.h"
-#include "inspect/image/RegionStatus.h"
 #include "inspect/naming/PointPath.h"
 
+#include <chrono>
+#include <optional>
 #include <system_error>
 #include <thread>
 
@@ -17,7 +19,7 @@ namespace qel::tools {
 
 namespace {
 
-constexpr std::size_t mostProblems = 10; ///< so many are told one by one
+constexpr std::size_t mostProblems = 10; ///< that are told one by one
 
 std::uint64_t systemTime() {
     auto const sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
@@ -37,33 +39,23 @@ std::string slotText(inspect::SlotKind kind, std::uint32_t pos) {
     return {};
 }
 
-std::string cutText(inspect::Cut const& cut) {
+std::string cutText(inspect::SkippedLink const& cut) {
     bool const isValue = cut.field == inspect::LinkField::Values || cut.fromKind == inspect::SlotKind::Value;
     auto const target = isValue ? inspect::SlotKind::Value : inspect::SlotKind::Point;
-    return slotText(cut.fromKind, cut.fromPos) + ": " + inspect::fieldName(cut.field) + " leads to " +
-           slotText(target, cut.toPos) + ", which stands elsewhere already; not followed";
+    return slotText(cut.fromKind, cut.fromPos) + ": " + inspect::fieldName(cut.field) + " links to " +
+           slotText(target, cut.toPos) + ", which is linked elsewhere already; link ignored";
 }
 
-std::string conditionSentence(inspect::RegionStatus const& status) {
-    switch (status.condition) {
-    case inspect::Condition::Absent:
-        return std::string("there is no shared-memory object ") + shm::REGION_NAME;
-    case inspect::Condition::Unreadable:
-        return std::string("the shared-memory object ") + shm::REGION_NAME +
-               " cannot be read: " + inspect::openingProblem(status.source);
-    case inspect::Condition::Replaced:
-        return "the object was replaced or removed while it was read; this is what was left in it";
-    case inspect::Condition::TooShort:
-        return "only " + std::to_string(status.size) + " of " + std::to_string(shm::REGION_SIZE) +
-               " bytes are there";
-    case inspect::Condition::Inactive:
-        return "the region is not active: its version is " + std::to_string(status.version) + ", not " +
-               std::to_string(shm::ACTIVE_VERSION);
-    case inspect::Condition::Silent:
-    case inspect::Condition::Active:
-        return {};
+RegionInput awaitActive(RegionWait wait) {
+    for (;;) {
+        auto input = liveInput();
+        auto const problem = conditionProblem(input);
+        wait.note(problem);
+        if (problem.empty() || wait.isOver()) {
+            return input;
+        }
+        std::this_thread::sleep_for(RegionWait::interval);
     }
-    return {};
 }
 
 } // namespace
@@ -87,25 +79,12 @@ RegionInput liveInput() {
     return input;
 }
 
-RegionInput awaitActive(std::chrono::seconds longest, std::function<void(std::string const&)> const& tell) {
-    using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds interval(50);
-    constexpr std::chrono::milliseconds patience(500); // nothing is told about waits that are shorter
-    auto const start = Clock::now();
-    std::string told;
-    for (;;) {
-        auto input = liveInput();
-        auto const problem = conditionProblem(input);
-        auto const waited = Clock::now() - start;
-        if (problem.empty() || waited >= longest) {
-            return input;
-        }
-        if (waited >= patience && told != problem) {
-            told = problem;
-            tell("waiting, " + problem);
-        }
-        std::this_thread::sleep_for(interval);
-    }
+RegionInput openInput(QelshmOptions const& options, std::function<void(std::string const&)> const& tell) {
+    auto input = options.image.empty()
+                     ? awaitActive(RegionWait(std::chrono::seconds(options.wait.value_or(0)), tell))
+                     : fileInput(options.image);
+    input.now = options.now.value_or(input.now);
+    return input;
 }
 
 inspect::Findings objectFindings(RegionInput const& input) {
@@ -123,27 +102,48 @@ void requireOpened(RegionInput const& input) {
     }
 }
 
+std::string conditionProblem(inspect::RegionStatus const& status) {
+    auto const object = std::string("shared-memory object ") + shm::REGION_NAME;
+    switch (status.condition) {
+    case inspect::Condition::Absent:
+        return "there is no " + object;
+    case inspect::Condition::Unreadable:
+        return "cannot read the " + object + ": " + inspect::openingProblem(status.source);
+    case inspect::Condition::Replaced:
+        return "the " + object + " was replaced or removed during the read";
+    case inspect::Condition::TooShort:
+        return "the region is too short: " + std::to_string(status.size) + " of " +
+               std::to_string(shm::REGION_SIZE) + " bytes";
+    case inspect::Condition::Inactive:
+        return "the region is not active: its version is " + std::to_string(status.version) + ", not " +
+               std::to_string(shm::ACTIVE_VERSION);
+    case inspect::Condition::Silent:
+    case inspect::Condition::Active:
+        break;
+    }
+    return {};
+}
+
 std::string conditionProblem(RegionInput const& input) {
-    return conditionSentence(inspect::regionStatus(input.source, input.image, input.now, std::nullopt));
+    return conditionProblem(inspect::regionStatus(input.source, input.image, input.now, std::nullopt));
 }
 
 std::vector<std::string> treeProblems(inspect::Image const& image, inspect::PointTree const& tree) {
     std::vector<std::string> problems;
-    for (auto const& cut : tree.cuts()) {
+    for (auto const& cut : tree.skippedLinks()) {
         problems.push_back(cutText(cut));
     }
     for (auto const& node : tree.nodes()) {
         auto const& point = image.region().points[node.pos];
         if (point.pos != node.pos) {
-            problems.push_back(slotText(inspect::SlotKind::Point, node.pos) + ": " +
-                               inspect::pointPath(point.guid) + " says that it is in slot " +
-                               std::to_string(point.pos));
+            problems.push_back(slotText(inspect::SlotKind::Point, node.pos) + ": pos of " +
+                               inspect::pointPath(point.guid) + " is " + std::to_string(point.pos));
         }
     }
     if (problems.size() > mostProblems) {
         auto const more = problems.size() - mostProblems;
         problems.resize(mostProblems);
-        problems.push_back("and " + std::to_string(more) + " more of the kind");
+        problems.push_back("and " + std::to_string(more) + " more problems");
     }
     return problems;
 }

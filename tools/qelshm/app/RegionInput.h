@@ -2,15 +2,17 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Where the verbs get their image from.
+/// The region that a verb works on, and what is wrong with it.
 #pragma once
+
+#include "tools/qelshm/app/QelshmOptions.h"
 
 #include "inspect/check/Finding.h"
 #include "inspect/image/Image.h"
 #include "inspect/image/LiveRegion.h"
 #include "inspect/image/PointTree.h"
+#include "inspect/image/RegionStatus.h"
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <stdexcept>
@@ -19,13 +21,13 @@
 
 namespace qel::tools {
 
-/// There is nothing to look at; one line for the user.
+/// There is no region to read; what() is one line for the user.
 class NothingThereError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// A copy of a region and where it is from.
+/// A copy of a region and its origin. Reentrant.
 struct RegionInput {
     inspect::Image image;
     inspect::RegionSource source;
@@ -33,29 +35,37 @@ struct RegionInput {
     std::uint64_t now = 0; ///< ms since 1970 UTC
 };
 
-/// Reads a file with an image. Throws inspect::ImageFileError. Any thread.
+/// Reads an image file. Reentrant.
+/// @throws inspect::ImageFileError
 RegionInput fileInput(std::string const& file);
 
-/// Copies the live object. One that cannot be opened or read is told by source.
+/// Copies the live object. The source says if it cannot be opened or read. Reentrant.
 RegionInput liveInput();
 
-/// Copies the live object as soon as it is active, or what there is when the time is up.
-/// @param tell called with what is waited for, when that takes more than a moment
-RegionInput awaitActive(std::chrono::seconds longest, std::function<void(std::string const&)> const& tell);
+/// Reads the image file or the live object that the options name. Waits for an active live object as long as the options
+/// allow, then takes what is there. Reentrant.
+/// @param tell called with a line when the wait lasts longer than a moment
+/// @throws inspect::ImageFileError
+RegionInput openInput(QelshmOptions const& options, std::function<void(std::string const&)> const& tell);
 
-/// What of the live object tells that somebody else than the rightful writer made it or may change it; empty for an image
-/// and when there is no object. Asks the bus for the hardware manager's user, but only when that matters.
+/// Checks who owns the live object and who may change it. Asks the bus for the hardware manager's user, but only if root
+/// does not own the object. Reentrant.
+/// @return findings; none for an image file or an absent object
 inspect::Findings objectFindings(RegionInput const& input);
 
-/// Throws NothingThereError when the live object could not be opened. Any thread.
+/// Requires an image file or a live object that could be opened. Reentrant.
+/// @throws NothingThereError
 void requireOpened(RegionInput const& input);
 
-/// Why the region is not to be relied on as a whole, "" when it is active: absent, replaced, too short or inactive. Any
-/// thread.
+/// Says why a region as a whole is not reliable. Reentrant.
+/// @return the problem without a full stop; "" for an active or silent region
+std::string conditionProblem(inspect::RegionStatus const& status);
+
+/// The same for an input. Reentrant.
 std::string conditionProblem(RegionInput const& input);
 
-/// Links that were not followed, and points that say they are in another slot; a line each, the last one a count when
-/// there are many. Any thread.
+/// Lists links that were ignored and points whose own position is wrong. Reentrant.
+/// @return a line for each, the last one a count when there are many
 std::vector<std::string> treeProblems(inspect::Image const& image, inspect::PointTree const& tree);
 
 } // namespace qel::tools

@@ -7,11 +7,13 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <ctime>
 #include <system_error>
 
-namespace qel::watch {
+namespace qel::tools {
 
 namespace {
 
@@ -24,7 +26,21 @@ sigset_t stopSet() {
     return set;
 }
 
+/// The time that is left, not negative.
+std::timespec timeUntil(StopSignals::Moment moment) {
+    using std::chrono::nanoseconds;
+    auto const left = std::max(
+        std::chrono::duration_cast<nanoseconds>(moment - std::chrono::steady_clock::now()), nanoseconds(0));
+    auto const seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    return {static_cast<std::time_t>(seconds.count()), static_cast<long>((left - seconds).count())};
+}
+
 } // namespace
+
+struct StopSignals::Wake {
+    bool isStop;
+    bool isOver; ///< the time
+};
 
 StopSignals::StopSignals() {
     auto const set = stopSet();
@@ -44,13 +60,27 @@ StopSignals::~StopSignals() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-bool StopSignals::wait(std::chrono::milliseconds time, int descriptor, bool isInputAwaited) const {
-    short const awaited = isInputAwaited ? POLLIN : 0;
-    std::array<pollfd, 2> descriptors{{{signals_.number(), POLLIN, 0}, {descriptor, awaited, 0}}};
-    if (::poll(descriptors.data(), descriptors.size(), static_cast<int>(time.count())) <= 0) {
-        return false; // in vain, or another signal was handled
+StopSignals::Wake StopSignals::wait(Moment moment, int descriptor, short events) const {
+    std::array<pollfd, 2> descriptors{{{signals_.number(), POLLIN, 0}, {descriptor, events, 0}}};
+    auto const time = timeUntil(moment);
+    int const ready = ::ppoll(descriptors.data(), descriptors.size(), &time, nullptr);
+    if (ready <= 0) {
+        return {false, ready == 0};
     }
-    return descriptors[0].revents != 0 || (descriptors[1].revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
+    constexpr short gone = POLLERR | POLLHUP | POLLNVAL;
+    return {descriptors[0].revents != 0 || (descriptors[1].revents & gone) != 0, false};
 }
 
-} // namespace qel::watch
+bool StopSignals::waitUntil(Moment moment, int output) const {
+    Wake wake{};
+    while (!wake.isStop && !wake.isOver) {
+        wake = wait(moment, output, 0);
+    }
+    return wake.isStop;
+}
+
+bool StopSignals::waitForInput(Moment moment, int input) const {
+    return wait(moment, input, POLLIN).isStop;
+}
+
+} // namespace qel::tools

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Signals that end a watch.
+/// Waiting until the user stops the program.
 #pragma once
 
 #include "inspect/image/FileDescriptor.h"
@@ -11,30 +11,39 @@
 
 #include <csignal>
 
-namespace qel::watch {
+namespace qel::tools {
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP do not end the thread's process but a wait, so that the terminal can be
-/// given back in order.
+/// While it lives, SIGINT, SIGTERM and SIGHUP end a wait instead of the process, so that files and the terminal are left
+/// in order.
 ///
-/// Threads: bound to the thread that made it; others must have these signals blocked.
+/// Threads: thread-bound to the thread that made it; all others must block these signals.
 class StopSignals {
 public:
-    /// Throws std::system_error.
+    using Moment = std::chrono::steady_clock::time_point;
+
+    /// @throws std::system_error
     StopSignals();
-    /// Signals that have come are forgotten.
+    /// Discards signals that have come and restores the signal mask.
     ~StopSignals();
     StopSignals(StopSignals const&) = delete;
     StopSignals& operator=(StopSignals const&) = delete;
 
-    /// Waits for a time, or until one of the signals comes, another signal is handled, or the descriptor has input.
-    /// @param descriptor      of standard input or output
-    /// @param isInputAwaited  false to look for nothing but that the other end is gone
-    /// @return whether to stop: one of the signals, or the other end of the descriptor is gone
-    bool wait(std::chrono::milliseconds time, int descriptor, bool isInputAwaited) const;
+    /// Waits until the moment, a stop signal, or until the reader of an output is gone.
+    /// @param output descriptor to observe; none if negative
+    /// @return whether to stop
+    bool waitUntil(Moment moment, int output = -1) const;
+
+    /// Waits until the moment, a stop signal, input or another signal, such as that of a resized terminal.
+    /// @param input descriptor to observe
+    /// @return whether to stop: a stop signal, or the input has ended
+    bool waitForInput(Moment moment, int input) const;
 
 private:
+    struct Wake;
+    Wake wait(Moment moment, int descriptor, short events) const;
+
     sigset_t before_{};
     inspect::FileDescriptor signals_;
 };
 
-} // namespace qel::watch
+} // namespace qel::tools

@@ -6,7 +6,12 @@
 #include "inspect/naming/StateClass.h"
 #include "region/TableLookup.h"
 
+#include <curses.h>
+#include <term.h> // after curses.h
+#include <unistd.h>
+
 #include <array>
+#include <cstdlib>
 
 namespace qel::tools {
 
@@ -20,6 +25,18 @@ constexpr std::array<shm::TextRow<Style>, 6> renditions{{{Style::Plain, ""},
                                                          {Style::Alarm, "31"},
                                                          {Style::Busy, "35"}}};
 static_assert(shm::isSortedByCode(renditions));
+
+/// By the terminal's own description; false if there is none.
+bool knowsColours(int terminal) {
+    constexpr int leastColours = 8;
+    int error = 0;
+    if (setupterm(nullptr, terminal, &error) != OK) {
+        return false;
+    }
+    bool const isKnown = tigetnum("colors") >= leastColours;
+    del_curterm(cur_term);
+    return isKnown;
+}
 
 } // namespace
 
@@ -53,6 +70,14 @@ std::string styled(std::string_view text, Style style) {
         .append("m")
         .append(text)
         .append("\x1b[0m");
+}
+
+bool mayColour(std::string_view choice, int descriptor) {
+    if (choice != "auto") {
+        return choice == "always";
+    }
+    char const* const refused = std::getenv("NO_COLOR");
+    return (refused == nullptr || *refused == '\0') && isatty(descriptor) == 1 && knowsColours(descriptor);
 }
 
 } // namespace qel::tools

@@ -13,19 +13,26 @@
 
 namespace qel::tools {
 
+/// How a text stands out.
 enum class Style : std::uint8_t {
     Plain,
     Good,    ///< green: on, all well
-    Faint,   ///< off, disabled, or nothing delivered yet
+    Faint,   ///< off, disabled, or no value yet
     Warning, ///< yellow
-    Alarm,   ///< red: alarms, what is lost, failed updates
-    Busy,    ///< magenta: an update or a switching under way
+    Alarm,   ///< red: alarms, losses, failed updates
+    Busy,    ///< magenta: updating or switching
 };
 
-/// The style of a state; Plain for a number that is no state. Any thread.
+/// Reentrant.
+/// @return the style of a state; Plain for a number that is no state
 Style stateStyle(eStatus_Bits state);
 
-/// The text between the terminal's control sequences for a style; Plain needs none. Any thread.
+/// Puts a text between the control sequences of a style; Plain has none. Reentrant.
 std::string styled(std::string_view text, Style style);
+
+/// Decides whether output is coloured. Thread-bound to the main thread, because it uses the terminal library.
+/// @param choice     "always", "never" or "auto": on a terminal that knows colours, unless NO_COLOR is set and not empty
+/// @param descriptor of the output
+bool mayColour(std::string_view choice, int descriptor);
 
 } // namespace qel::tools

@@ -4,12 +4,20 @@
 #include "tools/qelshm/terminal/TextTable.h"
 
 #include "tools/common/SafeText.h"
-#include "tools/qelshm/terminal/Output.h"
-#include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/terminal/Utf8Text.h"
 
 #include <algorithm>
+#include <ostream>
+#include <stdexcept>
 
 namespace qel::tools {
+
+void writeOutput(std::ostream& out, std::string_view text) {
+    out << text << std::flush;
+    if (!out) {
+        throw std::runtime_error("cannot write the output");
+    }
+}
 
 void TextTable::add(std::size_t layout, std::vector<Cell> cells) {
     widths_.resize(std::max(widths_.size(), layout + 1));
@@ -18,7 +26,7 @@ void TextTable::add(std::size_t layout, std::vector<Cell> cells) {
     for (std::size_t column = 0; column < cells.size(); ++column) {
         auto& text = cells[column].text;
         text = safeText(text);
-        widths[column] = std::max(widths[column], watch::widthOf(text));
+        widths[column] = std::max(widths[column], widthOf(text));
     }
     while (!cells.empty() && cells.back().text.empty()) {
         cells.pop_back();
@@ -26,15 +34,15 @@ void TextTable::add(std::size_t layout, std::vector<Cell> cells) {
     rows_.push_back({layout, std::move(cells)});
 }
 
-void TextTable::print(std::ostream& out, bool hasColor) const {
+void TextTable::print(std::ostream& out, bool isColoured) const {
     std::string lines;
     for (auto const& row : rows_) {
         for (std::size_t column = 0; column < row.cells.size(); ++column) {
             auto const& cell = row.cells[column];
             bool const isLast = column + 1 == row.cells.size();
             auto const width = widths_[row.layout][column] + 2;
-            lines.append(hasColor ? styled(cell.text, cell.style) : cell.text)
-                .append(isLast ? 0 : width - watch::widthOf(cell.text), ' ');
+            lines.append(isColoured ? styled(cell.text, cell.style) : cell.text)
+                .append(isLast ? 0 : width - widthOf(cell.text), ' ');
         }
         lines += '\n';
     }

@@ -10,30 +10,39 @@
 #include <cstddef>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace qel::tools {
 
-/// A piece of a line. Converts from text, so that rows can be written as lists.
+/// A piece of a line. Converts from text, so that rows can be written as lists. Reentrant.
 struct Cell {
     // NOLINTNEXTLINE(google-explicit-constructor): a plain text is a cell
-    Cell(std::string content, Style look = Style::Plain) : text(std::move(content)), style(look) {}
+    Cell(std::string content, Style of = Style::Plain) : text(std::move(content)), style(of) {}
     // NOLINTNEXTLINE(google-explicit-constructor): a plain text is a cell
     Cell(char const* content) : text(content) {}
 
-    std::string text; ///< control characters and broken UTF-8 are escaped when it is printed
+    std::string text; ///< a table escapes control characters and invalid UTF-8
     Style style = Style::Plain;
 };
 
-/// Rows of several layouts; the columns of each layout are as wide as its longest texts. Threads: not shared.
+/// Writes a text and flushes. Reentrant.
+/// @throws std::runtime_error when it cannot be written
+void writeOutput(std::ostream& out, std::string_view text);
+
+/// Rows of several layouts; the columns of each layout are as wide as its longest texts.
+///
+/// Threads: reentrant.
 class TextTable {
 public:
-    /// @param layout small numbers from 0; rows of one layout share their columns
+    /// Appends a row.
+    /// @param layout a small number from 0; rows of one layout share their columns
     void add(std::size_t layout, std::vector<Cell> cells);
 
-    /// Two blanks between columns, none at the end of a line.
-    void print(std::ostream& out, bool hasColor) const;
+    /// Writes the rows with two blanks between columns and none at the end of a line.
+    /// @throws std::runtime_error when they cannot be written
+    void print(std::ostream& out, bool isColoured) const;
 
 private:
     struct Row {
@@ -42,7 +51,7 @@ private:
     };
 
     std::vector<Row> rows_;
-    std::vector<std::vector<std::size_t>> widths_; // by layout and column, in characters
+    std::vector<std::vector<std::size_t>> widths_; ///< by layout and column, in characters
 };
 
 } // namespace qel::tools

@@ -5,7 +5,6 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/qelshm/terminal/TextTable.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/check/RegionCheck.h"
@@ -25,7 +24,7 @@ std::string nameOf(FindingCode code) {
     return std::string(kindOf(code).name);
 }
 
-/// A line for each finding, then what each kind of them means.
+/// A line for each finding, then an explanation of each kind.
 void printText(Findings const& findings, CommandContext const& context) {
     TextTable table;
     std::vector<FindingCode> codes;
@@ -48,19 +47,19 @@ void printText(Findings const& findings, CommandContext const& context) {
         table.add(1, {nameOf(code) + ": " + std::string(kindOf(code).explanation)});
     }
     if (findings.empty()) {
-        table.add(0, {"Nothing: the region is sound"});
+        table.add(0, {"No damage or inconsistencies"});
     }
-    table.print(context.out, context.hasColor);
+    table.print(context.out, context.isColoured);
 }
 
 } // namespace
 
 CLI::App& CheckCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
-    return *app.add_subcommand("check", "Tell what in the region is not as a writer leaves it");
+    return *app.add_subcommand("check", "Report damage and inconsistencies");
 }
 
 int CheckCommand::run(CommandContext const& context) {
-    auto const input = openInput(context);
+    auto const input = openInput(context.options, context.tell);
     requireOpened(input);
     auto findings = objectFindings(input);
     auto const ofRegion = input.file.empty()

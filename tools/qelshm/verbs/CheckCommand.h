@@ -9,14 +9,16 @@
 
 namespace qel::tools {
 
-/// Holds the region against everything that the layout and the writer promise, and a live object against what a rightful
-/// writer makes of it. What a live region shows once only, because
-/// it was being written, does not count.
+/// Checks the region against the layout and the writer's rules, and a live object for its owner, mode and names. Ignores
+/// findings that a second copy of the live region does not confirm: they were writes under way.
+///
+/// Threads: thread-bound to the main thread.
 class CheckCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Status 1 when something is damaged. Throws NothingThereError.
+    /// @return 1 when there is damage
+    /// @throws NothingThereError
     int run(CommandContext const& context) override;
 };
 

@@ -8,7 +8,6 @@
 #include "tools/qelshm/verbs/DiffCommand.h"
 #include "tools/qelshm/verbs/DumpCommand.h"
 #include "tools/qelshm/verbs/FindCommand.h"
-#include "tools/qelshm/verbs/GetCommand.h"
 #include "tools/qelshm/verbs/HzCommand.h"
 #include "tools/qelshm/verbs/ListCommand.h"
 #include "tools/qelshm/verbs/RecordCommand.h"
@@ -23,8 +22,8 @@ std::vector<std::unique_ptr<ICommand>> allCommands() {
     std::vector<std::unique_ptr<ICommand>> commands;
     commands.push_back(std::make_unique<StatusCommand>());
     commands.push_back(std::make_unique<TreeCommand>());
-    commands.push_back(std::make_unique<ListCommand>());
-    commands.push_back(std::make_unique<GetCommand>());
+    commands.push_back(std::make_unique<ListCommand>(ListCommand::Verb::List));
+    commands.push_back(std::make_unique<ListCommand>(ListCommand::Verb::Get));
     commands.push_back(std::make_unique<FindCommand>());
     commands.push_back(std::make_unique<CheckCommand>());
     commands.push_back(std::make_unique<WhyCommand>());

@@ -12,7 +12,7 @@
 
 namespace qel::tools {
 
-/// Every verb, in the order in which --help lists them.
+/// Creates the verbs in the order of the help. Reentrant.
 std::vector<std::unique_ptr<ICommand>> allCommands();
 
 } // namespace qel::tools

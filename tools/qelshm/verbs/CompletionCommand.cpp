@@ -4,7 +4,7 @@
 #include "tools/qelshm/verbs/CompletionCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/terminal/Output.h"
+#include "tools/qelshm/terminal/TextTable.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -19,13 +19,13 @@ namespace qel::tools {
 
 namespace {
 
-/// Verbs whose arguments are points, and verbs whose arguments are files.
+// Arguments by whose names a verb takes points or files.
 constexpr std::string_view pointArgument = "POINT";
 constexpr std::string_view fileArgument = "FILE";
 
 constexpr char const* header = "# bash completion for qelshm; made by \"qelshm completion bash\"\n\n";
 
-// Points are asked for when they are needed, of the image that the line names.
+// Points come from the image that the line names, at the time of completion.
 constexpr char const* beforeWords = R"bash(_qelshm() {
     local word=${COMP_WORDS[COMP_CWORD]} before='' verb='' image=() index
     COMPREPLY=()
@@ -68,7 +68,7 @@ bool isShown(CLI::Option const& option) {
     return !option.get_group().empty() && !option.get_lnames().empty();
 }
 
-/// The options of an app as words, "--json --color"; those alone that take a value, if asked for.
+/// The options of an app as words, "--json --color"; if wanted, only those that take a value.
 std::string optionWords(CLI::App const& app, bool takingValue) {
     std::string words;
     for (auto const* const option : app.get_options()) {
@@ -138,9 +138,8 @@ void printWords(std::ostream& out, Verbs const& verbs) {
 
 CLI::App& CompletionCommand::define(CLI::App& app, OptionalOptions const& optional) {
     app_ = &app;
-    auto& verb =
-        *app.add_subcommand("completion", "Print the script that completes qelshm's words in a shell");
-    verb.add_option("SHELL", shell_, "The shell: bash")
+    auto& verb = *app.add_subcommand("completion", "Print a shell completion script");
+    verb.add_option("SHELL", shell_, "Shell: bash")
         ->required()
         ->check(CLI::IsMember(std::set<std::string>{"bash"}).description(""))
         ->type_name("");

@@ -11,7 +11,9 @@
 
 namespace qel::tools {
 
-/// Prints a script that completes qelshm's verbs and options, and the points of the live unit, in a shell.
+/// Prints a script that completes verbs, options, files and the points of the live unit in a shell.
+///
+/// Threads: thread-bound to the main thread.
 class CompletionCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

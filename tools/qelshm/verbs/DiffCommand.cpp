@@ -63,14 +63,14 @@ std::string sideText(DifferenceSide const& side, Difference const& difference) {
         side);
 }
 
-/// As many digits as tell the number from every other one.
+/// The shortest digits that identify the number.
 std::string exactText(double number) {
     std::array<char, 32> text{};
     auto const result = std::to_chars(text.data(), text.data() + text.size(), number);
     return {text.data(), result.ptr};
 }
 
-/// Both sides; numbers that look the same in their unit are told apart.
+/// Both sides; numbers that look the same in their unit get all their digits.
 std::pair<std::string, std::string> sideTexts(Difference const& difference) {
     std::pair<std::string, std::string> texts{sideText(difference.before, difference),
                                               sideText(difference.after, difference)};
@@ -121,9 +121,9 @@ Json jsonDifference(Difference const& difference) {
 } // namespace
 
 CLI::App& DiffCommand::define(CLI::App& app, OptionalOptions const& optional) {
-    auto& verb = *app.add_subcommand("diff", "Tell what differs between two images");
-    verb.add_option("FILE_A", before_, "Image file, or live")->required()->type_name("");
-    verb.add_option("FILE_B", after_, "Image file, or live")->required()->type_name("");
+    auto& verb = *app.add_subcommand("diff", "Compare two images");
+    verb.add_option("FILE_A", before_, "Image file, or live for the live object")->required()->type_name("");
+    verb.add_option("FILE_B", after_, "Image file, or live for the live object")->required()->type_name("");
     verb.excludes(optional.image);
     verb.excludes(optional.wait);
     return verb;
@@ -152,7 +152,7 @@ int DiffCommand::run(CommandContext const& context) {
                           {beforeText, sideStyle(difference.before)},
                           {afterText, sideStyle(difference.after)}});
         }
-        table.print(context.out, context.hasColor);
+        table.print(context.out, context.isColoured);
     }
     return found.empty() ? exitSuccess : exitFailure;
 }

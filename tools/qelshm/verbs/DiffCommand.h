@@ -11,12 +11,15 @@
 
 namespace qel::tools {
 
-/// What differs between two images, or between one and the live object.
+/// Compares two images, or an image and the live object.
+///
+/// Threads: thread-bound to the main thread.
 class DiffCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Status 1 when there are differences. Throws NothingThereError, inspect::ImageFileError.
+    /// @return 1 when there are differences
+    /// @throws NothingThereError, inspect::ImageFileError
     int run(CommandContext const& context) override;
 
 private:

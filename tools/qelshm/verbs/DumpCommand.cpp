@@ -5,7 +5,6 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/common/SafeText.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/image/ImageFile.h"
@@ -15,13 +14,13 @@
 namespace qel::tools {
 
 CLI::App& DumpCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
-    auto& verb = *app.add_subcommand("dump", "Save an exact image of the region, for --image");
-    verb.add_option("FILE", file_, "File to write; one that exists is replaced")->required()->type_name("");
+    auto& verb = *app.add_subcommand("dump", "Save an exact image of the region for --image");
+    verb.add_option("FILE", file_, "Output file; an existing file is replaced")->required()->type_name("");
     return verb;
 }
 
 int DumpCommand::run(CommandContext const& context) {
-    auto const input = openInput(context);
+    auto const input = openInput(context.options, context.tell);
     requireOpened(input);
     inspect::writeImage(input.image, file_);
     if (context.options.isJson) {

@@ -11,12 +11,14 @@
 
 namespace qel::tools {
 
-/// Writes the region's bytes to a file exactly as they are, whatever they say.
+/// Saves the region's bytes to a file as they are.
+///
+/// Threads: thread-bound to the main thread.
 class DumpCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Throws NothingThereError, inspect::ImageFileError.
+    /// @throws NothingThereError, inspect::ImageFileError
     int run(CommandContext const& context) override;
 
 private:

@@ -5,6 +5,7 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/qelshm/terminal/TextTable.h"
+#include "tools/qelshm/terminal/Utf8Text.h"
 #include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/naming/StateText.h"
@@ -12,8 +13,6 @@
 
 #include <CLI/App.hpp>
 
-#include <algorithm>
-#include <cctype>
 #include <optional>
 #include <string_view>
 
@@ -29,18 +28,13 @@ struct Field {
 struct Match {
     PointFacts point;
     std::optional<ValueFacts> value; ///< none when it is the point that matches
-    std::vector<std::string> fields; ///< that the text occurs in
+    std::vector<std::string> fields; ///< that contain the text
 };
-
-bool isSameLetter(char left, char right) {
-    return std::tolower(static_cast<unsigned char>(left)) == std::tolower(static_cast<unsigned char>(right));
-}
 
 std::vector<std::string> fieldsWith(std::string_view text, std::vector<Field> const& fields) {
     std::vector<std::string> names;
     for (auto const& field : fields) {
-        if (std::search(field.text.begin(), field.text.end(), text.begin(), text.end(), isSameLetter) !=
-            field.text.end()) {
+        if (containsIgnoringCase(field.text, text)) {
             names.emplace_back(field.name);
         }
     }
@@ -89,7 +83,7 @@ Json jsonMatch(Match const& match, std::uint64_t now) {
 } // namespace
 
 CLI::App& FindCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
-    auto& verb = *app.add_subcommand("find", "Print the points and values that a text occurs in");
+    auto& verb = *app.add_subcommand("find", "Search points and values for a text");
     verb.add_option("TEXT", text_, "Part of a path, sensor id, key name, type or state")
         ->required()
         ->type_name("");
@@ -110,7 +104,7 @@ int FindCommand::show(RegionView const& view, CommandContext const& context) {
         for (auto const& match : matches) {
             addLine(table, match);
         }
-        table.print(context.out, context.hasColor);
+        table.print(context.out, context.isColoured);
     }
     return matches.empty() ? exitFailure : exitSuccess;
 }

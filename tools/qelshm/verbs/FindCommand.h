@@ -11,14 +11,16 @@
 
 namespace qel::tools {
 
-/// Points and values that a text occurs in, upper and lower case being the same: in a point's path, id, type or state;
-/// in a value's id, key name or state.
+/// Searches the path, id, type and state of points and the id, key name and state of values for a text. Upper and lower
+/// case are the same.
+///
+/// Threads: thread-bound to the main thread.
 class FindCommand : public ImageCommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
 protected:
-    /// Status 1 when the text occurs nowhere.
+    /// @return 1 when there is no match
     int show(RegionView const& view, CommandContext const& context) override;
 
 private:

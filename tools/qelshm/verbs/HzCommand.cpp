@@ -4,9 +4,9 @@
 #include "tools/qelshm/verbs/HzCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/app/Pace.h"
+#include "tools/qelshm/app/RegionInput.h"
+#include "tools/qelshm/app/StopSignals.h"
 #include "tools/qelshm/terminal/TextTable.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
 
 #include "domain/SensorIdentifier.h"
@@ -54,7 +54,7 @@ void printText(std::vector<UpdateRate> const& rates, CommandContext const& conte
                       std::to_string(rate.count), rate.perSecond ? fixed(*rate.perSecond) : "-",
                       gapText(rate.shortest), gapText(rate.longest)});
     }
-    table.print(context.out, context.hasColor);
+    table.print(context.out, context.isColoured);
 }
 
 Json jsonRate(UpdateRate const& rate) {
@@ -71,13 +71,13 @@ Json jsonRate(UpdateRate const& rate) {
 } // namespace
 
 CLI::App& HzCommand::define(CLI::App& app, OptionalOptions const& optional) {
-    auto& verb = *app.add_subcommand("hz", "Tell how often the values are updated");
+    auto& verb = *app.add_subcommand("hz", "Measure how often values are updated");
     verb.add_option("--interval", interval_,
-                    "Time between two looks, 0.001 to 60; shorter than that between updates")
+                    "Sampling interval, 0.001 to 60; must be shorter than the update interval")
         ->check(CLI::Range(0.001, 60.0).description(""))
         ->type_name("SECONDS")
         ->capture_default_str();
-    verb.add_option("--duration", duration_, "Look for so long, up to 86400")
+    verb.add_option("--duration", duration_, "Observation time, up to 86400")
         ->check(CLI::Range(0.0, 86400.0).description(""))
         ->type_name("SECONDS")
         ->capture_default_str();
@@ -87,16 +87,16 @@ CLI::App& HzCommand::define(CLI::App& app, OptionalOptions const& optional) {
 
 int HzCommand::run(CommandContext const& context) {
     using Clock = std::chrono::steady_clock;
-    Pace const pace;
     inspect::UpdateRates rates;
-    auto input = openInput(context);
+    auto input = openInput(context.options, context.tell);
+    StopSignals const stop;
     auto moment = Clock::now();
-    auto const end = moment + secondsOf(duration_);
+    auto const end = moment + secondsAs(duration_);
     do {
         requireOpened(input);
         rates.add(input.image, Clock::now());
-        moment += secondsOf(interval_);
-        if (moment > end || !pace.waitUntil(moment)) {
+        moment += secondsAs(interval_);
+        if (moment > end || stop.waitUntil(moment)) {
             break;
         }
         input = liveInput();

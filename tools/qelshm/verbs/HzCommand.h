@@ -9,16 +9,18 @@
 
 namespace qel::tools {
 
-/// How often the values of the live region are updated.
+/// Measures how often the values of the live region are updated.
+///
+/// Threads: thread-bound to the main thread.
 class HzCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Throws NothingThereError.
+    /// @throws NothingThereError
     int run(CommandContext const& context) override;
 
 private:
-    double interval_ = 0.02; ///< s between two looks
+    double interval_ = 0.02; ///< s between two samples
     double duration_ = 5;    ///< s
 };
 

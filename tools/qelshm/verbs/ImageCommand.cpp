@@ -6,21 +6,11 @@
 #include "tools/common/ExitStatus.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace qel::tools {
 
-RegionInput openInput(CommandContext const& context) {
-    auto const& options = context.options;
-    auto input = options.image.empty()
-                     ? awaitActive(std::chrono::seconds(options.wait.value_or(0)), context.tell)
-                     : fileInput(options.image);
-    input.now = options.now.value_or(input.now);
-    return input;
-}
-
 int ImageCommand::run(CommandContext const& context) {
-    auto const input = openInput(context);
+    auto const input = openInput(context.options, context.tell);
     requireOpened(input);
     RegionView view{input, inspect::PointTree(input.image), {}};
     view.warnings = treeProblems(input.image, view.tree);

@@ -15,20 +15,20 @@
 
 namespace qel::tools {
 
-/// One region, its tree, and what is wrong with both.
+/// A region, its tree, and what is wrong with them. Reentrant.
 struct RegionView {
     RegionInput input;
     inspect::PointTree tree;
     std::vector<std::string> warnings;
 };
 
-/// The region that the options name, after the wait that they ask for. Throws inspect::ImageFileError.
-RegionInput openInput(CommandContext const& context);
-
-/// Opens the input, tells its warnings and shows it.
+/// Opens the input, prints its warnings and shows it.
+///
+/// Threads: thread-bound to the main thread.
 class ImageCommand : public ICommand {
 public:
-    /// The exit status is 1 when there were warnings. Throws NothingThereError.
+    /// @return at least 1 when there are warnings
+    /// @throws NothingThereError
     int run(CommandContext const& context) final;
 
 protected:

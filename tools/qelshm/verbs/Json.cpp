@@ -5,8 +5,8 @@
 
 #include "tools/common/SafeText.h"
 #include "tools/common/TimeText.h"
-#include "tools/qelshm/terminal/Age.h"
-#include "tools/qelshm/terminal/Output.h"
+#include "tools/qelshm/terminal/AgeText.h"
+#include "tools/qelshm/terminal/TextTable.h"
 
 #include "inspect/image/RegionStatus.h"
 #include "inspect/naming/StateText.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points and values as JSON; docs/reference/qelshm-schema.json describes every document.
+/// Points and values as JSON; docs/reference/qelshm-schema.json describes every document. All functions are reentrant.
 #pragma once
 
 #include "tools/qelshm/app/RegionInput.h"
@@ -21,23 +21,25 @@ namespace qel::tools {
 /// Keeps its members in the order in which they were added.
 using Json = nlohmann::ordered_json;
 
-/// How a document of a verb begins.
+/// Starts the document of a verb.
 Json jsonDocument(std::string const& verb);
 
-/// The same for a verb that looks at one region: where the image is from, its condition and the time that ages count
-/// from. @param warnings as told on standard error
+/// Starts the document of a verb that reads one region: origin, condition and the reference time of ages.
+/// @param warnings as printed on standard error
 Json jsonDocument(std::string const& verb, RegionInput const& input,
                   std::vector<std::string> const& warnings);
 
-/// Where an image is from.
+/// Describes the origin of an image.
 Json jsonSource(RegionInput const& input);
 
 Json jsonState(eStatus_Bits state);
 
-/// The text, null for an empty one.
+/// @return the text; null for an empty one
 Json textOrNull(std::string const& text);
 
-/// A time with its age; null for never.
+/// Describes a time and its age; null for never.
+/// @param at  ms since 1970 UTC
+/// @param now ms since 1970 UTC
 Json jsonMoment(std::uint64_t at, std::uint64_t now);
 
 Json jsonPoint(PointFacts const& point, std::uint64_t now);
@@ -46,7 +48,8 @@ Json jsonValues(std::vector<ValueFacts> const& values, std::uint64_t now);
 
 Json jsonFindings(inspect::Findings const& findings);
 
-/// Indented, ASCII alone, a line end behind it.
+/// Writes a document indented, in ASCII, with a line end.
+/// @throws std::runtime_error when it cannot be written
 void printJson(std::ostream& out, Json const& document);
 
 } // namespace qel::tools

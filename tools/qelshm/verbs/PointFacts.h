@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points and values of an image as people see them.
+/// Points and values of an image as people read them. All functions are reentrant.
 #pragma once
 
 #include "domain/eStatus_Bits.h"
@@ -16,17 +16,19 @@
 
 namespace qel::tools {
 
+/// A value. Reentrant.
 struct ValueFacts {
     long long svid;
     unsigned short key;
     std::string name;
-    std::string text;             ///< number and unit; "--" or "n/a" when there is none
-    std::optional<double> number; ///< none when there is none, and for infinity and NaN
+    std::string text;             ///< number and unit; "--" or "n/a" without a value
+    std::optional<double> number; ///< none without a value, and for infinity and NaN
     std::string unit;             ///< "" for none
     eStatus_Bits state;
-    std::uint64_t at; ///< ms since 1970 UTC, 0 for never
+    std::uint64_t at; ///< ms since 1970 UTC; 0 for never
 };
 
+/// A point. Reentrant.
 struct PointFacts {
     long long svid;
     std::string path;
@@ -37,17 +39,17 @@ struct PointFacts {
     std::uint32_t pos;
     std::uint32_t depth; ///< 1 for a top-level point
     eStatus_Bits state;
-    std::uint64_t at; ///< of its own state; ms since 1970 UTC, 0 for never
+    std::uint64_t at; ///< time of its own state, ms since 1970 UTC; 0 for never
 };
 
-/// @param node of the image's tree. Any thread.
+/// @param node of the image's tree
 PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tree,
                       inspect::PointNode const& node);
 
-/// @param pos of a value of the node. Any thread.
+/// @param pos slot of a value of the node
 ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& node, std::uint32_t pos);
 
-/// All values of the node, in the order of its chain. Any thread.
+/// Lists the values of a node in the order of its chain.
 std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree const& tree,
                                  inspect::PointNode const& node);
 

@@ -5,9 +5,9 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/common/SafeText.h"
-#include "tools/qelshm/app/Pace.h"
+#include "tools/qelshm/app/RegionInput.h"
+#include "tools/qelshm/app/StopSignals.h"
 #include "tools/qelshm/terminal/TextTable.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/capture/CaptureWriter.h"
@@ -19,16 +19,18 @@ namespace qel::tools {
 
 CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) {
     constexpr double longest = 1e8;
-    auto& verb = *app.add_subcommand("record", "Record the region's changes, for qel-replay");
-    verb.add_option("FILE", file_, "File to write; one that exists is refused")->required()->type_name("");
-    verb.add_option("--interval", interval_, "Time between two samples, 0.001 to 3600")
+    auto& verb = *app.add_subcommand("record", "Capture changes of the region for qel-replay");
+    verb.add_option("FILE", file_, "Output file; an existing file is not overwritten")
+        ->required()
+        ->type_name("");
+    verb.add_option("--interval", interval_, "Sampling interval, 0.001 to 3600")
         ->check(CLI::Range(0.001, 3600.0).description(""))
         ->type_name("SECONDS")
         ->capture_default_str();
-    verb.add_option("--duration", duration_, "End after so long")
+    verb.add_option("--duration", duration_, "Stop after this time")
         ->check(CLI::Range(0.0, longest).description(""))
         ->type_name("SECONDS");
-    verb.add_option("--count", count_, "End after so many samples")
+    verb.add_option("--count", count_, "Stop after this number of samples")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1000000000000}).description(""))
         ->type_name("SAMPLES");
     verb.excludes(optional.image);
@@ -37,9 +39,9 @@ CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) 
 
 int RecordCommand::run(CommandContext const& context) {
     using Clock = std::chrono::steady_clock;
-    Pace const pace;
-    auto input = openInput(context);
+    auto input = openInput(context.options, context.tell);
     requireOpened(input);
+    StopSignals const stop;
     inspect::CaptureWriter writer(file_, input.now);
     auto const start = Clock::now();
     auto moment = start;
@@ -47,10 +49,10 @@ int RecordCommand::run(CommandContext const& context) {
     while (true) {
         auto const elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
         writer.append(static_cast<std::uint64_t>(elapsed.count()), input.image);
-        moment += secondsOf(interval_);
+        moment += secondsAs(interval_);
         bool const isOver =
-            (count_ && writer.samples() >= *count_) || (duration_ && moment - start > secondsOf(*duration_));
-        if (isOver || !pace.waitUntil(moment)) {
+            (count_ && writer.samples() >= *count_) || (duration_ && moment - start > secondsAs(*duration_));
+        if (isOver || stop.waitUntil(moment)) {
             break;
         }
         input = liveInput();
@@ -73,7 +75,7 @@ int RecordCommand::run(CommandContext const& context) {
         TextTable table;
         table.add(
             0, {std::to_string(writer.samples()) + " samples, " + std::to_string(writer.size()) + " bytes"});
-        table.print(context.out, context.hasColor);
+        table.print(context.out, context.isColoured);
     }
     return status;
 }

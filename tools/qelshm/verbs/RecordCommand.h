@@ -13,12 +13,14 @@
 
 namespace qel::tools {
 
-/// Writes the live region's changes to a file until a signal comes or enough was recorded.
+/// Captures the live region's changes to a file until a signal, a time or a number of samples ends it.
+///
+/// Threads: thread-bound to the main thread.
 class RecordCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Throws NothingThereError, inspect::RecordingError.
+    /// @throws NothingThereError, inspect::CaptureError
     int run(CommandContext const& context) override;
 
 private:

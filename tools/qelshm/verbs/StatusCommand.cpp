@@ -5,9 +5,8 @@
 
 #include "tools/common/ExitStatus.h"
 #include "tools/common/TimeText.h"
-#include "tools/qelshm/terminal/Age.h"
+#include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/terminal/TextTable.h"
-#include "tools/qelshm/verbs/ImageCommand.h"
 #include "tools/qelshm/verbs/Json.h"
 
 #include "inspect/image/RegionStatus.h"
@@ -27,7 +26,7 @@ Style conditionStyle(inspect::Condition condition) {
     return condition == inspect::Condition::Active ? Style::Good : Style::Alarm;
 }
 
-/// Whether there are bytes to tell of.
+/// Whether there are bytes to report on.
 bool hasContent(inspect::RegionStatus const& status) {
     return status.source.opening == inspect::Opening::Opened;
 }
@@ -58,7 +57,7 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input,
     };
     add("condition", {inspect::conditionName(status.condition), conditionStyle(status.condition)});
     if (!hasContent(status)) {
-        add("because", {inspect::openingProblem(status.source)});
+        add("reason", {inspect::openingProblem(status.source)});
     }
     add("source",
         {input.file.empty() ? std::string("live object ") + shm::REGION_NAME : "image " + input.file});
@@ -78,7 +77,7 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input,
         add("status LED", {inspect::ledText(status.globalState)});
         add("last delivery", {newestText(status, input.now)});
     }
-    table.print(context.out, context.hasColor);
+    table.print(context.out, context.isColoured);
 }
 
 Json jsonUse(std::size_t used, std::uint32_t slots) {
@@ -115,19 +114,18 @@ Json jsonContent(inspect::RegionStatus const& status, std::uint64_t now) {
 
 CLI::App& StatusCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
     constexpr double longestAge = 1e9;
-    auto& verb = *app.add_subcommand("status", "Tell whether there is an active region, and what it holds");
-    verb.add_option("--max-age", maxAge_, "Call the region silent when nothing was delivered for so long")
+    auto& verb = *app.add_subcommand("status", "Print the condition and use of the region");
+    verb.add_option("--max-age", maxAge_, "Report the region as silent if its newest delivery is older")
         ->check(CLI::Range(0.0, longestAge).description(""))
         ->type_name("SECONDS");
     return verb;
 }
 
 int StatusCommand::run(CommandContext const& context) {
-    constexpr double msPerSecond = 1000.0;
-    auto const input = openInput(context);
+    auto const input = openInput(context.options, context.tell);
     std::optional<std::chrono::milliseconds> maxAge;
     if (maxAge_) {
-        maxAge = std::chrono::milliseconds(static_cast<std::int64_t>(*maxAge_ * msPerSecond));
+        maxAge = secondsAs<std::chrono::milliseconds>(*maxAge_);
     }
     auto const status = inspect::regionStatus(input.source, input.image, input.now, maxAge);
     auto const findings = objectFindings(input);

@@ -11,8 +11,9 @@
 
 namespace qel::tools {
 
-/// The region's condition in a few lines: what it is, whose it is, how full it is and what its global state says; and
-/// what tells that somebody else than its writer made it or may change it.
+/// Prints the region's condition, owner, use and global state, and findings about the owner and mode of a live object.
+///
+/// Threads: thread-bound to the main thread.
 class StatusCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -4,7 +4,7 @@
 #include "tools/qelshm/verbs/TreeCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/terminal/Age.h"
+#include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
@@ -44,14 +44,12 @@ void addValue(TextTable& table, ValueFacts const& value, std::uint32_t depth, st
 } // namespace
 
 CLI::App& TreeCommand::define(CLI::App& app, OptionalOptions const& optional) {
-    auto& verb = *app.add_subcommand("tree", "Print the points as a tree with their kinds, types and states");
-    auto* const values = verb.add_flag("--values", hasValues_, "Print the values below their points");
-    verb.add_option("--depth", depth_, "Print so many levels, 1 to 800")
+    auto& verb = *app.add_subcommand("tree", "Print the points as a tree");
+    auto* const values = verb.add_flag("--values", hasValues_, "Print the values, too");
+    verb.add_option("--depth", depth_, "Maximum depth, 1 to 800")
         ->check(CLI::Range(1U, shm::MP_COUNT).description(""))
         ->type_name("N");
-    verb.add_flag("--paths", arePaths_, "Print nothing but the paths")
-        ->excludes(values)
-        ->excludes(optional.json);
+    verb.add_flag("--paths", arePaths_, "Print only the paths")->excludes(values)->excludes(optional.json);
     return verb;
 }
 
@@ -83,7 +81,7 @@ void TreeCommand::printText(RegionView const& view, CommandContext const& contex
             }
         }
     }
-    table.print(context.out, context.hasColor);
+    table.print(context.out, context.isColoured);
 }
 
 void TreeCommand::printDocument(RegionView const& view, CommandContext const& context) const {

@@ -12,7 +12,9 @@
 
 namespace qel::tools {
 
-/// The points as a tree, a line each, on demand with their values; or their bare paths.
+/// Prints the points as a tree, optionally with their values, or only their paths.
+///
+/// Threads: thread-bound to the main thread.
 class TreeCommand : public ImageCommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;

@@ -16,24 +16,24 @@ namespace qel::tools {
 
 namespace {
 
-constexpr char const* footer =
-    "NAME is a sensor id or a path such as unit1/inlet1/circuit2/socket5; a point stands for all its values. "
-    "What does\n"
-    "not exist yet is watched once it does.\n"
-    "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
-    "Elsewhere: a line for each value whose number or state has changed: time, point, value, state; waits 5 "
-    "s for\n"
-    "something to watch, if --wait does not tell otherwise.\n"
-    "Follows the shared memory when another writer creates it anew.";
+constexpr char const* footer = "NAME is a sensor id or a path such as unit1/inlet1/circuit2/socket5. A point "
+                               "selects all its values. A name may\n"
+                               "belong to a point or value that comes later.\n"
+                               "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
+                               "Otherwise: a line for each value whose number or state changes, with time, "
+                               "point, value and state; without --wait\n"
+                               "it fails if there is no active region after 5 s.\n"
+                               "Follows the shared memory when a new writer creates it again.";
 
 constexpr std::uint64_t mostLines = 1000000000000;
 constexpr unsigned defaultWait = 5; ///< s
 
 std::string checkName(std::string const& text) {
-    return watch::WatchedNames::isName(text) ? ""
-                                             : '"' + text +
-                                                   "\" is no sensor id and no path; expected for example "
-                                                   "0x010001ffffff0000 or unit1/inlet1";
+    return watch::WatchedNames::isName(text)
+               ? ""
+               : '"' + text +
+                     "\" is neither a sensor id nor a path; expected for example "
+                     "0x010001ffffff0000 or unit1/inlet1";
 }
 
 } // namespace
@@ -41,13 +41,13 @@ std::string checkName(std::string const& text) {
 CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
     auto& verb = *app.add_subcommand("watch", "Show values as they change");
     verb.footer(footer);
-    verb.add_option("NAME", names_, "Points and values to watch; all without any")
+    verb.add_option("NAME", names_, "Points and values to watch; everything by default")
         ->check(checkName)
         ->type_name("");
-    verb.add_option("--count", count_, "Write so many lines and exit, also on a terminal")
+    verb.add_option("--count", count_, "Exit after this number of lines; print lines on a terminal, too")
         ->check(CLI::Range(std::uint64_t{1}, mostLines).description(""))
         ->type_name("LINES");
-    verb.add_option("--interval", interval_, "Time between two looks at the shared memory, 0.01 to 3600")
+    verb.add_option("--interval", interval_, "Sampling interval, 0.01 to 3600")
         ->check(CLI::Range(0.01, 3600.0).description(""))
         ->type_name("SECONDS")
         ->capture_default_str();
@@ -57,11 +57,10 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
 }
 
 int WatchCommand::run(CommandContext const& context) {
-    using Seconds = std::chrono::duration<double>;
-    static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // a closed output shows in the stream
-    watch::WatchOptions const options{
-        names_, count_, std::chrono::duration_cast<std::chrono::milliseconds>(Seconds(interval_)),
-        std::chrono::seconds(context.options.wait.value_or(defaultWait))};
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // the stream reports a closed output
+    watch::WatchOptions const options{names_, count_, secondsAs<std::chrono::milliseconds>(interval_),
+                                      std::chrono::seconds(context.options.wait.value_or(defaultWait)),
+                                      context.isColoured};
     return watch::runWatch(options, context.out, context.tell);
 }
 

@@ -14,18 +14,20 @@
 
 namespace qel::tools {
 
-/// Shows values as they change, until the user or the unit ends it.
+/// Shows values as they change until the user stops it.
+///
+/// Threads: thread-bound to the main thread.
 class WatchCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// Throws std::runtime_error when there is nothing to watch.
+    /// @throws std::runtime_error, see watch::runWatch()
     int run(CommandContext const& context) override;
 
 private:
     std::vector<std::string> names_;
     std::optional<std::uint64_t> count_;
-    double interval_ = 0.25; ///< s between two looks
+    double interval_ = 0.25; ///< s between two snapshots
 };
 
 } // namespace qel::tools

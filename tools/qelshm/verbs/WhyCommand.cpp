@@ -4,7 +4,7 @@
 #include "tools/qelshm/verbs/WhyCommand.h"
 
 #include "tools/common/ExitStatus.h"
-#include "tools/qelshm/terminal/Age.h"
+#include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
@@ -39,13 +39,13 @@ void printText(std::string const& subject, Causes const& causes, RegionView cons
                CommandContext const& context) {
     TextTable table;
     if (causes.causes.empty()) {
-        table.add(HeadLine, {"Nothing: " + subject + " is On"});
+        table.add(HeadLine, {subject + " is On"});
     } else {
         table.add(HeadLine, {subject + " is " + inspect::stateText(causes.state)});
     }
     if (causes.propagated != causes.state) {
-        table.add(HeadLine, {"Its state stands as " + inspect::stateText(causes.state) +
-                             "; propagated, it becomes " + inspect::stateText(causes.propagated)});
+        table.add(HeadLine, {"stored state " + inspect::stateText(causes.state) +
+                             "; propagation results in " + inspect::stateText(causes.propagated)});
     }
     for (auto const& cause : causes.causes) {
         table.add(CauseLine, {cause.path,
@@ -56,10 +56,10 @@ void printText(std::string const& subject, Causes const& causes, RegionView cons
         for (auto const& step : cause.chain) {
             table.add(StepLine, {"  " + step.path, stateCell(step.state),
                                  std::string(ruleText(step.rule)) +
-                                     (step.isShown ? "" : " (hidden by something stronger)")});
+                                     (step.isShown ? "" : " (hidden by a stronger state)")});
         }
     }
-    table.print(context.out, context.hasColor);
+    table.print(context.out, context.isColoured);
 }
 
 Json jsonStep(CauseStep const& step) {
@@ -88,8 +88,8 @@ Json jsonCause(Cause const& cause, std::uint64_t now) {
 } // namespace
 
 CLI::App& WhyCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
-    auto& verb = *app.add_subcommand("why", "Tell what keeps the unit, or a point, from being On");
-    verb.add_option("POINT", point_, "Path or sensor id; the whole unit without it")->type_name("");
+    auto& verb = *app.add_subcommand("why", "Explain why the unit or a point is not On");
+    verb.add_option("POINT", point_, "Path or sensor id; the whole unit by default")->type_name("");
     return verb;
 }
 

@@ -11,13 +11,16 @@
 
 namespace qel::tools {
 
-/// Why the unit or a point is not "On": the causes, each with its way up.
+/// Explains why the unit or a point is not "On": the causes and how each propagates.
+///
+/// Threads: thread-bound to the main thread.
 class WhyCommand : public ImageCommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
 protected:
-    /// Status 1 when there are causes. Throws inspect::NotFoundError.
+    /// @return 1 when there are causes
+    /// @throws inspect::NotFoundError
     int show(RegionView const& view, CommandContext const& context) override;
 
 private:

@@ -21,13 +21,14 @@ using BarGlyphs = std::array<char const*, 8>;
 inline constexpr BarGlyphs blockBars{"▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 inline constexpr BarGlyphs asciiBars{".", ".", ":", ":", "|", "|", "#", "#"};
 
+/// A drawing of a history. Reentrant.
 struct Graph {
-    std::vector<std::string> lines; ///< from the top, each as many characters as asked for
+    std::vector<std::string> lines; ///< from the top, each as wide as requested
     Bucket range;                   ///< least and greatest number and the last one in it; empty without any
 };
 
-/// Draws the last number of each bucket as a bar, the newest at the right; the lowest bar stands for the least, the
-/// highest for the greatest number seen. Buckets without a number stay blank. Any thread.
+/// Draws the last number of each bucket as a bar, the newest at the right. The lowest bar stands for the least number, the
+/// highest for the greatest. Buckets without a number stay blank. Reentrant.
 /// @param newest number of the bucket at the right
 /// @param width  columns; at most History::length are filled
 /// @param height lines

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What a value was in the last minutes.
+/// The numbers of a value in the last minutes.
 #pragma once
 
 #include <array>
@@ -12,26 +12,28 @@
 
 namespace qel::watch {
 
-/// What was seen of a value within a stretch of time.
+/// The numbers of a value within a stretch of time. Reentrant.
 struct Bucket {
     float min = std::numeric_limits<float>::quiet_NaN();
     float max = std::numeric_limits<float>::quiet_NaN();
     float last = std::numeric_limits<float>::quiet_NaN();
 
-    /// Nothing was seen.
+    /// @return whether there was no number
     bool isEmpty() const { return last != last; }
 };
 
-/// The last buckets of one value, the older ones forgotten: 1088 bytes, however much is added. Buckets are numbered
-/// by time, rising; how long one lasts is the caller's affair. Threads: not shared.
+/// The newest buckets of one value: 1088 bytes, however much is added. Buckets are numbered by time, rising; the caller
+/// decides how long one lasts.
+///
+/// Threads: reentrant.
 class History {
 public:
     static constexpr std::size_t length = 90;
 
-    /// Adds a number to a bucket, none earlier than the newest. Numbers that no float can hold are left out.
+    /// Adds a number to the newest bucket or a later one. Ignores numbers that no float can hold.
     void add(std::uint64_t bucket, double number);
 
-    /// A bucket by its number; an empty one when it is forgotten or yet to come.
+    /// @return the bucket with this number; an empty one if it is too old or in the future
     Bucket at(std::uint64_t bucket) const;
 
 private:

@@ -4,7 +4,9 @@
 #include "tools/qelshm/watch/LinePrinter.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/terminal/Style.h"
+#include "tools/qelshm/terminal/Utf8Text.h"
+#include "tools/qelshm/watch/StateInfo.h"
 
 #include "format/ValueFormatter.h"
 #include "region/QelShmMVal.h"
@@ -24,37 +26,37 @@ constexpr std::size_t numberWidth = 14;
 constexpr std::uint64_t noHistory = 0;
 
 std::string column(std::string const& text, std::size_t width) {
-    return text.size() < width ? fitted(text, width) : text;
+    return text.size() < width ? tools::fitted(text, width) : text;
 }
 
 } // namespace
 
-LinePrinter::LinePrinter(std::ostream& out, WatchedNames names, LineColours colours,
+LinePrinter::LinePrinter(std::ostream& out, WatchedNames names, bool isColoured,
                          std::optional<std::uint64_t> lines)
     : out_(out),
-      colours_(std::move(colours)),
+      isColoured_(isColoured),
       linesLeft_(lines),
       structure_(std::move(names)),
       tracker_(noHistory) {}
 
-void LinePrinter::update(Look const& look, inspect::RegionStatus const& status) {
-    structure_.update(status.condition == inspect::Condition::Active ? look.image : inspect::Image());
-    for (auto const& change : tracker_.update(structure_, look.image, look.ticks)) {
+void LinePrinter::update(Snapshot const& snapshot, inspect::RegionStatus const& status) {
+    structure_.update(status.condition == inspect::Condition::Active ? snapshot.image : inspect::Image());
+    for (auto const& change : tracker_.update(structure_, snapshot.image, snapshot.ticks)) {
         if (isDone()) {
             break;
         }
-        print(look, structure_.values()[change.value]);
+        print(snapshot, structure_.values()[change.value]);
     }
     out_ << std::flush;
 }
 
-void LinePrinter::print(Look const& look, UnitValue const& value) {
-    auto const& slot = look.image.region().values[value.pos];
-    auto const& info = stateInfo(slot.state);
+void LinePrinter::print(Snapshot const& snapshot, UnitValue const& value) {
+    auto const& slot = snapshot.image.region().values[value.pos];
+    auto const& state = stateInfo(slot.state).text;
     out_ << (slot.at == 0 ? "-" : tools::timeText(slot.at)) << "  "
          << column(structure_.points()[value.point].path, pathWidth) << "  " << column(value.name, nameWidth)
          << "  " << column(tav::ValueFormatter::str(shm::QelShmMVal(&slot)), numberWidth) << "  "
-         << colours_.painted(info.text, info.severity) << '\n';
+         << (isColoured_ ? tools::styled(state, tools::stateStyle(slot.state)) : state) << '\n';
     if (linesLeft_) {
         --*linesLeft_;
     }

@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Changes of values as lines of text.
+/// Changed values as lines of text.
 #pragma once
 
-#include "tools/qelshm/terminal/LineColours.h"
-#include "tools/qelshm/watch/Look.h"
+#include "tools/qelshm/watch/SnapshotSource.h"
 #include "tools/qelshm/watch/UnitStructure.h"
 #include "tools/qelshm/watch/ValueTracker.h"
 #include "tools/qelshm/watch/WatchedNames.h"
@@ -19,27 +18,30 @@
 
 namespace qel::watch {
 
-/// Writes a line for each value whose number or state has changed: time, path, name, number with unit, state. Values
-/// that are there at the first time, or that come later, are taken as they are.
+/// Writes a line for each value whose number or state has changed: time, path, name, number with unit, state. Values of
+/// the first snapshot and values that come later count as unchanged.
 ///
-/// Threads: not shared.
+/// Threads: reentrant.
 class LinePrinter {
 public:
-    /// @param out    must outlive the printer
-    /// @param lines  it is done after so many; none for no end
-    LinePrinter(std::ostream& out, WatchedNames names, LineColours colours,
-                std::optional<std::uint64_t> lines);
+    /// @param out        must outlive the printer
+    /// @param names      the selection
+    /// @param isColoured whether states are coloured
+    /// @param lines      number of lines to write; none for no limit
+    LinePrinter(std::ostream& out, WatchedNames names, bool isColoured, std::optional<std::uint64_t> lines);
 
-    void update(Look const& look, inspect::RegionStatus const& status);
+    /// Writes what has changed since the previous snapshot.
+    /// @param status of the snapshot
+    void update(Snapshot const& snapshot, inspect::RegionStatus const& status);
 
-    /// Also when nobody reads the lines any more.
+    /// @return whether all lines are written or nobody reads them any more
     bool isDone() const;
 
 private:
-    void print(Look const& look, UnitValue const& value);
+    void print(Snapshot const& snapshot, UnitValue const& value);
 
     std::ostream& out_;
-    LineColours colours_;
+    bool isColoured_;
     std::optional<std::uint64_t> linesLeft_;
     UnitStructure structure_;
     ValueTracker tracker_;

@@ -5,6 +5,8 @@
 
 #include "tools/qelshm/watch/StateInfo.h"
 
+#include "inspect/naming/StateClass.h"
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -16,18 +18,31 @@ namespace {
 
 constexpr std::array<char const*, 4> sortNames{"tree", "state", "name", "age"};
 
-eStatus_Bits stateOf(RowSource const& source, UnitValue const& value) {
-    return source.image.region().values[value.pos].state;
+eStatus_Bits stateOf(RowListInput const& input, UnitValue const& value) {
+    return input.image.region().values[value.pos].state;
 }
 
-bool matches(RowSource const& source, UnitValue const& value) {
-    return source.filter.matches({source.structure.points()[value.point].folded, value.folded,
-                                  stateInfo(stateOf(source, value)).folded});
+bool matches(RowListInput const& input, UnitValue const& value) {
+    auto const& point = input.structure.points()[value.point];
+    return input.filter.matches({point.path, point.type, value.name, stateInfo(stateOf(input, value)).text});
 }
 
-bool matches(RowSource const& source, UnitPoint const& point) {
-    return source.filter.matches(
-        {point.folded, stateInfo(source.image.region().points[point.pos].state).folded});
+bool matches(RowListInput const& input, UnitPoint const& point) {
+    auto const state = input.image.region().points[point.pos].state;
+    return input.filter.matches({point.path, point.type, stateInfo(state).text});
+}
+
+/// By the attention that a state asks for; several classes rank alike.
+inspect::StateClass rankOf(eStatus_Bits state) {
+    using inspect::StateClass;
+    auto const kind = inspect::classOf(state);
+    if (kind >= StateClass::Warning) {
+        return kind;
+    }
+    if (kind >= StateClass::Identify) {
+        return StateClass::Identify;
+    }
+    return kind >= StateClass::Plain ? StateClass::Plain : StateClass::NoValue;
 }
 
 /// Texts with numbers in them: "socket2" before "socket10".
@@ -58,17 +73,17 @@ bool isBefore(std::string_view left, std::string_view right) {
 /// Which points and values the filter lets through.
 class Matches {
 public:
-    explicit Matches(RowSource const& source)
-        : points_(source.structure.points().size()),
-          values_(source.structure.values().size()) {
-        auto const& points = source.structure.points();
-        auto const& values = source.structure.values();
+    explicit Matches(RowListInput const& input)
+        : points_(input.structure.points().size()),
+          values_(input.structure.values().size()) {
+        auto const& points = input.structure.points();
+        auto const& values = input.structure.values();
         for (std::size_t index = 0; index < values.size(); ++index) {
-            values_[index] = matches(source, values[index]);
+            values_[index] = matches(input, values[index]);
             points_[values[index].point] = points_[values[index].point] || values_[index];
         }
         for (auto index = points.size(); index-- > 0;) {
-            points_[index] = points_[index] || (points[index].isWatched && matches(source, points[index]));
+            points_[index] = points_[index] || (points[index].isWatched && matches(input, points[index]));
             if (points_[index] && points[index].parent != inspect::NO_NODE) {
                 points_[points[index].parent] = true;
             }
@@ -82,18 +97,22 @@ private:
     std::vector<bool> values_;
 };
 
-std::vector<Row> treeRows(RowSource const& source) {
+bool hasChildren(UnitStructure const& structure, std::uint32_t point) {
+    return structure.points()[point].end > point + 1;
+}
+
+std::vector<Row> treeRows(RowListInput const& input) {
     std::vector<Row> rows;
-    Matches const shown(source);
-    auto const& points = source.structure.points();
+    Matches const shown(input);
+    auto const& points = input.structure.points();
     for (std::uint32_t index = 0; index < points.size();) {
         auto const& point = points[index];
         if (!shown.hasPoint(index) || !point.isWatched) {
             ++index;
             continue;
         }
-        auto const isParent = hasChildren(source.structure, index);
-        auto const isFolded = source.filter.isEmpty() && source.folds.isFolded(point, isParent);
+        auto const isParent = hasChildren(input.structure, index);
+        auto const isFolded = input.filter.isEmpty() && input.folds.isFolded(point, isParent);
         auto const depth = point.depth - 1;
         rows.push_back({true, index, depth, isParent || point.valueCount != 0, isFolded});
         if (isFolded) {
@@ -116,21 +135,20 @@ void sortRows(std::vector<Row>& rows, IsBefore const& before) {
                      [&](Row const& left, Row const& right) { return before(left.index, right.index); });
 }
 
-std::vector<Row> flatRows(RowSource const& source) {
+std::vector<Row> flatRows(RowListInput const& input) {
     std::vector<Row> rows;
-    auto const& values = source.structure.values();
+    auto const& values = input.structure.values();
     for (std::uint32_t index = 0; index < values.size(); ++index) {
-        if (matches(source, values[index])) {
+        if (matches(input, values[index])) {
             rows.push_back({false, index, 0, false, false});
         }
     }
-    if (source.order == SortOrder::Severity) {
+    if (input.order == SortOrder::State) {
         sortRows(rows, [&](std::uint32_t left, std::uint32_t right) {
-            return stateInfo(stateOf(source, values[left])).severity >
-                   stateInfo(stateOf(source, values[right])).severity;
+            return rankOf(stateOf(input, values[left])) > rankOf(stateOf(input, values[right]));
         });
-    } else if (source.order == SortOrder::Name) {
-        auto const& points = source.structure.points();
+    } else if (input.order == SortOrder::Name) {
+        auto const& points = input.structure.points();
         sortRows(rows, [&](std::uint32_t left, std::uint32_t right) {
             auto const& leftPath = points[values[left].point].path;
             auto const& rightPath = points[values[right].point].path;
@@ -139,7 +157,7 @@ std::vector<Row> flatRows(RowSource const& source) {
         });
     } else {
         auto const ageOf = [&](std::uint32_t value) {
-            return source.tracker.sinceDelivery(values[value].pos, source.ticks)
+            return input.tracker.sinceDelivery(values[value].pos, input.ticks)
                 .value_or(std::numeric_limits<std::uint64_t>::max());
         };
         sortRows(rows, [&](std::uint32_t left, std::uint32_t right) { return ageOf(left) > ageOf(right); });
@@ -158,12 +176,8 @@ bool Folds::isFolded(UnitPoint const& point, bool hasChildren) const {
     return set == folds_.end() ? !hasChildren : set->second;
 }
 
-bool hasChildren(UnitStructure const& structure, std::uint32_t point) {
-    return structure.points()[point].end > point + 1;
-}
-
-std::vector<Row> rowsOf(RowSource const& source) {
-    return source.order == SortOrder::Tree ? treeRows(source) : flatRows(source);
+std::vector<Row> rowsOf(RowListInput const& input) {
+    return input.order == SortOrder::Tree ? treeRows(input) : flatRows(input);
 }
 
 } // namespace qel::watch

@@ -17,29 +17,34 @@
 
 namespace qel::watch {
 
-/// In which order rows stand. Tree shows points with their values below; the others show values alone, flat.
+/// The order of the rows. Tree shows points with their values below; the others are flat and show values only.
 enum class SortOrder : std::uint8_t {
     Tree,
-    Severity, ///< alarms first
-    Name,     ///< by path, then by the value's name; numbers in them by their size
-    Age,      ///< longest without a delivery first
+    State, ///< alarms first
+    Name,  ///< by path, then by the value's name; digits in them compare as numbers
+    Age,   ///< longest without a delivery first
 };
 
-/// "tree", "state", "name", "age". Any thread.
+/// Reentrant.
+/// @return "tree", "state", "name" or "age"
 char const* sortName(SortOrder order);
 
-/// Which points show nothing below them. Threads: not shared.
+/// Which points hide what is below them.
+///
+/// Threads: reentrant.
 class Folds {
 public:
-    /// A point that was never set is open if there are points below it: so all points show, and the values of
-    /// those that lead somewhere.
+    /// A point that was never set is open if it has children, so that all points are visible.
     bool isFolded(UnitPoint const& point, bool hasChildren) const;
+
+    /// Folds or unfolds a point.
     void set(long long svid, bool isFolded) { folds_[svid] = isFolded; }
 
 private:
-    std::map<long long, bool> folds_; ///< by the point's id, so that it stays when slots change
+    std::map<long long, bool> folds_; ///< by the point's id, so that it survives a change of slots
 };
 
+/// A row of the table. Reentrant.
 struct Row {
     bool isPoint;
     std::uint32_t index; ///< into the points or the values of the structure
@@ -48,8 +53,8 @@ struct Row {
     bool isFolded;
 };
 
-/// All that rows are made from.
-struct RowSource {
+/// What the rows are made from. Reentrant.
+struct RowListInput {
     UnitStructure const& structure;
     inspect::Image const& image;
     ValueTracker const& tracker;
@@ -59,10 +64,8 @@ struct RowSource {
     std::uint64_t ticks; ///< ms, see ValueTracker
 };
 
-/// The rows from the top. With a filter, the points and values that match, and the points above them, whatever is
-/// folded. A pure function. Any thread.
-std::vector<Row> rowsOf(RowSource const& source);
-
-bool hasChildren(UnitStructure const& structure, std::uint32_t point);
+/// Lists the rows from the top. With a filter: the points and values that match and the points above them, whatever is
+/// folded. Reentrant.
+std::vector<Row> rowsOf(RowListInput const& input);
 
 } // namespace qel::watch

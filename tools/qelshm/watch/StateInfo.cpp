@@ -3,9 +3,6 @@
 
 #include "tools/qelshm/watch/StateInfo.h"
 
-#include "tools/qelshm/terminal/Text.h"
-
-#include "inspect/naming/StateClass.h"
 #include "inspect/naming/StateText.h"
 
 #include <array>
@@ -17,30 +14,8 @@ namespace {
 
 constexpr std::size_t stateCount = eStatus_SlaveVersionTooNew - eStatus_ExpectedValue + 1;
 
-Severity severityOf(eStatus_Bits state) {
-    switch (inspect::classOf(state)) {
-    case inspect::StateClass::NoState:
-    case inspect::StateClass::NoValue:
-        return Severity::None;
-    case inspect::StateClass::Plain:
-    case inspect::StateClass::Good:
-        return Severity::Normal;
-    case inspect::StateClass::Identify:
-    case inspect::StateClass::Out:
-    case inspect::StateClass::Busy:
-        return Severity::Notice;
-    case inspect::StateClass::Warning:
-        return Severity::Warning;
-    case inspect::StateClass::Alarm:
-        return Severity::Alarm;
-    }
-    return Severity::None;
-}
-
 StateInfo infoOf(eStatus_Bits state) {
-    auto text = inspect::stateText(state);
-    auto folded = lowerCase(text);
-    return {severityOf(state), std::move(text), std::move(folded)};
+    return {inspect::stateText(state)};
 }
 
 // The names are kept: they are asked for by the thousand, and are made from a whole printed line.

@@ -3,7 +3,7 @@
 
 #include "tools/qelshm/watch/TextFilter.h"
 
-#include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/terminal/Utf8Text.h"
 
 #include <algorithm>
 #include <sstream>
@@ -11,7 +11,7 @@
 namespace qel::watch {
 
 TextFilter::TextFilter(std::string_view text) {
-    std::istringstream words(lowerCase(text));
+    std::istringstream words{std::string(text)};
     for (std::string word; words >> word;) {
         words_.push_back(word);
     }
@@ -20,7 +20,7 @@ TextFilter::TextFilter(std::string_view text) {
 bool TextFilter::matches(std::initializer_list<std::string_view> texts) const {
     return std::all_of(words_.begin(), words_.end(), [&](std::string const& word) {
         return std::any_of(texts.begin(), texts.end(),
-                           [&](std::string_view text) { return text.find(word) != std::string_view::npos; });
+                           [&](std::string_view text) { return tools::containsIgnoringCase(text, word); });
     });
 }
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Finding rows by text.
+/// A filter by words.
 #pragma once
 
 #include <initializer_list>
@@ -12,11 +12,12 @@
 
 namespace qel::watch {
 
-/// Words that must all occur, each in any of a row's texts; upper and lower case are the same. Threads: const
-/// operations from any thread.
+/// Words that must all occur, each in any of a row's texts; upper and lower case are the same.
+///
+/// Threads: reentrant.
 class TextFilter {
 public:
-    /// Lets everything through.
+    /// Matches everything.
     TextFilter() = default;
 
     /// @param text words between blanks
@@ -24,7 +25,7 @@ public:
 
     bool isEmpty() const { return words_.empty(); }
 
-    /// @param texts in lower case
+    /// @return whether each word occurs in at least one of the texts
     bool matches(std::initializer_list<std::string_view> texts) const;
 
 private:

@@ -3,8 +3,6 @@
 
 #include "tools/qelshm/watch/UnitStructure.h"
 
-#include "tools/qelshm/terminal/Text.h"
-
 #include "format/Names.h"
 #include "inspect/naming/PointPath.h"
 #include "region/QelShmMPnt.h"
@@ -70,19 +68,15 @@ void UnitStructure::addPoint(inspect::Image const& image, inspect::PointTree con
     for (auto const pos : tree.valuesOf(node)) {
         auto const key = image.region().values[pos].key;
         if (names_.hasValue(slot.guid, key)) {
-            auto name = shm::keyName(key);
-            auto folded = lowerCase(name);
-            values_.push_back({slot.guid | key, pos, index, key, std::move(name), std::move(folded)});
+            values_.push_back({slot.guid | key, pos, index, key, shm::keyName(key)});
         }
     }
     auto const valueCount = static_cast<std::uint32_t>(values_.size()) - firstValue;
     auto path = inspect::pointPath(slot.guid);
     auto name = node.parent == inspect::NO_NODE ? path : nameWithin(points_[node.parent].path, path);
-    auto type = shm::QelShmMPnt(&slot).tstr();
-    auto folded = lowerCase(path + ' ' + type);
     points_.push_back({slot.guid, node.pos, node.parent, node.depth, node.end, firstValue, valueCount,
                        valueCount != 0 || names_.hasPoint(slot.guid), std::move(path), std::move(name),
-                       std::move(type), std::move(folded)});
+                       shm::QelShmMPnt(&slot).tstr()});
 }
 
 } // namespace qel::watch

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Which points and values a unit has, and what they are called.
+/// The points and values of a unit and their names.
 #pragma once
 
 #include "tools/qelshm/watch/WatchedNames.h"
@@ -18,6 +18,7 @@
 
 namespace qel::watch {
 
+/// A point of the unit. Reentrant.
 struct UnitPoint {
     long long svid;
     std::uint32_t pos;        ///< its slot
@@ -26,31 +27,32 @@ struct UnitPoint {
     std::uint32_t end;        ///< index behind its last descendant
     std::uint32_t firstValue; ///< index of a value
     std::uint32_t valueCount;
-    bool isWatched; ///< itself, a value of it or a point below it is to be watched
+    bool isWatched; ///< itself, a value of it or a point below it is selected
     std::string path;
-    std::string name;   ///< what its path adds to that of its parent: "socket5"
-    std::string type;   ///< "Schuko"; may be empty
-    std::string folded; ///< path and type in lower case
+    std::string name; ///< what its path adds to that of its parent: "socket5"
+    std::string type; ///< "Schuko"; may be empty
 };
 
+/// A value of the unit. Reentrant.
 struct UnitValue {
     long long svid;
     std::uint32_t pos;   ///< its slot
     std::uint32_t point; ///< index of its point
     unsigned short key;
-    std::string name;   ///< of its key: "Active Power"
-    std::string folded; ///< the same in lower case
+    std::string name; ///< of its key: "Active Power"
 };
 
-/// Names are made once; whether they still hold is asked for with each image. Threads: not shared.
+/// Makes the names once and checks with each image whether they are still right.
+///
+/// Threads: reentrant.
 class UnitStructure {
 public:
-    /// @param names what is to be watched
+    /// @param names the selection
     explicit UnitStructure(WatchedNames names) : names_(std::move(names)) {}
 
-    /// Looks at an image. Points stay in the tree's order, parents before their children; of values, only those to
-    /// be watched are there. An inactive or incomplete image has none.
-    /// @return whether anything is different from the image before
+    /// Takes the structure of an image: points in the order of the tree, parents before their children, and the selected
+    /// values. An inactive or incomplete image has none.
+    /// @return whether anything differs from the previous image
     bool update(inspect::Image const& image);
 
     std::vector<UnitPoint> const& points() const { return points_; }

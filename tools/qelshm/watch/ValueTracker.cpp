@@ -3,7 +3,7 @@
 
 #include "tools/qelshm/watch/ValueTracker.h"
 
-#include "tools/qelshm/watch/StateInfo.h"
+#include "inspect/naming/StateClass.h"
 
 #include <cmath>
 
@@ -13,6 +13,12 @@ namespace {
 
 bool isSameNumber(double left, double right) {
     return left == right || (std::isnan(left) && std::isnan(right));
+}
+
+/// False while there is no value yet, and for a number that is no state.
+bool hasNumber(eStatus_Bits state) {
+    auto const kind = inspect::classOf(state);
+    return kind != inspect::StateClass::NoState && kind != inspect::StateClass::NoValue;
 }
 
 std::optional<std::uint64_t> since(std::optional<std::uint64_t> moment, std::uint64_t ticks) {
@@ -51,7 +57,7 @@ std::vector<ValueChange> ValueTracker::update(UnitStructure const& structure, in
         track.at = slot.at;
         track.state = slot.state;
         track.round = round_;
-        if (track.history && stateInfo(slot.state).severity != Severity::None) {
+        if (track.history && hasNumber(slot.state)) {
             track.history->add(bucket(ticks), slot.value);
         }
     }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What has become of values from look to look.
+/// Changes of values from image to image.
 #pragma once
 
 #include "tools/qelshm/watch/History.h"
@@ -19,39 +19,42 @@
 
 namespace qel::watch {
 
-/// A value whose number or state is another than at the look before.
+/// A value whose number or state differs from the previous image. Reentrant.
 struct ValueChange {
     std::uint32_t value; ///< index into UnitStructure::values()
     eStatus_Bits before;
 };
 
-/// Remembers each value that it was shown last time. A value that is new, or comes back, is taken as it is: its first
-/// change is the next one.
+/// Remembers the values of the previous image. A value that is new or comes back counts as unchanged.
 ///
-/// Memory: 64 bytes a slot, 0.6 MB; with histories 1.1 kB more for each value that is there, 9.6 MB for 8800 of them.
-/// Threads: not shared.
+/// Memory: 64 bytes a slot, 0.6 MB; with histories another 1.1 kB for each value, 9.6 MB for 8800 of them.
+///
+/// Threads: reentrant.
 class ValueTracker {
 public:
     /// @param bucketMs how long a bucket of the histories lasts, ms; 0 to keep none
     explicit ValueTracker(std::uint64_t bucketMs) : bucketMs_(bucketMs), tracks_(shm::MV_COUNT) {}
 
+    /// Compares an image with the previous one.
     /// @param structure of this image
-    /// @param ticks     ms since any fixed moment, of a clock that is never set back
+    /// @param ticks     ms of a clock that is never set back
+    /// @return the values that have changed
     std::vector<ValueChange> update(UnitStructure const& structure, inspect::Image const& image,
                                     std::uint64_t ticks);
 
-    /// Milliseconds since number or state were seen to change; none when they never were. Of a value's slot, like
-    /// all below.
+    /// @param pos slot of a value, as below
+    /// @return milliseconds since number or state changed; none if no change was seen
     std::optional<std::uint64_t> sinceChange(std::uint32_t pos, std::uint64_t ticks) const;
 
-    /// Milliseconds since a delivery was seen, be it of the same number.
+    /// @return milliseconds since a delivery, even of the same number; none if no delivery was seen
     std::optional<std::uint64_t> sinceDelivery(std::uint32_t pos, std::uint64_t ticks) const;
 
-    /// Null when none is kept. Valid until the next update.
+    /// @return the value's history, valid until the next update; null if none is kept
     History const* history(std::uint32_t pos) const { return tracks_.at(pos).history.get(); }
 
-    /// Number of the bucket that a moment falls into.
+    /// @return number of the bucket at a moment
     std::uint64_t bucket(std::uint64_t ticks) const { return bucketMs_ == 0 ? 0 : ticks / bucketMs_; }
+    /// @return how long a bucket lasts, ms; 0 if no history is kept
     std::uint64_t bucketMs() const { return bucketMs_; }
 
 private:
@@ -63,7 +66,7 @@ private:
         std::optional<std::uint64_t> delivered;
         std::unique_ptr<History> history;
         eStatus_Bits state = eStatus_UndefinedValue;
-        std::uint32_t round = 0; ///< of the last look at which the value was there
+        std::uint32_t round = 0; ///< of the last image that had the value
     };
 
     void restart(Track& track, UnitValue const& value) const;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Shows a live region until it is told to stop.
+/// Shows a live region until the user stops it.
 #pragma once
 
 #include <chrono>
@@ -15,23 +15,22 @@
 
 namespace qel::watch {
 
+/// What to show and how. Reentrant.
 struct WatchOptions {
-    std::vector<std::string> names;          ///< what to watch, see WatchedNames; everything without any
-    std::optional<std::uint64_t> count;      ///< lines to write, none for no end
-    std::chrono::milliseconds interval{250}; ///< between two looks
-    std::chrono::seconds wait{5};            ///< for something to read, when lines are written
+    std::vector<std::string> names;          ///< the selection, see WatchedNames; empty for everything
+    std::optional<std::uint64_t> count;      ///< number of lines to write; none for no limit
+    std::chrono::milliseconds interval{250}; ///< between two snapshots
+    std::chrono::seconds wait{5};            ///< longest wait for the region before the first line
+    bool isColoured = false;
 };
 
-/// With a terminal as standard input and output and without a count: a table that is kept current until q or a signal
-/// ends it. Else a line for each change, until enough are written, their reader is gone, or a signal comes. Follows
-/// the region from object to object.
-///
-/// Threads: the main one; SIGINT, SIGTERM and SIGHUP must not be handled by others meanwhile.
-/// @param out  standard output, for lines
-/// @param tell called with what it waits for, when lines are written and that takes more than a moment
+/// Shows a table if standard input and output are a terminal and there is no count; q or a signal ends it. Otherwise
+/// writes a line for each change; enough lines, a signal, or the end of their reader end it. Follows the region from
+/// object to object. Thread-bound to the main thread; no other thread may handle SIGINT, SIGTERM or SIGHUP meanwhile.
+/// @param out  standard output, for the lines
+/// @param tell called with a line when the wait for the region lasts longer than a moment
 /// @return the exit status
-/// Throws std::runtime_error when the terminal cannot be used, or when lines are to be written and there was nothing
-/// to read in time.
+/// @throws std::runtime_error when the terminal is not usable, or when no region was there in time for the first line
 int runWatch(WatchOptions const& options, std::ostream& out,
              std::function<void(std::string const&)> const& tell);
 

@@ -65,7 +65,7 @@ bool typeKey(WatchModel& model, int key) {
 
 void handleKey(WatchModel& model, int key) {
     if (key == KEY_RESIZE) {
-        return; // no key at all: the screen has another size
+        return; // not a key: the screen has another size
     }
     if (model.isHelp()) {
         model.handle(Action::Help);

@@ -5,7 +5,6 @@
 /// Which key does what.
 #pragma once
 
-#include "tools/qelshm/watch/WatchAction.h"
 #include "tools/qelshm/watch/WatchModel.h"
 
 #include <array>
@@ -13,34 +12,38 @@
 
 namespace qel::watch {
 
-/// What a key asks for, as curses numbers it; nothing for a key without a meaning. Any thread.
+/// Looks up a key. Reentrant.
+/// @param key as curses numbers it
+/// @return nothing for a key without a meaning
 std::optional<Action> actionOf(int key);
 
-/// Does what a key asks for: while the filter is typed, printable characters, backspace, Enter and Esc belong to it;
-/// while the help is shown, every key ends it.
+/// Applies a key to the model. While the user types the filter, printable characters, backspace, Enter and Esc belong to
+/// it. While the help is visible, every key closes it. Reentrant.
+/// @param key as curses numbers it
 void handleKey(WatchModel& model, int key);
 
+/// A line of the help. Reentrant.
 struct KeyHelp {
     char const* keys; ///< "Up Down, k j"
     char const* text; ///< what they do
-    char const* hint; ///< both in few words for the last line of the screen, "" to leave them out there
+    char const* hint; ///< short form for the last line of the screen; "" for none
 };
 
 /// In the order in which they are shown.
 inline constexpr std::array<KeyHelp, 13> keyHelp{{
     {"Up Down, k j", "go to the row above or below", "Up Down move"},
-    {"PgUp PgDn", "a page up or down", ""},
-    {"Home End, g G", "the first or the last row", ""},
-    {"Left Right, h l", "fold or unfold a point; up to its parent, down into it", "Left Right fold"},
+    {"PgUp PgDn", "go up or down a page", ""},
+    {"Home End, g G", "go to the first or last row", ""},
+    {"Left Right, h l", "fold or unfold a point; go to its parent or into it", "Left Right fold"},
     {"Enter, space", "fold or unfold; in a flat order, show the value in the tree", ""},
     {"e, c", "unfold or fold all points", ""},
-    {"s", "sort: tree, then values alone by state, name, age", "s sort"},
-    {"/", "filter by words in path, type, name or state; Enter keeps it", "/ filter"},
-    {"Esc", "take the filter away", ""},
-    {"f", "follow: go to each new alarm, or no longer", "f follow"},
-    {"?", "this help; any key ends it", "? help"},
+    {"s", "sort: as a tree, or only values by state, name or age", "s sort"},
+    {"/", "filter by words in path, type, name or state", "/ filter"},
+    {"Esc", "remove the filter", ""},
+    {"f", "follow: go to each new alarm; on or off", "f follow"},
+    {"?", "this help; any key closes it", "? help"},
     {"q, Ctrl-C", "quit", "q quit"},
-    {"Ctrl-Z", "suspend; fg comes back", ""},
+    {"Ctrl-Z", "suspend; resume with fg", ""},
 }};
 
 } // namespace qel::watch

@@ -4,11 +4,13 @@
 #include "tools/qelshm/watch/WatchModel.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/qelshm/app/MissingText.h"
-#include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/app/RegionInput.h"
+#include "tools/qelshm/terminal/AgeText.h"
+#include "tools/qelshm/watch/StateInfo.h"
 
 #include "format/ValueFormatter.h"
 #include "inspect/naming/LedText.h"
+#include "inspect/naming/StateClass.h"
 #include "inspect/naming/Svid.h"
 #include "region/QelShmMVal.h"
 
@@ -19,13 +21,17 @@ namespace qel::watch {
 
 namespace {
 
-constexpr std::uint64_t flashMs = 600; // shorter than the second in which most units deliver anew
+constexpr std::uint64_t flashMs = 600; // shorter than the second between deliveries of most units
 constexpr std::uint64_t noteMs = 10000;
 constexpr std::uint64_t shortestBucketMs = 2000; // with History::length, three minutes
 constexpr std::uint64_t msPerSecond = 1000;
 
 bool isRecent(std::optional<std::uint64_t> since, std::uint64_t limit) {
     return since && *since < limit;
+}
+
+bool isAlarm(eStatus_Bits state) {
+    return inspect::classOf(state) == inspect::StateClass::Alarm;
 }
 
 } // namespace
@@ -38,25 +44,25 @@ bool WatchModel::isLive() const {
     return status_.condition == inspect::Condition::Active;
 }
 
-void WatchModel::update(Look const& look) {
+void WatchModel::update(Snapshot const& snapshot) {
     bool const wasLive = isLive();
-    bool const isOtherObject = look.objects != look_.objects;
-    if (isOtherObject && look_.objects != 0) {
-        reattached_ = look.ticks;
+    bool const isOtherObject = snapshot.objects != snapshot_.objects;
+    if (isOtherObject && snapshot_.objects != 0) {
+        reattached_ = snapshot.ticks;
     }
-    began_ = began_.value_or(look.ticks);
-    look_ = look;
-    status_ = inspect::regionStatus(look.source, look.image, look.now, std::nullopt);
-    bool const isChanged = structure_.update(isLive() ? look.image : inspect::Image());
+    began_ = began_.value_or(snapshot.ticks);
+    snapshot_ = snapshot;
+    status_ = inspect::regionStatus(snapshot.source, snapshot.image, snapshot.now, std::nullopt);
+    bool const isChanged = structure_.update(isLive() ? snapshot.image : inspect::Image());
     if (isChanged && wasLive && isLive() && !isOtherObject) {
         ++structureChanges_;
     }
-    auto const changes = tracker_.update(structure_, look.image, look.ticks);
+    auto const changes = tracker_.update(structure_, snapshot.image, snapshot.ticks);
     auto const& values = structure_.values();
     if (std::any_of(values.begin(), values.end(), [&](UnitValue const& value) {
-            return tracker_.sinceDelivery(value.pos, look.ticks) == std::uint64_t{0};
+            return tracker_.sinceDelivery(value.pos, snapshot.ticks) == std::uint64_t{0};
         })) {
-        delivered_ = look.ticks;
+        delivered_ = snapshot.ticks;
     }
     rebuildRows();
     if (isFollowing_) {
@@ -65,7 +71,7 @@ void WatchModel::update(Look const& look) {
 }
 
 void WatchModel::rebuildRows() {
-    rows_ = rowsOf({structure_, look_.image, tracker_, folds_, filter_, order_, look_.ticks});
+    rows_ = rowsOf({structure_, snapshot_.image, tracker_, folds_, filter_, order_, snapshot_.ticks});
     keepSelection();
 }
 
@@ -183,8 +189,7 @@ void WatchModel::toggle() {
 void WatchModel::followAlarms(std::vector<ValueChange> const& changes) {
     for (auto const& change : changes) {
         auto const state = stateOf(structure_.values()[change.value]);
-        if (stateInfo(state).severity == Severity::Alarm &&
-            stateInfo(change.before).severity != Severity::Alarm) {
+        if (isAlarm(state) && !isAlarm(change.before)) {
             reveal(change.value);
         }
     }
@@ -276,18 +281,17 @@ HeaderView WatchModel::header() const {
     view.condition = inspect::conditionName(status_.condition);
     view.isLive = isLive();
     if (view.isLive) {
-        auto const& info = stateInfo(status_.globalState);
-        view.state = info.text;
-        view.severity = info.severity;
+        view.state = stateInfo(status_.globalState).text;
+        view.style = tools::stateStyle(status_.globalState);
         view.led = inspect::ledText(status_.globalState);
         view.points = status_.pointsUsed;
         view.values = status_.valuesUsed;
     }
     view.structureChanges = structureChanges_;
-    view.lastDelivery = delivered_ ? durationText(look_.ticks - *delivered_) + " ago" : "-";
-    view.time = tools::timeText(look_.now / msPerSecond * msPerSecond);
-    if (reattached_ && look_.ticks - *reattached_ < noteMs) {
-        view.note = "a new object has been opened";
+    view.lastDelivery = delivered_ ? tools::shortDurationText(snapshot_.ticks - *delivered_) + " ago" : "-";
+    view.time = tools::timeText(snapshot_.now / msPerSecond * msPerSecond);
+    if (reattached_ && snapshot_.ticks - *reattached_ < noteMs) {
+        view.note = "new shared-memory object opened";
     }
     return view;
 }
@@ -296,40 +300,40 @@ std::vector<std::string> WatchModel::message() const {
     if (isLive()) {
         return {};
     }
-    return {"Waiting: " + missingText(status_) + '.',
-            "The table goes on by itself as soon as a writer is ready."};
+    return {"Waiting: " + tools::conditionProblem(status_) + '.',
+            "The table appears as soon as the region is active."};
 }
 
 eStatus_Bits WatchModel::stateOf(UnitPoint const& point) const {
-    return look_.image.region().points[point.pos].state;
+    return snapshot_.image.region().points[point.pos].state;
 }
 
 eStatus_Bits WatchModel::stateOf(UnitValue const& value) const {
-    return look_.image.region().values[value.pos].state;
+    return snapshot_.image.region().values[value.pos].state;
 }
 
 RowView WatchModel::pointView(UnitPoint const& point) const {
-    auto const& info = stateInfo(stateOf(point));
+    auto const state = stateOf(point);
     RowView view{};
     view.isPoint = true;
     view.name = point.name;
     view.type = point.type;
-    view.state = info.text;
-    view.severity = info.severity;
+    view.state = stateInfo(state).text;
+    view.style = tools::stateStyle(state);
     return view;
 }
 
 RowView WatchModel::valueView(UnitValue const& value) const {
-    auto const& slot = look_.image.region().values[value.pos];
-    auto const& info = stateInfo(slot.state);
-    auto const age = tracker_.sinceDelivery(value.pos, look_.ticks);
+    auto const& slot = snapshot_.image.region().values[value.pos];
+    auto const age = tracker_.sinceDelivery(value.pos, snapshot_.ticks);
     RowView view{};
-    view.isFresh = isRecent(tracker_.sinceChange(value.pos, look_.ticks), flashMs);
+    view.isFresh = isRecent(tracker_.sinceChange(value.pos, snapshot_.ticks), flashMs);
     view.name = value.name;
     view.value = tav::ValueFormatter::str(shm::QelShmMVal(&slot));
-    view.state = info.text;
-    view.severity = info.severity;
-    view.age = age ? durationText(*age) : '>' + durationText(look_.ticks - began_.value_or(look_.ticks));
+    view.state = stateInfo(slot.state).text;
+    view.style = tools::stateStyle(slot.state);
+    view.age = age ? tools::shortDurationText(*age)
+                   : '>' + tools::shortDurationText(snapshot_.ticks - began_.value_or(snapshot_.ticks));
     return view;
 }
 
@@ -356,26 +360,26 @@ std::vector<RowView> WatchModel::visibleRows() const {
     return views;
 }
 
-PaneView WatchModel::pane() const {
-    PaneView view{};
+DetailView WatchModel::detail() const {
+    DetailView view{};
     if (rows_.empty()) {
         return view;
     }
     auto const& row = rows_[selected_];
     auto const& point = pointOf(row);
-    auto const& info = stateInfo(stateOf(point));
+    auto const state = stateOf(point);
     view.path = point.path;
     view.svid = inspect::svidText(point.svid);
     view.type = point.type;
-    view.state = info.text;
-    view.severity = info.severity;
-    view.newestBucket = tracker_.bucket(look_.ticks);
+    view.state = stateInfo(state).text;
+    view.style = tools::stateStyle(state);
+    view.newestBucket = tracker_.bucket(snapshot_.ticks);
     auto const shown = row.isPoint ? point.firstValue : row.index;
     for (auto index = point.firstValue; index < point.firstValue + point.valueCount; ++index) {
         auto const& value = structure_.values()[index];
         view.values.push_back(valueView(value));
         if (index == shown) {
-            auto const delivered = look_.image.region().values[value.pos].at;
+            auto const delivered = snapshot_.image.region().values[value.pos].at;
             view.values.back().isSelected = true;
             view.graphName = value.name;
             view.delivered = delivered == 0 ? "never" : tools::timeText(delivered);

@@ -2,15 +2,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What the live table shows, without a terminal.
+/// The contents of the live table, without a terminal.
 #pragma once
 
-#include "tools/qelshm/watch/Look.h"
+#include "tools/qelshm/terminal/Style.h"
 #include "tools/qelshm/watch/RowList.h"
-#include "tools/qelshm/watch/StateInfo.h"
+#include "tools/qelshm/watch/SnapshotSource.h"
 #include "tools/qelshm/watch/UnitStructure.h"
 #include "tools/qelshm/watch/ValueTracker.h"
-#include "tools/qelshm/watch/WatchAction.h"
 #include "tools/qelshm/watch/WatchedNames.h"
 
 #include "inspect/image/RegionStatus.h"
@@ -24,20 +23,43 @@
 
 namespace qel::watch {
 
+/// What the user can do with the table.
+enum class Action : std::uint8_t {
+    Up,
+    Down,
+    PageUp,
+    PageDown,
+    First,
+    Last,
+    Toggle, ///< folds or unfolds the point
+    Open,   ///< unfolds the point; in an unfolded one, goes to its first row
+    Close,  ///< folds the point; from a folded one or a value, goes to the point above
+    OpenAll,
+    CloseAll,
+    Sort,   ///< next order
+    Filter, ///< starts typing of the filter
+    Clear,  ///< removes the filter
+    Follow, ///< starts or stops going to each new alarm
+    Help,
+    Quit,
+};
+
+/// The lines above the table. Reentrant.
 struct HeaderView {
     std::string condition; ///< "active"
     bool isLive;           ///< there is content to show
-    std::string state;     ///< the global one; this and the next two are empty without content
-    Severity severity;
-    std::string led; ///< "green"
+    std::string state;     ///< global state; without content, this and the next four are empty
+    tools::Style style;    ///< of the state
+    std::string led;       ///< "green"
     std::size_t points;
     std::size_t values;
     unsigned structureChanges;
-    std::string lastDelivery; ///< "2s ago"; "-" before the first that was seen
+    std::string lastDelivery; ///< "2s ago"; "-" before the first one
     std::string time;
-    std::string note; ///< what happened a moment ago, or nothing
+    std::string note; ///< what happened a moment ago; "" for nothing
 };
 
+/// A row of the table. Reentrant.
 struct RowView {
     bool isPoint;
     bool isFoldable;
@@ -49,45 +71,54 @@ struct RowView {
     std::string type;  ///< of a point
     std::string value; ///< of a value, with its unit
     std::string state;
-    Severity severity;
-    std::string age; ///< since the last delivery; with '>' when none was seen
+    tools::Style style; ///< of the state
+    std::string age;    ///< since the last delivery; with '>' if none was seen
 };
 
-/// What is selected, in detail; empty texts when nothing is.
-struct PaneView {
+/// The selected point and value in detail; the texts are empty if nothing is selected. Reentrant.
+struct DetailView {
     std::string path;
     std::string svid;
     std::string type;
     std::string state;
-    Severity severity;
-    std::vector<RowView> values; ///< of the point; the one that the graph shows is selected
+    tools::Style style;          ///< of the state
+    std::vector<RowView> values; ///< of the point; the one in the graph is selected
     std::string graphName;       ///< name of that value
-    std::string delivered;       ///< when it was delivered last, by the writer's clock
+    std::string delivered;       ///< time of its last delivery, by the writer's clock
     unsigned short key;
     History const* history; ///< null without a value; valid until the next update
     std::uint64_t newestBucket;
 };
 
-/// A table of points and values that folds, is sorted and searched, with a cursor and a window of some lines. Pure:
-/// it gets images and times, and is asked what there is to see. Memory: see ValueTracker.
+/// A table of points and values that can be folded, sorted and searched, with a cursor and a window of some lines. It
+/// receives snapshots and actions and says what is visible. Memory: see ValueTracker.
 ///
-/// Threads: not shared.
+/// Threads: reentrant.
 class WatchModel {
 public:
-    /// @param interval between two looks; what the histories' buckets are chosen by
+    /// @param names    the selection
+    /// @param interval time between two snapshots; determines how long a bucket of the histories lasts
     WatchModel(WatchedNames names, std::chrono::milliseconds interval);
 
-    void update(Look const& look);
+    /// Shows a snapshot instead of the previous one.
+    void update(Snapshot const& snapshot);
 
-    /// Lines that the table has on the screen; at least one is assumed.
+    /// Sets the number of table lines on the screen; at least one is assumed.
     void setPage(std::size_t lines);
 
+    /// Does what the user asks for.
     void handle(Action action);
 
-    /// While the filter is typed: adds a character, takes the last one away, ends typing.
+    /// @return whether the user is typing the filter
     bool isTyping() const { return isTyping_; }
+
+    /// Appends a character to the filter.
     void type(char character);
+
+    /// Removes the last character of the filter.
     void erase();
+
+    /// Keeps the filter as typed.
     void endTyping() { isTyping_ = false; }
 
     bool isHelp() const { return isHelp_; }
@@ -98,19 +129,20 @@ public:
 
     HeaderView header() const;
 
-    /// Why there is nothing to show, in sentences; empty when the region has content.
+    /// @return sentences that say why there is nothing to show; none if the region has content
     std::vector<std::string> message() const;
 
     std::size_t rowCount() const { return rows_.size(); }
     std::size_t selected() const { return selected_; }
-    std::size_t top() const { return top_; } ///< first row that is on the screen
 
-    /// Rows from the top on, as many as are on the screen.
+    /// @return the first visible row
+    std::size_t top() const { return top_; }
+
     std::vector<RowView> visibleRows() const;
 
-    PaneView pane() const;
+    DetailView detail() const;
 
-    /// How far back a graph of so many columns goes, ms.
+    /// @return the time span of a graph with so many columns, ms
     std::uint64_t graphSpan(std::size_t columns) const;
 
 private:
@@ -136,12 +168,12 @@ private:
     RowView valueView(UnitValue const& value) const;
     RowView viewOf(std::size_t index) const;
 
-    Look look_;
+    Snapshot snapshot_;
     inspect::RegionStatus status_;
     UnitStructure structure_;
     ValueTracker tracker_;
     unsigned structureChanges_ = 0;
-    std::optional<std::uint64_t> began_;      ///< ticks of the first look
+    std::optional<std::uint64_t> began_;      ///< ticks of the first snapshot
     std::optional<std::uint64_t> delivered_;  ///< ticks of the last delivery of any value
     std::optional<std::uint64_t> reattached_; ///< ticks at which another object was opened
 

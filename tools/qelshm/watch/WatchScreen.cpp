@@ -3,8 +3,7 @@
 
 #include "tools/qelshm/watch/WatchScreen.h"
 
-#include "tools/qelshm/terminal/LineColours.h"
-#include "tools/qelshm/terminal/Text.h"
+#include "tools/qelshm/terminal/Utf8Text.h"
 #include "tools/qelshm/watch/Graph.h"
 #include "tools/qelshm/watch/WatchKeys.h"
 
@@ -14,6 +13,7 @@
 #include <langinfo.h>
 
 #include <algorithm>
+#include <array>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -29,27 +29,33 @@ struct WatchScreen::Area {
     int width;
 };
 
-enum class WatchScreen::Pair : short { Plain, Alarm, Warning, Notice, Normal, Graph };
-
 namespace {
 
 constexpr int headerLines = 3; // two of facts, one of titles
 constexpr int footerLines = 1;
 constexpr int graphHeight = 4;
-constexpr int paneLines = graphHeight + 3; // its title, the graph's title, the graph, its scale
-constexpr int leastLinesWithPane = 18;
-constexpr int leastColumnsWithValues = 80; // of the pane's list of values
+constexpr int detailLines = graphHeight + 3; // title, the graph's title, the graph, its scale
+constexpr int leastLinesWithDetail = 18;
+constexpr int leastColumnsWithValues = 80; // beside the graph
 constexpr int listWidth = 46;
 constexpr int listValueWidth = 12;
 constexpr int listStateWidth = 15;
 constexpr int valueWidth = 14;
 constexpr int stateWidth = 18;
 constexpr int ageWidth = 6;
-constexpr int escapeDelayMs = 25; // that long an Esc may be the beginning of another key
+constexpr int escapeDelayMs = 25; // an Esc may be the beginning of another key for this time
 constexpr std::uint64_t msPerSecond = 1000;
 
-bool isPaneShown() {
-    return LINES >= leastLinesWithPane;
+// Colour pairs are numbered like the styles; the graph has one more.
+constexpr short noColour = -1;
+constexpr std::array<short, 7> pairColours{noColour,  COLOR_GREEN,   noColour,  COLOR_YELLOW,
+                                           COLOR_RED, COLOR_MAGENTA, COLOR_BLUE};
+constexpr short graphPair = pairColours.size() - 1;
+static_assert(pairColours[static_cast<std::size_t>(tools::Style::Alarm)] == COLOR_RED);
+static_assert(static_cast<short>(tools::Style::Busy) + 1 == graphPair);
+
+bool isDetailShown() {
+    return LINES >= leastLinesWithDetail;
 }
 
 } // namespace
@@ -59,16 +65,16 @@ void WatchScreen::Delete::operator()(::screen* terminal) const {
     delscreen(terminal);
 }
 
-WatchScreen::WatchScreen() {
-    // Only how characters are encoded: numbers stay as they are without a locale. One that is not installed leaves ASCII.
+WatchScreen::WatchScreen(bool isColoured) {
+    // Only the encoding of characters; numbers do not follow the locale. A locale that is not installed means ASCII.
     static_cast<void>(std::setlocale(LC_CTYPE, ""));
     isUtf8_ = std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
-    // Unlike initscr(), newterm() comes back when the terminal is not known.
+    // Unlike initscr(), newterm() returns if the terminal is unknown.
     terminal_.reset(newterm(nullptr, stdout, stdin));
     if (!terminal_) {
         char const* const name = std::getenv("TERM");
         throw std::runtime_error(std::string("the terminal \"") + (name != nullptr ? name : "") +
-                                 "\" cannot show a table; pipe the output through cat for lines");
+                                 "\" cannot display the table; pipe the output through cat to get lines");
     }
     cbreak();
     noecho();
@@ -76,15 +82,13 @@ WatchScreen::WatchScreen() {
     nodelay(stdscr, TRUE);
     set_escdelay(escapeDelayMs);
     curs_set(0);
-    hasColours_ = has_colors() && areColoursAllowed();
-    if (hasColours_) {
+    isColoured_ = isColoured && has_colors();
+    if (isColoured_) {
         start_color();
         use_default_colors();
-        init_pair(static_cast<short>(Pair::Alarm), COLOR_RED, -1);
-        init_pair(static_cast<short>(Pair::Warning), COLOR_YELLOW, -1);
-        init_pair(static_cast<short>(Pair::Notice), COLOR_CYAN, -1);
-        init_pair(static_cast<short>(Pair::Normal), COLOR_GREEN, -1);
-        init_pair(static_cast<short>(Pair::Graph), COLOR_BLUE, -1);
+        for (short pair = 1; pair <= graphPair; ++pair) {
+            init_pair(pair, pairColours.at(static_cast<std::size_t>(pair)), noColour);
+        }
     }
 }
 
@@ -95,48 +99,38 @@ std::optional<int> WatchScreen::key() {
     return key == ERR ? std::nullopt : std::optional(key);
 }
 
-WatchScreen::Pair WatchScreen::pairOf(Severity severity) {
-    switch (severity) {
-    case Severity::None:
-        return Pair::Plain;
-    case Severity::Normal:
-        return Pair::Normal;
-    case Severity::Notice:
-        return Pair::Notice;
-    case Severity::Warning:
-        return Pair::Warning;
-    case Severity::Alarm:
-        return Pair::Alarm;
-    }
-    return Pair::Plain;
-}
-
-void WatchScreen::put(Area const& area, std::string const& text, unsigned attributes, Pair pair) const {
+void WatchScreen::put(Area const& area, std::string const& text, unsigned attributes, short pair) const {
     auto const width = std::min(area.width, COLS - area.column);
     if (area.line < 0 || area.line >= LINES || width <= 0) {
         return;
     }
-    auto const shown = fitted(text, static_cast<std::size_t>(width));
-    attr_set(attributes, hasColours_ ? static_cast<short>(pair) : short{0}, nullptr);
-    mvaddstr(area.line, area.column, isUtf8_ ? shown.c_str() : asciiOnly(shown).c_str());
+    auto const shown = tools::fitted(text, static_cast<std::size_t>(width));
+    attr_set(attributes, isColoured_ ? pair : short{0}, nullptr);
+    mvaddstr(area.line, area.column, isUtf8_ ? shown.c_str() : tools::asciiOnly(shown).c_str());
+}
+
+void WatchScreen::putState(Area const& area, std::string const& text, unsigned attributes,
+                           tools::Style style) const {
+    put(area, text, style == tools::Style::Faint ? attributes | A_DIM : attributes,
+        static_cast<short>(style));
 }
 
 void WatchScreen::drawHeader(WatchModel const& model) const {
     auto const view = model.header();
     int const timeWidth = static_cast<int>(view.time.size()) + 1;
-    put({0, 0, COLS}, " qelshm watch   " + view.condition, A_BOLD | A_REVERSE, Pair::Plain);
+    put({0, 0, COLS}, " qelshm watch   " + view.condition, A_BOLD | A_REVERSE);
     constexpr int stateColumn = 30;
     if (view.isLive) {
-        put({0, stateColumn, COLS - stateColumn}, ' ' + view.state + "   LED " + view.led, A_BOLD | A_REVERSE,
-            pairOf(view.severity));
+        putState({0, stateColumn, COLS - stateColumn}, ' ' + view.state + "   LED " + view.led,
+                 A_BOLD | A_REVERSE, view.style);
     }
-    put({0, std::max(COLS - timeWidth, 0), timeWidth}, view.time, A_BOLD | A_REVERSE, Pair::Plain);
+    put({0, std::max(COLS - timeWidth, 0), timeWidth}, view.time, A_BOLD | A_REVERSE);
     std::string const facts = " points " + std::to_string(view.points) + '/' + std::to_string(shm::MP_COUNT) +
                               "   values " + std::to_string(view.values) + '/' +
                               std::to_string(shm::MV_COUNT) + "   structure changes " +
                               std::to_string(view.structureChanges) + "   " +
                               (view.note.empty() ? "last delivery " + view.lastDelivery : view.note);
-    put({1, 0, COLS}, facts, view.note.empty() ? A_NORMAL : A_BOLD, Pair::Plain);
+    put({1, 0, COLS}, facts, view.note.empty() ? A_NORMAL : A_BOLD);
 }
 
 void WatchScreen::drawTitles(WatchModel const& model) const {
@@ -148,10 +142,10 @@ void WatchScreen::drawTitles(WatchModel const& model) const {
         title += " /" + model.filterText();
     }
     int const nameWidth = std::max(COLS - valueWidth - stateWidth - ageWidth, 0);
-    put({2, 0, nameWidth}, title, A_UNDERLINE, Pair::Plain);
-    put({2, nameWidth, valueWidth}, "Value", A_UNDERLINE, Pair::Plain);
-    put({2, nameWidth + valueWidth, stateWidth}, "State", A_UNDERLINE, Pair::Plain);
-    put({2, nameWidth + valueWidth + stateWidth, ageWidth}, "Age", A_UNDERLINE, Pair::Plain);
+    put({2, 0, nameWidth}, title, A_UNDERLINE);
+    put({2, nameWidth, valueWidth}, "Value", A_UNDERLINE);
+    put({2, nameWidth + valueWidth, stateWidth}, "State", A_UNDERLINE);
+    put({2, nameWidth + valueWidth + stateWidth, ageWidth}, "Age", A_UNDERLINE);
 }
 
 void WatchScreen::drawRow(int line, RowView const& row) const {
@@ -164,29 +158,29 @@ void WatchScreen::drawRow(int line, RowView const& row) const {
         mark = row.isFolded ? folded : open;
     }
     auto const name = ' ' + std::string(row.depth * std::size_t{2}, ' ') + mark + row.name;
-    put({line, 0, COLS}, "", selected, Pair::Plain);
+    put({line, 0, COLS}, "", selected);
     if (row.isPoint) {
-        int const typeColumn = static_cast<int>(widthOf(name)) + 2;
-        put({line, 0, nameWidth + valueWidth}, name, selected | A_BOLD, Pair::Plain);
-        put({line, typeColumn, nameWidth + valueWidth - typeColumn}, row.type, selected | A_DIM, Pair::Plain);
+        int const typeColumn = static_cast<int>(tools::widthOf(name)) + 2;
+        put({line, 0, nameWidth + valueWidth}, name, selected | A_BOLD);
+        put({line, typeColumn, nameWidth + valueWidth - typeColumn}, row.type, selected | A_DIM);
     } else {
-        // A change flashes: the number alone stands out, also in the selected row.
-        put({line, 0, nameWidth - 1}, name, selected, Pair::Plain);
-        auto const width = std::min(static_cast<int>(widthOf(row.value)), valueWidth - 1);
-        put({line, nameWidth, width}, row.value, row.isFresh ? selected ^ A_REVERSE : selected, Pair::Plain);
+        // A changed number is highlighted, also in the selected row.
+        put({line, 0, nameWidth - 1}, name, selected);
+        auto const width = std::min(static_cast<int>(tools::widthOf(row.value)), valueWidth - 1);
+        put({line, nameWidth, width}, row.value, row.isFresh ? selected ^ A_REVERSE : selected);
     }
-    put({line, nameWidth + valueWidth, stateWidth}, row.state, selected, pairOf(row.severity));
-    put({line, nameWidth + valueWidth + stateWidth, ageWidth}, row.age, selected | A_DIM, Pair::Plain);
+    putState({line, nameWidth + valueWidth, stateWidth}, row.state, selected, row.style);
+    put({line, nameWidth + valueWidth + stateWidth, ageWidth}, row.age, selected | A_DIM);
 }
 
 void WatchScreen::drawTable(WatchModel const& model, int lines) const {
     int line = headerLines;
     for (auto const& text : model.message()) {
-        put({++line, 2, COLS - 2}, text, A_BOLD, Pair::Warning);
+        put({++line, 2, COLS - 2}, text, A_BOLD, static_cast<short>(tools::Style::Warning));
     }
     if (model.message().empty() && model.rowCount() == 0) {
-        put({line + 1, 2, COLS - 2},
-            "Nothing to show: no point or value is watched, or the filter fits none.", A_BOLD, Pair::Plain);
+        put({line + 1, 2, COLS - 2}, "Nothing to show: nothing is watched, or nothing matches the filter.",
+            A_BOLD);
     }
     line = headerLines;
     for (auto const& row : model.visibleRows()) {
@@ -197,67 +191,66 @@ void WatchScreen::drawTable(WatchModel const& model, int lines) const {
     }
 }
 
-void WatchScreen::drawValues(PaneView const& pane, int line, int width) const {
-    constexpr std::size_t lines = paneLines - 1;
-    auto const shown = std::find_if(pane.values.begin(), pane.values.end(),
+void WatchScreen::drawValues(DetailView const& detail, int line, int width) const {
+    constexpr std::size_t lines = detailLines - 1;
+    auto const shown = std::find_if(detail.values.begin(), detail.values.end(),
                                     [](RowView const& value) { return value.isSelected; });
-    auto const index = static_cast<std::size_t>(shown - pane.values.begin());
+    auto const index = static_cast<std::size_t>(shown - detail.values.begin());
     auto const first = index < lines ? 0 : index + 1 - lines;
     int const nameWidth = width - listValueWidth - listStateWidth;
-    for (auto value = first; value < std::min(first + lines, pane.values.size()); ++value) {
-        auto const& view = pane.values[value];
+    for (auto value = first; value < std::min(first + lines, detail.values.size()); ++value) {
+        auto const& view = detail.values[value];
         int const row = line + static_cast<int>(value - first);
         put({row, 0, nameWidth}, (view.isSelected ? " >" : "  ") + view.name,
-            view.isSelected ? A_BOLD : A_NORMAL, Pair::Plain);
-        put({row, nameWidth, listValueWidth}, ' ' + view.value, A_NORMAL, Pair::Plain);
-        put({row, nameWidth + listValueWidth, listStateWidth}, view.state, A_NORMAL, pairOf(view.severity));
+            view.isSelected ? A_BOLD : A_NORMAL);
+        put({row, nameWidth, listValueWidth}, ' ' + view.value, A_NORMAL);
+        putState({row, nameWidth + listValueWidth, listStateWidth}, view.state, A_NORMAL, view.style);
     }
 }
 
-void WatchScreen::drawGraph(WatchModel const& model, PaneView const& pane, int line, int column) const {
-    if (pane.history == nullptr) {
+void WatchScreen::drawGraph(WatchModel const& model, DetailView const& detail, int line, int column) const {
+    if (detail.history == nullptr) {
         return;
     }
     int const width = std::min(COLS - column - 1, static_cast<int>(History::length));
-    put({line, column, COLS - column}, pane.graphName + ", delivered " + pane.delivered, A_BOLD, Pair::Plain);
+    put({line, column, COLS - column}, detail.graphName + ", delivered " + detail.delivered, A_BOLD);
     if (width <= 0) {
         return;
     }
     auto const columns = static_cast<std::size_t>(width);
     auto const graph =
-        graphOf(*pane.history, pane.newestBucket, columns, graphHeight, isUtf8_ ? blockBars : asciiBars);
+        graphOf(*detail.history, detail.newestBucket, columns, graphHeight, isUtf8_ ? blockBars : asciiBars);
     for (auto const& text : graph.lines) {
-        put({++line, column, width}, text, A_NORMAL, Pair::Graph);
+        put({++line, column, width}, text, A_NORMAL, graphPair);
     }
     auto const number = [&](float of) {
-        return tav::ValueFormatter::str(pane.key, static_cast<double>(of), " ");
+        return tav::ValueFormatter::str(detail.key, static_cast<double>(of), " ");
     };
     put({++line, column, COLS - column},
-        graph.range.isEmpty() ? std::string("no number yet")
+        graph.range.isEmpty() ? std::string("no data yet")
                               : "min " + number(graph.range.min) + "  max " + number(graph.range.max) +
                                     "  of " + std::to_string(model.graphSpan(columns) / msPerSecond) + " s",
-        A_DIM, Pair::Plain);
+        A_DIM);
 }
 
-void WatchScreen::drawPane(WatchModel const& model, int line) const {
-    auto const pane = model.pane();
-    std::string title = ' ' + pane.path + "  " + pane.svid + "  " + pane.type;
-    put({line, 0, COLS}, pane.path.empty() ? std::string() : title, A_REVERSE, Pair::Plain);
-    put({line, COLS - stateWidth, stateWidth}, pane.state, A_REVERSE, pairOf(pane.severity));
-    if (pane.path.empty()) {
+void WatchScreen::drawDetail(WatchModel const& model, int line) const {
+    auto const detail = model.detail();
+    std::string title = ' ' + detail.path + "  " + detail.svid + "  " + detail.type;
+    put({line, 0, COLS}, detail.path.empty() ? std::string() : title, A_REVERSE);
+    putState({line, COLS - stateWidth, stateWidth}, detail.state, A_REVERSE, detail.style);
+    if (detail.path.empty()) {
         return;
     }
     int const column = COLS >= leastColumnsWithValues ? listWidth : 1;
     if (COLS >= leastColumnsWithValues) {
-        drawValues(pane, line + 1, listWidth - 1);
+        drawValues(detail, line + 1, listWidth - 1);
     }
-    drawGraph(model, pane, line + 1, column);
+    drawGraph(model, detail, line + 1, column);
 }
 
 void WatchScreen::drawFooter(WatchModel const& model) const {
     if (model.isTyping()) {
-        put({LINES - 1, 0, COLS}, '/' + model.filterText() + "_   Enter keeps, Esc takes away", A_BOLD,
-            Pair::Plain);
+        put({LINES - 1, 0, COLS}, '/' + model.filterText() + "_   Enter keeps it, Esc removes it", A_BOLD);
         return;
     }
     std::string keys;
@@ -266,27 +259,27 @@ void WatchScreen::drawFooter(WatchModel const& model) const {
             keys += std::string(" ") + help.hint + "  ";
         }
     }
-    put({LINES - 1, 0, COLS}, keys, A_DIM, Pair::Plain);
+    put({LINES - 1, 0, COLS}, keys, A_DIM);
     auto const place = ' ' + std::to_string(model.rowCount() == 0 ? 0 : model.selected() + 1) + '/' +
                        std::to_string(model.rowCount());
     int const width = static_cast<int>(place.size());
-    put({LINES - 1, std::max(COLS - width, 0), width}, place, A_BOLD, Pair::Plain);
+    put({LINES - 1, std::max(COLS - width, 0), width}, place, A_BOLD);
 }
 
 void WatchScreen::drawHelp() const {
     constexpr int keysWidth = 20;
-    put({0, 0, COLS}, " qelshm watch: keys", A_BOLD | A_REVERSE, Pair::Plain);
+    put({0, 0, COLS}, " qelshm watch: keys", A_BOLD | A_REVERSE);
     int line = 1;
     for (auto const& help : keyHelp) {
         ++line;
-        put({line, 1, keysWidth}, help.keys, A_BOLD, Pair::Plain);
-        put({line, 1 + keysWidth, COLS}, help.text, A_NORMAL, Pair::Plain);
+        put({line, 1, keysWidth}, help.keys, A_BOLD);
+        put({line, 1 + keysWidth, COLS}, help.text, A_NORMAL);
     }
     line += 2;
     for (char const* const text :
-         {"A number that has changed stands out for a moment. Age: since a delivery was last seen;",
-          "with '>' when none was seen since the start. The graph shows the value of the selected row."}) {
-        put({line++, 1, COLS}, text, A_NORMAL, Pair::Plain);
+         {"Changed numbers are highlighted for a moment. Age: time since the last delivery;",
+          "'>' means none since the start. The graph shows the value of the selected row."}) {
+        put({line++, 1, COLS}, text, A_NORMAL);
     }
 }
 
@@ -295,14 +288,14 @@ void WatchScreen::draw(WatchModel& model) {
     if (model.isHelp()) {
         drawHelp();
     } else {
-        int const pane = isPaneShown() ? paneLines : 0;
-        int const table = std::max(LINES - headerLines - footerLines - pane, 1);
+        int const detail = isDetailShown() ? detailLines : 0;
+        int const table = std::max(LINES - headerLines - footerLines - detail, 1);
         model.setPage(static_cast<std::size_t>(table));
         drawHeader(model);
         drawTitles(model);
         drawTable(model, table);
-        if (isPaneShown()) {
-            drawPane(model, headerLines + table);
+        if (isDetailShown()) {
+            drawDetail(model, headerLines + table);
         }
         drawFooter(model);
     }

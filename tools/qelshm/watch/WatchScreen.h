@@ -16,38 +16,38 @@ struct screen; // of curses, SCREEN there
 
 namespace qel::watch {
 
-/// Takes the terminal over and draws a model on it; the terminal is as before once the object is destroyed. Takes
-/// care of the size of the terminal and of being suspended. Without UTF-8, all is drawn in ASCII; without colours, or
-/// with NO_COLOR, in attributes alone.
+/// Takes over the terminal, draws a model on it and restores the terminal in the end. Follows the size of the terminal;
+/// can be suspended. Draws in ASCII if the terminal has no UTF-8, and with attributes alone if it has no colours.
 ///
-/// Threads: one object per process, bound to one thread.
+/// Threads: thread-bound to the thread that made it. One object per process.
 class WatchScreen {
 public:
-    /// Throws std::runtime_error when the terminal cannot be used.
-    WatchScreen();
+    /// @param isColoured whether colours are wanted
+    /// @throws std::runtime_error when the terminal is not usable
+    explicit WatchScreen(bool isColoured);
     ~WatchScreen();
     WatchScreen(WatchScreen const&) = delete;
     WatchScreen& operator=(WatchScreen const&) = delete;
 
-    /// Draws what has changed, and tells the model how many rows it may show.
+    /// Draws what has changed and tells the model how many rows fit.
     void draw(WatchModel& model);
 
-    /// The next key that was pressed, as curses numbers it; nothing when none is left. Does not wait.
+    /// Takes the next key that was pressed. Does not wait.
+    /// @return its number in curses; nothing when none is left
     static std::optional<int> key();
 
 private:
     struct Area;
-    enum class Pair : short;
 
-    static Pair pairOf(Severity severity);
-    void put(Area const& area, std::string const& text, unsigned attributes, Pair pair) const;
+    void put(Area const& area, std::string const& text, unsigned attributes, short pair = 0) const;
+    void putState(Area const& area, std::string const& text, unsigned attributes, tools::Style style) const;
     void drawHeader(WatchModel const& model) const;
     void drawTitles(WatchModel const& model) const;
     void drawRow(int line, RowView const& row) const;
     void drawTable(WatchModel const& model, int lines) const;
-    void drawPane(WatchModel const& model, int line) const;
-    void drawValues(PaneView const& pane, int line, int width) const;
-    void drawGraph(WatchModel const& model, PaneView const& pane, int line, int column) const;
+    void drawDetail(WatchModel const& model, int line) const;
+    void drawValues(DetailView const& detail, int line, int width) const;
+    void drawGraph(WatchModel const& model, DetailView const& detail, int line, int column) const;
     void drawFooter(WatchModel const& model) const;
     void drawHelp() const;
 
@@ -56,7 +56,7 @@ private:
     };
     std::unique_ptr<::screen, Delete> terminal_;
     bool isUtf8_;
-    bool hasColours_ = false;
+    bool isColoured_;
 };
 
 } // namespace qel::watch

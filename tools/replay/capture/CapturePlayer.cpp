@@ -50,7 +50,7 @@ void CapturePlayer::step() {
     followGlobalState(sample);
 }
 
-RegionChange CapturePlayer::take(inspect::RecordedSample const& sample) {
+RegionChange CapturePlayer::take(inspect::CaptureSample const& sample) {
     auto const change = region_->store(sample.image);
     isActive_ = sample.image.isActive();
     log_.countStep();
@@ -64,7 +64,7 @@ void CapturePlayer::readNext() {
 }
 
 // An inactive region has no global state.
-void CapturePlayer::followGlobalState(inspect::RecordedSample const& sample) {
+void CapturePlayer::followGlobalState(inspect::CaptureSample const& sample) {
     auto const state = sample.image.root().state;
     if (!isActive_ || state == globalState_) {
         return;

@@ -36,7 +36,7 @@ public:
     /// Publishes nothing yet.
     /// @param log must outlive the player
     /// @param onStructureChanged called after each sample behind the first one that changes links or ids
-    /// @throws inspect::RecordingError when the file cannot be read; so do begin() and step()
+    /// @throws inspect::CaptureError when the file cannot be read; so do begin() and step()
     CapturePlayer(Parts parts, ReplayLog& log, std::function<void()> onStructureChanged);
     ~CapturePlayer() override;
 
@@ -51,15 +51,15 @@ public:
     eStatus_Bits globalState() const override { return globalState_; }
 
 private:
-    RegionChange take(inspect::RecordedSample const& sample);
+    RegionChange take(inspect::CaptureSample const& sample);
     void readNext();
-    void followGlobalState(inspect::RecordedSample const& sample);
+    void followGlobalState(inspect::CaptureSample const& sample);
 
     Parts parts_;
     ReplayLog& log_;
     std::function<void()> onStructureChanged_;
     inspect::CaptureReader reader_;
-    std::optional<inspect::RecordedSample> next_;
+    std::optional<inspect::CaptureSample> next_;
     std::uint64_t firstTime_ = 0; // ms since the recording began
     bool isActive_ = false;
     eStatus_Bits globalState_ = eStatus_On;

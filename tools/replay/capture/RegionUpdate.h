@@ -5,7 +5,7 @@
 /// In which order one region is made equal to another while readers look on.
 #pragma once
 
-#include "inspect/image/SameBits.h"
+#include "inspect/image/RecordBytes.h"
 #include "region/QelShmRecords.h"
 #include "region/RegionFields.h"
 

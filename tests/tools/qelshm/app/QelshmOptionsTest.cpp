@@ -17,7 +17,7 @@ namespace qel::test {
 namespace {
 
 /// Whether the program colours what it writes to a terminal, with a setting of its environment.
-bool isColoredOnTerminal(std::string const& setting, std::vector<std::string> const& arguments) {
+bool isColouredOnTerminal(std::string const& setting, std::vector<std::string> const& arguments) {
     ImageFolder const folder;
     std::vector<std::string> command{
         "/usr/bin/env", setting, QELSHM, "status", "--image", (folder.path() / folder.add("alarm")).string()};
@@ -41,21 +41,26 @@ class QelshmUsageTest : public testing::TestWithParam<Usage> {};
 
 } // namespace
 
-TEST(QelshmOptionsTest, Terminal_IsColoredUnlessTheUserWantsNone) {
-    EXPECT_TRUE(isColoredOnTerminal("NO_COLOR=", {}));
-    EXPECT_FALSE(isColoredOnTerminal("NO_COLOR=1", {}));
-    EXPECT_FALSE(isColoredOnTerminal("TERM=dumb", {}));
-    EXPECT_FALSE(isColoredOnTerminal("NO_COLOR=", {"--color", "never"}));
-    EXPECT_TRUE(isColoredOnTerminal("NO_COLOR=1", {"--color=always"})) << "what is said outright holds";
+TEST(QelshmOptionsTest, Terminal_IsColouredUnlessTheUserWantsNone) {
+    EXPECT_TRUE(isColouredOnTerminal("NO_COLOR=", {}));
+    EXPECT_FALSE(isColouredOnTerminal("NO_COLOR=1", {}));
+    EXPECT_FALSE(isColouredOnTerminal("TERM=dumb", {}));
+    EXPECT_FALSE(isColouredOnTerminal("NO_COLOR=", {"--color", "never"}));
+    EXPECT_TRUE(isColouredOnTerminal("NO_COLOR=1", {"--color=always"})) << "what is said outright holds";
 }
 
-TEST(QelshmOptionsTest, Pipe_IsNotColoredUnlessAskedFor) {
+TEST(QelshmOptionsTest, Pipe_IsNotColouredUnlessAskedFor) {
     ImageFolder const folder;
     auto const file = folder.add("alarm");
     ChildProcess plain({QELSHM, "status", "--image", file});
     EXPECT_THAT(plain.readAll(), testing::Not(testing::HasSubstr("\x1b")));
-    ChildProcess colored({QELSHM, "status", "--image", file, "--color", "always"});
-    EXPECT_THAT(colored.readAll(), testing::HasSubstr("\x1b[31mChild Alarm\x1b[0m"));
+    ChildProcess coloured({QELSHM, "status", "--image", file, "--color", "always"});
+    EXPECT_THAT(coloured.readAll(), testing::HasSubstr("\x1b[31mChild Alarm\x1b[0m"));
+}
+
+TEST(QelshmOptionsTest, SecondsAs_KeepsFractions) {
+    EXPECT_EQ(std::chrono::milliseconds(1250), tools::secondsAs(1.25));
+    EXPECT_EQ(std::chrono::milliseconds(1), tools::secondsAs<std::chrono::milliseconds>(0.0019));
 }
 
 TEST_P(QelshmUsageTest, WrongArguments_AreOneLineAndStatusTwo) {
@@ -76,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         Usage{"DumpWithoutFile", {"dump"}, "FILE is required"},
         Usage{"LongWait", {"--wait", "601", "list"}, "--wait: Value 601 not in range 0 to 600"},
         Usage{"WaitForAnImage", {"--wait", "1", "--image", "x", "list"}, "--image excludes --wait"},
-        Usage{"NoImage", {"--image", "", "list"}, "--image: a file is needed"},
+        Usage{"NoImage", {"--image", "", "list"}, "--image: missing file name"},
         Usage{"UnknownColor", {"--color", "blue", "list"}, "--color: blue not in {always,auto,never}"},
         Usage{"DepthOfNone", {"tree", "--depth", "0"}, "--depth: Value 0 not in range 1 to 800"},
         Usage{"PathsWithValues", {"tree", "--paths", "--values"}, "--values excludes --paths"},

@@ -11,13 +11,41 @@
 
 #include <gmock/gmock.h>
 
-#include <thread>
+#include <functional>
+#include <memory>
 
 namespace qel::tools {
 
-using std::chrono::seconds;
+namespace {
+
+using inspect::Condition;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+std::string problemOf(Condition condition) {
+    inspect::RegionStatus status;
+    status.condition = condition;
+    status.size = 4096;
+    return conditionProblem(status);
+}
+
+class RegionInputWaitTest : public testing::Test {
+protected:
+    RegionInput open(unsigned wait) {
+        QelshmOptions options;
+        options.wait = wait;
+        return openInput(options, [&](std::string const& text) {
+            told.push_back(text);
+            onTold();
+        });
+    }
+
+    std::vector<std::string> told;
+    std::function<void()> onTold = [] {
+    };
+};
+
+} // namespace
 
 TEST(RegionInputTest, File_IsRead) {
     test::ImageFolder const folder;
@@ -48,58 +76,61 @@ TEST(RegionInputTest, LiveObject_IsCopied) {
 }
 
 TEST(RegionInputTest, ConditionProblem_IsASentence) {
-    EXPECT_EQ("only 100000 of 320032 bytes are there",
+    EXPECT_EQ("the region is too short: 100000 of 320032 bytes",
               conditionProblem({test::sampleImage("truncated"), {}, "x", 1}));
     EXPECT_EQ("the region is not active: its version is 255, not 32",
               conditionProblem({test::sampleImage("wiped"), {}, "x", 1}));
     inspect::RegionSource replaced;
     replaced.isReplaced = true;
-    EXPECT_EQ("the object was replaced or removed while it was read; this is what was left in it",
+    EXPECT_EQ("the shared-memory object QelSharedMemory was replaced or removed during the read",
               conditionProblem({test::sampleImage("healthy"), replaced, "", 1}));
     inspect::RegionSource refused;
     refused.opening = inspect::Opening::Unreadable;
     refused.error = EACCES;
-    EXPECT_EQ("the shared-memory object QelSharedMemory cannot be read: Permission denied",
+    EXPECT_EQ("cannot read the shared-memory object QelSharedMemory: Permission denied",
               conditionProblem({{}, refused, "", 1}));
 }
 
-TEST(RegionInputTest, Await_ReturnsAnActiveRegionAtOnce) {
+TEST(RegionInputTest, ConditionProblemOfAStatus_IsTheSame) {
+    EXPECT_EQ("there is no shared-memory object QelSharedMemory", problemOf(Condition::Absent));
+    EXPECT_EQ("the region is too short: 4096 of 320032 bytes", problemOf(Condition::TooShort));
+    EXPECT_EQ("the region is not active: its version is 255, not 32", problemOf(Condition::Inactive));
+}
+
+TEST(RegionInputTest, ConditionProblemOfAReadableRegion_IsNone) {
+    EXPECT_EQ("", problemOf(Condition::Active));
+    EXPECT_EQ("", problemOf(Condition::Silent));
+}
+
+TEST_F(RegionInputWaitTest, ActiveRegion_IsOpenedAtOnce) {
     test::ForgedRegion const region;
     region.activate();
-    std::vector<std::string> told;
-    auto const input = awaitActive(seconds(600), [&](std::string const& text) { told.push_back(text); });
-    EXPECT_EQ("", conditionProblem(input));
+    EXPECT_EQ("", conditionProblem(open(600)));
     EXPECT_THAT(told, IsEmpty());
 }
 
-TEST(RegionInputTest, AwaitWithoutTime_TakesWhatThereIs) {
-    std::vector<std::string> told;
-    auto const input = awaitActive(seconds(0), [&](std::string const& text) { told.push_back(text); });
-    EXPECT_EQ(inspect::Opening::Absent, input.source.opening);
+TEST_F(RegionInputWaitTest, WithoutTime_TakesWhatThereIs) {
+    EXPECT_EQ(inspect::Opening::Absent, open(0).source.opening);
     EXPECT_THAT(told, IsEmpty());
 }
 
-TEST(RegionInputTest, Await_TellsWhatItWaitsForOnce) {
-    std::vector<std::string> told;
-    auto const input = awaitActive(seconds(1), [&](std::string const& text) { told.push_back(text); });
-    EXPECT_EQ(inspect::Opening::Absent, input.source.opening);
-    EXPECT_THAT(told, ElementsAre("waiting, there is no shared-memory object QelSharedMemory"));
+TEST_F(RegionInputWaitTest, LongerWait_IsToldOnce) {
+    EXPECT_EQ(inspect::Opening::Absent, open(1).source.opening);
+    EXPECT_THAT(told, ElementsAre("waiting: there is no shared-memory object QelSharedMemory"));
 }
 
-TEST(RegionInputTest, Await_FollowsARegionThatComesAndBecomesActive) {
-    std::vector<std::string> told;
+TEST_F(RegionInputWaitTest, RegionThatComesAndBecomesActive_IsOpened) {
     std::unique_ptr<test::ForgedRegion> region;
-    auto const input = awaitActive(seconds(60), [&](std::string const& text) {
-        told.push_back(text);
+    onTold = [&] {
         if (!region) {
             region = std::make_unique<test::ForgedRegion>();
         } else {
             region->activate();
         }
-    });
-    EXPECT_EQ("", conditionProblem(input));
-    EXPECT_THAT(told, ElementsAre("waiting, there is no shared-memory object QelSharedMemory",
-                                  "waiting, the region is not active: its version is 255, not 32"));
+    };
+    EXPECT_EQ("", conditionProblem(open(60)));
+    EXPECT_THAT(told, ElementsAre("waiting: there is no shared-memory object QelSharedMemory",
+                                  "waiting: the region is not active: its version is 255, not 32"));
 }
 
 TEST(RegionInputTest, TreeProblems_NameLinksThatWereNotFollowed) {
@@ -107,8 +138,8 @@ TEST(RegionInputTest, TreeProblems_NameLinksThatWereNotFollowed) {
     EXPECT_THAT(
         treeProblems(image, inspect::PointTree(image)),
         ElementsAre(
-            "value slot 1: next leads to value slot 0, which stands elsewhere already; not followed",
-            "point slot 5: next leads to point slot 3, which stands elsewhere already; not followed"));
+            "value slot 1: next links to value slot 0, which is linked elsewhere already; link ignored",
+            "point slot 5: next links to point slot 3, which is linked elsewhere already; link ignored"));
 }
 
 TEST(RegionInputTest, TreeProblems_OfASoundTreeAreNone) {
@@ -125,7 +156,7 @@ TEST(RegionInputTest, ManyTreeProblems_EndInACount) {
     inspect::Image const image(std::move(region), shm::REGION_SIZE);
     auto const problems = treeProblems(image, inspect::PointTree(image));
     ASSERT_EQ(11U, problems.size());
-    EXPECT_EQ("and 789 more of the kind", problems.back());
+    EXPECT_EQ("and 789 more problems", problems.back());
 }
 
 } // namespace qel::tools

@@ -10,12 +10,19 @@
 #include <array>
 #include <chrono>
 
-namespace qel::watch {
+namespace qel::tools {
 
 namespace {
 
-constexpr std::chrono::milliseconds moment(20);
-constexpr std::chrono::milliseconds longTime(30000);
+using Clock = std::chrono::steady_clock;
+
+Clock::time_point soon() {
+    return Clock::now() + std::chrono::milliseconds(20);
+}
+
+Clock::time_point late() {
+    return Clock::now() + std::chrono::seconds(30);
+}
 
 class StopSignalsTest : public testing::Test {
 protected:
@@ -35,29 +42,54 @@ class EachStopSignalTest : public StopSignalsTest, public testing::WithParamInte
 TEST_P(EachStopSignalTest, Signal_EndsTheWaitNotTheProgram) {
     StopSignals const sut;
     ASSERT_EQ(0, ::kill(::getpid(), GetParam()));
-    EXPECT_TRUE(sut.wait(longTime, pipe_[0], true));
+    EXPECT_TRUE(sut.waitForInput(late(), pipe_[0]));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EachStopSignalTest, testing::Values(SIGINT, SIGTERM, SIGHUP));
 
-TEST_F(StopSignalsTest, NoSignal_WaitsItsTime) {
+TEST_F(StopSignalsTest, WaitUntil_LastsUntilTheMoment) {
     StopSignals const sut;
-    auto const begin = std::chrono::steady_clock::now();
-    EXPECT_FALSE(sut.wait(moment, pipe_[0], true));
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, moment);
+    auto const moment = soon();
+    EXPECT_FALSE(sut.waitUntil(moment));
+    EXPECT_GE(Clock::now(), moment);
+}
+
+TEST_F(StopSignalsTest, MomentThatHasPassed_IsNotWaitedFor) {
+    EXPECT_FALSE(StopSignals().waitUntil(Clock::now() - std::chrono::hours(1)));
+}
+
+TEST_F(StopSignalsTest, Signal_EndsAWaitUntilAMoment) {
+    StopSignals const sut;
+    ASSERT_EQ(0, ::kill(::getpid(), SIGTERM));
+    EXPECT_TRUE(sut.waitUntil(Clock::now() + std::chrono::hours(1)));
+}
+
+TEST_F(StopSignalsTest, NoSignalAndNoInput_WaitsUntilTheMoment) {
+    StopSignals const sut;
+    auto const moment = soon();
+    EXPECT_FALSE(sut.waitForInput(moment, pipe_[0]));
+    EXPECT_GE(Clock::now(), moment);
 }
 
 TEST_F(StopSignalsTest, Input_EndsTheWaitOnly) {
     StopSignals const sut;
+    auto const moment = late();
     ASSERT_EQ(1, ::write(pipe_[1], "x", 1));
-    EXPECT_FALSE(sut.wait(longTime, pipe_[0], true));
+    EXPECT_FALSE(sut.waitForInput(moment, pipe_[0]));
+    EXPECT_LT(Clock::now(), moment);
+}
+
+TEST_F(StopSignalsTest, InputThatHasEnded_Stops) {
+    StopSignals const sut;
+    ::close(pipe_[1]);
+    EXPECT_TRUE(sut.waitForInput(late(), pipe_[0]));
 }
 
 TEST_F(StopSignalsTest, ReaderThatIsGone_Stops) {
     StopSignals const sut;
-    EXPECT_FALSE(sut.wait(moment, pipe_[1], false));
+    EXPECT_FALSE(sut.waitUntil(soon(), pipe_[1]));
     ::close(pipe_[0]);
-    EXPECT_TRUE(sut.wait(longTime, pipe_[1], false));
+    EXPECT_TRUE(sut.waitUntil(late(), pipe_[1]));
 }
 
 TEST_F(StopSignalsTest, Afterwards_SignalsAreAsBeforeAndForgotten) {
@@ -74,4 +106,4 @@ TEST_F(StopSignalsTest, Afterwards_SignalsAreAsBeforeAndForgotten) {
     }
 }
 
-} // namespace qel::watch
+} // namespace qel::tools

@@ -3,17 +3,18 @@
 
 #include "tools/qelshm/terminal/TextTable.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <fstream>
 #include <sstream>
 
 namespace qel::tools {
 
 namespace {
 
-std::string printed(TextTable const& table, bool hasColor = false) {
+std::string printed(TextTable const& table, bool isColoured = false) {
     std::ostringstream out;
-    table.print(out, hasColor);
+    table.print(out, isColoured);
     return out.str();
 }
 
@@ -64,6 +65,18 @@ TEST(TextTableTest, TextThatCouldHarmATerminal_IsEscaped) {
     TextTable sut;
     sut.add(0, {"\x1b[2J", "x"});
     EXPECT_EQ("\\x1B[2J  x\n", printed(sut, true));
+}
+
+TEST(TextTableTest, WriteOutput_WritesTheText) {
+    std::ostringstream out;
+    writeOutput(out, "text\n");
+    EXPECT_EQ("text\n", out.str());
+}
+
+TEST(TextTableTest, WriteOutputToAFullDevice_Throws) {
+    std::ofstream out("/dev/full");
+    EXPECT_THAT([&] { writeOutput(out, "text\n"); },
+                testing::ThrowsMessage<std::runtime_error>("cannot write the output"));
 }
 
 } // namespace qel::tools

@@ -28,7 +28,7 @@ TEST(CheckCommandTest, SoundRegion_HasNothing) {
     ImageFolder const folder;
     auto const outcome = runQelshm({"check", "--image", folder.add("recycled")});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the region is sound\n", outcome.output);
+    EXPECT_EQ("No damage or inconsistencies\n", outcome.output);
 }
 
 TEST(CheckCommandTest, Damage_IsNamedWithItsPlaceAndMeaning) {
@@ -59,7 +59,7 @@ TEST(CheckCommandTest, LiveObjectOfAWriter_HasNothing) {
     ForgedRegion const region;
     auto const outcome = runQelshm({"check"});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the region is sound\n", outcome.output);
+    EXPECT_EQ("No damage or inconsistencies\n", outcome.output);
 }
 
 TEST(CheckCommandTest, LiveObjectOfSomebodyElse_IsNamedBeforeTheDamageOfTheRegion) {
@@ -77,7 +77,7 @@ TEST(CheckCommandTest, LiveObjectOfSomebodyElse_IsNamedBeforeTheDamageOfTheRegio
                                     "^damage  owner-not-expected  object   owner  found 3999999999 +expected "
                                     "root \\(0\\)\n"
                                     "damage  mode-too-loose +object   mode   found rw-rw-r-- +expected write "
-                                    "rights for the owner alone\n"
+                                    "permission for the owner only\n"
                                     "damage  pos-mismatch +point 0 "));
 }
 
@@ -91,7 +91,7 @@ TEST(CheckCommandTest, LiveObjectOfTheHardwareManagersUser_HasNothing) {
     ASSERT_TRUE(name.isOwned());
     auto const outcome = runQelshm({"check"});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the region is sound\n", outcome.output);
+    EXPECT_EQ("No damage or inconsistencies\n", outcome.output);
     EXPECT_EQ(0, ::chown(objectFile, nobody - 1, nobody));
     EXPECT_THAT(runQelshm({"check"}).output,
                 testing::HasSubstr("expected root or the hardware manager's user"));

@@ -18,8 +18,7 @@ TEST(ImageCommandTest, Warnings_AreToldAndMakeStatusOne) {
     auto const outcome = runQelshm({"tree", "--paths", "--image", folder.add("wrong-position")});
     EXPECT_EQ(1, outcome.status);
     EXPECT_THAT(outcome.output, testing::EndsWith("group1\n"));
-    EXPECT_EQ("qelshm: warning: point slot 2: unit1/inlet1/circuit1 says that it is in slot 7\n",
-              outcome.errors);
+    EXPECT_EQ("qelshm: warning: point slot 2: pos of unit1/inlet1/circuit1 is 7\n", outcome.errors);
 }
 
 TEST(ImageCommandTest, Warnings_StandInTheDocumentToo) {
@@ -36,7 +35,7 @@ TEST(ImageCommandTest, ShortImage_IsShownAsFarAsItGoes) {
     ImageFolder const folder;
     auto const outcome = runQelshm({"list", "--image", folder.add("truncated")});
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: warning: only 100000 of 320032 bytes are there\n", outcome.errors);
+    EXPECT_EQ("qelshm: warning: the region is too short: 100000 of 320032 bytes\n", outcome.errors);
 }
 
 TEST(ImageCommandTest, NoSuchFile_IsAFailure) {

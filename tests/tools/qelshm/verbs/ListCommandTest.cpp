@@ -10,11 +10,24 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+
 namespace qel::test {
 
 namespace {
 
 std::string const now = std::to_string(sampleTime + 5000);
+
+class ListCommandGetTest : public testing::Test {
+protected:
+    QelshmOutcome get(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), {"get", "--image", file_, "--now", now});
+        return runQelshm(arguments);
+    }
+
+    ImageFolder const folder_;
+    std::string const file_ = folder_.add("healthy");
+};
 
 } // namespace
 
@@ -46,11 +59,103 @@ TEST(ListCommandTest, Json_HoldsTheSame) {
     EXPECT_EQ("0x010001ffffff0013", document.at("points").at(1).at("values").at(1).at("svid"));
 }
 
+TEST(ListCommandTest, PointLine_HasIdPathTypeAndState) {
+    ImageFolder const folder;
+    auto const file = folder.add("alarm");
+    EXPECT_THAT(
+        runQelshm({"list", "--image", file}).output,
+        testing::ContainsRegex("\n0x010001ff01020000  unit1/inlet1/circuit1/socket2  Schuko  +On, Alarm\n"));
+    EXPECT_THAT(runQelshm({"list", "--color", "always", "--image", file}).output,
+                testing::ContainsRegex("/socket2  Schuko  +\x1b\\[31mOn, Alarm\x1b\\[0m\n"));
+}
+
+TEST(ListCommandTest, ValueLine_HasIdNameNumberStateTimeAndAge) {
+    ImageFolder const folder;
+    auto const outcome =
+        runQelshm({"list", "--color", "always", "--now", now, "--image", folder.add("warning")});
+    EXPECT_THAT(outcome.output,
+                testing::ContainsRegex("\n  0x010001ff01020013  Active Power   \x1b\\[33m1234.5 W\x1b\\[0m  "
+                                       "\x1b\\[33mLow Warning\x1b\\[0m +2023-11-14T22:13:20Z  5.0 s\n"));
+}
+
+TEST(ListCommandTest, Lines_AreThoseOfAllPointsAndValues) {
+    ImageFolder const folder;
+    auto const text = runQelshm({"list", "--image", folder.add("recycled")}).output;
+    auto const document =
+        nlohmann::json::parse(runQelshm({"list", "--json", "--image", folder.add("recycled")}).output);
+    std::size_t lines = 0;
+    for (auto const& point : document.at("points")) {
+        lines += 1 + point.at("values").size();
+    }
+    EXPECT_EQ(lines, std::count(text.begin(), text.end(), '\n'));
+}
+
 TEST(ListCommandTest, NothingThere_IsAFailure) {
     auto const outcome = runQelshm({"list"});
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ("", outcome.output);
     EXPECT_EQ("qelshm: there is no shared-memory object QelSharedMemory\n", outcome.errors);
+}
+
+TEST_F(ListCommandGetTest, Point_IsShownWithItsValues) {
+    for (auto const* const name :
+         {"unit1/sensor1.1", "UNIT1/Sensor1.1", "0x01010101ffff0000", "72340177116135424"}) {
+        auto const outcome = get({name});
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_EQ("0x01010101ffff0000  unit1/sensor1.1  I2C Temperature-Humidity Sensor  On\n"
+                  "  0x01010101ffff0100  Temperature  21.5 \u00B0C  No Error  2023-11-14T22:13:20Z  5.0 s\n"
+                  "  0x01010101ffff0101  Humidity     40.0 %   No Error  2023-11-14T22:13:20Z  5.0 s\n",
+                  outcome.output);
+    }
+}
+
+TEST_F(ListCommandGetTest, Value_IsOneLine) {
+    std::string const line = "2023-11-14T22:13:20Z  unit1/sensor1.1  Humidity  40.0 %  No Error  5.0 s\n";
+    for (std::vector<std::string> const& arguments :
+         std::vector<std::vector<std::string>>{{"unit1/sensor1.1", "humidity"},
+                                               {"unit1/sensor1.1", "0x101"},
+                                               {"unit1/sensor1.1", "257"},
+                                               {"0x01010101ffff0000", "Humidity"},
+                                               {"0x01010101ffff0101"}}) {
+        auto const outcome = get(arguments);
+        EXPECT_EQ(0, outcome.status);
+        EXPECT_EQ(line, outcome.output);
+    }
+}
+
+TEST_F(ListCommandGetTest, KeyGivenBesideTheIdOfAValue_Wins) {
+    EXPECT_EQ(get({"unit1/sensor1.1", "temperature"}).output,
+              get({"0x01010101ffff0101", "temperature"}).output);
+}
+
+TEST_F(ListCommandGetTest, UnknownPoint_NamesTheNearestOne) {
+    auto const outcome = get({"unit1/sensor1.2"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("qelshm: there is no point \"unit1/sensor1.2\"; the nearest one is unit1/sensor1.1\n",
+              outcome.errors);
+}
+
+TEST_F(ListCommandGetTest, UnknownKey_NamesTheOnesThatAreThere) {
+    for (std::vector<std::string> const& arguments :
+         std::vector<std::vector<std::string>>{{"unit1/sensor1.1", "volt"}, {"0x01010101ffff0001"}}) {
+        auto const outcome = get(arguments);
+        EXPECT_EQ(1, outcome.status);
+        EXPECT_EQ("", outcome.output);
+        EXPECT_NE(std::string::npos, outcome.errors.find("; it has Temperature, Humidity\n"))
+            << outcome.errors;
+    }
+}
+
+TEST_F(ListCommandGetTest, Json_HoldsTheValuesThatWereAskedFor) {
+    auto const point = nlohmann::json::parse(get({"--json", "unit1/sensor1.1"}).output).at("point");
+    EXPECT_EQ("unit1/sensor1.1", point.at("path"));
+    EXPECT_EQ(2U, point.at("values").size());
+    auto const value =
+        nlohmann::json::parse(get({"--json", "unit1/sensor1.1", "humidity"}).output).at("point");
+    ASSERT_EQ(1U, value.at("values").size());
+    EXPECT_EQ(40.0, value.at("values").at(0).at("number"));
+    EXPECT_EQ("%", value.at("values").at(0).at("unit"));
 }
 
 } // namespace qel::test

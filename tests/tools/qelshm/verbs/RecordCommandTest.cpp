@@ -20,9 +20,9 @@ namespace qel::test {
 
 namespace {
 
-std::vector<inspect::RecordedSample> samplesOf(std::string const& file) {
+std::vector<inspect::CaptureSample> samplesOf(std::string const& file) {
     inspect::CaptureReader reader(file);
-    std::vector<inspect::RecordedSample> samples;
+    std::vector<inspect::CaptureSample> samples;
     while (auto sample = reader.next()) {
         samples.push_back(*sample);
     }

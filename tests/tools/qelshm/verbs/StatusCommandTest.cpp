@@ -35,7 +35,7 @@ std::string conditionOf(QelshmOutcome const& outcome) {
 TEST(StatusCommandTest, NoObject_IsAbsent) {
     auto const outcome = runQelshm({"status"});
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("condition  absent\nbecause    no such object\nsource     live object QelSharedMemory\n",
+    EXPECT_EQ("condition  absent\nreason     no such object\nsource     live object QelSharedMemory\n",
               outcome.output);
     EXPECT_EQ("", outcome.errors);
     EXPECT_EQ("absent", conditionOf(runQelshm({"status", "--json"})));
@@ -88,8 +88,8 @@ TEST(StatusCommandTest, ObjectThatOthersMayWrite_IsAFindingAndStatusOne) {
     EXPECT_THAT(outcome.output, HasSubstr("condition      active\n"));
     EXPECT_THAT(outcome.output,
                 HasSubstr("mode           rw-rw-rw-\n"
-                          "finding        mode-too-loose, found rw-rw-rw-, expected write rights for the "
-                          "owner alone\n"
+                          "finding        mode-too-loose, found rw-rw-rw-, expected write permission for "
+                          "the owner only\n"
                           "finding        name-not-unique, found 2, expected 1\n"));
     EXPECT_EQ(1, json.status);
     auto const object = nlohmann::json::parse(json.output).at("object");
@@ -149,8 +149,8 @@ TEST(StatusCommandTest, BrokenTree_IsAWarningAndStatusOne) {
     EXPECT_EQ(1, outcome.status);
     EXPECT_THAT(outcome.output, HasSubstr("condition      active\n"));
     EXPECT_THAT(outcome.errors,
-                HasSubstr("qelshm: warning: value slot 1: next leads to value slot 0, which stands "
-                          "elsewhere already; not followed\n"));
+                HasSubstr("qelshm: warning: value slot 1: next links to value slot 0, which is "
+                          "linked elsewhere already; link ignored\n"));
 }
 
 TEST(StatusCommandTest, NameOfTheFile_CannotHarmATerminal) {

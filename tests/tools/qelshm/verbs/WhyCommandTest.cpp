@@ -22,7 +22,7 @@ TEST(WhyCommandTest, UnitThatIsOn_HasNoCause) {
     ImageFolder const folder;
     auto const outcome = runQelshm({"why", "--image", folder.add("healthy")});
     EXPECT_EQ(0, outcome.status);
-    EXPECT_EQ("Nothing: the unit is On\n", outcome.output);
+    EXPECT_EQ("the unit is On\n", outcome.output);
 }
 
 TEST(WhyCommandTest, Alarm_IsShownWithItsWayUp) {
@@ -42,8 +42,7 @@ TEST(WhyCommandTest, Alarm_IsShownWithItsWayUp) {
 TEST(WhyCommandTest, Point_IsAskedForByItsPath) {
     ImageFolder const folder;
     auto const file = folder.add("alarm");
-    EXPECT_EQ("Nothing: unit1/sensor1.1 is On\n",
-              runQelshm({"why", "unit1/sensor1.1", "--image", file}).output);
+    EXPECT_EQ("unit1/sensor1.1 is On\n", runQelshm({"why", "unit1/sensor1.1", "--image", file}).output);
     auto const outcome = runQelshm({"why", "0x010001ff01020000", "--json", "--image", file});
     EXPECT_EQ(1, outcome.status);
     auto const document = nlohmann::json::parse(outcome.output);
@@ -56,7 +55,7 @@ TEST(WhyCommandTest, Point_IsAskedForByItsPath) {
 TEST(WhyCommandTest, StateThatWasNotPropagated_IsTold) {
     ImageFolder const folder;
     EXPECT_THAT(runQelshm({"why", "--image", folder.add("unfolded")}).output,
-                testing::HasSubstr("Its state stands as On; propagated, it becomes Child Alarm\n"));
+                testing::HasSubstr("stored state On; propagation results in Child Alarm\n"));
 }
 
 } // namespace qel::test

@@ -17,10 +17,10 @@ constexpr std::uint64_t time = 1686296078000; // 2023-06-09T07:34:38Z
 
 class LinePrinterTest : public testing::Test {
 protected:
-    std::string look(LinePrinter& sut) {
+    std::string update(LinePrinter& sut) {
         out.str("");
-        auto const look = unit.look(ticks += 250);
-        sut.update(look, inspect::regionStatus(look.source, look.image, look.now, std::nullopt));
+        auto const now = unit.snapshot(ticks += 250);
+        sut.update(now, inspect::regionStatus(now.source, now.image, now.now, std::nullopt));
         return out.str();
     }
 
@@ -32,63 +32,70 @@ protected:
 } // namespace
 
 TEST_F(LinePrinterTest, Change_IsALine) {
-    LinePrinter sut(out, WatchedNames({}), {}, std::nullopt);
-    EXPECT_EQ("", look(sut)) << "what is there at first is taken as it is";
+    LinePrinter sut(out, WatchedNames({}), false, std::nullopt);
+    EXPECT_EQ("", update(sut)) << "what is there at first is taken as it is";
     unit.deliver(unit.socket2Power, 2310.9, time, eStatus_HighWarning);
     EXPECT_EQ("2023-06-09T07:34:38Z  unit1/inlet1/socket2              Active Power      2310.9 W        "
               "High Warning\n",
-              look(sut));
-    EXPECT_EQ("", look(sut));
+              update(sut));
+    EXPECT_EQ("", update(sut));
     unit.deliver(unit.inletVoltage, 0.0, 0, eStatus_ExpectedValue);
     EXPECT_EQ("-  unit1/inlet1                      Voltage           n/a             Expected Value\n",
-              look(sut));
+              update(sut));
     EXPECT_FALSE(sut.isDone());
 }
 
 TEST_F(LinePrinterTest, ChangedTimeAlone_IsNoLine) {
-    LinePrinter sut(out, WatchedNames({}), {}, std::nullopt);
-    look(sut);
+    LinePrinter sut(out, WatchedNames({}), false, std::nullopt);
+    update(sut);
     unit.deliver(unit.socket2Power, 0.0, time);
-    EXPECT_EQ("", look(sut));
+    EXPECT_EQ("", update(sut));
 }
 
 TEST_F(LinePrinterTest, Names_ChooseWhatIsWritten) {
-    LinePrinter sut(out, WatchedNames({"unit1/inlet1", "0x010001ffff020001"}), {}, std::nullopt);
-    look(sut);
+    LinePrinter sut(out, WatchedNames({"unit1/inlet1", "0x010001ffff020001"}), false, std::nullopt);
+    update(sut);
     for (auto const value :
          {unit.inletPower, unit.inletVoltage, unit.socket10Power, unit.socket2Power, unit.socket2Voltage}) {
         unit.deliver(value, 1.0, time);
     }
-    EXPECT_THAT(look(sut), testing::ContainsRegex("^[^\n]*inlet1  *Voltage[^\n]*\n[^\n]*inlet1  *Active "
-                                                  "Power[^\n]*\n[^\n]*socket2 *Voltage[^\n]*\n$"));
+    EXPECT_THAT(update(sut), testing::ContainsRegex("^[^\n]*inlet1  *Voltage[^\n]*\n[^\n]*inlet1  *Active "
+                                                    "Power[^\n]*\n[^\n]*socket2 *Voltage[^\n]*\n$"));
 }
 
 TEST_F(LinePrinterTest, RegionThatWasAway_IsTakenAsItIs) {
-    LinePrinter sut(out, WatchedNames({}), {}, std::nullopt);
-    look(sut);
+    LinePrinter sut(out, WatchedNames({}), false, std::nullopt);
+    update(sut);
     unit.region().root.version = 0;
-    EXPECT_EQ("", look(sut));
+    EXPECT_EQ("", update(sut));
     unit.region().root.version = shm::ACTIVE_VERSION;
     unit.deliver(unit.socket2Power, 1.0, time);
-    EXPECT_EQ("", look(sut));
+    EXPECT_EQ("", update(sut));
 }
 
 TEST_F(LinePrinterTest, Count_EndsItAfterSoManyLines) {
-    LinePrinter sut(out, WatchedNames({}), {}, 3);
-    look(sut);
+    LinePrinter sut(out, WatchedNames({}), false, 3);
+    update(sut);
     unit.deliver(unit.inletPower, 1.0, time);
     unit.deliver(unit.inletVoltage, 1.0, time);
-    look(sut);
+    update(sut);
     EXPECT_FALSE(sut.isDone());
     unit.deliver(unit.inletPower, 2.0, time);
     unit.deliver(unit.inletVoltage, 2.0, time);
-    auto const lines = look(sut);
+    auto const lines = update(sut);
     EXPECT_EQ(1, std::count(lines.begin(), lines.end(), '\n'));
     EXPECT_TRUE(sut.isDone());
 }
 
+TEST_F(LinePrinterTest, State_IsColouredIfWanted) {
+    LinePrinter sut(out, WatchedNames({}), true, std::nullopt);
+    update(sut);
+    unit.deliver(unit.socket2Power, 1.0, time, eStatus_Lost);
+    EXPECT_THAT(update(sut), testing::EndsWith("  \x1b[31mLost\x1b[0m\n"));
+}
+
 TEST_F(LinePrinterTest, OutputThatFails_EndsIt) {
-    LinePrinter sut(out, WatchedNames({}), {}, std::nullopt);
+    LinePrinter sut(out, WatchedNames({}), false, std::nullopt);
     out.setstate(std::ios::badbit);
     EXPECT_TRUE(sut.isDone());
 }

@@ -113,13 +113,24 @@ TEST_F(RowListTest, Names_HoldWithAFilterToo) {
                 ElementsAre("-0 unit1", "-1 inlet1", "-2 socket2", " 3 Active Power", " 3 Voltage"));
 }
 
-TEST_F(RowListTest, BySeverity_AlarmsComeFirstElseTheTreesOrder) {
+TEST_F(RowListTest, ByState_AlarmsComeFirstElseTheTreesOrder) {
     unit.deliver(unit.socket10Power, 1.0, 1, eStatus_HighWarning);
     unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_LowAlarm);
     unit.deliver(unit.inletVoltage, 1.0, 1, eStatus_ExpectedValue);
-    EXPECT_THAT(rows(SortOrder::Severity),
+    EXPECT_THAT(rows(SortOrder::State),
                 ElementsAre(" 0 socket2 Voltage", " 0 socket10 Active Power", " 0 inlet1 Active Power",
                             " 0 socket2 Active Power", " 0 inlet1 Voltage"));
+}
+
+TEST_F(RowListTest, ByState_StatesOutOfUseStandBetweenWarningsAndTheRest) {
+    unit.deliver(unit.inletVoltage, 1.0, 1, eStatus_On);
+    unit.deliver(unit.inletPower, 1.0, 1, eStatus_Off);
+    unit.deliver(unit.socket10Power, 1.0, 1, eStatus_DeviceUpdateError);
+    unit.deliver(unit.socket2Power, 1.0, 1, eStatus_NoError);
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_OnChildWarning);
+    EXPECT_THAT(rows(SortOrder::State),
+                ElementsAre(" 0 socket10 Active Power", " 0 socket2 Voltage", " 0 inlet1 Active Power",
+                            " 0 inlet1 Voltage", " 0 socket2 Active Power"));
 }
 
 TEST_F(RowListTest, ByName_NumbersCountByTheirSize) {
@@ -143,7 +154,7 @@ TEST_F(RowListTest, ByAge_LongestWithoutADeliveryComesFirst) {
 
 TEST_F(RowListTest, SortName_NamesEachOrder) {
     EXPECT_STREQ("tree", sortName(SortOrder::Tree));
-    EXPECT_STREQ("state", sortName(SortOrder::Severity));
+    EXPECT_STREQ("state", sortName(SortOrder::State));
     EXPECT_STREQ("name", sortName(SortOrder::Name));
     EXPECT_STREQ("age", sortName(SortOrder::Age));
 }

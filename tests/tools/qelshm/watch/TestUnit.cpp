@@ -65,7 +65,7 @@ inspect::Image TestUnit::image() const {
     return {&region_, sizeof region_};
 }
 
-watch::Look TestUnit::look(std::uint64_t ticks, unsigned objects) const {
+watch::Snapshot TestUnit::snapshot(std::uint64_t ticks, unsigned objects) const {
     return {image(), {}, objects, startOfDay + ticks, ticks};
 }
 

@@ -5,7 +5,7 @@
 /// A unit in memory, for tests that need no shared memory.
 #pragma once
 
-#include "tools/qelshm/watch/Look.h"
+#include "tools/qelshm/watch/SnapshotSource.h"
 
 #include "inspect/image/Image.h"
 #include "region/QelShmRecords.h"
@@ -22,7 +22,7 @@ constexpr long long socket10Id = 0x010001FFFF0A0000;
 constexpr std::uint16_t voltage = 1;
 constexpr std::uint16_t activePower = 0x13;
 
-/// Builds a region's records by hand; active and without a point at first. Threads: not shared.
+/// Builds a region's records by hand; active and without a point at first. Reentrant.
 class TestUnit {
 public:
     TestUnit();
@@ -44,7 +44,7 @@ public:
     shm::record::Region& region() { return region_; }
 
     inspect::Image image() const;
-    watch::Look look(std::uint64_t ticks, unsigned objects = 1) const;
+    watch::Snapshot snapshot(std::uint64_t ticks, unsigned objects = 1) const;
 
 private:
     shm::record::Region region_{};

@@ -13,11 +13,11 @@ namespace qel::test {
 
 /// A shell in a terminal multiplexer of its own: server, socket and all end with the object.
 ///
-/// Threads: not shared.
+/// Threads: reentrant.
 class Tmux {
 public:
-    /// A screen of that size with a shell that shows "shell> ".
-    /// Throws std::runtime_error when it does not start.
+    /// Starts a screen of that size with a shell that shows "shell> ".
+    /// @throws std::runtime_error when it does not start
     Tmux(int columns, int lines);
     ~Tmux();
     Tmux(Tmux const&) = delete;

@@ -34,7 +34,6 @@ TEST_F(UnitStructureTest, Points_AreNamedByPath) {
     EXPECT_EQ(3U, socket2.depth);
     EXPECT_EQ(unit.socket2, socket2.pos);
     EXPECT_EQ("Master", sut.points()[0].type);
-    EXPECT_EQ("unit1 master", sut.points()[0].folded);
     EXPECT_EQ("unit1", sut.points()[0].name);
 }
 
@@ -55,7 +54,6 @@ TEST_F(UnitStructureTest, Values_AreInChainOrder) {
     EXPECT_EQ(3U, second.point);
     EXPECT_EQ(test::voltage, second.key);
     EXPECT_EQ("Voltage", second.name);
-    EXPECT_EQ("voltage", second.folded);
 }
 
 TEST_F(UnitStructureTest, SameStructure_IsNoChange) {

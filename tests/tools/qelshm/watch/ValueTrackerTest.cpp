@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 namespace qel::watch {
 
@@ -17,7 +18,7 @@ constexpr std::uint64_t bucketMs = 2000;
 
 class ValueTrackerTest : public testing::Test {
 protected:
-    std::vector<ValueChange> look(std::uint64_t ticks) {
+    std::vector<ValueChange> update(std::uint64_t ticks) {
         auto const image = unit.image();
         structure.update(image);
         return sut.update(structure, image, ticks);
@@ -32,75 +33,75 @@ protected:
 
 } // namespace
 
-TEST_F(ValueTrackerTest, FirstLook_IsTakenAsItIs) {
+TEST_F(ValueTrackerTest, FirstImage_IsTakenAsItIs) {
     unit.deliver(unit.inletPower, 100.0, 1000);
-    EXPECT_TRUE(look(0).empty());
+    EXPECT_TRUE(update(0).empty());
     EXPECT_FALSE(sut.sinceChange(unit.inletPower, 500));
     EXPECT_FALSE(sut.sinceDelivery(unit.inletPower, 500));
 }
 
 TEST_F(ValueTrackerTest, ChangedNumber_IsAChangeAndADelivery) {
-    look(0);
+    update(0);
     unit.deliver(unit.inletPower, 100.0, 1000);
-    auto const changes = look(250);
+    auto const changes = update(250);
     ASSERT_EQ(1U, changes.size());
     EXPECT_EQ(unit.inletPower, positionOf(changes[0]));
     EXPECT_EQ(eStatus_NoError, changes[0].before);
     EXPECT_EQ(50U, sut.sinceChange(unit.inletPower, 300));
     EXPECT_EQ(50U, sut.sinceDelivery(unit.inletPower, 300));
     EXPECT_FALSE(sut.sinceChange(unit.inletVoltage, 300));
-    EXPECT_TRUE(look(500).empty());
+    EXPECT_TRUE(update(500).empty());
     EXPECT_EQ(250U, sut.sinceChange(unit.inletPower, 500));
 }
 
 TEST_F(ValueTrackerTest, ChangedState_SaysWhatItWasBefore) {
     unit.deliver(unit.inletPower, 100.0, 1000, eStatus_HighWarning);
-    look(0);
+    update(0);
     unit.deliver(unit.inletPower, 100.0, 1000, eStatus_HighAlarm);
-    auto const changes = look(250);
+    auto const changes = update(250);
     ASSERT_EQ(1U, changes.size());
     EXPECT_EQ(eStatus_HighWarning, changes[0].before);
 }
 
 TEST_F(ValueTrackerTest, SameNumberDeliveredAnew_IsNoChange) {
     unit.deliver(unit.inletPower, 100.0, 1000);
-    look(0);
+    update(0);
     unit.deliver(unit.inletPower, 100.0, 2000);
-    EXPECT_TRUE(look(250).empty());
+    EXPECT_TRUE(update(250).empty());
     EXPECT_EQ(0U, sut.sinceDelivery(unit.inletPower, 250));
     EXPECT_FALSE(sut.sinceChange(unit.inletPower, 250));
 }
 
 TEST_F(ValueTrackerTest, NotANumber_IsTheSameAsItself) {
     unit.deliver(unit.inletPower, std::nan(""), 1000);
-    look(0);
-    EXPECT_TRUE(look(250).empty());
+    update(0);
+    EXPECT_TRUE(update(250).empty());
     unit.deliver(unit.inletPower, 1.0, 1000);
-    EXPECT_EQ(1U, look(500).size());
+    EXPECT_EQ(1U, update(500).size());
 }
 
 TEST_F(ValueTrackerTest, ValueThatComesBack_IsTakenAsItIs) {
-    look(0);
+    update(0);
     unit.region().root.version = 0;
-    look(250);
+    update(250);
     unit.region().root.version = shm::ACTIVE_VERSION;
     unit.deliver(unit.inletPower, 7.0, 1000);
-    EXPECT_TRUE(look(500).empty());
+    EXPECT_TRUE(update(500).empty());
     unit.deliver(unit.inletPower, 8.0, 1000);
-    EXPECT_EQ(1U, look(750).size());
+    EXPECT_EQ(1U, update(750).size());
 }
 
 TEST_F(ValueTrackerTest, SlotWithAnotherValue_IsTakenAsItIs) {
-    look(0);
+    update(0);
     unit.region().values[unit.inletPower].key = 4;
     unit.deliver(unit.inletPower, 7.0, 1000);
-    EXPECT_TRUE(look(250).empty());
+    EXPECT_TRUE(update(250).empty());
 }
 
 TEST_F(ValueTrackerTest, History_IsFilledByTime) {
     for (std::uint64_t ticks = 0; ticks < 3 * bucketMs; ticks += 500) {
         unit.deliver(unit.inletPower, static_cast<double>(ticks), ticks);
-        look(ticks);
+        update(ticks);
     }
     auto const* const history = sut.history(unit.inletPower);
     ASSERT_NE(nullptr, history);
@@ -112,11 +113,21 @@ TEST_F(ValueTrackerTest, History_IsFilledByTime) {
 
 TEST_F(ValueTrackerTest, ValueWithoutANumber_LeavesAGap) {
     unit.deliver(unit.inletPower, 5.0, 0, eStatus_ExpectedValue);
-    look(0);
+    update(0);
     EXPECT_TRUE(sut.history(unit.inletPower)->at(0).isEmpty());
     unit.deliver(unit.inletPower, 5.0, 0, eStatus_Lost);
-    look(250);
+    update(250);
     EXPECT_EQ(5.0F, sut.history(unit.inletPower)->at(0).last);
+}
+
+TEST_F(ValueTrackerTest, NumberThatIsNoState_LeavesAGap) {
+    std::uint64_t ticks = 0;
+    for (int const state : {44, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
+                            static_cast<int>(eStatus_UndefinedValue)}) {
+        unit.deliver(unit.inletPower, 5.0, 0, static_cast<eStatus_Bits>(state));
+        update(ticks += bucketMs);
+        EXPECT_TRUE(sut.history(unit.inletPower)->at(sut.bucket(ticks)).isEmpty()) << state;
+    }
 }
 
 TEST_F(ValueTrackerTest, WithoutBuckets_KeepsNoHistory) {

@@ -19,7 +19,7 @@ class WatchKeysTest : public testing::Test {
 protected:
     WatchKeysTest() {
         sut.setPage(100);
-        sut.update(unit.look(0));
+        sut.update(unit.snapshot(0));
     }
 
     void press(std::string const& keys) {
@@ -69,10 +69,10 @@ TEST_F(WatchKeysTest, KeysOfTheFilter_AreNoActions) {
     EXPECT_FALSE(sut.isTyping());
     press("s");
     EXPECT_EQ("volt", sut.filterText());
-    EXPECT_EQ(SortOrder::Severity, sut.order());
+    EXPECT_EQ(SortOrder::State, sut.order());
 }
 
-TEST_F(WatchKeysTest, EscWhileTyping_TakesTheFilterAway) {
+TEST_F(WatchKeysTest, EscWhileTyping_RemovesTheFilter) {
     press("/volt\x1b");
     EXPECT_EQ("", sut.filterText());
     EXPECT_FALSE(sut.isTyping());
@@ -93,7 +93,7 @@ TEST_F(WatchKeysTest, CharactersThatAreNotAscii_AreLeftOutOfTheFilter) {
     EXPECT_EQ("", sut.filterText());
 }
 
-TEST_F(WatchKeysTest, AnyKey_EndsTheHelp) {
+TEST_F(WatchKeysTest, AnyKey_ClosesTheHelp) {
     for (int const key : {int{'q'}, int{'x'}, int{KEY_F(5)}}) {
         press("?");
         EXPECT_TRUE(sut.isHelp());

@@ -22,7 +22,7 @@ class WatchModelTest : public testing::Test {
 protected:
     WatchModelTest() {
         sut.setPage(100);
-        sut.update(unit.look(0));
+        sut.update(unit.snapshot(0));
     }
 
     void act(std::vector<Action> const& actions) {
@@ -77,7 +77,7 @@ TEST_F(WatchModelTest, Header_TellsOfTheUnit) {
     EXPECT_EQ("active", header.condition);
     EXPECT_TRUE(header.isLive);
     EXPECT_EQ("On", header.state);
-    EXPECT_EQ(Severity::Normal, header.severity);
+    EXPECT_EQ(tools::Style::Good, header.style);
     EXPECT_EQ("green", header.led);
     EXPECT_EQ(4U, header.points);
     EXPECT_EQ(5U, header.values);
@@ -90,25 +90,25 @@ TEST_F(WatchModelTest, Header_TellsOfTheUnit) {
 
 TEST_F(WatchModelTest, Header_FollowsTheGlobalState) {
     unit.region().root.state = eStatus_ChildAlarm;
-    sut.update(unit.look(61999));
+    sut.update(unit.snapshot(61999));
     EXPECT_EQ("Child Alarm", sut.header().state);
-    EXPECT_EQ(Severity::Alarm, sut.header().severity);
+    EXPECT_EQ(tools::Style::Alarm, sut.header().style);
     EXPECT_EQ("red", sut.header().led);
     EXPECT_EQ("2023-06-09T00:01:01Z", sut.header().time);
 }
 
 TEST_F(WatchModelTest, Header_TellsTheLastDelivery) {
     unit.deliver(unit.inletPower, 1.0, 5);
-    sut.update(unit.look(250));
+    sut.update(unit.snapshot(250));
     EXPECT_EQ("0s ago", sut.header().lastDelivery);
-    sut.update(unit.look(5250));
+    sut.update(unit.snapshot(5250));
     EXPECT_EQ("5s ago", sut.header().lastDelivery);
 }
 
 TEST_F(WatchModelTest, Rows_ShowNameTypeValueStateAndAge) {
     unit.deliver(unit.inletVoltage, 230.04, 5);
-    sut.update(unit.look(3000));
-    sut.update(unit.look(5000));
+    sut.update(unit.snapshot(3000));
+    sut.update(unit.snapshot(5000));
 
     auto const inlet = rowNamed("inlet1");
     EXPECT_TRUE(inlet.isPoint);
@@ -126,7 +126,7 @@ TEST_F(WatchModelTest, Rows_ShowNameTypeValueStateAndAge) {
     EXPECT_EQ(2U, voltage.depth);
     EXPECT_EQ("230.0 V", voltage.value);
     EXPECT_EQ("No Error", voltage.state);
-    EXPECT_EQ(Severity::Normal, voltage.severity);
+    EXPECT_EQ(tools::Style::Plain, voltage.style);
     EXPECT_EQ("2s", voltage.age);
     EXPECT_EQ(">5s", rowNamed("Active Power").age) << "never delivered since the start";
 }
@@ -134,12 +134,12 @@ TEST_F(WatchModelTest, Rows_ShowNameTypeValueStateAndAge) {
 TEST_F(WatchModelTest, ChangedValue_IsFreshForAMoment) {
     unit.deliver(unit.inletVoltage, 1.0, 5);
     EXPECT_FALSE(rowNamed("Voltage").isFresh);
-    sut.update(unit.look(250));
+    sut.update(unit.snapshot(250));
     EXPECT_TRUE(rowNamed("Voltage").isFresh);
     EXPECT_FALSE(rowNamed("Active Power").isFresh);
-    sut.update(unit.look(849));
+    sut.update(unit.snapshot(849));
     EXPECT_TRUE(rowNamed("Voltage").isFresh);
-    sut.update(unit.look(850));
+    sut.update(unit.snapshot(850));
     EXPECT_FALSE(rowNamed("Voltage").isFresh);
 }
 
@@ -224,7 +224,7 @@ TEST_F(WatchModelTest, Sort_GoesThroughTheOrders) {
         orders.push_back(sut.order());
         act({Action::Sort});
     }
-    EXPECT_THAT(orders, ElementsAre(SortOrder::Tree, SortOrder::Severity, SortOrder::Name, SortOrder::Age,
+    EXPECT_THAT(orders, ElementsAre(SortOrder::Tree, SortOrder::State, SortOrder::Name, SortOrder::Age,
                                     SortOrder::Tree));
 }
 
@@ -273,7 +273,7 @@ TEST_F(WatchModelTest, FilterThatFitsNothing_LeavesACursorThatComesBack) {
     act({Action::Last});
     type("xyz");
     EXPECT_EQ(0U, sut.rowCount());
-    EXPECT_EQ("", sut.pane().path);
+    EXPECT_EQ("", sut.detail().path);
     act({Action::Up, Action::Down, Action::PageUp, Action::First, Action::Last, Action::Toggle, Action::Open,
          Action::Close, Action::OpenAll});
     EXPECT_EQ(0U, sut.rowCount());
@@ -302,35 +302,35 @@ TEST_F(WatchModelTest, Follow_GoesToEachNewAlarm) {
     act({Action::Follow});
     EXPECT_TRUE(sut.isFollowing());
     unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighWarning);
-    sut.update(unit.look(250));
+    sut.update(unit.snapshot(250));
     EXPECT_EQ("unit1", selected()) << "a warning is no alarm";
     unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
-    sut.update(unit.look(500));
+    sut.update(unit.snapshot(500));
     EXPECT_THAT(names(), ElementsAre("unit1", "inlet1", "Voltage", "Active Power", "socket10", "socket2",
                                      "Active Power", ">Voltage"));
     act({Action::First});
     unit.deliver(unit.socket2Voltage, 2.0, 1, eStatus_Lost);
-    sut.update(unit.look(750));
+    sut.update(unit.snapshot(750));
     EXPECT_EQ("unit1", selected()) << "it was an alarm before";
 }
 
 TEST_F(WatchModelTest, WithoutFollow_TheCursorStays) {
     act({Action::Follow, Action::Follow});
     unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
-    sut.update(unit.look(250));
+    sut.update(unit.snapshot(250));
     EXPECT_EQ("unit1", selected());
 }
 
 TEST_F(WatchModelTest, ChangedStructure_IsCountedAndKeepsTheCursor) {
     act({Action::Last});
     unit.value(unit.unit, 4);
-    sut.update(unit.look(250));
+    sut.update(unit.snapshot(250));
     EXPECT_EQ(1U, sut.header().structureChanges);
     EXPECT_EQ("socket2", selected());
-    sut.update(unit.look(500));
+    sut.update(unit.snapshot(500));
     EXPECT_EQ(1U, sut.header().structureChanges);
     unit.removeLastChild(unit.inlet);
-    sut.update(unit.look(750));
+    sut.update(unit.snapshot(750));
     EXPECT_EQ(2U, sut.header().structureChanges);
     EXPECT_EQ("socket10", selected()) << "what stands in its place now";
 }
@@ -343,16 +343,16 @@ TEST_F(WatchModelTest, ValueWhosePointWasFolded_HandsTheCursorToIt) {
 TEST_F(WatchModelTest, InactiveRegion_IsToldAndTheCursorComesBack) {
     act({Action::Last});
     unit.region().root.version = 0xFF;
-    sut.update(unit.look(250));
+    sut.update(unit.snapshot(250));
     EXPECT_EQ("inactive", sut.header().condition);
     EXPECT_FALSE(sut.header().isLive);
     EXPECT_EQ("", sut.header().state);
     EXPECT_EQ(0U, sut.header().points);
-    EXPECT_THAT(sut.message(), ElementsAre("Waiting: the region is not active.",
-                                           "The table goes on by itself as soon as a writer is ready."));
+    EXPECT_THAT(sut.message(), ElementsAre("Waiting: the region is not active: its version is 255, not 32.",
+                                           "The table appears as soon as the region is active."));
     EXPECT_THAT(names(), IsEmpty());
     unit.region().root.version = shm::ACTIVE_VERSION;
-    sut.update(unit.look(500));
+    sut.update(unit.snapshot(500));
     EXPECT_EQ("socket2", selected());
     EXPECT_EQ(0U, sut.header().structureChanges) << "the structure is the same as before";
 }
@@ -368,73 +368,73 @@ TEST_F(WatchModelTest, EachWayNotToBeThere_IsTold) {
     for (auto const& current : {
              Case{{inspect::Opening::Absent, 0, false, {}}, {}, "absent", "there is no shared-memory object"},
              Case{{inspect::Opening::Unreadable, EACCES, false, {}}, {}, "unreadable", "Permission denied"},
-             Case{{inspect::Opening::Opened, 0, true, {}}, image, "replaced", "has been replaced"},
-             Case{{}, inspect::Image(&unit.region(), 100), "too short", "has only 100 of 320032 bytes"},
+             Case{{inspect::Opening::Opened, 0, true, {}}, image, "replaced", "was replaced or removed"},
+             Case{{}, inspect::Image(&unit.region(), 100), "too short", "too short: 100 of 320032 bytes"},
          }) {
         sut.update({current.image, current.source, 1, 0, 250});
         EXPECT_EQ(current.condition, sut.header().condition);
         ASSERT_FALSE(sut.message().empty()) << current.condition;
         EXPECT_THAT(sut.message().front(), HasSubstr(current.text));
         EXPECT_EQ(0U, sut.rowCount()) << current.condition;
-        EXPECT_EQ("", sut.pane().path);
+        EXPECT_EQ("", sut.detail().path);
     }
 }
 
 TEST_F(WatchModelTest, AnotherObject_IsNotedForAWhile) {
     unit.value(unit.unit, 4);
-    sut.update(unit.look(1000, 2));
-    EXPECT_EQ("a new object has been opened", sut.header().note);
+    sut.update(unit.snapshot(1000, 2));
+    EXPECT_EQ("new shared-memory object opened", sut.header().note);
     EXPECT_EQ(0U, sut.header().structureChanges) << "not a change of the same unit";
-    sut.update(unit.look(10999, 2));
-    EXPECT_EQ("a new object has been opened", sut.header().note);
-    sut.update(unit.look(11000, 2));
+    sut.update(unit.snapshot(10999, 2));
+    EXPECT_EQ("new shared-memory object opened", sut.header().note);
+    sut.update(unit.snapshot(11000, 2));
     EXPECT_EQ("", sut.header().note);
 }
 
 TEST_F(WatchModelTest, FirstObject_IsNotNoted) {
     WatchModel late(WatchedNames({}), std::chrono::milliseconds(250));
     late.update({{}, {inspect::Opening::Absent, 0, false, {}}, 0, 0, 0});
-    late.update(unit.look(250, 1));
+    late.update(unit.snapshot(250, 1));
     EXPECT_EQ("", late.header().note);
     EXPECT_EQ(0U, late.header().structureChanges);
     EXPECT_EQ(6U, late.rowCount());
 }
 
-TEST_F(WatchModelTest, Pane_ShowsTheSelectedPointWithItsFirstValue) {
+TEST_F(WatchModelTest, Detail_ShowsTheSelectedPointWithItsFirstValue) {
     act({Action::Down});
-    auto const pane = sut.pane();
-    EXPECT_EQ("unit1/inlet1", pane.path);
-    EXPECT_EQ("0x010001ffffff0000", pane.svid);
-    EXPECT_EQ("1P", pane.type);
-    EXPECT_EQ("On", pane.state);
-    ASSERT_EQ(2U, pane.values.size());
-    EXPECT_TRUE(pane.values[0].isSelected);
-    EXPECT_FALSE(pane.values[1].isSelected);
-    EXPECT_EQ("Voltage", pane.graphName);
-    EXPECT_EQ("never", pane.delivered);
-    EXPECT_NE(nullptr, pane.history);
+    auto const detail = sut.detail();
+    EXPECT_EQ("unit1/inlet1", detail.path);
+    EXPECT_EQ("0x010001ffffff0000", detail.svid);
+    EXPECT_EQ("1P", detail.type);
+    EXPECT_EQ("On", detail.state);
+    ASSERT_EQ(2U, detail.values.size());
+    EXPECT_TRUE(detail.values[0].isSelected);
+    EXPECT_FALSE(detail.values[1].isSelected);
+    EXPECT_EQ("Voltage", detail.graphName);
+    EXPECT_EQ("never", detail.delivered);
+    EXPECT_NE(nullptr, detail.history);
 }
 
-TEST_F(WatchModelTest, Pane_ShowsTheSelectedValue) {
+TEST_F(WatchModelTest, Detail_ShowsTheSelectedValue) {
     act({Action::Down, Action::Down, Action::Down});
     unit.deliver(unit.inletPower, 100.0, 1686296078000);
-    sut.update(unit.look(4000));
-    auto const pane = sut.pane();
-    EXPECT_EQ("unit1/inlet1", pane.path);
-    EXPECT_EQ("Active Power", pane.graphName);
-    EXPECT_EQ(test::activePower, pane.key);
-    EXPECT_EQ("2023-06-09T07:34:38Z", pane.delivered);
-    EXPECT_TRUE(pane.values[1].isSelected);
-    ASSERT_NE(nullptr, pane.history);
-    EXPECT_EQ(100.0F, pane.history->at(pane.newestBucket).last);
-    EXPECT_EQ(0.0F, pane.history->at(pane.newestBucket - 2).last);
+    sut.update(unit.snapshot(4000));
+    auto const detail = sut.detail();
+    EXPECT_EQ("unit1/inlet1", detail.path);
+    EXPECT_EQ("Active Power", detail.graphName);
+    EXPECT_EQ(test::activePower, detail.key);
+    EXPECT_EQ("2023-06-09T07:34:38Z", detail.delivered);
+    EXPECT_TRUE(detail.values[1].isSelected);
+    ASSERT_NE(nullptr, detail.history);
+    EXPECT_EQ(100.0F, detail.history->at(detail.newestBucket).last);
+    EXPECT_EQ(0.0F, detail.history->at(detail.newestBucket - 2).last);
 }
 
-TEST_F(WatchModelTest, PaneOfAPointWithoutValues_HasNoGraph) {
-    auto const pane = sut.pane();
-    EXPECT_EQ("unit1", pane.path);
-    EXPECT_EQ(nullptr, pane.history);
-    EXPECT_EQ("", pane.graphName);
+TEST_F(WatchModelTest, DetailOfAPointWithoutValues_HasNoGraph) {
+    auto const detail = sut.detail();
+    EXPECT_EQ("unit1", detail.path);
+    EXPECT_EQ(nullptr, detail.history);
+    EXPECT_EQ("", detail.graphName);
 }
 
 TEST_F(WatchModelTest, GraphSpan_FollowsTheInterval) {

@@ -77,7 +77,7 @@ protected:
 
 } // namespace
 
-TEST_F(WatchScreenTest, Table_ShowsHeaderTitlesTreePaneAndKeys) {
+TEST_F(WatchScreenTest, Table_ShowsHeaderTitlesTreeDetailsAndKeys) {
     startTable();
     ASSERT_TRUE(tmux_.shows("last delivery 0s ago"));
     auto const screen = tmux_.screen();
@@ -120,7 +120,7 @@ TEST_F(WatchScreenTest, Filter_ShowsWhatFits) {
     startTable();
     tmux_.press({"/"});
     tmux_.type("socket6 apparent power");
-    ASSERT_TRUE(tmux_.shows("/socket6 apparent power_   Enter keeps, Esc takes away"));
+    ASSERT_TRUE(tmux_.shows("/socket6 apparent power_   Enter keeps it, Esc removes it"));
     tmux_.press({"Enter"});
     ASSERT_TRUE(tmux_.shows("(by tree) /socket6 apparent power"));
     auto const screen = tmux_.screen();
@@ -166,7 +166,7 @@ TEST_F(WatchScreenTest, ChangedSize_IsFollowed) {
     ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
         return has(lineOf(screen, 11), "Up Down move") && has(lineOf(screen, 11), " 1/27");
     })) << tmux_.screen();
-    EXPECT_THAT(lineOf(tmux_.screen(), 10), Not(HasSubstr("unit1  0x"))) << "no room for the pane";
+    EXPECT_THAT(lineOf(tmux_.screen(), 10), Not(HasSubstr("unit1  0x"))) << "no room for the details";
     tmux_.resize(120, 40);
     ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
         return has(lineOf(screen, 39), " 1/27") && has(lineOf(screen, 32), " unit1  0x0100ffffffff0000");
@@ -228,11 +228,11 @@ TEST_F(WatchScreenTest, Suspended_GivesTheTerminalBackAndComesAgain) {
 TEST_F(WatchScreenTest, UnitThatGoesAndComesBack_IsFollowed) {
     startTable();
     unit_.reset();
-    ASSERT_TRUE(tmux_.shows("Waiting: there is no shared-memory object \"QelSharedMemory\"."));
+    ASSERT_TRUE(tmux_.shows("Waiting: there is no shared-memory object QelSharedMemory."));
     EXPECT_THAT(lineOf(tmux_.screen(), 0), HasSubstr(" qelshm watch   absent "));
     EXPECT_THAT(tmux_.screen(), Not(HasSubstr("inlet1")));
     startUnit();
-    ASSERT_TRUE(tmux_.shows("a new object has been opened"));
+    ASSERT_TRUE(tmux_.shows("new shared-memory object opened"));
     ASSERT_TRUE(tmux_.shows("inlet1"));
     EXPECT_THAT(lineOf(tmux_.screen(), 0), HasSubstr(" qelshm watch   active "));
     tmux_.press({"q"});
@@ -272,7 +272,7 @@ TEST_F(WatchScreenTest, WithoutUtf8_IsDrawnInAscii) {
 TEST_F(WatchScreenTest, UnknownTerminal_IsAFailure) {
     startWatch("", "TERM=no-such-terminal");
     ASSERT_TRUE(
-        tmux_.shows("qelshm: the terminal \"no-such-terminal\" cannot show a table; pipe the output"));
+        tmux_.shows("qelshm: the terminal \"no-such-terminal\" cannot display the table; pipe the output"));
     expectShellAgain("status 1 same");
 }
 

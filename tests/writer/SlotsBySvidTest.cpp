@@ -1,0 +1,181 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "writer/SlotsBySvid.h"
+
+#include "tests/support/FailureSeams.h"
+#include "tests/writer/WriterFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <new>
+
+namespace qel::test {
+
+namespace {
+
+constexpr std::size_t values = 8800; // positions from here on are none
+
+} // namespace
+
+TEST(SlotsBySvidTest, NewIndex_KnowsNoPoint) {
+    shm::SlotsBySvid const sut;
+    EXPECT_EQ(nullptr, sut.find(0));
+    EXPECT_EQ(nullptr, sut.find(-1));
+}
+
+TEST(SlotsBySvidTest, ValuePosition_FindsEachKeyAndNoOther) {
+    shm::SlotsBySvid sut;
+    shm::MPDef definition(799, {{0, 7}, {1, 8799}, {0x100, 3}, {0xFFFF, 4}});
+    sut.add(1, definition);
+    auto const* const point = sut.find(1);
+    ASSERT_NE(nullptr, point);
+    EXPECT_EQ(7U, point->valuePosition(0));
+    EXPECT_EQ(8799U, point->valuePosition(1));
+    EXPECT_GE(point->valuePosition(2), values);
+    EXPECT_EQ(3U, point->valuePosition(0x100));
+    EXPECT_EQ(4U, point->valuePosition(0xFFFF));
+    EXPECT_GE(point->valuePosition(0xFFFE), values);
+}
+
+TEST(SlotsBySvidTest, ValuePosition_OfAPointWithoutValues_IsNone) {
+    shm::SlotsBySvid sut;
+    shm::MPDef const definition(3, {});
+    sut.add(1, definition);
+    for (unsigned int key = 0; key <= 0xFFFF; ++key) {
+        EXPECT_GE(sut.find(1)->valuePosition(static_cast<std::uint16_t>(key)), values);
+    }
+}
+
+TEST(SlotsBySvidTest, ValuePosition_AgreesWithAMapForRandomKeys) {
+    auto random = randomNumbers(11);
+    shm::SlotsBySvid sut;
+    shm::MPDef definition(3, {});
+    sut.add(1, definition);
+    // Up to the 91 keys of one point, of a narrow range or any.
+    for (int step = 0; step < 400; ++step) {
+        unsigned int const range = step % 2 == 0 ? 0x100 : 0x10000;
+        if (definition.mvs.size() > 90) {
+            definition.mvs.clear();
+            sut.pointOf(definition)->clear();
+        }
+        auto const newKey = static_cast<std::uint16_t>(random() % range);
+        if (definition.mvs.emplace(newKey, static_cast<unsigned int>(step)).second) {
+            sut.pointOf(definition)->reserve(definition.mvs.size());
+            sut.pointOf(definition)->insert(newKey, static_cast<std::size_t>(step));
+        }
+        for (unsigned int key = 0; key <= 0xFFFF; ++key) {
+            auto const known = definition.mvs.find(static_cast<std::uint16_t>(key));
+            auto const found = sut.find(1)->valuePosition(static_cast<std::uint16_t>(key));
+            if (known == definition.mvs.end() ? found < values : found != known->second) {
+                FAIL() << "step " << step << ", key " << key << ": " << found;
+            }
+        }
+    }
+}
+
+TEST(SlotsBySvidTest, InsertedValue_IsFound_BesideThoseBefore) {
+    shm::SlotsBySvid sut;
+    shm::MPDef const definition(5, {{1, 10}});
+    sut.add(1, definition);
+    EXPECT_GE(sut.find(1)->valuePosition(4), values);
+
+    sut.pointOf(definition)->reserve(2);
+    sut.pointOf(definition)->insert(4, 11);
+
+    EXPECT_EQ(11U, sut.find(1)->valuePosition(4));
+    EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
+}
+
+TEST(SlotsBySvidTest, RoomOnceMade_NeedsNoMemoryLater) {
+    shm::SlotsBySvid sut;
+    shm::MPDef const definition(5, {});
+    sut.add(1, definition, 91);
+    auto const before = allocations();
+    for (std::uint16_t key = 0; key < 91; ++key) {
+        sut.pointOf(definition)->reserve(key + std::size_t{1});
+        sut.pointOf(definition)->insert(key, key);
+    }
+    EXPECT_EQ(before, allocations());
+    EXPECT_EQ(90U, sut.find(1)->valuePosition(90));
+}
+
+TEST(SlotsBySvidTest, Reserve_WithoutMemory_LeavesTheValuesAsTheyAre) {
+    shm::SlotsBySvid sut;
+    shm::MPDef const definition(5, {{1, 10}, {0x101, 11}});
+    sut.add(1, definition);
+    {
+        MemoryRunsOut const none(0);
+        EXPECT_THROW(sut.pointOf(definition)->reserve(1000), std::bad_alloc);
+    }
+    EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
+    EXPECT_EQ(11U, sut.find(1)->valuePosition(0x101));
+    EXPECT_GE(sut.find(1)->valuePosition(2), values);
+}
+
+TEST(SlotsBySvidTest, Add_WithoutMemory_DoesNotKnowThePoint) {
+    shm::SlotsBySvid sut;
+    shm::MPDef const definition(5, {{1, 10}});
+    {
+        MemoryRunsOut const none(0);
+        EXPECT_THROW(sut.add(1, definition), std::bad_alloc);
+    }
+    EXPECT_EQ(nullptr, sut.find(1));
+    EXPECT_FALSE(sut.isTaken(5));
+    EXPECT_EQ(nullptr, sut.pointOf(definition));
+}
+
+TEST(SlotsBySvidTest, PointOf_KnowsADefinitionByItself_NotByItsContent) {
+    shm::SlotsBySvid sut;
+    shm::MPDef const definition(5, {});
+    shm::MPDef const copy(5, {});
+    sut.add(1, definition);
+    EXPECT_EQ(sut.find(1), sut.pointOf(definition));
+    EXPECT_EQ(nullptr, sut.pointOf(copy));
+    EXPECT_EQ(nullptr, sut.pointOf(shm::MPDef()));
+    EXPECT_TRUE(sut.isTaken(5));
+    EXPECT_EQ(1, sut.svidAt(5));
+    EXPECT_FALSE(sut.isTaken(4));
+}
+
+TEST(SlotsBySvidTest, Remove_OfAnUnknownPoint_ChangesNothing) {
+    shm::SlotsBySvid sut;
+    shm::MPDef definition(0, {});
+    sut.add(1, definition);
+    sut.remove(2);
+    EXPECT_NE(nullptr, sut.find(1));
+}
+
+TEST(SlotsBySvidTest, RandomAddsAndRemoves_AgreeWithAMap) {
+    auto random = randomNumbers(7);
+    shm::SlotsBySvid sut;
+    std::map<long long, shm::MPDef> expected;
+    for (int step = 0; step < 5000; ++step) {
+        auto const pos = static_cast<unsigned int>(random() % 800);
+        auto const svid = pointId(static_cast<int>(pos % 7), 0, static_cast<int>(pos / 7), 1);
+        auto const known = expected.find(svid);
+        if (known == expected.end()) {
+            auto& definition = expected[svid];
+            definition = shm::MPDef(pos, {{1, pos}, {static_cast<std::uint16_t>(pos + 2), pos + 1000}});
+            sut.add(svid, definition);
+        } else {
+            sut.remove(svid);
+            expected.erase(known);
+        }
+        ASSERT_EQ(expected.count(svid) == 1, sut.find(svid) != nullptr);
+    }
+    for (auto const& [svid, definition] : expected) {
+        auto const* const found = sut.find(svid);
+        ASSERT_NE(nullptr, found);
+        EXPECT_EQ(definition.pos, found->pos());
+        EXPECT_EQ(&definition.mutex, &found->mutex());
+        EXPECT_EQ(definition.pos, found->valuePosition(1));
+        EXPECT_EQ(definition.pos + 1000,
+                  found->valuePosition(static_cast<std::uint16_t>(definition.pos + 2)));
+    }
+}
+
+} // namespace qel::test

@@ -1,0 +1,63 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "writer/SlotsBySvid.h"
+
+#include <utility>
+
+namespace shm {
+
+void SlotsBySvid::Point::reserve(std::size_t count) {
+    unsigned int bits = 1;
+    while ((std::size_t{3} << bits) < 4 * (count + 1)) {
+        ++bits;
+    }
+    if (std::size_t{1} << bits <= values_.size()) {
+        return;
+    }
+    std::vector<Value> roomier(std::size_t{1} << bits);
+    // Nothing fails from here on.
+    values_.swap(roomier);
+    shift_ = static_cast<std::uint8_t>(hashBits - bits);
+    mask_ = (std::uint32_t{1} << bits) - 1;
+    for (auto const& value : roomier) {
+        if (value.pos != noSlot) {
+            insert(value.key, value.pos);
+        }
+    }
+}
+
+void SlotsBySvid::Point::insert(std::uint16_t key, std::size_t pos) noexcept {
+    auto place = homeOf(key);
+    while (values_[place].pos != noSlot) {
+        place = nextTo(place);
+    }
+    values_[place] = {key, static_cast<std::uint16_t>(pos)};
+}
+
+void SlotsBySvid::add(long long svid, MPDef const& definition, std::size_t room) {
+    Point point;
+    point.mutex_ = &definition.mutex;
+    point.pos_ = static_cast<std::uint16_t>(definition.pos);
+    point.reserve(std::max(room, definition.mvs.size()));
+    for (auto const& [key, pos] : definition.mvs) {
+        point.insert(key, pos);
+    }
+    points_[definition.pos] = std::move(point);
+    positions_.insert(svid, static_cast<std::uint16_t>(definition.pos));
+}
+
+SlotsBySvid::Point* SlotsBySvid::pointOf(MPDef const& definition) {
+    bool const isIndexed = definition.pos < MP_COUNT && points_[definition.pos].mutex_ == &definition.mutex;
+    return isIndexed ? &points_[definition.pos] : nullptr;
+}
+
+void SlotsBySvid::remove(long long svid) noexcept {
+    auto const pos = positions_.find(svid);
+    if (pos != PositionBySvid::none) {
+        points_[pos] = Point();
+        positions_.remove(svid);
+    }
+}
+
+} // namespace shm
