@@ -97,12 +97,12 @@ constexpr bool coversRegion(std::array<TableRow, rowCount> const& tables, std::s
 inline constexpr std::optional<std::int64_t> always = std::nullopt; ///< a field that has no "none"
 
 inline constexpr std::array<FieldRow, 11> pointFields{{
-    {QEL_FIELD(QelShmMP, pos), "the slot's own position", always, "its position", "initialisation"},
+    {QEL_FIELD(QelShmMP, pos), "own position", always, "its position", "initialisation"},
     {QEL_FIELD(QelShmMP, next), "next sibling", NO_POSITION, "none", "linking"},
     {QEL_FIELD(QelShmMP, prev), "previous sibling", NO_POSITION, "none", "linking"},
     {QEL_FIELD(QelShmMP, mvs), "first value of the point's chain", NO_POSITION, "none", "adding values"},
     {QEL_FIELD(QelShmMP, children), "first child", NO_POSITION, "none", "linking"},
-    {QEL_FIELD(QelShmMP, parent), "parent; none for a top-level point", NO_POSITION, "its parent",
+    {QEL_FIELD(QelShmMP, parent), "parent; none at the top level", NO_POSITION, "its parent",
      "initialisation"},
     {QEL_FIELD(QelShmMP, guid), "sensor id, low 16 bits zero", always, "its sensor id", "initialisation"},
     {QEL_FIELD(QelShmMP, at), "time of its own state, ms since 1970 UTC", 0, "0", "value updates"},

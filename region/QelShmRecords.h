@@ -67,12 +67,12 @@ namespace record {
 ///
 /// | offset | width   | field    | meaning                                  | initially              | written by           |
 /// |--------|---------|----------|------------------------------------------|------------------------|----------------------|
-/// | 0      | u32     | pos      | the slot's own position                  | its position           | initialisation       |
+/// | 0      | u32     | pos      | own position                             | its position           | initialisation       |
 /// | 4      | u32     | next     | next sibling                             | none                   | linking              |
 /// | 8      | u32     | prev     | previous sibling                         | none                   | linking              |
 /// | 12     | u32     | mvs      | first value of the point's chain         | none                   | adding values        |
 /// | 16     | u32     | children | first child                              | none                   | linking              |
-/// | 20     | u32     | parent   | parent; none for a top-level point       | its parent             | initialisation       |
+/// | 20     | u32     | parent   | parent; none at the top level            | its parent             | initialisation       |
 /// | 24     | i64     | guid     | sensor id, low 16 bits zero              | its sensor id          | initialisation       |
 /// | 32     | u64     | at       | time of its own state, ms since 1970 UTC | 0                      | value updates        |
 /// | 40     | i32     | state    | state, with its values and children      | 17 (On)                | updates, propagation |
