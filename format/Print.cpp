@@ -8,13 +8,13 @@
 #include "format/NumberText.h"
 #include "format/StateName.h"
 #include "format/ValueFormatter.h"
+#include "format/ValueKeys.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
 #include "region/QelShmRecords.h"
 #include "region/QelShmRoot.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <ios>
 #include <ostream>
 
@@ -22,11 +22,7 @@ namespace shm {
 
 namespace {
 
-constexpr unsigned short stateKey = 0x3B;
-constexpr unsigned short typeKey = 0x48;
-
 constexpr std::size_t keyDigits = 4;
-constexpr std::size_t guidDigits = 16;
 
 } // namespace
 
@@ -35,7 +31,7 @@ std::ostream& operator<<(std::ostream& out, QelShmMVal const& mv) {
         return out << "QSMV {}";
     }
     // Deliberate: the stream stays decimal. (Numbers and words are no part of the stream's locale.)
-    return out << "QSMV {key = " << hexText(mv->key, keyDigits) << " [" << keyName(mv->key)
+    return out << "QSMV {key = " << HexText(mv->key, keyDigits).view() << " [" << keyName(mv->key)
                << "], value = " << tav::ValueFormatter::str(mv) << ", state = " << stateName(mv->state)
                << ", at = " << std::dec << integerText(mv->at, std::ios_base::dec) << '}';
 }
@@ -45,10 +41,9 @@ std::ostream& operator<<(std::ostream& out, QelShmMPnt const& mp) {
         return out << "QSMP {}";
     }
     // Deliberate: the position is in the base the caller chose; booleans stay words.
-    return out << "QSMP {guid = " << hexText(static_cast<std::uint64_t>(mp->guid), guidDigits)
-               << ", pos = " << integerText(mp->pos, out.flags()) << ", " << keyName(stateKey) << " = "
-               << stateName(mp->state) << ", " << keyName(typeKey) << " = " << mp.tstr() << std::boolalpha
-               << ", mvs = " << wordOf(mp->mvs < MV_COUNT)
+    return out << "QSMP {guid = " << svidText(mp->guid) << ", pos = " << integerText(mp->pos, out.flags())
+               << ", " << keyName(key::state) << " = " << stateName(mp->state) << ", " << keyName(key::type)
+               << " = " << mp.tstr() << std::boolalpha << ", mvs = " << wordOf(mp->mvs < MV_COUNT)
                << ", children = " << wordOf(mp->children < MP_COUNT) << '}';
 }
 
@@ -58,7 +53,7 @@ std::ostream& operator<<(std::ostream& out, QelShmRoot const& root) {
         // Deliberate: the counts are hexadecimal too, and the stream stays so.
         out << std::hex << std::showbase;
         auto const flags = out.flags();
-        out << ", version = " << integerText(root->version, flags) << ", " << keyName(stateKey) << " = "
+        out << ", version = " << integerText(root->version, flags) << ", " << keyName(key::state) << " = "
             << stateName(root->state) << ", devices = " << integerText(root.dvcCnt(), flags)
             << ", groups = " << integerText(root.grpCnt(), flags);
     }

@@ -3,10 +3,12 @@
 
 #include "format/ValueFormatter.h"
 
-#include "format/KeyFormat.h"
+#include "format/KeyTable.h"
 #include "format/NumberText.h"
+#include "format/Scale.h"
 #include "format/StateName.h"
 #include "format/Units.h"
+#include "format/ValueKeys.h"
 #include "region/LogLine.h"
 #include "region/QelShmMVal.h"
 #include "region/QelShmRecords.h"
@@ -29,18 +31,13 @@ namespace tav {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr char missing[] = "--";
 constexpr char notYet[] = "n/a";
 constexpr char displaySeparator[] = "|";
 constexpr std::string_view degreeSign = "\u00B0";
 constexpr char displayDegree = '^';
-
-constexpr unsigned short powerFactorKey = 0x11;
-constexpr unsigned short activeEnergyKey = 0x24;
-constexpr unsigned short temperatureKey = 0x100;
-constexpr unsigned short humidityKey = 0x101;
-constexpr unsigned short firstInputKey = 0x102;
-constexpr unsigned short lastOutputKey = 0x109;
 
 constexpr std::array<shm::TextRow<eStatus_Bits>, 6> switchTexts{{
     {eStatus_NoError, "S0"},
@@ -65,8 +62,8 @@ char const* placeholder(shm::QelShmMVal const& mv) {
 }
 
 /// What follows the number in the key's format.
-std::string suffix(KeyFormat const& format, std::string const& separator) {
-    return format.unit ? separator + unitText(*format.unit) : std::string();
+std::string suffix(shm::KeyRow const& keyed, std::string const& separator) {
+    return keyed.unit ? separator + unitText(*keyed.unit) : std::string();
 }
 
 /// What printf makes of a format without conversions: it ends at a terminating zero, and "%%" becomes "%".
@@ -89,10 +86,11 @@ std::string gpioText(shm::QelShmMVal const& mv, dbdata::GPIOSensorConfig const& 
     using Config = dbdata::GPIOSensorConfig;
     auto const mode = config.mode(mv->key);
     if (mode == Config::PulseCounter) {
-        return ValueFormatter::str(activeEnergyKey, mv->value / static_cast<double>(config.pc(mv->key)), " ");
+        return ValueFormatter::str(key::activeEnergy, mv->value / static_cast<double>(config.pc(mv->key)),
+                                   " ");
     }
     if (mode == Config::State || (mode == Config::Contact && !noContactState)) {
-        return shm::stateName(mv->state);
+        return std::string(shm::stateName(mv->state));
     }
     return missing;
 }
@@ -100,13 +98,13 @@ std::string gpioText(shm::QelShmMVal const& mv, dbdata::GPIOSensorConfig const& 
 } // namespace
 
 std::string ValueFormatter::format(unsigned short key, std::string const& separator) {
-    auto const keyed = keyFormat(key);
+    auto const& keyed = shm::keyRow(key);
     return "%." + std::to_string(keyed.decimals) + 'f' + suffix(keyed, separator);
 }
 
 std::string ValueFormatter::str(unsigned short key, double value, std::string const& separator) {
     constexpr std::size_t longest = 31;
-    auto const keyed = keyFormat(key);
+    auto const& keyed = shm::keyRow(key);
     auto text = shm::fixedText(value, keyed.decimals) + printed(suffix(keyed, separator));
     if (text.size() > longest) {
         text.resize(longest);
@@ -139,16 +137,16 @@ std::string ValueFormatter::strForDisplay(unsigned short key, double value, eSta
     if (text != nullptr) {
         return text;
     }
-    if (key >= firstInputKey && key <= lastOutputKey) {
-        return shm::textOf(switchTexts, state, "?");
+    if (key >= key::input1 && key <= key::output4) {
+        return std::string(shm::textOf(switchTexts, state, "?"));
     }
     auto const shown = str(key, value, displaySeparator);
-    if (key == temperatureKey || key == humidityKey) {
+    if (key == key::temperature || key == key::humidity) {
         auto marked = displaySeparator + shown;
         markDegrees(marked);
         return marked;
     }
-    return key == powerFactorKey ? shown + displaySeparator : shown;
+    return key == key::powerFactor ? shown + displaySeparator : shown;
 }
 
 long long ValueFormatter::scale(unsigned short key, double value) {

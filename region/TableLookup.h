@@ -5,9 +5,9 @@
 /// Look-up in constant tables: constexpr arrays of rows, sorted by the rows' member `code`.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace shm {
 
@@ -15,7 +15,7 @@ namespace shm {
 template <typename Code>
 struct TextRow {
     Code code;
-    char const* text;
+    std::string_view text;
 };
 
 /// Whether the rows ascend by code and no code occurs twice; for a static_assert beside the table.
@@ -44,11 +44,18 @@ constexpr bool coversCodes(std::array<Row, rowCount> const& table, long long fir
 /// @param code  of the row
 /// @return the row, null when there is none
 template <typename Row, std::size_t rowCount>
-Row const* findRow(std::array<Row, rowCount> const& table, decltype(Row::code) code) {
-    auto const* const end = table.data() + rowCount;
-    auto const* const row = std::lower_bound(
-        table.data(), end, code, [](Row const& candidate, auto wanted) { return candidate.code < wanted; });
-    return row != end && row->code == code ? row : nullptr;
+constexpr Row const* findRow(std::array<Row, rowCount> const& table, decltype(Row::code) code) {
+    if constexpr (rowCount != 0) {
+        // The last row that is not above the code; a step without a branch, for codes come in any order.
+        auto const* row = table.data();
+        for (auto count = rowCount; count > 1; count -= count / 2) {
+            row += code < row[count / 2].code ? 0 : count / 2;
+        }
+        if (row->code == code) {
+            return row;
+        }
+    }
+    return nullptr;
 }
 
 /// Finds the text of a code.
@@ -59,8 +66,8 @@ Row const* findRow(std::array<Row, rowCount> const& table, decltype(Row::code) c
 /// @param fallback returned when the table does not list the code
 /// @return the text
 template <typename Code, std::size_t rowCount>
-char const* textOf(std::array<TextRow<Code>, rowCount> const& table, decltype(TextRow<Code>::code) code,
-                   char const* fallback) {
+constexpr std::string_view textOf(std::array<TextRow<Code>, rowCount> const& table,
+                                  decltype(TextRow<Code>::code) code, std::string_view fallback) {
     auto const* const row = findRow(table, code);
     return row != nullptr ? row->text : fallback;
 }

@@ -9,8 +9,8 @@
 #include "region/RegionFields.h"
 #include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
+#include "writer/KeySets.h"
 #include "writer/SlotsBySvid.h"
-#include "writer/ValueKeys.h"
 #include "writer/WriterLock.h"
 
 #include <log4cpp/Category.hh>

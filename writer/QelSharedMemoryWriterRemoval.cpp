@@ -6,8 +6,8 @@
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "region/SvidParts.h"
+#include "writer/KeySets.h"
 #include "writer/SlotsBySvid.h"
-#include "writer/ValueKeys.h"
 
 #include <log4cpp/Priority.hh>
 

@@ -3,13 +3,14 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
 #include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
+#include "writer/KeySets.h"
 #include "writer/SlotsBySvid.h"
 #include "writer/StatePropagation.h"
-#include "writer/ValueKeys.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -20,8 +21,6 @@
 namespace shm {
 
 namespace {
-
-constexpr double thousandths = 1000.0;
 
 std::size_t valuePosition(SlotsBySvid::Point const& point, unsigned short key) {
     std::lock_guard<std::mutex> const lock(point.mutex());
@@ -72,7 +71,7 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
         if (number.type != measval::Double) {
             return false;
         }
-        storeField(mv.value, isInThousandths(key) ? number.value / thousandths : number.value);
+        storeField(mv.value, isEnergyKey(key) ? number.value / energyFactor : number.value);
         return true;
     } catch (std::exception const&) {
         return false;

@@ -213,8 +213,9 @@ TEST(PrintMValTest, OfAnyBytes) {
         auto const key = slot.get<std::uint16_t>(keyOffset);
         auto const state = static_cast<eStatus_Bits>(slot.get<std::int32_t>(stateOffset));
 
-        ASSERT_EQ(printed(mv), "QSMV {key = " + hex(key, 4) + " [" + shm::keyName(key) + "], value = " +
-                                   tav::ValueFormatter::str(mv) + ", state = " + shm::stateName(state) +
+        ASSERT_EQ(printed(mv), "QSMV {key = " + hex(key, 4) + " [" + shm::keyName(key) +
+                                   "], value = " + tav::ValueFormatter::str(mv) +
+                                   ", state = " + std::string(shm::stateName(state)) +
                                    ", at = " + std::to_string(slot.get<std::uint64_t>(atOffset)) + "}");
     }
 }
@@ -324,7 +325,7 @@ TEST(PrintMPntTest, OfAnyBytes) {
         ASSERT_EQ(printed(bytes.point()),
                   "QSMP {guid = " + hex(bytes.get<std::uint64_t>(guidOffset), 16) +
                       ", pos = " + std::to_string(bytes.get<std::uint32_t>(posOffset)) +
-                      ", State = " + shm::stateName(state) + ", Type = " + bytes.point().tstr() +
+                      ", State = " + std::string(shm::stateName(state)) + ", Type = " + bytes.point().tstr() +
                       ", mvs = " + (bytes.get<std::uint32_t>(mvsOffset) < 8800 ? "true" : "false") +
                       ", children = " + (bytes.get<std::uint32_t>(childrenOffset) < 800 ? "true" : "false") +
                       "}");

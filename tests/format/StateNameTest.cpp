@@ -8,6 +8,7 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -63,7 +64,7 @@ std::map<int, std::string> const& names() {
     return table;
 }
 
-std::string nameOf(int state) {
+std::string_view nameOf(int state) {
     return shm::stateName(static_cast<eStatus_Bits>(state));
 }
 

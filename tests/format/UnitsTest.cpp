@@ -11,6 +11,7 @@
 namespace {
 
 using tav::unitName;
+using tav::unitSymbol;
 using tav::unitText;
 
 std::map<int, std::string> const& names() {
@@ -38,11 +39,20 @@ TEST(UnitsTest, UnitName_OfEveryCode) {
 }
 
 TEST(UnitsTest, UnitName_KeepsDuplicatesAndSpelling) {
-    EXPECT_STREQ(unitName(66), "min");
-    EXPECT_STREQ(unitName(71), "min");
-    EXPECT_STREQ(unitName(84), "pc");
-    EXPECT_STREQ(unitName(87), "pc");
-    EXPECT_STREQ(unitName(92), "w/m");
+    EXPECT_EQ(unitName(66), "min");
+    EXPECT_EQ(unitName(71), "min");
+    EXPECT_EQ(unitName(84), "pc");
+    EXPECT_EQ(unitName(87), "pc");
+    EXPECT_EQ(unitName(92), "w/m");
+}
+
+TEST(UnitsTest, UnitSymbol_IsTheNameButForTheDegrees) {
+    for (int code = 0; code <= 255; ++code) {
+        auto const number = static_cast<std::uint8_t>(code);
+        auto const symbol = unitSymbol(number);
+        EXPECT_EQ(symbol, code == 45 ? "\u00B0C" : code == 65 ? "\u00B0" : unitName(number)) << code;
+    }
+    static_assert(unitSymbol(tav::unit::percent) == "%");
 }
 
 TEST(UnitsTest, UnitText_OfEveryCode) {

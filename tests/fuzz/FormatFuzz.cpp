@@ -73,7 +73,7 @@ void renderValue(Input& input, Region& region) {
     auto const tooLong = test::renderedTooLong(shm::QelShmMVal(&slot));
     require(tooLong.empty(), tooLong);
     require(!shm::keyName(slot.key).empty(), "a key without a name");
-    require(*shm::stateName(slot.state) != '\0', "a state without a name");
+    require(!shm::stateName(slot.state).empty(), "a state without a name");
     require(shm::hexText(slot.at, slot.key % 64U).size() >= 3, "a number without digits");
     require(!tav::unitText(static_cast<std::uint8_t>(slot.key)).empty(), "a unit without a text");
 }

@@ -149,8 +149,8 @@ TEST(HostileRenderingTest, EveryTypeOfEveryKindAndLevel_HasAText) {
 
 TEST(HostileRenderingTest, HexText_WithMoreDigitsThanANumberHas) {
     for (std::size_t const digits : {0U, 1U, 16U, 17U, 64U, 1000U}) {
-        auto const text = shm::hexText(0xFFFFFFFFFFFFFFFF, digits);
-        EXPECT_EQ(2 + std::max<std::size_t>(digits, 16), text.size());
+        EXPECT_EQ("0xffffffffffffffff", shm::hexText(0xFFFFFFFFFFFFFFFF, digits));
+        EXPECT_EQ(2 + std::clamp<std::size_t>(digits, 1, 16), shm::hexText(0, digits).size());
     }
 }
 

@@ -30,8 +30,8 @@ TEST(TableLookupTest, FindRow_EmptyTableHasNoRow) {
 }
 
 TEST(TableLookupTest, TextOf_GivesTheFallbackForACodeWithoutRow) {
-    EXPECT_STREQ(shm::textOf(table, 7, "none"), "c");
-    EXPECT_STREQ(shm::textOf(table, 6, "none"), "none");
+    EXPECT_EQ(shm::textOf(table, 7, "none"), "c");
+    EXPECT_EQ(shm::textOf(table, 6, "none"), "none");
 }
 
 TEST(TableLookupTest, IsSortedByCode_RefusesWrongOrderAndDuplicates) {

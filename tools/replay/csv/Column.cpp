@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/Column.h"
 
-#include "tools/replay/unit/ValueKeys.h"
+#include "format/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
 
 #include <array>
@@ -11,6 +11,8 @@
 #include <system_error>
 
 namespace qel::tools {
+
+namespace key = shm::key;
 
 namespace {
 

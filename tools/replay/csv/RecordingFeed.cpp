@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
-#include "tools/replay/unit/ValueKeys.h"
+#include "format/ValueKeys.h"
 #include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
 
@@ -11,6 +11,8 @@
 #include <utility>
 
 namespace qel::tools {
+
+namespace key = shm::key;
 
 namespace {
 

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "format/KeyFormat.h"
+#include "format/Scale.h"
 
 #include "format/Names.h"
 #include "tests/support/LogCapture.h"
@@ -34,7 +34,7 @@ std::map<int, unsigned int> const& positions() {
     return table;
 }
 
-TEST(KeyFormatTest, Scalepos_OfEveryKey_WarnsWhereThereIsNone) {
+TEST(ScaleTest, Scalepos_OfEveryKey_WarnsWhereThereIsNone) {
     LogCapture log;
 
     for (int key = 0; key <= 65535; ++key) {
@@ -54,7 +54,7 @@ TEST(KeyFormatTest, Scalepos_OfEveryKey_WarnsWhereThereIsNone) {
     }
 }
 
-TEST(KeyFormatTest, Scalepos_WarnsWithTheKeysName) {
+TEST(ScaleTest, Scalepos_WarnsWithTheKeysName) {
     LogCapture log;
 
     scalepos(16);
@@ -69,7 +69,7 @@ TEST(KeyFormatTest, Scalepos_WarnsWithTheKeysName) {
                                                  "scalepos: scaling for UNKNOWN KEY has not been defined"}));
 }
 
-TEST(KeyFormatTest, Scalepos_WithWarningsOff_LogsNothing) {
+TEST(ScaleTest, Scalepos_WithWarningsOff_LogsNothing) {
     LogCapture const log("qel", log4cpp::Priority::ERROR);
 
     EXPECT_EQ(scalepos(16), 0U);
@@ -77,7 +77,7 @@ TEST(KeyFormatTest, Scalepos_WithWarningsOff_LogsNothing) {
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
-TEST(KeyFormatTest, Scalepos_WithWarningsOnAndNothingBelow_Warns) {
+TEST(ScaleTest, Scalepos_WithWarningsOnAndNothingBelow_Warns) {
     LogCapture const log("qel", log4cpp::Priority::WARN);
 
     scalepos(0);
@@ -86,7 +86,7 @@ TEST(KeyFormatTest, Scalepos_WithWarningsOnAndNothingBelow_Warns) {
                                                     "scalepos: scaling for GUID has not been defined"}));
 }
 
-TEST(KeyFormatTest, ScaleFactors_ArePowersOfTen) {
+TEST(ScaleTest, ScaleFactors_ArePowersOfTen) {
     std::vector<double> const powers{1, 10, 100, 1000, 10000, 100000};
     std::vector<double> const inverse{1, 0.1, 0.01, 0.001, 0.0001, 0.00001};
 
@@ -105,7 +105,7 @@ std::string complaint(double (*factor)(unsigned int), unsigned int position) {
     return "nothing thrown";
 }
 
-TEST(KeyFormatTest, ScaleFactors_AbovePosition5_AreOutOfRange) {
+TEST(ScaleTest, ScaleFactors_AbovePosition5_AreOutOfRange) {
     for (unsigned int const position : {6U, 7U, 0xFFFFFFFFU}) {
         EXPECT_THAT(complaint(tav::scaleFactor, position), StartsWith("array::at"));
         EXPECT_THAT(complaint(tav::inverseScaleFactor, position), StartsWith("array::at"));

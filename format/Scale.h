@@ -2,26 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// How the values of a key are formatted and scaled.
+/// Powers of ten between a value and its fixed-point form.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 namespace tav {
-
-/// What a key's values look like.
-struct KeyFormat {
-    unsigned short code = 0; ///< the key
-    int decimals = 1;
-    std::optional<std::uint8_t> unit;     ///< unit code, see Units.h
-    std::optional<unsigned int> scalepos; ///< digits after the point of the fixed-point form
-};
-
-/// The key's format. An unknown key has one decimal, no unit and no scale.
-///
-/// Threads: reentrant.
-KeyFormat keyFormat(unsigned short key);
 
 /// Digits after the point of the key's fixed-point form, 0 for a key without a scale.
 /// Logs at WARN in "qel.shm.access.format" that a key has no scale.
