@@ -38,7 +38,6 @@ namespace qel::test {
 namespace {
 
 namespace fs = std::filesystem;
-using log4cpp::Priority;
 using shm::ShmAccess;
 using shm::ShmError;
 using ::testing::ElementsAre;

@@ -5,11 +5,14 @@
 
 #include "tools/common/TimeText.h"
 #include "tools/replay/unit/Topology.h"
-#include "tools/replay/unit/ValueKeys.h"
 
 #include "format/ValueFormatter.h"
+#include "format/ValueKeys.h"
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/StateText.h"
+#include "inspect/naming/Svid.h"
+#include "region/SvidParts.h"
+#include "writer/KeySets.h"
 
 #include <iomanip>
 #include <ostream>
@@ -35,10 +38,9 @@ std::string transition(eStatus_Bits before, eStatus_Bits after) {
 
 // In the unit of the region: energies arrive in Wh and are stored in kWh.
 std::string numberText(Reading const& reading) {
-    constexpr double thousand = 1000.0;
-    auto const valueKey = static_cast<unsigned short>(static_cast<std::uint64_t>(reading.svid) & 0xFFFFU);
-    bool const isEnergy = valueKey == key::activeEnergy || valueKey == key::apparentEnergy;
-    return tav::ValueFormatter::str(valueKey, isEnergy ? reading.number / thousand : reading.number, " ");
+    auto const key = shm::valueKey(reading.svid);
+    auto const factor = shm::isEnergyKey(key) ? shm::energyFactor : 1.0;
+    return tav::ValueFormatter::str(key, reading.number / factor, " ");
 }
 
 } // namespace

@@ -3,14 +3,16 @@
 
 #include "tools/replay/csv/Column.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
-#include "tools/replay/unit/ValueKeys.h"
 
 #include <array>
 #include <charconv>
 #include <system_error>
 
 namespace qel::tools {
+
+namespace key = shm::key;
 
 namespace {
 

@@ -3,14 +3,16 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
-#include "tools/replay/unit/ValueKeys.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace qel::tools {
+
+namespace key = shm::key;
 
 namespace {
 

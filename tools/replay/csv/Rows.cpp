@@ -3,12 +3,14 @@
 
 #include "tools/replay/csv/Rows.h"
 
-#include "tools/replay/unit/ValueKeys.h"
+#include "format/ValueKeys.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace qel::tools {
+
+namespace key = shm::key;
 
 RecordingRows::RecordingRows(Recording const& recording, std::size_t first, bool isEndless)
     : recording_(&recording),

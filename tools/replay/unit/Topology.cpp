@@ -3,11 +3,15 @@
 
 #include "tools/replay/unit/Topology.h"
 
+#include "format/ValueKeys.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
 namespace qel::tools {
+
+namespace key = shm::key;
 
 namespace {
 
@@ -25,13 +29,13 @@ struct KindRow {
 };
 
 constexpr std::array<KindRow, 7> kinds{{
-    {PointKind::Unit, 52, 2},     // "PDU State", "Master"
-    {PointKind::Inlet, 59, 1},    // "State", "1P"
-    {PointKind::Circuit, 54, 21}, // "Circuit State", "16A;C"
-    {PointKind::Phase, 55, 1},    // "Phase State", "Phase"
-    {PointKind::Socket, 51, 30},  // "Socket", "Schuko"
-    {PointKind::Sensor, 53, 2},   // "Sensor State", "I2C Temperature-Humidity Sensor"
-    {PointKind::Group, 57, 1},    // "Socket Group State", "SG"
+    {PointKind::Unit, key::pduState, 2},          // "Master"
+    {PointKind::Inlet, key::state, 1},            // "1P"
+    {PointKind::Circuit, key::circuitState, 21},  // "16A;C"
+    {PointKind::Phase, key::phaseState, 1},       // "Phase"
+    {PointKind::Socket, key::socket, 30},         // "Schuko"
+    {PointKind::Sensor, key::sensorState, 2},     // "I2C Temperature-Humidity Sensor"
+    {PointKind::Group, key::socketGroupState, 1}, // "SG"
 }};
 
 constexpr bool rowsFollowTheEnumeration() {
