@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: the libQelSharedMemory authors
 # SPDX-License-Identifier: Apache-2.0
 
-# The shared library out of its parts, and everything that is installed with it.
+# The shared library, linked from its parts, and everything that is installed with it.
 include(CMakePackageConfigHelpers)
 
 add_library(QelSharedMemory SHARED
@@ -27,7 +27,7 @@ target_link_libraries(QelSharedMemory
           $<BUILD_INTERFACE:PkgConfig::GIO> $<BUILD_INTERFACE:Boost::thread> $<BUILD_INTERFACE:Boost::chrono>
           $<BUILD_INTERFACE:Boost::system> $<BUILD_INTERFACE:Threads::Threads>)
 target_link_options(QelSharedMemory PRIVATE "LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
-# Once loaded it stays: GLib never forgets the types that the library has registered, whose code would be gone, and a
+# The library is never unloaded: GLib keeps the types that the library has registered and would call code that is gone. A
 # second load could not register them again.
 target_link_options(QelSharedMemory PRIVATE LINKER:-z,nodelete)
 set_property(TARGET QelSharedMemory APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")

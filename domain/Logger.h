@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The system's logger façade.
+/// Access to the process's log categories.
 #pragma once
 
 #include <string>
@@ -11,13 +11,16 @@ namespace log4cpp {
 class Category;
 }
 
-/// Gives access to the log categories of the process. Appenders and thresholds are the host application's to set.
-/// Threads: any thread.
+/// Gives access to the log4cpp categories of the process. The host application sets their appenders and thresholds.
+///
+/// Threads: thread-safe.
 class Logger {
 public:
+    /// @return the logger of the process
     static Logger& getInstance();
 
-    /// The category of that name, created at the first request; it lives until the process ends.
+    /// @param name of the category, such as "qel.shm.access"
+    /// @return the category; it is created by the first request and lives until the process ends
     log4cpp::Category& getCategory(std::string const& name);
 
     Logger(Logger const&) = delete;

@@ -12,48 +12,86 @@
 #include <utility>
 #include <variant>
 
+/// Measured values as the hardware side delivers them.
 namespace measval {
 
-enum MeasureValueType : std::uint8_t { Undefined = 0, Bool = 1, Integer = 2, Double = 3, String = 4 };
+/// What a MeasureValue holds.
+enum MeasureValueType : std::uint8_t {
+    Undefined = 0, ///< nothing; no MeasureValue has this type
+    Bool = 1,      ///< true or false
+    Integer = 2,   ///< a signed 64-bit number
+    Double = 3,    ///< an IEEE 754 double
+    String = 4,    ///< text
+};
 
-/// The type's name in words, "Unknown" for a number without one. Any thread.
+/// Names a type.
+///
+/// Threads: reentrant.
+/// @param type any number
+/// @return "Undefined", "Bool", "Integer", "Double" or "String"; "Unknown" for any other number
 std::string mvtToStr(MeasureValueType type);
 
-/// A number or text with the time it was measured and its state. Immutable; any thread.
+/// A number or text, with its time and its state. Immutable.
+///
+/// The timestamp is stored and passed on unchanged. This system uses ms since 1970 UTC.
+///
+/// Threads: thread-safe.
 class MeasureValue {
 public:
-    /// Result of a conversion: type Double and the number, or the value's own type and 0 where it has no number.
+    /// Result of a conversion.
     struct DoubleResult {
-        MeasureValueType type;
-        double value;
+        MeasureValueType type; ///< Double, or the value's own type when it does not convert
+        double value;          ///< the number, 0 when it does not convert
     };
 
-    /// @param timestamp stored and handed on unchanged; the unit is the caller's (this system uses ms since 1970 UTC)
+    /// @param value     the number
+    /// @param timestamp when it was measured
+    /// @param state     any state
     MeasureValue(double value, std::uint64_t timestamp, eStatus_Bits state)
         : value_(value),
           timestamp_(timestamp),
           state_(state) {}
+
+    /// @copydoc MeasureValue(double,std::uint64_t,eStatus_Bits)
     MeasureValue(long long value, std::uint64_t timestamp, eStatus_Bits state)
         : value_(value),
           timestamp_(timestamp),
           state_(state) {}
+
+    /// @param value     converts to 1 or 0
+    /// @param timestamp when it was measured
+    /// @param state     any state
     MeasureValue(bool value, std::uint64_t timestamp, eStatus_Bits state)
         : value_(value),
           timestamp_(timestamp),
           state_(state) {}
+
+    /// @param value     text, which does not convert to a number
+    /// @param timestamp when it was measured
+    /// @param state     any state
     MeasureValue(std::string value, std::uint64_t timestamp, eStatus_Bits state)
         : value_(std::move(value)),
           timestamp_(timestamp),
           state_(state) {}
-    /// A literal is text; without this overload it would convert to bool.
+
+    /// A literal is text. Without this overload it would convert to bool.
+    /// @param value     text that ends with a zero byte; copied
+    /// @param timestamp when it was measured
+    /// @param state     any state
     MeasureValue(char const* value, std::uint64_t timestamp, eStatus_Bits state)
         : MeasureValue(std::string(value), timestamp, state) {}
 
+    /// @return the time as it was given
     std::uint64_t timestamp() const { return timestamp_; }
+
+    /// @return the state as it was given
     eStatus_Bits state() const { return state_; }
+
+    /// @return what the value holds, never Undefined
     MeasureValueType type() const;
 
-    /// Numbers convert (true is 1, integers round to the nearest double); text does not.
+    /// Converts to a number: true is 1, an integer becomes the nearest double. Text does not convert.
+    /// @return the number, or the type that does not convert
     DoubleResult toDouble() const;
 
 private:

@@ -42,14 +42,14 @@ private:
 
 /// The same as a string.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 inline std::string hexText(std::uint64_t number, std::size_t minDigits) {
     return std::string(HexText(number, minDigits).view());
 }
 
 /// A sensor id as people read and write it: "0x" and 16 digits.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 inline std::string svidText(long long svid) {
     constexpr std::size_t svidDigits = 16;
     return hexText(static_cast<std::uint64_t>(svid), svidDigits);

@@ -141,7 +141,7 @@ inline constexpr auto const& keyTable = detail::keyRows;
 
 /// What is known of a key; for a key without a name a row that has none, with one decimal and neither unit nor scale.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 constexpr KeyRow const& keyRow(unsigned short key) {
     auto const* const row = findRow(keyTable, key);
     return row != nullptr ? *row : detail::unnamedKey;
@@ -149,7 +149,7 @@ constexpr KeyRow const& keyRow(unsigned short key) {
 
 /// The unit behind a value of this key as people read it ("V", "°C", "%"), "" for a key without one.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 constexpr std::string_view keyUnit(unsigned short key) {
     auto const code = keyRow(key).unit;
     return code ? tav::unitSymbol(*code) : std::string_view();

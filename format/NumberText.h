@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Numbers as text that does not depend on a locale, neither the process's nor a stream's. Any thread.
+/// Numbers as text, independent of the locales of the process and of streams.
+///
+/// Threads: reentrant.
 #pragma once
 
 #include <cstdint>
@@ -11,15 +13,21 @@
 
 namespace shm {
 
-/// What printf makes of the number by "%.<decimals>f" in the locale "C": "230.1", "-0.0", "inf", "nan".
+/// Formats a number as printf does with "%.<decimals>f" in the locale "C".
+/// @param number   any double
 /// @param decimals digits after the point, 0 to 16
+/// @return for example "230.1", "-0.0", "inf" or "nan"
 std::string fixedText(double number, int decimals);
 
-/// The number as a stream of these flags would write it in the classic locale: its base, std::showbase and
-/// std::uppercase count.
+/// Formats a number as a stream with these flags does in the classic locale.
+/// @param number any number
+/// @param flags  the base, std::showbase and std::uppercase are used
+/// @return the text
 std::string integerText(std::uint64_t number, std::ios_base::fmtflags flags);
 
-/// "true" or "false".
+/// Names a boolean.
+/// @param value the boolean
+/// @return "true" or "false"
 char const* wordOf(bool value);
 
 } // namespace shm

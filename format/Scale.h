@@ -8,11 +8,15 @@
 namespace tav {
 
 /// Digits after the point of the key's fixed-point form, 0 for a key without a scale.
-/// Logs (category "qel.shm.access.format", WARN) that a key has no scale. Any thread.
+/// Logs at WARN in "qel.shm.access.format" that a key has no scale.
+///
+/// Threads: reentrant.
 unsigned int scalepos(unsigned short key);
 
-/// 10 to the power of a scale position, and its inverse. Any thread.
-/// Throw std::out_of_range for a position above 5.
+/// 10 to the power of a scale position, and its inverse.
+///
+/// Threads: reentrant.
+/// @throws std::out_of_range for a position above 5
 double scaleFactor(unsigned int position);
 double inverseScaleFactor(unsigned int position);
 

@@ -67,7 +67,7 @@ static_assert(coversCodes(stateTable, -2, 43));
 
 /// Name of a state, "UNKNOWN STATE" for a number that is none.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 constexpr std::string_view stateName(eStatus_Bits state) {
     return textOf(stateTable, state, "UNKNOWN STATE");
 }

@@ -51,14 +51,14 @@ static_assert(shm::isSortedByCode(unitTable));
 
 /// Name of a unit ("Cel", "deg"), "UNKNOWN UNIT" for a code that is none.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 constexpr std::string_view unitName(std::uint8_t code) {
     return shm::textOf(unitTable, code, unknownUnit);
 }
 
 /// The unit as people read it: its name, but "°C" for "Cel" and "°" for "deg".
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 constexpr std::string_view unitSymbol(std::uint8_t code) {
     if (code == unit::celsius) {
         return "\u00B0C";
@@ -69,7 +69,7 @@ constexpr std::string_view unitSymbol(std::uint8_t code) {
 /// The unit as it stands in a printf format: its symbol, but "%%" for "%"; a code that is none gives "UNIT_" and the
 /// code as one raw character.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 std::string unitText(std::uint8_t code);
 
 } // namespace tav

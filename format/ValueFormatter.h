@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Turns measured values into text, and into the fixed-point integers some interfaces carry.
+/// Turns measured values into text, and into the fixed-point integers of some interfaces.
 #pragma once
 
 #include "domain/eStatus_Bits.h"
@@ -17,49 +17,67 @@ namespace shm {
 class QelShmMVal;
 }
 
+/// Text of measured values.
 namespace tav {
 
-/// Formats by value key: each key has a number of decimals, most a unit and a power of ten for fixed-point
-/// numbers. A key without an entry of its own has one decimal, no unit and no scale. A value that is missing
-/// (free slot, state -1) shows as "--", one that is still expected (state -2) as "n/a".
-/// Numbers are written as printf does in the locale "C", whatever the process's locale.
+/// Formats by value key. A key has a number of decimals; most keys also have a unit, and a power of ten for fixed-point
+/// numbers. An unknown key has one decimal, no unit and no power of ten. A missing value (free slot, or state -1) is
+/// shown as "--", an expected one (state -2) as "n/a". Numbers are written as printf does in the locale "C".
 ///
-/// Threads: all operations may be called from any thread. Nothing is kept.
+/// Threads: reentrant. There is no state.
 class QEL_EXPORT ValueFormatter {
 public:
     ValueFormatter() = delete;
 
-    /// The key's printf format for one double: "%.1f V", "%.1f %%", "%.3f".
-    /// @param separator put between number and unit; left out when the key has no unit
+    /// Gives a key's printf format for one double.
+    /// @param key       value key
+    /// @param separator between number and unit; omitted when the key has no unit
+    /// @return for example "%.1f V", "%.1f %%" or "%.3f"
     static std::string format(unsigned short key, std::string const& separator);
 
-    /// The value in the key's format: "230.1 V". At most 31 bytes long, cut there if need be.
+    /// Formats a number.
+    /// @param key       value key
+    /// @param value     in the key's unit
+    /// @param separator between number and unit; omitted when the key has no unit
+    /// @return for example "230.1 V"; cut after 31 bytes
     static std::string str(unsigned short key, double value, std::string const& separator);
 
-    /// The value of a slot with a blank between number and unit. A null handle shows as a missing value.
+    /// Formats a slot's value, with a blank between number and unit.
+    /// @param mv the value; a null handle is a missing value
+    /// @return for example "230.1 V", "--" or "n/a"
     static std::string str(shm::QelShmMVal const& mv);
 
-    /// The value of a GPIO input or output, by the mode that its configuration names: the name of the state
-    /// in mode 2, and in mode 0 if the flag is false; the energy counted so far ("12.3 kWh") in mode 6; "--"
-    /// in all others and when the configuration does not know the key.
+    /// Formats the value of a GPIO input or output by its mode. Mode 2 shows the name of the state, and so does mode 0
+    /// unless noContactState. Mode 6 shows the counted energy.
+    /// @note Logs at ERROR in "qel.shm.access.reader" a std::exception of the configuration.
+    /// @param mv             the value
+    /// @param gpio           configuration of the sensor
     /// @param noContactState whether mode 0 shows "--" instead of the state
-    /// Logs (category "qel.shm.access.reader", ERROR) what the configuration threw, if derived from
-    /// std::exception.
+    /// @return a state's name, "12.3 kWh", or "--" in any other mode and for a key that the configuration does not know
     static std::string str(shm::QelShmMVal const& mv, dbdata::GPIOSensorData const& gpio,
                            bool noContactState);
 
-    /// The text for the unit's display, number and unit separated by "|": "230.1|V". Inputs and outputs (keys
-    /// 0x102 to 0x109) show by their state alone: "S0", "On", "Off", "Hi", "Lo", "--", or "?". Temperature
-    /// and humidity start with "|" and mark the degree sign with '^' in place of its first byte; a power
-    /// factor ends with "|".
+    /// Formats a number for the display of the device, with "|" between number and unit. Temperature and humidity start
+    /// with "|", and '^' replaces the first byte of their degree sign. A power factor ends with "|".
+    /// @param key   value key
+    /// @param value in the key's unit
+    /// @param state shown instead of the number for inputs and outputs (keys 0x102 to 0x109)
+    /// @return for example "230.1|V"; "S0", "On", "Off", "Hi", "Lo", "--" or "?" for inputs and outputs
     static std::string strForDisplay(unsigned short key, double value, eStatus_Bits state);
 
-    /// The value as a fixed-point integer: multiplied by the key's power of ten, half added, cut off towards
-    /// zero. What does not fit becomes the nearest long long, NaN becomes 0. Logs (category
-    /// "qel.shm.access.format", WARN) that a key has no scale; the value is not scaled then.
+    /// Converts to a fixed-point integer: multiplies by the key's power of ten, adds a half and truncates towards
+    /// zero. A key without a power of ten does not scale.
+    /// @note Logs at WARN in "qel.shm.access.format" that a key has no power of ten.
+    /// @param key   value key
+    /// @param value in the key's unit
+    /// @return the integer; the nearest long long when it does not fit, 0 for NaN
     static long long scale(unsigned short key, double value);
 
-    /// The value of a fixed-point integer: divided by the key's power of ten. Logs like the operation above.
+    /// Converts from a fixed-point integer: divides by the key's power of ten. A key without one does not scale.
+    /// @note Logs at WARN in "qel.shm.access.format" that a key has no power of ten.
+    /// @param key   value key
+    /// @param value the integer
+    /// @return the value in the key's unit
     static double scale(unsigned short key, long long value);
 };
 

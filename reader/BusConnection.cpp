@@ -75,7 +75,7 @@ void BusConnection::giveBack() {
 }
 
 void BusConnection::release() {
-    // Without the lock: the last reference may run handlers of others.
+    // Without the lock: giving up the last reference may run handlers of others.
     GDBusConnection* connection = nullptr;
     unsigned long handler = 0;
     {

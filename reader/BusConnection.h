@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The connection to the bus that a reader has subscribed on.
+/// The D-Bus connection on which a reader has subscribed.
 #pragma once
 
 #include <atomic>
@@ -18,43 +18,45 @@ using GError = struct _GError;
 
 namespace shm {
 
-/// Keeps one reference to a connection, since subscriptions end with its last one, and says once at WARN in
-/// "qel.shm.access.reader" that it was closed. The connection says so in the GLib main context in which it was made.
+/// Holds one reference to a connection, since its subscriptions end with the last reference. Logs once at WARN in
+/// "qel.shm.access.reader" that the connection was closed; the signal for that arrives in the GLib main context in
+/// which the connection was made.
 ///
-/// In a forked child nothing is given back: the thread of GLib that serves the connection is not there, and its locks
-/// may be taken for good.
+/// A forked child releases nothing: it lacks GLib's thread for the connection, and that thread's locks may stay
+/// locked for ever.
 ///
 /// Threads: thread-safe.
 class BusConnection {
 public:
-    /// Holds nothing yet. Notes the process.
+    /// Holds nothing yet. Notes the process id.
     BusConnection();
 
-    /// Gives the connection back.
+    /// Releases the connection.
     ~BusConnection();
     BusConnection(BusConnection const&) = delete;
     BusConnection& operator=(BusConnection const&) = delete;
 
-    /// Whether this is the process that made the object, not a child that was forked since.
+    /// @return whether this is the process that made the object, not a child that was forked since
     bool isOwnProcess() const;
 
-    /// Takes a reference to the connection; to be called once, and not with null. Tells at once if it is closed already,
-    /// since nothing else would.
+    /// Takes a reference to a connection. Call it once. Logs at once if the connection is closed already, since no
+    /// signal would follow.
+    /// @param connection not null
     void hold(GDBusConnection* connection);
 
-    /// What is held, null for nothing. The reference stays here.
+    /// @return the connection, null for none; the caller gets no reference
     GDBusConnection* held() const;
 
-    /// Whether the connection was held and has been closed, also when it was given back since.
+    /// @return whether the connection has been closed, also if it was released since
     bool isClosed() const;
 
-    /// Gives the connection back, so that the process can get a new one. Tells that it was closed, if the main context
-    /// has not done so yet. For a closed connection.
+    /// Releases a closed connection, so that the process can get a new one. Logs that it was closed, unless that
+    /// is logged already.
     void giveBack();
 
 private:
-    /// Tells of one closed connection once, whoever comes first. Owned by the object and by GLib's closure, so that a
-    /// call under way outlives the object.
+    /// Logs the closing once, whoever notices it first. Shared by the object and GLib's closure, so that it
+    /// outlives the object while a call is under way.
     class Notice {
     public:
         void tell();

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// An end for what GIO may wait for without one.
+/// A time limit for GIO operations that have none.
 #pragma once
 
 #include "reader/GLibPtr.h"
@@ -15,15 +15,16 @@
 
 namespace shm {
 
-/// Cancels what takes too long: reaching a bus has no time-out of its own, GLib knows one for calls alone.
+/// Cancels GIO operations after a time. GLib has a time-out for D-Bus calls, but none for connecting to a bus.
 ///
-/// In a header alone, since the tools use it, too.
+/// Header-only, since the tools use it too.
 ///
-/// Threads: belongs to the thread that made it.
+/// Threads: thread-bound to the thread that made it.
 class Deadline {
 public:
-    /// Starts to count, in a thread of its own.
-    /// @throws std::system_error when there is no thread
+    /// Starts a thread that waits for the end of the time.
+    /// @param patience the time
+    /// @throws std::system_error when no thread can be created
     explicit Deadline(std::chrono::milliseconds patience)
         : cancellable_(g_cancellable_new()),
           watch_([this, patience, over = over_.get_future()] {
@@ -32,7 +33,7 @@ public:
               }
           }) {}
 
-    /// Ends at once, whether the time is over or not.
+    /// Ends the thread at once.
     ~Deadline() {
         over_.set_value();
         watch_.join();
@@ -40,7 +41,7 @@ public:
     Deadline(Deadline const&) = delete;
     Deadline& operator=(Deadline const&) = delete;
 
-    /// For the operations that the time is for. Good for the object's life.
+    /// @return to be passed to the operations that are limited; valid as long as this object
     GCancellable* cancellable() const { return cancellable_.get(); }
 
 private:

@@ -12,9 +12,9 @@ namespace shm {
 
 namespace {
 
-/// Between two readers of which the first was never active: that of the polls for the hardware manager.
+/// Between two readers when the first one saw no active region: the interval of the polls for the hardware manager.
 constexpr std::chrono::milliseconds readerPause{250};
-/// Between two tries to reach the bus.
+/// Between two attempts to reach the bus.
 constexpr std::chrono::seconds busPause{1};
 
 bool isLaidOut(QelShmCondition condition) {
@@ -29,30 +29,30 @@ FollowedReader::FollowedReader(unsigned int seconds, std::chrono::milliseconds m
       maxAge_(maxAge),
       voided_(std::move(voided)) {}
 
-QelShmCondition FollowedReader::look() {
+QelShmCondition FollowedReader::refresh() {
     NamedRegion const named;
     if (named.isLocked()) {
         locked_ = named.id();
     }
     auto condition = judge(named);
-    if (wantsAnotherReader(condition, named)) {
-        leave(isOver_ && isLaidOut(condition) ? QelShmCondition::Gone : condition);
+    if (needsNewReader(condition, named)) {
+        reportVoid(isOver_ && isLaidOut(condition) ? QelShmCondition::Gone : condition);
         makeReader();
         condition = judge(NamedRegion());
     }
     if (isOver_ && isLaidOut(condition)) {
-        condition = QelShmCondition::Gone; // until there is another reader
+        condition = QelShmCondition::Gone; // until there is a new reader
     }
     if (condition == QelShmCondition::Active) {
-        isSound_ = true;
+        mayHaveHandles_ = true;
     } else {
-        leave(condition);
+        reportVoid(condition);
     }
     return condition;
 }
 
-/// What the reader says, and what other readers have seen before. Notes whether the writer has ended meanwhile.
-/// @param named a look that was taken just now
+/// Combines the reader's condition with what earlier readers have seen. Notes whether the writer has ended.
+/// @param named examined just now
 QelShmCondition FollowedReader::judge(NamedRegion const& named) {
     if (!reader_) {
         return QelShmCondition::Gone;
@@ -68,14 +68,14 @@ QelShmCondition FollowedReader::judge(NamedRegion const& named) {
     if (!wasLaidOut_) {
         wasLaidOut_ = true;
         changed_ = named.changed();
-        reader_->syncPositions(true); // other readers of the process may have the counter at 0 already
+        reader_->syncPositions(true); // other readers of the process may have set the counter to 0 already
     }
     isOver_ = isOver_ || changed_ != named.changed();
     return condition;
 }
 
-bool FollowedReader::wantsAnotherReader(QelShmCondition condition, NamedRegion const& named) {
-    if (isLent_) {
+bool FollowedReader::needsNewReader(QelShmCondition condition, NamedRegion const& named) {
+    if (isVisiting_) {
         return false;
     }
     auto const now = Clock::now();
@@ -91,15 +91,16 @@ bool FollowedReader::wantsAnotherReader(QelShmCondition condition, NamedRegion c
     return isUseless && (wasLaidOut_ || now >= nextReader_);
 }
 
-/// Tells that handles became void, if there may be any.
-void FollowedReader::leave(QelShmCondition condition) {
-    if (std::exchange(isSound_, false) && voided_) {
+/// Calls the callback that handles became void, if there may be any.
+void FollowedReader::reportVoid(QelShmCondition condition) {
+    if (std::exchange(mayHaveHandles_, false) && voided_) {
         voided_(condition);
     }
 }
 
 void FollowedReader::makeReader() {
-    reader_.reset(); // before the next one, since a closed connection is shared until its last user has gone
+    reader_
+        .reset(); // before the next one, since all readers share a closed connection until the last one ends
     wasLaidOut_ = false;
     isOver_ = false;
     try {

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The reader of a follower, and when another one takes its place.
+/// The reader of a follower, and when it is replaced.
 #pragma once
 
 #include "reader/NamedRegion.h"
@@ -17,31 +17,36 @@
 
 namespace shm {
 
-/// What QelSharedMemoryFollower does before each look-up; see there.
+/// What QelSharedMemoryFollower does before each look-up. See there.
 ///
-/// Threads: belongs to one at a time.
+/// Threads: thread-bound to the follower's thread.
 class FollowedReader {
 public:
-    /// The parameters of QelSharedMemoryFollower. Makes no reader yet.
+    /// Makes no reader yet.
+    /// @param seconds wait budget of each reader, see QelSharedMemoryFollower
+    /// @param maxAge  maximum age of the newest value, see QelSharedMemoryFollower
+    /// @param voided  callback, see QelSharedMemoryFollower
     FollowedReader(unsigned int seconds, std::chrono::milliseconds maxAge,
                    std::function<void(QelShmCondition)> voided);
 
-    /// Looks at the region and makes another reader if needed, but never while this one is lent.
-    QelShmCondition look();
+    /// Examines the region and replaces the reader if needed, but never during a visit.
+    /// @return the region's condition
+    QelShmCondition refresh();
 
-    /// The reader of the last look, null while there is none.
+    /// @return the reader after the last refresh(), null while there is none
     QelSharedMemoryReader* get() const { return reader_.get(); }
 
-    /// Whether a visit runs by the reader.
-    bool isLent() const { return isLent_; }
+    /// @return whether a VisitGuard lives
+    bool isVisiting() const { return isVisiting_; }
 
-    /// To live while a visit runs by the reader: its callbacks may look, too. One at a time.
-    class Loan {
+    /// Keeps the reader from being replaced while it visits, since callbacks may call refresh() too. One at a time.
+    class VisitGuard {
     public:
-        explicit Loan(FollowedReader& followed) : followed_(followed) { followed_.isLent_ = true; }
-        ~Loan() { followed_.isLent_ = false; }
-        Loan(Loan const&) = delete;
-        Loan& operator=(Loan const&) = delete;
+        /// @param followed must outlive the guard
+        explicit VisitGuard(FollowedReader& followed) : followed_(followed) { followed_.isVisiting_ = true; }
+        ~VisitGuard() { followed_.isVisiting_ = false; }
+        VisitGuard(VisitGuard const&) = delete;
+        VisitGuard& operator=(VisitGuard const&) = delete;
 
     private:
         FollowedReader& followed_;
@@ -51,8 +56,8 @@ private:
     using Clock = std::chrono::steady_clock;
 
     QelShmCondition judge(NamedRegion const& named);
-    bool wantsAnotherReader(QelShmCondition condition, NamedRegion const& named);
-    void leave(QelShmCondition condition);
+    bool needsNewReader(QelShmCondition condition, NamedRegion const& named);
+    void reportVoid(QelShmCondition condition);
     void makeReader();
 
     unsigned int const seconds_;
@@ -60,14 +65,14 @@ private:
     std::function<void(QelShmCondition)> const voided_;
 
     std::unique_ptr<QelSharedMemoryReader> reader_;
-    bool isLent_ = false;            // a visit runs by the reader, so it must stay
-    bool isSound_ = false;           // the region was Active at the last look, so there may be handles
-    bool wasLaidOut_ = false;        // active at some look, with this reader
-    bool isOver_ = false;            // the writer of what this reader has seen has ended
-    std::uint64_t changed_ = 0;      // of the object, when this reader saw it laid out
-    std::optional<ObjectId> locked_; // the last object that was seen locked, by whichever reader
-    Clock::time_point nextReader_;   // not earlier, unless the present one was of use
-    Clock::time_point nextProbe_;    // of the bus
+    bool isVisiting_ = false;        // the reader must stay
+    bool mayHaveHandles_ = false;    // the region was Active at the last refresh()
+    bool wasLaidOut_ = false;        // this reader has seen the region active or silent
+    bool isOver_ = false;            // the writer of that region has ended
+    std::uint64_t changed_ = 0;      // NamedRegion::changed() when this reader first saw the region laid out
+    std::optional<ObjectId> locked_; // the last object that any reader saw locked
+    Clock::time_point nextReader_;   // earliest time for a new reader after one that saw no active region
+    Clock::time_point nextProbe_;    // earliest time to test the bus again
 };
 
 } // namespace shm

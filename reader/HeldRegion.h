@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Which object a reader has mapped, and whether its writer lives.
+/// The object that a reader has mapped, and whether its writer lives.
 #pragma once
 
 #include "reader/NamedRegion.h"
@@ -13,17 +13,21 @@
 
 namespace shm {
 
-/// Compares what a reader holds with what stands under the name. It remembers that the held object was seen locked:
-/// from then on it counts as abandoned while it is not. An object that never was locked tells nothing of its writer.
+/// Compares the mapped object with the object under the region's name. Once it has seen the mapped object locked, an
+/// unlocked one counts as abandoned. An object that was never locked says nothing about its writer.
 ///
 /// Threads: thread-safe.
 class HeldRegion {
 public:
-    /// To be called once something was mapped.
-    /// @param before,after what stood under the name before and after: it is what was mapped if both are the same
+    /// Notes that a region was mapped, and its object if that is known: if the name led to the same object before
+    /// and after.
+    /// @param before object under the name before the mapping
+    /// @param after  object under the name after the mapping
     void take(std::optional<ObjectId> const& before, NamedRegion const& after);
 
-    /// The facts that follow from the name; the others are left as they are by default.
+    /// Compares the mapped object with the one under the name.
+    /// @param named the present object under the name
+    /// @return isHeld, isNamed, isSame and isAbandoned; the other facts keep their defaults
     QelShmRegionFacts compare(NamedRegion const& named);
 
 private:

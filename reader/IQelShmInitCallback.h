@@ -2,37 +2,39 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Who waits for the hardware manager, and for how long.
+/// Callbacks of the thread that waits for the hardware manager.
 #pragma once
 
 #include "region/QelExport.h"
 
 namespace shm {
 
-/// What QelShmInitWaitThread asks and tells.
+/// Callbacks of QelShmInitWaitThread.
 ///
-/// Threads: both operations are called on the wait thread.
+/// Threads: thread-bound to the wait thread, which calls both operations.
 class QEL_EXPORT IQelShmInitCallback {
 public:
     /// The longest wait in seconds.
     static constexpr unsigned int MAX_WAIT = 600;
 
-    /// @param seconds wait budget, cut to MAX_WAIT; 0 means not to ask at all
+    /// @param seconds wait budget, at most MAX_WAIT counts; 0 means not to ask at all
     explicit IQelShmInitCallback(unsigned int seconds);
     IQelShmInitCallback(IQelShmInitCallback const&) = delete;
     IQelShmInitCallback& operator=(IQelShmInitCallback const&) = delete;
 
-    // Virtual operations in slot order, part of the binary contract; new ones go last.
+    // Virtual operations in the order of their slots (binary interface); new ones go last.
 
+    /// The thread must have been joined before.
     virtual ~IQelShmInitCallback();
 
-    /// Asks once whether the hardware manager is initialised.
+    /// Asks the hardware manager once.
+    /// @return whether it is initialised
     virtual bool initialized() = 0;
 
-    /// Acts on the hardware manager being initialised.
+    /// Called once, when the hardware manager is initialised.
     virtual void onInitialized() = 0;
 
-    /// The wait budget in polls of 250 ms.
+    /// @return the wait budget in polls of 250 ms
     unsigned int polls() const { return polls_; }
 
 private:

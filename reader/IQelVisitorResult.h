@@ -2,20 +2,24 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What a visit of the region gathers.
+/// What a visit of the region collects.
 #pragma once
 
 #include "region/QelExport.h"
 
 namespace shm {
 
-/// Base of the result objects that a visit hands to every callback; empty, so that a visitor can derive one
-/// of its own and collect its findings there.
+/// Base class of the result object that a visit passes to every callback. It is empty: derive from it to collect what a
+/// visitor finds.
+///
+/// Threads: thread-bound to the visiting thread.
 class QEL_EXPORT IQelVisitorResult {
 public:
+    /// Has no state.
     IQelVisitorResult() = default;
     IQelVisitorResult(IQelVisitorResult const&) = delete;
     IQelVisitorResult& operator=(IQelVisitorResult const&) = delete;
+    /// The last owner destroys the result through this.
     virtual ~IQelVisitorResult();
 };
 

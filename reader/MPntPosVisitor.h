@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Visitor that notes where each point lies.
+/// Visitor that collects the slot position of each point.
 #pragma once
 
 #include "reader/BaseQelShmVisitor.h"
@@ -14,15 +14,21 @@
 
 namespace shm {
 
-/// Slot position of each point by its sensor id.
+/// The reader's index: a point's sensor id to its slot position.
 using PositionIndex = std::unordered_map<long long, std::uint32_t>;
 
-/// Fills a position index with the points of a visit. Of points with the same sensor id the first one stays.
+/// Fills a position index during a visit. Of several points with one sensor id it keeps the first.
+///
+/// Threads: thread-bound to the visiting thread.
 class QEL_EXPORT MPntPosVisitor : public BaseQelShmVisitor {
 public:
-    /// @param index to fill, not owned; must outlive the visitor
+    /// @param index to fill; not owned, must outlive the visitor
     explicit MPntPosVisitor(PositionIndex& index) : index_(&index) {}
 
+    /// Adds the point unless its sensor id is there already.
+    /// @param point  refers to its slot
+    /// @param depth  not used
+    /// @param result not used
     void onMPnt(QelShmMPnt const& point, unsigned int depth,
                 std::shared_ptr<IQelVisitorResult>& result) override;
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Counts the announced structure changes that no index follows yet.
+/// Counts the announced structure changes that no index contains yet.
 #pragma once
 
 #include <atomic>
@@ -10,13 +10,13 @@
 
 namespace shm {
 
-/// Never loses a change: it reads 0 only when some index was begun after the last change and finished. It neither falls
-/// below 0 nor wraps.
+/// Never loses a change: it is 0 only if an index was begun after the last change and then finished. It neither
+/// falls below 0 nor wraps.
 ///
-/// Threads: all operations from any thread. raise() and current() take no lock.
+/// Threads: thread-safe. raise() and current() take no lock.
 class ModificationCounter {
 public:
-    /// What a rebuild finds when it begins.
+    /// The counter at the beginning of a rebuild.
     class Snapshot {
     private:
         friend class ModificationCounter;
@@ -28,31 +28,35 @@ public:
 
     constexpr ModificationCounter() = default;
 
-    /// One more change. A counter at its maximum stays there.
+    /// Counts one more change. A counter at its maximum stays there.
     void raise();
 
-    /// The number of changes. What a finished rebuild wrote before settle() is visible to who reads the 0 that it left.
+    /// A thread that reads 0 also sees what the rebuild wrote before settle() (acquire).
+    /// @return the number of changes
     unsigned int current() const { return pending_.load(std::memory_order_acquire); }
 
-    /// To be taken before the rebuild reads anything of the structure.
-    /// @throws std::system_error when its mutex cannot be locked
+    /// To be called before the rebuild reads anything of the structure.
+    /// @return the present state, for settle()
+    /// @throws std::system_error when the mutex cannot be locked
     Snapshot snapshot() const;
 
-    /// An index that was begun with the snapshot is finished. No change since: 0. Otherwise one less, but not below 1,
-    /// so that the next look-up builds the index again.
-    /// @throws std::system_error when its mutex cannot be locked; the counter stays then
+    /// Call it when the index is finished. Without a change since the snapshot the counter becomes 0. Otherwise it
+    /// falls by one, but not below 1, so that the next look-up rebuilds the index.
+    /// @param before from the beginning of the rebuild
+    /// @throws std::system_error when the mutex cannot be locked; the counter does not change then
     void settle(Snapshot const& before);
 
-    /// An index was begun and not finished: a counter of 0 becomes 1.
+    /// Call it when an index was begun and not finished. A counter of 0 becomes 1.
     void keepPending();
 
 private:
     std::atomic<unsigned int> pending_{0};
     mutable std::mutex mutex_; // lets one settle() lower the counter at a time; guards settled_
-    unsigned int settled_ = 0; // tells a number from the same one before others lowered and raised it
+    unsigned int settled_ =
+        0; // counts settle(); shows that the counter fell and rose again to the same number
 };
 
-/// The one of the process: the handler of the signal is given nothing that names the reader it serves.
+/// The counter of the process. It is shared, since the signal's handler does not know for which reader it is called.
 inline ModificationCounter modificationCounter;
 
 } // namespace shm

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char domain[] = "GLib-GIO";
 
-// Of the thread and not of the handler: GLib asks the handler that was installed last, whichever thread did that.
+// A property of the thread and not of the handler: GLib calls the handler that any thread installed last.
 thread_local bool isMuted = false;
 
 void handle(char const* of, GLogLevelFlags level, char const* message, void* data) {

@@ -2,18 +2,21 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Calls into GIO whose complaint is expected.
+/// Suppresses expected critical messages of GIO.
 #pragma once
 
 namespace shm {
 
-/// While one lives, criticals of GIO that its thread causes are dropped; those of other threads go to GLib's default
-/// handler. One at a time per thread.
+/// While an object lives, GIO's critical messages of its thread are dropped. Those of other threads go to GLib's
+/// default handler. At most one object per thread.
 ///
-/// Threads: belongs to the thread that made it; any number of threads may have one.
+/// Threads: thread-bound to the thread that made it.
 class MutedCriticals {
 public:
+    /// Installs a log handler for the domain "GLib-GIO".
     MutedCriticals();
+
+    /// Removes the log handler.
     ~MutedCriticals();
     MutedCriticals(MutedCriticals const&) = delete;
     MutedCriticals& operator=(MutedCriticals const&) = delete;

@@ -17,7 +17,7 @@ namespace shm {
 
 namespace {
 
-/// Where Linux keeps what shm_open(REGION_NAME) opens.
+/// The file that shm_open(REGION_NAME) opens (glibc on Linux).
 constexpr char path[] = "/dev/shm/QelSharedMemory";
 
 std::uint64_t nanoseconds(timespec const& time) {
@@ -38,12 +38,12 @@ std::optional<ObjectId> namedObject() noexcept {
 }
 
 NamedRegion::NamedRegion() noexcept {
-    // O_NONBLOCK: a named pipe in its place must not hold up.
+    // O_NONBLOCK: a named pipe under this name must not block.
     int const fd = ::shm_open(REGION_NAME, O_RDONLY | O_NONBLOCK | O_CLOEXEC, 0);
     if (fd < 0) {
         exists_ = errno != ENOENT;
         struct stat status = {};
-        // Which one it is takes no descriptor, of which the process may have run out.
+        // lstat() needs no descriptor; the process may have none left.
         if (exists_ && ::lstat(path, &status) == 0) {
             note(status);
         }
@@ -52,7 +52,7 @@ NamedRegion::NamedRegion() noexcept {
     struct stat status = {};
     if (::fstat(fd, &status) == 0) {
         note(status);
-        // Asks for a read lock, which meets write locks alone: to have one takes the right to write the object.
+        // Query for a read lock, with which only write locks conflict: only a process that may write can hold one.
         if (auto const met = wholeFileLock(fd, F_OFD_GETLK, F_RDLCK)) {
             isLockKnown_ = true;
             isLocked_ = met == F_WRLCK;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What stands under the region's name.
+/// The object under the region's name.
 #pragma once
 
 #include <cstdint>
@@ -12,44 +12,55 @@
 
 namespace shm {
 
-/// Which object it is, for as long as anybody holds it.
+/// Identity of an object. It is unique while the object exists.
+///
+/// Threads: reentrant.
 struct ObjectId {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
+    std::uint64_t device = 0; ///< st_dev
+    std::uint64_t inode = 0;  ///< st_ino
 
+    /// @param left  an object
+    /// @param right an object
+    /// @return whether both are the same object
     friend constexpr bool operator==(ObjectId const& left, ObjectId const& right) {
         return left.device == right.device && left.inode == right.inode;
     }
+    /// @param left  an object
+    /// @param right an object
+    /// @return whether they are different objects
     friend constexpr bool operator!=(ObjectId const& left, ObjectId const& right) { return !(left == right); }
 };
 
-/// Which one stands under the region's name now; nothing if there is none, or when it cannot be told. Opens nothing. Any
-/// thread.
+/// Identifies the object under the region's name by lstat(). Opens nothing.
+///
+/// Threads: reentrant.
+/// @return the object; nothing if there is none or lstat() fails
 std::optional<ObjectId> namedObject() noexcept;
 
-/// The object of one moment: looked at by construction, and closed again. Never blocks, creates nothing, throws nothing.
+/// What was under the region's name at one moment. The constructor opens the object, examines it and closes it. Never
+/// blocks, creates nothing, throws nothing.
 ///
-/// Threads: const operations from any thread.
+/// Threads: reentrant.
 class NamedRegion {
 public:
-    /// Looks at it now.
+    /// Examines the object.
     NamedRegion() noexcept;
 
-    /// False only if there is nothing under the name; what cannot be opened is there.
+    /// @return whether there is an object under the name; true if it cannot be opened
     bool exists() const { return exists_; }
 
-    /// Which one it is; nothing if there is none, or when it cannot be told. Known of what cannot be opened, too.
+    /// @return the object, also if it cannot be opened; nothing if there is none or it cannot be identified
     std::optional<ObjectId> const& id() const { return id_; }
 
-    /// Whether a writer lives that has locked it, as writers do from their start to their end.
+    /// @return whether a living writer has locked the object; writers hold the lock from their start to their end
     bool isLocked() const { return isLocked_; }
 
-    /// Whether it is known that no writer has it locked. Not the reverse of isLocked(): without the right to open the object,
-    /// or without a descriptor to do so, nothing is known.
+    /// Not the opposite of isLocked(): if the object cannot be opened, nothing is known about its lock.
+    /// @return whether it is known that no writer has locked the object
     bool isUnlocked() const { return isLockKnown_ && !isLocked_; }
 
-    /// When the object itself changed last, in ns of the system clock; storing into the region does not change it, a
-    /// writer that takes it over does. 0 when it cannot be told.
+    /// Stores into the region do not change this time; a new writer that reuses the object does.
+    /// @return st_ctim in ns since 1970 UTC; 0 when it is unknown
     std::uint64_t changed() const { return changed_; }
 
 private:

@@ -13,14 +13,13 @@ namespace shm {
 
 namespace {
 
-/// How often this process and those it comes from were forked. (Not the number of the process: the system gives the
-/// number of a process that has ended to another one.)
+/// Number of forks that led to this process. (Not the process id: the system reuses ids of ended processes.)
 std::atomic<std::uint32_t> forks{0};
 
-/// Those that were let go of, in a list, for tools that look for lost memory.
+/// List of the abandoned threads, so that leak detectors find them referenced.
 std::atomic<OwnedThread*> abandoned{nullptr};
 
-/// Counts forks from the first call on and gives their number.
+/// Counts forks from the first call on and returns their number.
 std::uint32_t countedForks() {
     static bool const counting = [] {
         int const error = ::pthread_atfork(nullptr, nullptr, [] { ++forks; });

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// An operating-system thread that knows in which process it runs.
+/// A thread that knows whether it runs in this process.
 #pragma once
 
 #include <boost/thread/thread_only.hpp>
@@ -13,30 +13,33 @@
 
 namespace shm {
 
-/// The thread of a Thread object. fork() copies the object, but not the thread: in the child this object stands for a
-/// thread that does not exist, and whatever Boost or the system is asked about it may wait for ever, its destructor
-/// included. Such an object is abandoned.
+/// The thread of a Thread object. fork() copies the object, but not the thread: in the child the object represents
+/// a thread that does not exist. Any call of Boost or the system for it, even its destructor, may wait for ever.
+/// Such an object must be abandoned.
 ///
-/// Threads: belongs to one thread at a time.
+/// Threads: thread-bound to the owner of the Thread object.
 class OwnedThread {
 public:
-    /// Starts the thread. Throws boost::thread_resource_error when the system has no thread to give, or no memory to
-    /// tell forks by.
+    /// Starts the thread.
+    /// @param body what it runs
+    /// @throws boost::thread_resource_error when no thread can be created, or pthread_atfork() fails
     explicit OwnedThread(std::function<void()> const& body);
     OwnedThread(OwnedThread const&) = delete;
     OwnedThread& operator=(OwnedThread const&) = delete;
     ~OwnedThread() = default;
 
-    /// False in a process that was forked since the thread was started.
+    /// @return false in a process that was forked after the thread was started
     bool isOfThisProcess() const noexcept;
 
-    /// Lets go of a thread of another process without touching it. Its memory is never freed.
+    /// Abandons a thread of another process without touching it. Its memory is never freed.
+    /// @param foreign for which isOfThisProcess() is false
     static void abandon(std::unique_ptr<OwnedThread> foreign) noexcept;
 
+    /// @return the thread, valid as long as this object
     boost::thread& thread() { return thread_; }
 
 private:
-    std::uint32_t const forks_; // of this process and those it comes from, until the start
+    std::uint32_t const forks_; // number of forks that led to this process, when the thread was started
     boost::thread thread_;
     OwnedThread* nextAbandoned_ = nullptr;
 };

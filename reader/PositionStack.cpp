@@ -12,7 +12,7 @@ namespace shm {
 
 namespace {
 
-// Serves every tree that a writer lays out: all points on the stack, and a chain of all values on top.
+// Enough for every tree of a writer: all points on the stack, and a chain of all values on top.
 constexpr std::size_t firstCapacity = MP_COUNT + MV_COUNT;
 
 } // namespace

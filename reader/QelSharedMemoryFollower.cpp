@@ -12,22 +12,25 @@ namespace shm {
 
 namespace {
 
-/// Lends a visitor to a reader, which owns its visitor. It may outlive what it lends, and then tells nobody.
-class LentVisitor : public IQelSharedMemoryVisitor {
+/// Forwards to a visitor of the client, since a reader owns its visitor. It may outlive that visitor, and then forwards
+/// nothing.
+class ForwardingVisitor : public IQelSharedMemoryVisitor {
 public:
-    /// @param self becomes null at the end of this object, unless that comes after forget()
-    LentVisitor(IQelSharedMemoryVisitor& visitor, LentVisitor*& self) : visitor_(&visitor), self_(&self) {
+    /// @param self set to this object, and to null by the destructor unless forget() was called before
+    ForwardingVisitor(IQelSharedMemoryVisitor& visitor, ForwardingVisitor*& self)
+        : visitor_(&visitor),
+          self_(&self) {
         self = this;
     }
-    ~LentVisitor() override {
+    ~ForwardingVisitor() override {
         if (self_ != nullptr) {
             *self_ = nullptr;
         }
     }
-    LentVisitor(LentVisitor const&) = delete;
-    LentVisitor& operator=(LentVisitor const&) = delete;
+    ForwardingVisitor(ForwardingVisitor const&) = delete;
+    ForwardingVisitor& operator=(ForwardingVisitor const&) = delete;
 
-    /// To be called before the visitor is gone.
+    /// To be called before the visitor is destroyed.
     void forget() {
         visitor_ = nullptr;
         self_ = nullptr;
@@ -54,30 +57,31 @@ public:
 
 private:
     IQelSharedMemoryVisitor* visitor_;
-    LentVisitor** self_;
+    ForwardingVisitor** self_;
 };
 
-/// Installs a lent visitor, and none when it goes out of scope.
-class Lending {
+/// Installs a client's visitor, and removes it in the destructor.
+class ScopedVisitor {
 public:
-    Lending(QelSharedMemoryReader& reader, IQelSharedMemoryVisitor& visitor) : reader_(reader) {
-        reader_.visitor(std::make_unique<LentVisitor>(visitor, lent_));
+    ScopedVisitor(QelSharedMemoryReader& reader, IQelSharedMemoryVisitor& visitor) : reader_(reader) {
+        reader_.visitor(std::make_unique<ForwardingVisitor>(visitor, forwarding_));
     }
-    ~Lending() {
-        if (lent_ != nullptr) {
-            lent_->forget();
+    ~ScopedVisitor() {
+        if (forwarding_ != nullptr) {
+            forwarding_->forget();
         }
         try {
             reader_.visitor(nullptr);
-        } catch (std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): the visitor that stays tells nobody
+        } catch (
+            std::bad_alloc const&) { // NOLINT(bugprone-empty-catch): the remaining visitor forwards nothing
         }
     }
-    Lending(Lending const&) = delete;
-    Lending& operator=(Lending const&) = delete;
+    ScopedVisitor(ScopedVisitor const&) = delete;
+    ScopedVisitor& operator=(ScopedVisitor const&) = delete;
 
 private:
     QelSharedMemoryReader& reader_;
-    LentVisitor* lent_ = nullptr; // the reader's; null once that has destroyed it
+    ForwardingVisitor* forwarding_ = nullptr; // owned by the reader; null once it is destroyed
 };
 
 } // namespace
@@ -89,38 +93,38 @@ QelSharedMemoryFollower::QelSharedMemoryFollower(unsigned int seconds, std::chro
 QelSharedMemoryFollower::~QelSharedMemoryFollower() = default;
 
 QelShmCondition QelSharedMemoryFollower::condition() {
-    return followed_->look();
+    return followed_->refresh();
 }
 
 QelSharedMemoryReader* QelSharedMemoryFollower::reader() {
-    return followed_->look() == QelShmCondition::Active ? followed_->get() : nullptr;
+    return followed_->refresh() == QelShmCondition::Active ? followed_->get() : nullptr;
 }
 
 std::unique_ptr<QelShmMPnt> QelSharedMemoryFollower::mpnt(long long svid, bool force) {
-    auto* const sound = reader();
-    auto point = sound == nullptr ? nullptr : sound->mpnt(svid, force);
+    auto* const current = reader();
+    auto point = current == nullptr ? nullptr : current->mpnt(svid, force);
     return point && (*point)->guid == svid ? std::move(point) : nullptr;
 }
 
 QelShmMVal QelSharedMemoryFollower::mval(long long svid, bool force) {
-    auto* const sound = reader();
-    return sound == nullptr ? QelShmMVal() : sound->mval(svid, force);
+    auto* const current = reader();
+    return current == nullptr ? QelShmMVal() : current->mval(svid, force);
 }
 
 QelShmMVal QelSharedMemoryFollower::mval(QelShmKeptMVal& kept) {
-    auto* const sound = reader();
-    return sound == nullptr ? QelShmMVal() : sound->mval(kept);
+    auto* const current = reader();
+    return current == nullptr ? QelShmMVal() : current->mval(kept);
 }
 
 bool QelSharedMemoryFollower::visit(IQelSharedMemoryVisitor& visitor,
                                     std::shared_ptr<IQelVisitorResult>& result) {
-    auto* const sound = followed_->isLent() ? nullptr : reader();
-    if (sound == nullptr) {
+    auto* const current = followed_->isVisiting() ? nullptr : reader();
+    if (current == nullptr) {
         return false;
     }
-    FollowedReader::Loan const loan(*followed_);
-    Lending const lending(*sound, visitor);
-    sound->visit(result);
+    FollowedReader::VisitGuard const guard(*followed_);
+    ScopedVisitor const scoped(*current, visitor);
+    current->visit(result);
     return true;
 }
 

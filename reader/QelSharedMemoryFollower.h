@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The data plane of a unit whose writing process comes and goes.
+/// A reader that follows a writer which ends and starts again.
 #pragma once
 
 #include "reader/QelSharedMemoryReader.h"
@@ -17,80 +17,89 @@ namespace shm {
 
 class FollowedReader;
 
-/// Owns a reader and makes a new one when the old one cannot become current any more. It hands out what its reader finds
-/// only while the reader's region is Active, so no value of an ended writer is shown as current.
+/// Owns a reader and replaces it when it cannot become current any more. It returns what the reader finds only
+/// while the region is Active, so it never shows a value of an ended writer as current.
 ///
-/// A new reader is made when
+/// It replaces the reader when
 /// - the region's name leads to another object,
-/// - the writer came back: the region is active after it was not, the object is locked after it was not, or the object
-///   was taken over by another writer between two looks,
-/// - the reader has no region and will get none: its wait budget ran out, or the region was not there to map when the
+/// - the writer has started again: the region is active after it was not, the object is locked after it was not,
+///   or another writer has reused the object between two calls,
+/// - the reader has no region and will not map one: its wait budget is used up, or there was no region when the
 ///   hardware manager was initialised,
-/// - the reader's connection to the bus was closed and the bus can be reached again. Until then its region is served on.
-///   Beside other readers of the process, which share that connection and hold it on, there is no reader from then until
-///   these are gone.
+/// - the reader's bus connection was closed and the bus can be reached again. Until then the follower serves the
+///   mapped region. If other readers of the process still hold the closed connection, the follower has no reader
+///   until they are destroyed.
 ///
-/// All of that happens within the operations of this class: without a call nothing is followed, and there is no thread
-/// beside the reader's own. Call one of them at least as often as you want to follow, say every 100 ms. With a hardware
-/// manager that answers at once, a look-up finds the new content with the first call or two after the activation.
+/// All of this happens inside the operations of this class, which has no thread of its own. Call one of them as
+/// often as you want to follow, for example every 100 ms. If the hardware manager answers at once, the first or
+/// second call after the activation finds the new content.
 ///
-/// What an operation costs: a look at the object (a few system calls) and at the times of all points and values, some ten
-/// microseconds; whoever looks up many values in a row takes reader() once. When a new reader is made, the old one is
-/// destroyed first, since the process shares one connection to the bus: that may take a pause of 250 ms, three creations of
-/// a proxy and a D-Bus call under way if it was still waiting (see ~QelSharedMemoryReader()), and the new one's
-/// construction asks the bus, too. At most one reader is made in 250 ms, unless the former one was of use, and one in a second while there is no bus.
-/// To learn whether a closed bus can be reached again takes a connection to it, at most once in a second, and 2 s at most.
+/// Cost: each operation makes a few system calls and reads the times of all points and values, some ten
+/// microseconds. To look up many values in a row, call reader() once. Replacing the reader destroys the old one
+/// first, since the process shares one bus connection. That may take as long as ~QelSharedMemoryReader() does;
+/// constructing the new one also asks the bus. The follower makes at most one reader in 250 ms, unless the
+/// previous one had an active region, and at most one per second while there is no bus. It tests a closed bus at
+/// most once per second, by a connection that may take 2 s.
 ///
-/// Logs nothing of its own; its readers log as ever. No operation throws for want of a bus or of a region.
+/// Logs nothing itself; its readers do. No operation throws because the bus or the region is missing.
 ///
-/// Threads: belongs to one thread at a time, the one whose thread-default main context receives the reader's signals.
+/// Threads: thread-bound to one thread at a time. The thread-default main context of that thread receives the reader's
+/// signals.
 class QEL_EXPORT QelSharedMemoryFollower {
 public:
-    /// Told when the handles that were given out became void, in whose place nothing may be read any more. Must neither
-    /// throw nor call the follower.
+    /// Called when all handles that the follower has returned become void: they must not be used any more. It must
+    /// neither throw nor call the follower.
     using Voided = std::function<void(QelShmCondition)>;
 
     /// Makes no reader yet; the first operation does.
-    /// @param seconds wait budget of each reader, as that of QelSharedMemoryReader; 0 never maps a region
-    /// @param maxAge age up to which the newest delivery is current; see QelSharedMemoryReader::condition()
-    /// @param voided told once each time when the region was Active and is no longer, or when its reader is exchanged: after
-    ///        the call that found it out began, before the reader is destroyed. It gets the region's condition; Active if
-    ///        only the connection to the bus was lost. May be empty. Not told at the follower's end.
+    /// @param seconds wait budget of each reader, see QelSharedMemoryReader; 0 never maps a region
+    /// @param maxAge  age up to which the newest value is current, see QelSharedMemoryReader::condition()
+    /// @param voided  called once each time the region stops being Active or its reader is replaced: within the
+    ///                operation that notices it, before the reader is destroyed. It gets the region's condition,
+    ///                which is Active if only the bus connection was lost. May be empty. Not called by the
+    ///                destructor.
     QelSharedMemoryFollower(unsigned int seconds, std::chrono::milliseconds maxAge, Voided voided = {});
 
-    /// Destroys the reader; see ~QelSharedMemoryReader() for how long that may take.
+    /// Destroys the reader. See ~QelSharedMemoryReader() for how long that may take.
     ~QelSharedMemoryFollower();
     QelSharedMemoryFollower(QelSharedMemoryFollower const&) = delete;
     QelSharedMemoryFollower& operator=(QelSharedMemoryFollower const&) = delete;
 
-    /// Looks at the region, follows if needed, and tells the condition that the look-ups below meet. Gone while there is no
-    /// reader for want of a bus.
+    /// Examines the region and replaces the reader if needed.
+    /// @return the condition; Gone while there is no reader because there is no bus
     QelShmCondition condition();
 
-    /// The same, and gives the reader if the condition is Active, else null.
-    /// @return good until the next call of any operation, and not to be destroyed or kept; what it finds is good until
-    ///         `voided` is told
+    /// Does the same as condition().
+    /// @return the reader if the condition is Active, else null. It stays owned by the follower and is valid until
+    ///         the next call of any operation. What it finds is valid until `voided` is called
     QelSharedMemoryReader* reader();
 
-    /// A point by its sensor id. Null if there is none or the region is not Active, and for a slot that shows another
-    /// point by now.
+    /// Finds a point. See QelSharedMemoryReader::mpnt().
+    /// @param svid  sensor id of the point
+    /// @param force whether to rebuild the index first
+    /// @return the point; null if there is none, the region is not Active, or the slot holds another point by now
     std::unique_ptr<QelShmMPnt> mpnt(long long svid, bool force = false);
 
-    /// A value by its sensor id. A null handle if there is none or the region is not Active.
+    /// Finds a value. See QelSharedMemoryReader::mval().
+    /// @param svid  sensor id of the value
+    /// @param force whether to rebuild the index first
+    /// @return the value; a null handle if there is none or the region is not Active
     QelShmMVal mval(long long svid, bool force = false);
 
-    /// The same for a value that is read over and over. It outlives readers: what it remembers of a former one is not used.
+    /// Finds a value that is read repeatedly.
+    /// @param kept names the value; stays valid when the reader is replaced
+    /// @return the value; a null handle if there is none or the region is not Active
     QelShmMVal mval(QelShmKeptMVal& kept);
 
-    /// Takes a visitor round the whole region, and none while it is not Active.
+    /// Visits the whole region if it is Active.
     ///
-    /// The callbacks may call the look-ups of this follower, but nothing is followed before the visit has ended: they give
-    /// nothing once the region is not Active any more, and the visit goes on by the region that it began with. A visit
-    /// inside a visit does not take place. The callbacks must not destroy the follower.
-    /// @param visitor not owned. The visitor of the follower's reader for this visit; the reader has none afterwards
-    /// @param result handed to each callback
+    /// The callbacks may call the look-ups of this follower. The reader is not replaced during the visit: once the
+    /// region is not Active any more, the look-ups return nothing, and the visit continues in the region in which
+    /// it began. A visit inside a visit does nothing. The callbacks must not destroy the follower.
+    /// @param visitor not owned; installed in the reader for this visit, which has no visitor afterwards
+    /// @param result  passed to each callback
     /// @return whether the visit took place
-    /// @throws std::bad_alloc and whatever a callback throws
+    /// @throws std::bad_alloc and what a callback throws
     bool visit(IQelSharedMemoryVisitor& visitor, std::shared_ptr<IQelVisitorResult>& result);
 
 private:

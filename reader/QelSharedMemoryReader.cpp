@@ -17,13 +17,13 @@ namespace shm {
 
 namespace {
 
-/// Whether the slots of a value that was found still hold it. True is sure; false may be wrong for an instant while the
-/// writer links.
-bool isStillThere(record::Region const& region, QelShmMP const& point, record::QelShmMVal const& value,
-                  long long svid) {
+/// Tells whether a value is still where it was found. True is certain; false may be wrong briefly while the writer
+/// links.
+bool isStillInPlace(record::Region const& region, QelShmMP const& point, record::QelShmMVal const& value,
+                    long long svid) {
     return point.guid == pointSvid(svid) && value.key == valueKey(svid) &&
-           isReferred(region, static_cast<std::uint32_t>(&point - region.points)) &&
-           isInChain(region, loadLink(point.mvs), static_cast<std::uint32_t>(&value - region.values));
+           isLinkedToByPredecessor(region, static_cast<std::uint32_t>(&point - region.points)) &&
+           isInValueChain(region, loadLink(point.mvs), static_cast<std::uint32_t>(&value - region.values));
 }
 
 void logModifications(char const* operation) {
@@ -33,11 +33,11 @@ void logModifications(char const* operation) {
 
 } // namespace
 
-/// Puts the visitor that builds the index into the place of the client's, and the client's back when it goes out of scope.
-/// A visitor that is installed meanwhile stays instead.
-class QelSharedMemoryReader::VisitorOnLeave {
+/// Installs the visitor that builds the index, and restores the client's in the destructor. A visitor that is installed
+/// meanwhile stays instead.
+class QelSharedMemoryReader::ScopedIndexVisitor {
 public:
-    VisitorOnLeave(QelSharedMemoryReader& reader, std::unique_ptr<IQelSharedMemoryVisitor> indexing)
+    ScopedIndexVisitor(QelSharedMemoryReader& reader, std::unique_ptr<IQelSharedMemoryVisitor> indexing)
         : reader_(reader),
           indexing_(indexing.get()),
           outer_(reader.indexing_),
@@ -46,7 +46,7 @@ public:
         reader.visitor(std::move(indexing));
         reader.indexing_ = indexing_;
     }
-    ~VisitorOnLeave() {
+    ~ScopedIndexVisitor() {
         if (indexes()) {
             reader_.visitor_ = std::move(client_->visitor);
             reader_.indexing_ = outer_;
@@ -55,16 +55,16 @@ public:
             VisitsOfThread::get().retire(std::move(client_));
         }
     }
-    VisitorOnLeave(VisitorOnLeave const&) = delete;
-    VisitorOnLeave& operator=(VisitorOnLeave const&) = delete;
+    ScopedIndexVisitor(ScopedIndexVisitor const&) = delete;
+    ScopedIndexVisitor& operator=(ScopedIndexVisitor const&) = delete;
 
-    /// Whether the visitor that builds the index is the installed one still.
+    /// Tells whether the visitor that builds the index is still installed.
     bool indexes() const { return reader_.indexing_ == indexing_; }
 
 private:
     QelSharedMemoryReader& reader_;
     IQelSharedMemoryVisitor const* indexing_;
-    IQelSharedMemoryVisitor const* outer_; // of the rebuild that this one runs in, if any
+    IQelSharedMemoryVisitor const* outer_; // visitor of the rebuild inside which this one runs, if any
     std::unique_ptr<RetiredVisitor> client_;
 };
 
@@ -91,7 +91,8 @@ void QelSharedMemoryReader::syncPositions(bool force) {
         throw;
     }
     if (isWhole) {
-        // Deliberate: one less, not zero, if the structure changed meanwhile, so that the next look-up rebuilds.
+        // Deliberate: if the structure changed meanwhile the counter falls by one, not to 0, so the next look-up
+        // rebuilds.
         modificationCounter.settle(before);
     } else {
         modificationCounter.keepPending();
@@ -99,19 +100,17 @@ void QelSharedMemoryReader::syncPositions(bool force) {
     logModifications("syncPositions");
 }
 
-/// Gives false when some of the points may be missing. The caller holds the mutex.
 bool QelSharedMemoryReader::buildIndex() {
     auto indexing = std::make_unique<MPntPosVisitor>(positions_);
     auto result = std::make_shared<IQelVisitorResult>();
     auto const cuts = cuts_.load();
     ++rebuilds_;
-    VisitorOnLeave const client(*this, std::move(indexing));
+    ScopedIndexVisitor const client(*this, std::move(indexing));
     positions_.clear();
     visit(result);
     return client.indexes() && cuts_ == cuts;
 }
 
-/// The slot of a point, null when the index does not know it. The caller holds the mutex.
 QelShmMP const* QelSharedMemoryReader::pointOf(long long svid) const {
     auto const known = positions_.find(svid);
     auto const pos = known == positions_.end() ? NO_POSITION : known->second;
@@ -133,10 +132,10 @@ QelShmMVal QelSharedMemoryReader::mval(long long svid, bool force) {
 }
 
 QelShmMVal QelSharedMemoryReader::mval(QelShmKeptMVal& kept) {
-    // In this order: who reads the 0 that a rebuild left reads that rebuild's number, too.
+    // The counter before rebuilds_: a thread that reads the 0 of a rebuild also reads that rebuild's number.
     if (kept.region_ != nullptr && kept.region_ == region() && modificationCounter.current() == 0 &&
         kept.rebuild_ == rebuilds_.load(std::memory_order_relaxed) &&
-        isStillThere(*kept.region_, *kept.point_, *kept.value_, kept.svid_)) {
+        isStillInPlace(*kept.region_, *kept.point_, *kept.value_, kept.svid_)) {
         return QelShmMVal(kept.value_);
     }
     syncPositions(false);
@@ -153,7 +152,7 @@ QelShmMVal QelSharedMemoryReader::lookUp(QelShmKeptMVal& kept) {
     }
     auto const& mapped = *region();
     auto const pos = static_cast<std::uint32_t>(kept.point_ - mapped.points);
-    if (!isReferred(mapped, pos) && !isListed(mapped, pos)) {
+    if (!isLinkedToByPredecessor(mapped, pos) && !isInSiblingList(mapped, pos)) {
         return {};
     }
     auto left = MV_COUNT;

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-// A reader's life and its link to the hardware manager over the bus.
+// A reader's life and its connection to the hardware manager.
 
 #include "reader/QelSharedMemoryReader.h"
 
@@ -28,15 +28,15 @@ namespace shm {
 
 namespace {
 
-/// Serves as the bus name and as the name of the interface.
+/// Both the bus name and the name of the interface.
 constexpr char busName[] = "org.qel.HardwareManager";
 constexpr char objectPath[] = "/";
 constexpr char structureChanged[] = "shmStructureChanged";
 
 constexpr std::size_t indexBuckets = 10;
 
-/// Where a reader starts to number its indexes: apart from others of the process, so that what a kept value remembers of
-/// a reader that is gone is not taken for what the next one found.
+/// The first index number of a reader. Readers of a process use different ranges, so that a QelShmKeptMVal that
+/// remembers an index of a destroyed reader never matches an index of another one.
 unsigned int firstRebuild() {
     static std::atomic<unsigned int> readers{0};
     return ++readers << 16U;
@@ -73,7 +73,7 @@ QelSharedMemoryReader::~QelSharedMemoryReader() {
         waitThread_->join();
         waitThread_.reset();
     }
-    // A forked child leaves the bus to its parent, whose connection it is.
+    // The connection belongs to the parent of a forked child.
     if (bus_->isOwnProcess()) {
         if (unsigned int const id = unsubscribe()) {
             LogLine(readerLog(), log4cpp::Priority::DEBUG, "~QelSharedMemoryReader")
@@ -90,7 +90,7 @@ void QelSharedMemoryReader::connect() {
                                                      objectPath, nullptr, &failure);
     GErrorPtr const error(failure);
     {
-        // Deliberate: called for a null proxy too. GLib's complaint says nothing that the exception does not.
+        // Deliberate: called for a null proxy too. GLib's message adds nothing to the exception.
         std::optional<MutedCriticals> muted;
         if (proxy_ == nullptr) {
             muted.emplace();
@@ -123,9 +123,8 @@ void QelSharedMemoryReader::subscribe() {
         << "subscribed to signal " << structureChanged << ", id = " << subscription_;
 }
 
-/// Gives the id of the ended subscription, 0 when there was none to end.
 unsigned int QelSharedMemoryReader::unsubscribe() {
-    // A proxy that could not be made anew is gone, its connection is not.
+    // If a proxy could not be created again, there is none, but still the connection.
     auto* const connection =
         proxy_ == nullptr ? bus_->held() : g_dbus_proxy_get_connection(G_DBUS_PROXY(proxy_));
     if (connection == nullptr || subscription_ == 0) {
@@ -184,7 +183,7 @@ bool QelSharedMemoryReader::askManager() {
         return answer == 1;
     }
     if (proxy_ == nullptr && bus_->isClosed()) {
-        // Nobody can be reached over it any more: without it the next proxy gets a connection that lives.
+        // Once the closed connection is released, the next proxy gets a new one.
         unsubscribe();
         bus_->giveBack();
     }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-// Whether what a reader shows is current.
+// Whether a reader's region is current.
 
 #include "reader/QelSharedMemoryReader.h"
 
@@ -23,11 +23,10 @@ std::uint64_t millisecondsNow() {
 } // namespace
 
 QelShmCondition QelSharedMemoryReader::condition(std::chrono::milliseconds maxAge) const {
-    // The name and its lock before the version: a writer that takes over has wiped the region when it takes the lock.
+    // Name and lock before the version: a new writer of the object wipes the region before it takes the lock.
     return conditionAt(NamedRegion(), maxAge);
 }
 
-/// @param named a look that was taken just now
 QelShmCondition QelSharedMemoryReader::conditionAt(NamedRegion const& named,
                                                    std::chrono::milliseconds maxAge) const {
     auto facts = held_->compare(named);
@@ -54,7 +53,7 @@ bool QelSharedMemoryReader::hasLostItsBus() const {
 
 bool QelSharedMemoryReader::willMapNothing() const {
     bool const isWaitOver =
-        initialized_ || pollsLeft_ == 0; // asked first: what was mapped until then is seen
+        initialized_ || pollsLeft_ == 0; // read first, so that a region mapped before is seen
     return isWaitOver && region() == nullptr;
 }
 

@@ -64,7 +64,6 @@ void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
     valuesTo(point, depth, result);
 }
 
-/// Gives false when the walk over the values is over.
 [[gnu::always_inline]] inline bool QelSharedMemoryReader::tell(IQelSharedMemoryVisitor& visitor,
                                                                QelShmMVal const& value, long long svid,
                                                                unsigned int depth,
@@ -73,7 +72,6 @@ void QelSharedMemoryReader::values(QelShmMPnt const& point, unsigned int depth,
     return visitor_.get() == &visitor && !visitor.mvFound();
 }
 
-/// To be called within a VisitsOfThread::Callback.
 void QelSharedMemoryReader::valuesTo(QelShmMPnt const& point, unsigned int depth,
                                      std::shared_ptr<IQelVisitorResult>& result) {
     auto* const visitor = visitor_.get();
@@ -82,7 +80,7 @@ void QelSharedMemoryReader::valuesTo(QelShmMPnt const& point, unsigned int depth
     if (visitor == nullptr || visitor == indexing_ || mapped == nullptr || first >= MV_COUNT) {
         return;
     }
-    // A point's values nearly always lie side by side, in their order: two slots tell them all then.
+    // A point's values nearly always lie side by side, in their order. Then the first and the last slot are enough.
     auto const* slot = &mapped->values[first];
     auto const* last = slot;
     auto following = first + 1;
@@ -102,7 +100,6 @@ void QelSharedMemoryReader::valuesTo(QelShmMPnt const& point, unsigned int depth
     }
 }
 
-/// The same, wherever the values lie.
 [[gnu::noinline]] void QelSharedMemoryReader::scatteredValuesTo(QelShmMPnt const& point, unsigned int depth,
                                                                 std::shared_ptr<IQelVisitorResult>& result) {
     auto& visitor = *visitor_;
@@ -132,7 +129,7 @@ void QelSharedMemoryReader::visit(std::shared_ptr<IQelVisitorResult>& result) {
     visitTopLevel(&record::QelShmRoot::groups, result);
 }
 
-[[gnu::always_inline]] // as a call it would double the stack that a level of nesting takes
+[[gnu::always_inline]] // a call would double the stack of a level of nesting
 inline void
 QelSharedMemoryReader::visitList(PositionList const& list, unsigned int depth,
                                  std::shared_ptr<IQelVisitorResult>& result) {
@@ -159,8 +156,8 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth) {
     visit(point, depth, result);
 }
 
-// The recursion is as deep as the points are nested, which may be 800 levels on a small stack: what needs
-// much of it stays in functions of their own.
+// The recursion is as deep as the tree, up to 800 levels, and the stack may be small. So code with large frames is in
+// functions of its own.
 void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
                                   std::shared_ptr<IQelVisitorResult>& result) {
     if (stop_) {
@@ -188,8 +185,6 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
     onUp(result);
 }
 
-/// Collects points and brings them into the order of their keys; those of equal keys stay as they are. Lists are nearly
-/// always in order already. An id that the writer changes meanwhile may put its point in a wrong place, no more.
 [[gnu::noinline]] void QelSharedMemoryReader::collectSorted(PositionList& list, unsigned int head) const {
     auto const* const points = region()->points;
     list.collect(points, MP_COUNT, head);

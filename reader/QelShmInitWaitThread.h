@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Thread that waits for the hardware manager.
+/// The thread that waits for the hardware manager.
 #pragma once
 
 #include "reader/Thread.h"
@@ -12,16 +12,19 @@ namespace shm {
 
 class IQelShmInitCallback;
 
-/// Asks its callback every 250 ms whether the hardware manager is initialised, as often as the callback's
-/// budget allows. On success it tells the callback and ends; when the budget runs out it ends without a word,
-/// and nothing retries later. join() ends the loop after the question or the pause under way.
+/// Asks its callback every 250 ms whether the hardware manager is initialised, at most
+/// IQelShmInitCallback::polls() times. On success it calls onInitialized() and ends. After the last poll it ends
+/// silently; there is no later retry. join() waits for the poll or the pause under way.
+///
+/// Threads: thread-bound to the owner, who must join before it destroys the callback.
 class QEL_EXPORT QelShmInitWaitThread : public Thread {
 public:
-    /// @param callback not owned, must live until the thread was joined; null makes run() return at once
+    /// @param callback not owned, must live until the thread is joined; null makes run() return at once
     explicit QelShmInitWaitThread(IQelShmInitCallback* callback);
 
-    /// The loop. Logs in "qel.shm.access.reader" at INFO "Initialized after <seconds>s, opening shared
-    /// memory", the seconds being those of the pauses so far with one digit after the point.
+    /// The thread's body.
+    /// @note Logs at INFO in "qel.shm.access.reader" "Initialized after <seconds>s, opening shared memory": the
+    ///       sum of the pauses, with one digit after the point.
     void run() override;
 
 private:

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// A value that a client reads again and again.
+/// A value that a client reads repeatedly.
 #pragma once
 
 #include "region/QelExport.h"
@@ -10,27 +10,29 @@
 
 namespace shm {
 
-/// Names a value by its sensor id and remembers where QelSharedMemoryReader::mval() found it last, so that
-/// reading it again costs a few nanoseconds. It owns nothing and is copied freely. It may be used with another reader, also
-/// when the former one is gone: the value is looked up anew then, since what is remembered of one reader is never taken
-/// for what another one found.
+/// Names a value by its sensor id and remembers where QelSharedMemoryReader::mval() found it last, so reading it
+/// again costs a few nanoseconds. It owns nothing and may be copied freely. It may be used with another reader,
+/// also after the first one was destroyed: the new reader does not use what is remembered of the first one, and
+/// looks the value up.
 ///
-/// Threads: like a plain variable; each thread keeps its own.
+/// Threads: reentrant. Give each thread an object of its own.
 class QEL_EXPORT QelShmKeptMVal {
 public:
-    /// @param svid of the value: its point's sensor id with the value's key in the low 16 bits
+    /// @param svid sensor id of the value: that of its point, with the value's key in the low 16 bits
     explicit QelShmKeptMVal(long long svid) : svid_(svid) {}
 
+    /// @return sensor id of the value
     long long svid() const { return svid_; }
 
 private:
     friend class QelSharedMemoryReader;
 
     long long svid_;
-    record::Region const* region_ = nullptr; // that it was found in; null while it is not found
+    // Where the value was found last; region_ is null if it was not found.
+    record::Region const* region_ = nullptr;
     QelShmMP const* point_ = nullptr;
     record::QelShmMVal const* value_ = nullptr;
-    unsigned int rebuild_ = 0; // number of the index that it was found by
+    unsigned int rebuild_ = 0; // number of the reader's index at that time
 };
 
 } // namespace shm

@@ -24,11 +24,10 @@ std::int64_t QelShmMPntCmp::key(long long svid) {
     auto const bits = static_cast<std::uint64_t>(svid);
     switch (SensorIdentifier::extractSensorType(svid)) {
     case SensorType::I2C:
-        // Deliberate: sensors that differ in these two bytes only count as equal.
+        // Deliberate: sensors that differ only in these two bytes are equal.
         return static_cast<std::int64_t>(bits & ~(byteMask(2) | byteMask(5)));
     case SensorType::RCM:
-        // Deliberate: monitors sort in among the electrical points, by the id without its kind and with
-        // key 4.
+        // Deliberate: monitors are sorted among the electrical points, by the id without its kind and with key 4.
         return static_cast<std::int64_t>((bits & ~(keyMask | byteMask(6))) | rcmKey);
     default:
         return svid;

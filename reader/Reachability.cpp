@@ -20,7 +20,7 @@ bool isInList(record::Region const& region, std::uint32_t first, std::uint32_t p
 
 } // namespace
 
-bool isListed(record::Region const& region, std::uint32_t pos) {
+bool isInSiblingList(record::Region const& region, std::uint32_t pos) {
     if (auto const parent = loadLink(region.points[pos].parent); parent < MP_COUNT) {
         return isInList(region, loadLink(region.points[parent].children), pos);
     }

@@ -1,9 +1,11 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-/// @file
-/// Whether the tree still holds a slot. Contents alone do not tell: a removed point's slot keeps its id and its links
-/// until it is used again, while its values' slots may belong to other points already.
+/// @file Whether the tree still leads to a slot. The slot's content does not show that: a removed point keeps its
+/// id and its links
+/// until its slot is used again, while its values' slots may belong to other points already.
+///
+/// Threads: reentrant. The writer may change the region meanwhile.
 #pragma once
 
 #include "region/QelShmRecords.h"
@@ -13,11 +15,13 @@
 
 namespace shm {
 
-/// Whether the link that stands before a point leads to it: its previous sibling's, its parent's or one of the root's.
-/// True for a point in a list. False for a removed one, and for an instant for one whose neighbour is being linked or
-/// removed.
-/// @param pos below MP_COUNT
-inline bool isReferred(record::Region const& region, std::uint32_t pos) {
+/// Tells whether a point's predecessor leads to it: the next link of its previous sibling, the children link of
+/// its parent, or a list head of the root.
+/// @param region the region
+/// @param pos    of the point, below MP_COUNT
+/// @return true for a point in a list; false for a removed point, and briefly while the writer links or removes a
+///         neighbour
+inline bool isLinkedToByPredecessor(record::Region const& region, std::uint32_t pos) {
     auto const& point = region.points[pos];
     if (auto const previous = loadLink(point.prev); previous < MP_COUNT) {
         return loadLink(region.points[previous].next) == pos;
@@ -28,14 +32,19 @@ inline bool isReferred(record::Region const& region, std::uint32_t pos) {
     return loadLink(region.root.devices) == pos || loadLink(region.root.groups) == pos;
 }
 
-/// Whether the list that a point claims to be in, its parent's or one of the root's, holds it. It walks that list, at
-/// most MP_COUNT points.
-/// @param pos below MP_COUNT
-bool isListed(record::Region const& region, std::uint32_t pos);
+/// Searches for a point in the list of its parent's children, or in the lists of the root. Visits at most MP_COUNT
+/// points of a list.
+/// @param region the region
+/// @param pos    of the point, below MP_COUNT
+/// @return whether the list holds the point
+bool isInSiblingList(record::Region const& region, std::uint32_t pos);
 
-/// Whether a chain of values holds a slot. It walks up to the slot, at most MV_COUNT values.
-/// @param first position of the chain's first value
-inline bool isInChain(record::Region const& region, std::uint32_t first, std::uint32_t pos) {
+/// Searches for a value in a point's chain. Visits at most MV_COUNT values.
+/// @param region the region
+/// @param first  position of the chain's first value
+/// @param pos    of the value
+/// @return whether the chain holds the value
+inline bool isInValueChain(record::Region const& region, std::uint32_t first, std::uint32_t pos) {
     auto left = MV_COUNT;
     for (auto current = first; current < MV_COUNT && left != 0; --left) {
         if (current == pos) {

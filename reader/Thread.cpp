@@ -11,7 +11,7 @@
 #include <iostream>
 #include <utility>
 
-// Part of the binary contract, also where pointers have 32 bits.
+// Part of the binary interface, also where pointers have 32 bits.
 static_assert(sizeof(Thread) == 3 * sizeof(void*));
 
 namespace {

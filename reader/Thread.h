@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Base of the objects that own one thread.
+/// Base class of the objects that own one thread.
 #pragma once
 
 #include "region/QelExport.h"
@@ -14,23 +14,24 @@ namespace shm {
 class OwnedThread;
 }
 
-/// Owns at most one operating-system thread, which runs run() of the derived class. A derived loop asks
-/// running() once per turn and returns when it gives false.
+/// Owns at most one operating-system thread (Boost.Thread), which runs run() of the derived class. A loop in run() asks
+/// running() in each turn and returns when it is false.
 ///
-/// An object must be joined before it is destroyed: destroying it lets its thread run on, detached.
+/// An object must be joined before it is destroyed: the destructor detaches a thread, which then runs on.
 ///
-/// A forked child has a copy of the object, but not its thread: there start(), join() and the destructor first let go
-/// of the thread that was started before the fork, without a word and without asking the system about it, and the
-/// object counts as never started.
+/// A forked child has a copy of the object, but not its thread. There start(), join() and the destructor first
+/// abandon the parent's thread, silently and without any system call for it. Then the object is one that was never
+/// started.
 ///
-/// Threads: start() and join() belong to one thread at a time; running() may be asked from any.
+/// Threads: thread-bound to the owner, who calls start() and join(). running() is thread-safe.
 class QEL_EXPORT Thread {
 public:
+    /// Starts nothing.
     Thread();
     Thread(Thread const&) = delete;
     Thread& operator=(Thread const&) = delete;
 
-    // Virtual operations in slot order, part of the binary contract; new ones go last.
+    // Virtual operations in the order of their slots (binary interface); new ones go last.
 
     /// Neither stops nor joins: detaches a thread that still exists.
     virtual ~Thread();
@@ -38,30 +39,37 @@ public:
     /// The thread's body.
     virtual void run() = 0;
 
-    /// Called by join() on the joining thread, before the running flag is cleared and after the interruption
-    /// was requested. Both do nothing by default and must not throw.
+    /// Called by join() on the joining thread, before it clears the running flag. Does nothing by default. Must
+    /// not throw.
     virtual void preStop();
+
+    /// Called by join() on the joining thread, after it has requested the interruption. Does nothing by default.
+    /// Must not throw.
     virtual void postStop();
 
-    /// Sets the running flag and starts the thread. When there is one already, only writes "Already started"
-    /// and an end of line to standard output. Throws boost::thread_resource_error when the system has no
-    /// thread to give.
+    /// Sets the running flag and starts the thread. If there is a thread already, only writes the line "Already
+    /// started" to standard output.
+    /// @throws boost::thread_resource_error when the system cannot create a thread
     void start();
 
-    /// Clears the running flag, requests an interruption (Boost.Thread) and waits for the thread's end,
-    /// itself not to be interrupted. Does nothing to an object that was never started. Throws nothing: what
-    /// goes wrong is written to standard error, and the thread is detached.
+    /// Clears the running flag, requests an interruption (Boost.Thread) and waits for the thread's end. The
+    /// waiting itself cannot be interrupted. Does nothing to an object that was never started. Throws nothing: a
+    /// failure is written to standard error and the thread is detached.
     void join();
 
 protected:
-    /// True from start() until join(), also when run() has returned by itself.
+    /// Whether the thread should run.
+    ///
+    /// Threads: thread-safe.
+    /// @return true from start() until join(), also after run() has returned
     bool running() const { return running_.load(); }
 
 private:
+    /// Detaches the thread, if there is one.
     void detach();
 
-    // In the order of the binary contract. What the thread must know about itself stands with it, not here: what
-    // derives from this class begins in the room behind the flag.
+    // The order and size of the members are part of the binary interface. Derived classes put their first members into
+    // the padding behind the flag, so further data of the thread is in OwnedThread.
     std::unique_ptr<shm::OwnedThread> thread_;
     std::atomic<bool> running_;
 };

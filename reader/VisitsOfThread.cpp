@@ -14,7 +14,7 @@ namespace shm {
 
 namespace {
 
-// Ready in every phase of a thread's life, also while its other variables are destroyed.
+// Usable in every phase of a thread's life, also while its other variables are destroyed.
 thread_local VisitsOfThread visits;
 static_assert(std::is_trivially_destructible_v<VisitsOfThread>);
 
@@ -33,7 +33,7 @@ VisitsOfThread& VisitsOfThread::get() {
 }
 
 void VisitsOfThread::releaseAtEnd() {
-    // Not a destructor of a thread's variable: registering one ends the process when memory has ended.
+    // Not by the destructor of a thread-local variable: without memory its registration ends the process.
     static pthread_key_t const key = createKey(release);
     if (pthread_setspecific(key, this) != 0) {
         throw std::bad_alloc();
@@ -55,7 +55,7 @@ void VisitsOfThread::retire(std::unique_ptr<RetiredVisitor> visitor) {
 }
 
 void VisitsOfThread::destroyRetired() {
-    // One by one: a visitor's destructor may visit, too.
+    // One by one: a visitor's destructor may visit too.
     while (auto const newest = std::unique_ptr<RetiredVisitor>(std::exchange(retired_, nullptr))) {
         retired_ = newest->next.release();
     }

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What the visits of one thread share.
+/// What all visits of one thread share.
 #pragma once
 
 #include "reader/IQelSharedMemoryVisitor.h"
@@ -12,23 +12,27 @@
 
 namespace shm {
 
-/// A visitor that was taken away, in a chain of such.
+/// A visitor that was replaced during its own callback, in a list of such visitors.
 struct RetiredVisitor {
-    std::unique_ptr<IQelSharedMemoryVisitor> visitor;
-    std::unique_ptr<RetiredVisitor> next;
+    std::unique_ptr<IQelSharedMemoryVisitor> visitor; ///< to destroy after the callback
+    std::unique_ptr<RetiredVisitor> next;             ///< the list's next element
 };
 
-/// Kept per thread and not per reader, so that several threads may visit by one reader at once.
+/// What the visits of a thread need. It belongs to the thread and not to the reader, so that several threads may
+/// visit with one reader at once.
+///
+/// Threads: thread-bound to the visiting thread.
 class VisitsOfThread {
 public:
-    /// Of the calling thread.
+    /// @return the calling thread's object
     static VisitsOfThread& get();
 
     constexpr VisitsOfThread() = default;
     VisitsOfThread(VisitsOfThread const&) = delete;
     VisitsOfThread& operator=(VisitsOfThread const&) = delete;
 
-    /// @throws std::bad_alloc, std::system_error when nothing can be kept for the thread
+    /// @return the thread's stack, freed at the thread's end
+    /// @throws std::bad_alloc or std::system_error when its release cannot be arranged
     PositionStack& positions() {
         if (!isReleasedAtEnd_) {
             releaseAtEnd();
@@ -36,15 +40,17 @@ public:
         return positions_;
     }
 
-    /// Whether a visitor is being called by this thread.
+    /// @return whether a visitor's callback runs on this thread
     bool isInCallback() const { return callbacks_ != 0; }
 
-    /// Destroys a visitor, at once or when no visitor is being called any more.
+    /// Destroys a visitor: at once, or when no callback runs on this thread any more.
+    /// @param visitor to destroy
     void retire(std::unique_ptr<RetiredVisitor> visitor);
 
-    /// To live while a visitor is called.
+    /// Lives while a visitor's callback runs.
     class Callback {
     public:
+        /// @param visits the calling thread's object
         explicit Callback(VisitsOfThread& visits) : visits_(visits) { ++visits_.callbacks_; }
         ~Callback() {
             if (--visits_.callbacks_ == 0 && visits_.retired_ != nullptr) {
@@ -61,15 +67,15 @@ public:
 private:
     void releaseAtEnd();
 
-    /// Called at the end of each thread but the last one. A visit that comes later still, from a destructor of the thread's
+    /// Called at the end of each thread except the last. A visit after that, from a destructor of thread-local
     /// data, registers again.
     static void release(void* visitsOfThread);
     void destroyRetired();
 
     PositionStack positions_;
     RetiredVisitor* retired_ = nullptr; // owned; a plain pointer, so that the class needs no destructor
-    unsigned int callbacks_ = 0;        // that are running, one inside the other
-    bool isReleasedAtEnd_ = false;      // whether the end of the thread is going to give the memory back
+    unsigned int callbacks_ = 0;        // number of running callbacks, one inside the other
+    bool isReleasedAtEnd_ = false;      // whether the thread's end will free the memory
 };
 
 } // namespace shm

@@ -32,7 +32,7 @@ bool busAnswers() {
     try {
         Deadline const deadline(patience);
         return answers(deadline.cancellable());
-    } catch (std::system_error const&) { // no thread to watch the time
+    } catch (std::system_error const&) { // no thread for the time limit
         return false;
     }
 }

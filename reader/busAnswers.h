@@ -2,14 +2,16 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Whether there is a bus.
+/// Tests whether the system bus answers.
 #pragma once
 
 namespace shm {
 
-/// Connects to the system bus anew, apart from the connection that the process shares, and closes that again. Blocks as
-/// long as the bus takes to greet, 2 s at most: one that has not greeted until then does not answer. Nor does any while
-/// there is no thread to be had to watch the time. Any thread.
+/// Makes a private connection to the system bus, not the one that the process shares, and closes it again. Blocks
+/// until the bus has accepted it, at most 2 s.
+///
+/// Threads: reentrant.
+/// @return whether the bus accepted within 2 s; false too when no thread can be created for the time limit
 bool busAnswers();
 
 } // namespace shm

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Calls a D-Bus method through a proxy that may have gone stale.
+/// Calls a D-Bus method through a proxy whose service may have gone.
 #pragma once
 
 #include "reader/GLibPtr.h"
@@ -16,27 +16,29 @@
 
 namespace shm {
 
-/// Time-out of every call through a proxy, in ms.
+/// Time-out of a call through a proxy, in ms.
 constexpr int PROXY_TIMEOUT = 60000;
 
+/// Internal.
 namespace detail {
 
+/// @cond
 constexpr int proxyCreations = 3;
 constexpr std::chrono::milliseconds proxyPause{123};
 constexpr int proxyCreationFailed = 24;
 
-/// True when somebody owned the proxy's bus name, as far as the proxy knows.
+/// Tells whether the proxy's bus name has an owner, as far as the proxy knows.
 template <typename Proxy>
 bool hasOwner(Proxy* proxy) {
     return proxy != nullptr && GStringPtr(g_dbus_proxy_get_name_owner(G_DBUS_PROXY(proxy))) != nullptr;
 }
 
-/// Replaces the proxy in the holder by a new one; on failure the holder is left empty and error is set.
+/// Replaces the proxy in the holder. On failure the holder is empty and error is set.
 template <typename CreateProxy, typename Proxy>
 bool renewProxy(char const* busName, char const* objectPath, GError*& error, CreateProxy& create,
                 Proxy** holder) {
-    // The bus connection is shared by all who hold it and dies with its last proxy. It has to live on, since
-    // signal subscriptions made through the old proxy end with it.
+    // The process shares one bus connection, which ends with its last reference, and so do the subscriptions on
+    // it. This reference keeps it until there is a new proxy.
     GObjectPtr<GDBusConnection> connection;
     if (*holder != nullptr) {
         if (auto* const shared = g_dbus_proxy_get_connection(G_DBUS_PROXY(*holder))) {
@@ -58,24 +60,28 @@ bool renewProxy(char const* busName, char const* objectPath, GError*& error, Cre
     return false;
 }
 
+/// @endcond
+
 } // namespace detail
 
-/// Calls a method of a D-Bus service on the system bus, with a time-out of 60 s. While the service's bus name
-/// has no owner the proxy is created anew, up to three times with a pause of 123 ms after each; then the call
-/// is made anyway.
+/// Calls a method of a D-Bus service on the system bus, with a time-out of 60 s. While the service's bus name has
+/// no owner, the proxy is created again, up to three times with a pause of 123 ms after each. Then the call is
+/// made in any case. A failed creation is reported on standard error.
 ///
 /// The template's flag is part of the signature and must be false.
-/// @param busName,objectPath of the service
-/// @param error must be null; receives the call's error, or, when a proxy cannot be created, one of the
-///        domain "g-cppdbusproxycall-error-quark" with code 24. The caller frees it.
-/// @param create the generated ..._proxy_new_for_bus_sync
-/// @param holder where the caller keeps its proxy or null; the proxy in it may be replaced. Without a holder
-///        "No proxy given" goes to standard error and no call is made.
-/// @param call the generated ..._call_..._sync
-/// @param arguments of the method, without the cancellable and the error at the end
-/// @return what the call function returned; false when no call was made
 ///
-/// Threads: any, but a holder belongs to one thread at a time. A failed creation is told on standard error.
+/// Threads: reentrant. Only one thread at a time may use a holder.
+/// @param busName    well-known name of the service
+/// @param objectPath of the service's object
+/// @param error      must be null. Receives the call's error, or an error of the domain
+///                   "g-cppdbusproxycall-error-quark" with code 24 when no proxy can be created. The caller frees
+///                   it.
+/// @param create     the generated ..._proxy_new_for_bus_sync
+/// @param holder     where the caller keeps its proxy or null. The proxy may be replaced. If the holder is null,
+///                   "No proxy given" is written to standard error and no call is made.
+/// @param call       the generated ..._call_..._sync
+/// @param arguments  of the method, without the cancellable and the error at the end
+/// @return what the call function returned; false when no call was made
 template <bool, typename CreateProxy, typename Proxy, typename Call, typename... Arguments>
 bool callProxy(char const* busName, char const* objectPath, GError*& error, CreateProxy create,
                Proxy** holder, Call call, Arguments&&... arguments) {

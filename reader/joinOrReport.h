@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// How a failing join is reported.
+/// Joins a thread and reports a failure.
 #pragma once
 
 #include <boost/thread/exceptions.hpp>
@@ -11,8 +11,11 @@
 
 namespace shm {
 
-/// Calls join, once more when it is interrupted (boost::thread_interrupted). Throws nothing: each failure
-/// goes to standard error.
+/// Calls join, and calls it once more if it was interrupted (boost::thread_interrupted). Throws nothing: each
+/// failure is written to standard error.
+///
+/// Threads: reentrant.
+/// @param join joins the thread
 template <typename Join>
 void joinOrReport(Join const& join) {
     try {

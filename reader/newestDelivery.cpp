@@ -15,13 +15,13 @@ namespace shm {
 
 namespace {
 
-/// A time as one look at the memory that others write.
+/// Reads a time once from memory that others write.
 std::uint64_t timeOf(std::uint64_t const& at) {
     std::uint64_t const time = *const_cast<std::uint64_t const volatile*>(&at);
     return time == std::numeric_limits<std::uint64_t>::max() ? 0 : time;
 }
 
-/// Positions of points that are still to be looked at; each is entered at most once.
+/// Positions of points that are still to be visited. Each is entered at most once.
 class PendingPoints {
 public:
     void enter(std::uint32_t pos) {

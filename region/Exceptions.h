@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What the data plane throws.
+/// The exceptions of the data plane.
 #pragma once
 
 #include "domain/MeasureValue.h"
@@ -11,32 +11,48 @@
 #include <exception>
 #include <string>
 
+/// Exceptions of the data plane.
 namespace ex {
 
-/// A failure told in one sentence.
+/// A failure, described in one sentence.
+///
+/// Threads: reentrant.
 class QEL_EXPORT TAVSimpleException : public std::exception {
 public:
+    /// @param message what failed
     explicit TAVSimpleException(std::string const& message);
+
+    /// @return the message, valid as long as this object
     char const* what() const noexcept override;
 
 private:
     std::string message_;
 };
 
-/// A measured value is of a type that cannot be stored; not a TAVSimpleException.
+/// The type of a measured value cannot be stored. Not a TAVSimpleException.
+///
+/// Threads: reentrant.
 class QEL_EXPORT InvalidTypeException : public std::exception {
 public:
+    /// @param type the type that cannot be stored
     explicit InvalidTypeException(measval::MeasureValueType type);
+
+    /// @return a sentence that names the type, valid as long as this object
     char const* what() const noexcept override;
 
 private:
     std::string message_;
 };
 
-/// A sensor id names nothing that is known here; not a TAVSimpleException.
+/// A sensor id names no known point. Not a TAVSimpleException.
+///
+/// Threads: reentrant.
 class QEL_EXPORT InvalidSensorIdException : public std::exception {
 public:
+    /// @param svid the id without a place
     explicit InvalidSensorIdException(long long svid);
+
+    /// @return a sentence that explains the id, valid as long as this object
     char const* what() const noexcept override;
 
 private:

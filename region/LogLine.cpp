@@ -27,18 +27,18 @@ LogCategory lookUp(KnownCategory& known, char const* name) noexcept {
             category = &Logger::getInstance().getCategory(name);
             known.store(category, std::memory_order_release);
         } catch (...) {
-            category = nullptr; // asked for again with the next line
+            category = nullptr; // the next line tries again
         }
     }
     return LogCategory(category);
 }
 
-/// Throws std::bad_alloc unless the memory is there that appenders usually need for a line of this length. log4cpp ends
-/// the process when an appender throws, so memory that has come to its end shall show here.
+/// Throws std::bad_alloc unless there is as much memory as appenders usually need for a line of this length.
+/// log4cpp ends the process when an appender throws, so a lack of memory should show here first.
 void requireMemoryForAppenders(std::size_t length) {
     constexpr std::size_t atLeast = 4096;
     constexpr std::size_t perCharacter = 8;
-    // The functions, not new and delete: a compiler may leave out the pair of those.
+    // Calls of the functions: a compiler may remove a pair of new and delete expressions.
     ::operator delete(::operator new(atLeast + perCharacter * length));
 }
 
@@ -68,12 +68,12 @@ LogLine::LogLine(LogCategory category, log4cpp::Priority::Value level, std::stri
 }
 
 LogLine::~LogLine() {
-    // A failed stream has swallowed an exception (those of streams' own printing do not pass), so the text has a gap.
+    // A failed stream has swallowed an exception of a formatted output function, so the text has a gap.
     if (!text_ || text_->fail()) {
         return;
     }
     try {
-        // Not by Category::log(): declared not to throw, it would end the process when memory ends within.
+        // Not by Category::log(): it is declared not to throw and would end the process without memory.
         log4cpp::LoggingEvent const event(category_.get()->getName(), text_->str(), log4cpp::NDC::get(),
                                           level_);
         requireMemoryForAppenders(event.message.size());

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The lock by which a living writer is known.
+/// The file lock that shows a living writer.
 #pragma once
 
 #include <fcntl.h>
@@ -12,14 +12,16 @@
 
 namespace shm {
 
-/// Takes a lock on a whole object, or asks for one; never waits.
-/// @param fd of the object
-/// @param command F_OFD_SETLK or F_OFD_GETLK
-/// @param type F_WRLCK or F_RDLCK
-/// @return for SETLK the type taken; for GETLK the type of a lock that is in the way, F_UNLCK when there is none; nothing
-///         when it failed
+/// Takes or queries an open-file-description lock (Linux, fcntl(2)) on a whole file. Never waits.
 ///
-/// In a header alone, as the writer's lock is. Any thread.
+/// Header-only, since qel-replay uses it without the library.
+///
+/// Threads: reentrant.
+/// @param fd      of the file
+/// @param command F_OFD_SETLK to take the lock, F_OFD_GETLK to query it
+/// @param type    F_WRLCK or F_RDLCK
+/// @return after F_OFD_SETLK the type taken; after F_OFD_GETLK the type of a conflicting lock, F_UNLCK for none;
+///         nothing on failure
 inline std::optional<short> wholeFileLock(int fd, int command, short type) noexcept {
     struct flock whole = {};
     whole.l_type = type;

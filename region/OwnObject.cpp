@@ -22,13 +22,13 @@ namespace {
 
 constexpr mode_t objectMode = 0644;
 constexpr mode_t writtenByOthers = S_IWGRP | S_IWOTH;
-// Against somebody who takes the name at once each time that it is free. Without a pause the two may go on in step.
-constexpr int mostAttempts = 1000;
-constexpr std::chrono::microseconds outOfStep(50);
+// Another process may take the name each time that it is free. The pause keeps the two from running in step.
+constexpr int maximumAttempts = 1000;
+constexpr std::chrono::microseconds attemptPause(50);
 
-/// What stands under the name, as far as the system tells.
+/// What is known of the object under the name.
 struct Found {
-    int error = 0; ///< errno when it cannot be looked at
+    int error = 0; ///< errno of fstat()
     struct stat status = {};
 };
 
@@ -83,9 +83,9 @@ void warn(Found const& found) {
     }
 }
 
-/// Whether an opening that failed met something that is not ours, and what.
+/// Tells whether a failed opening met a foreign object, and what it is.
 bool isInTheWay(Found& found) {
-    // O_PATH needs no right to what stands there, opens a link itself and waits for nobody.
+    // O_PATH needs no permission for the object, opens a symbolic link itself and never blocks.
     int const fd = ::shm_open(REGION_NAME, O_PATH | O_CLOEXEC, 0);
     if (fd < 0) {
         return false;
@@ -95,7 +95,8 @@ bool isInTheWay(Found& found) {
     return !isOurs(found);
 }
 
-/// Creates an object that was not there before. A descriptor, or -1 with errno; EEXIST when somebody was faster.
+/// Removes the name and creates a new object. Returns a descriptor, or -1 with errno; EEXIST when another process was
+/// faster.
 int createAnew() {
     if (::shm_unlink(REGION_NAME) != 0 && errno != ENOENT) {
         return -1;
@@ -107,7 +108,7 @@ int createAnew() {
 
 int openOwnObject() {
     bool isTold = false;
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
         int fd = ::shm_open(REGION_NAME, O_RDWR | O_CREAT, objectMode);
         Found found;
         if (fd >= 0) {
@@ -131,7 +132,7 @@ int openOwnObject() {
         if (fd >= 0 || errno != EEXIST) {
             return fd;
         }
-        std::this_thread::sleep_for(outOfStep);
+        std::this_thread::sleep_for(attemptPause);
     }
     errno = EEXIST;
     return -1;

@@ -2,20 +2,24 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Whose object stands under the region's name.
+/// Opens the shared-memory object for a writer.
 #pragma once
 
 namespace shm {
 
-/// Opens the region's object for a writer: the one that an earlier writer left, or a new one of mode 0644.
+/// Opens the object under the region's name: the one that an earlier writer left, or a new one of mode 0644.
 ///
-/// Only an object of the effective user counts as left by a writer: a regular file with one name that neither its group
-/// nor others may write. Anything else is not ours, and somebody may hold it open: its name is removed and the object
-/// created anew. So is what cannot be opened because something that is not ours stands there. Who puts something there
-/// over and over makes the opening fail in the end, and so does who takes it away between the refusal and the look at it.
+/// An object counts as left by a writer if it is a regular file of the effective user, has one name, and neither its
+/// group nor others may write to it. Anything else is foreign, and its creator may still hold it open. Its name is
+/// removed and the a new object created (O_EXCL), also when the foreign object cannot be opened at all.
 ///
-/// @return a descriptor for reading and writing, or -1 with errno: of the opening, or of removing what is not ours
-/// Logs one WARN line in "qel.shm.access" as openShm() when there is something that is not ours. Threads: any.
+/// The number of attempts is bounded. So the call fails when another process keeps putting a foreign object there, or
+/// removes one between the refused opening and the look at it.
+///
+/// @note Logs one line at WARN in "qel.shm.access", as openShm(), when it removes a foreign object.
+///
+/// Threads: reentrant.
+/// @return a descriptor for reading and writing, or -1 with errno (shm_open or shm_unlink)
 int openOwnObject();
 
 } // namespace shm

@@ -23,8 +23,9 @@ namespace shm {
 
 namespace {
 
-/// The process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its mapping,
-/// but not the right to remove the name. (No member: size and layout of the class are a contract.)
+/// The process that opened the region for writing, 0 for none yet. A forked child inherits the writer and its
+/// mapping, but must not remove the name. (No member: size and layout of the class are part of the binary
+/// interface.)
 std::atomic<pid_t> writingProcess{0};
 static_assert(std::atomic<pid_t>::is_always_lock_free);
 
@@ -33,8 +34,8 @@ bool isForkedChild() {
     return process != 0 && process != ::getpid();
 }
 
-/// Makes the object as large as the region and reserves its memory, so that a full /dev/shm shows here and
-/// not as a SIGBUS at the first write. Gives 0 or the error number.
+/// Makes the object as large as the region and reserves its memory, so that a full /dev/shm fails here and not by
+/// SIGBUS at the first write. Returns 0 or the error number.
 int sizeObject(int fd) {
     if (::ftruncate(fd, REGION_SIZE) != 0) {
         return errno;
@@ -42,16 +43,16 @@ int sizeObject(int fd) {
     int error = 0;
     do {
         error = ::posix_fallocate(fd, 0, REGION_SIZE);
-    } while (error == EINTR); // a signal to the process is no reason to fail
+    } while (error == EINTR);
     return error;
 }
 
-/// Without blocking, so that a named pipe without a writer holds nobody up. Gives a descriptor, or -1 with errno.
+/// Opens without blocking, in case the name leads to a named pipe. Returns a descriptor, or -1 with errno.
 int openToRead() {
     return ::shm_open(REGION_NAME, O_RDONLY | O_NONBLOCK, 0);
 }
 
-/// Reading past the end of a shorter object would raise SIGBUS; what is no regular file is no object.
+/// Tells whether the object is no regular file, or shorter than the region: reading past its end would raise SIGBUS.
 bool isNoRegion(int fd) {
     struct stat status = {};
     return ::fstat(fd, &status) == 0 &&

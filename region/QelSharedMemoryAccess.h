@@ -16,66 +16,87 @@
 
 namespace shm {
 
-/// Who opens the region.
+/// For what a process opens the region.
 enum class ShmAccess : std::uint8_t {
     Read = 0,  ///< opens an existing object and maps it read-only
-    Write = 1, ///< creates or reuses the object, sizes, maps and wipes it, and removes its name at the end
+    Write = 1, ///< creates or reuses the object, sizes, maps and wipes it; removes its name in the end
 };
 
 /// The step of opening that failed.
 enum class ShmError : std::uint8_t {
     Open = 0,   ///< shm_open
-    Resize = 1, ///< ftruncate, or reserving the memory behind it
+    Resize = 1, ///< ftruncate or posix_fallocate
     Map = 2,    ///< mmap
 };
 
-/// Common base of the writer and the reader: owns the mapping of the region (POSIX shared memory, see
-/// QelShmRecords.h). No operation throws; failures are logged at ERROR in "qel.shm.access" and leave nothing mapped.
+/// Common base of the writer and the reader. Owns the mapping of the region (POSIX shared memory, see
+/// QelShmRecords.h). No operation throws. A failure is logged at ERROR in "qel.shm.access" and leaves nothing mapped.
 ///
-/// Threads: not thread-safe. The owner must not open or close while another thread reads through the region; only
-/// whether something is mapped may be asked from any thread.
+/// Threads: thread-bound to the owner, who must not open or close while another thread reads through the region. root()
+/// and region() are thread-safe.
 class QEL_EXPORT QelSharedMemoryAccess {
 public:
-    /// Opens nothing. Logs at INFO "start".
+    /// Opens nothing.
+    /// @note Logs at INFO "start".
+    /// @param access for what openShm() opens the region
     explicit QelSharedMemoryAccess(ShmAccess const& access);
 
     QelSharedMemoryAccess(QelSharedMemoryAccess const&) = delete;
     QelSharedMemoryAccess& operator=(QelSharedMemoryAccess const&) = delete;
 
-    // Virtual operations in slot order, part of the binary contract; new ones go last.
+    // Virtual operations in the order of their slots (binary interface); new ones go last.
 
-    /// Closes the region (a writer also removes its name), then logs at INFO "done".
+    /// Closes the region as closeShm() does.
+    /// @note Logs at INFO "done".
     virtual ~QelSharedMemoryAccess();
 
-    /// Maps the region. A writer creates the object (mode 0644) or reuses what an earlier writer left, sizes it,
-    /// reserves its memory and fills it with 0xFF, so readers see it inactive. What is not the writer's own (another
-    /// owner, write rights for group or others, several names, no regular file) it first removes, with one WARN line.
-    /// A reader maps what is there, if it is a regular file and large enough; it waits for nobody. Every step that
-    /// fails is logged and leaves the access without a region in the end.
+    /// Maps the region.
+    ///
+    /// A writer creates the object (mode 0644) or reuses the one that an earlier writer left, sizes it, reserves its
+    /// memory and fills it with 0xFF, so readers see it inactive. It first removes a foreign object: one of another
+    /// owner, writable for group or others, with several names, or no regular file.
+    ///
+    /// A reader maps the object that exists, if it is a regular file of at least REGION_SIZE bytes. It never waits.
+    ///
+    /// After a failure nothing is mapped.
+    /// @note Logs at ERROR each step that fails, at WARN a foreign object that it removes.
     virtual void openShm();
 
-    /// Unmaps the region; a writer also removes the object's name, but not in a process that was forked from the one
+    /// Unmaps the region. A writer also removes the object's name, but not in a child that was forked from the process
     /// that opened it. Does nothing while nothing is mapped.
+    /// @note Logs at ERROR when munmap or shm_unlink fails.
     void closeShm();
 
-    /// The root, a null handle while nothing is mapped.
+    /// The root of the tree.
+    ///
+    /// Threads: thread-safe.
+    /// @return the root, a null handle while nothing is mapped
     QelShmRoot root() const { return QelShmRoot(region()); }
 
-    /// The whole tree as text for diagnostics, one line per point; "" while nothing is mapped. Numbers are
-    /// hexadecimal. Links must not be cyclic.
+    /// Prints the whole tree for diagnostics. The region's links must not be cyclic.
+    /// @return one line per point, numbers in hexadecimal; "" while nothing is mapped
     std::string tree() const;
 
 protected:
-    /// Forgets the mapping without unmapping it; a writer also removes the object's name, as closeShm() does.
+    /// Forgets the mapping without unmapping it. A writer also removes the object's name, as closeShm() does.
+    /// @note Logs at ERROR when shm_unlink fails.
     void unlinkShm();
 
-    /// Logs the failed step with the text of errnum, and cleans up after a failed Resize or Map by unlinkShm().
+    /// Logs a failed step of openShm() at ERROR, and cleans up after a failed Resize or Map by unlinkShm().
+    /// @param error  the step
+    /// @param errnum its errno; strerror() gives the text
     void errorShm(ShmError const& error, int errnum);
 
-    /// Writes a point, its children (indented by two more) and its following siblings, one line each.
+    /// Writes a point, its children and its following siblings, one line each.
+    /// @param mp     the point
+    /// @param indent number of spaces; children get two more
+    /// @param out    where to
     void treenode(QelShmMP const& mp, unsigned int indent, std::ostringstream& out) const;
 
-    /// The mapped region, null while nothing is mapped.
+    /// The mapping.
+    ///
+    /// Threads: thread-safe.
+    /// @return the mapped region, null while nothing is mapped
     record::Region* region() const { return region_.load(std::memory_order_relaxed); }
 
 private:

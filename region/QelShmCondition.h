@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Whether what a region shows is current, and why not.
+/// Whether a region is current, and if not, why.
 #pragma once
 
 #include <chrono>
@@ -11,16 +11,20 @@
 
 namespace shm {
 
-/// In what condition a region is that somebody holds. Only Active promises current values.
+/// Condition of a region that a process has mapped or copied. Only Active promises current values.
 enum class QelShmCondition : std::uint8_t {
-    Active,   ///< its writer lives, as far as one can tell, and delivers
-    Silent,   ///< active, but nothing was delivered within the time allowed
-    Inactive, ///< not laid out yet, or laid out anew just now
-    Replaced, ///< the name leads to another object; what is held is what an ended writer left
+    Active,   ///< the writer lives, as far as can be known, and delivers values
+    Silent,   ///< active, but no value was delivered within the maximum age
+    Inactive, ///< not activated yet, or being laid out again
+    Replaced, ///< the name leads to another object; the region is what an ended writer left
     Gone,     ///< there is no object under the name, or its writer has ended
 };
 
-/// "active", "silent", "inactive", "replaced", "gone"; "" for anything else. Any thread.
+/// Names a condition.
+///
+/// Threads: reentrant.
+/// @param condition any number
+/// @return "active", "silent", "inactive", "replaced" or "gone"; "" for any other number
 constexpr char const* conditionText(QelShmCondition condition) {
     switch (condition) {
     case QelShmCondition::Active:
@@ -37,26 +41,37 @@ constexpr char const* conditionText(QelShmCondition condition) {
     return "";
 }
 
+/// Writes conditionText().
+///
+/// Threads: reentrant.
+/// @param out       the stream
+/// @param condition any number
+/// @return the stream
 inline std::ostream& operator<<(std::ostream& out, QelShmCondition condition) {
     return out << conditionText(condition);
 }
 
-/// What the condition is decided from: facts of one moment.
+/// What decides a region's condition: facts of one moment.
 struct QelShmRegionFacts {
     bool isHeld = false;      ///< a region is held, mapped or as a copy
-    bool isNamed = false;     ///< there is something under the region's name
-    bool isSame = false;      ///< and it is known to be what is held
-    bool isAbandoned = false; ///< what is held had a living writer, and has none now
+    bool isNamed = false;     ///< there is an object under the region's name
+    bool isSame = false;      ///< that object is known to be the one that is held
+    bool isAbandoned = false; ///< the held object was locked by a writer, and is no longer
     bool isActive = false;    ///< the root's version is ACTIVE_VERSION
-    std::uint64_t newest = 0; ///< time of the newest delivery, ms since 1970 UTC; 0 for never
-    std::uint64_t now = 0;    ///< ms since 1970 UTC
+    std::uint64_t newest = 0; ///< newest time of all points and values, ms since 1970 UTC; 0 for never
+    std::uint64_t now = 0;    ///< the present time, ms since 1970 UTC
 };
 
-/// A maximal age that every delivery meets, and "never" too.
+/// The maximum age that calls no region silent, not even one that never got a value.
 constexpr std::chrono::milliseconds ANY_AGE = std::chrono::milliseconds::max();
 
-/// Whether the newest delivery is older than allowed. One from the future is not, one that never came is, whatever the
-/// age; with ANY_AGE nothing is. An age of 0 or below allows only a delivery of this very millisecond.
+/// Tells whether the newest value is too old. A value from the future is not. A region that never got a value is
+/// silent, except with ANY_AGE.
+///
+/// Threads: reentrant.
+/// @param facts  newest and now are used
+/// @param maxAge the age that is still current; 0 or less allows only a value of the present millisecond
+/// @return whether the region is silent
 constexpr bool isSilent(QelShmRegionFacts const& facts, std::chrono::milliseconds maxAge) {
     if (maxAge == ANY_AGE) {
         return false;
@@ -65,9 +80,9 @@ constexpr bool isSilent(QelShmRegionFacts const& facts, std::chrono::millisecond
     return facts.newest == 0 || (facts.newest < facts.now && facts.now - facts.newest > allowed);
 }
 
-/// The first line that holds is the condition:
+/// Decides the condition. The first row that applies gives it:
 ///
-/// | held | under the name         | writer            | version | newest delivery  | condition |
+/// | held | object under the name  | writer            | version | newest value     | condition |
 /// |------|------------------------|-------------------|---------|------------------|-----------|
 /// | no   | nothing                |                   |         |                  | Gone      |
 /// | no   | something              |                   |         |                  | Inactive  |
@@ -78,7 +93,10 @@ constexpr bool isSilent(QelShmRegionFacts const& facts, std::chrono::millisecond
 /// | yes  | the same               | alive or unknown  | 32      | older than maxAge| Silent    |
 /// | yes  | the same               | alive or unknown  | 32      | current          | Active    |
 ///
-/// A pure function. Any thread.
+/// Threads: reentrant.
+/// @param facts  of the present moment
+/// @param maxAge see isSilent()
+/// @return the condition
 constexpr QelShmCondition conditionOf(QelShmRegionFacts const& facts, std::chrono::milliseconds maxAge) {
     if (!facts.isNamed) {
         return QelShmCondition::Gone;

@@ -12,24 +12,30 @@
 
 namespace shm {
 
-/// Points at a slot of the mapped region and owns nothing; copied freely. It shows whatever the slot holds at the
-/// moment it is read: when the writer removes the point and reuses the slot, the handle shows the new point. It must
-/// not be used after the region was unmapped.
+/// A pointer to a point's slot in the mapped region. It owns nothing and may be copied freely. Each access reads
+/// what the slot holds at that moment: when the writer removes the point and reuses the slot, the handle shows the
+/// new point. It must not be used after the region was unmapped.
 ///
-/// Threads: reentrant; reading a slot that the writer is changing may show a mix of old and new fields.
+/// Threads: reentrant. While the writer changes the slot, an access may see a mix of old and new fields.
 class QEL_EXPORT QelShmMPnt {
 public:
     /// Refers to nothing.
     QelShmMPnt() = default;
+    /// @param slot of the mapped region, or null
     explicit QelShmMPnt(record::QelShmMP const* slot) : slot_(slot) {}
 
+    /// @return the slot, null when the handle refers to nothing
     record::QelShmMP const* operator->() const { return slot_; }
+    /// The handle must refer to a slot.
+    /// @return the slot
     record::QelShmMP const& operator*() const { return *slot_; }
+    /// @return whether the handle refers to a slot
     explicit operator bool() const { return slot_ != nullptr; }
 
-    /// Text of the point's type code, by the kind and level that its sensor id names: "Schuko", "16A;C", "1P", ...
-    /// Unknown codes give the "UNKNOWN ..." text of their table, kinds without a table the empty string.
-    /// The handle must refer to a slot.
+    /// Names the point's type code. The sensor id's kind and deepest level choose the table. The handle must refer to a
+    /// slot.
+    /// @return for example "Schuko", "16A;C" or "1P"; the table's "UNKNOWN ..." text for an unknown code, "" for a kind
+    ///         without a table
     std::string tstr() const noexcept;
 
 private:

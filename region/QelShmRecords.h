@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The byte layout of the shared-memory region: the contract between the writing process and every reader.
+/// The byte layout of the shared-memory region. The writing process and every reader rely on it.
 ///
-/// One POSIX shared-memory object named "QelSharedMemory", 320032 bytes, little-endian, native alignment:
+/// One POSIX shared-memory object named "QelSharedMemory", 320032 bytes, little-endian, natural alignment:
 ///
 ///     offset       0          38400                      320000        320032
 ///                  +-----------+--------------------------+-------------+
@@ -12,11 +12,13 @@
 ///                  | 800 x 48  | 8800 x 32                | 32          |
 ///                  +-----------+--------------------------+-------------+
 ///
-/// Slots refer to each other by position (slot index), never by address, so every process may map the region where it
-/// likes. A position is valid when it is below the number of slots; every other number, NO_POSITION in particular,
-/// reads as "none". A created or wiped region holds 0xFF in every byte.
+/// Slots refer to each other by position (slot index), never by address, so every process may map the region
+/// anywhere. A position is valid below the number of slots. Any other number, such as NO_POSITION, means "none". A
+/// created or wiped region holds 0xFF in every byte.
 ///
-/// Nothing is locked between processes. A reader may see a slot while it is being written: a value's time and state
+/// Threads: reentrant. The records are plain data.
+///
+/// No lock guards the data between processes. A reader may see a slot half written: a value's time and state
 /// may be new while its number is still old, and a list that is being re-linked may be seen half-changed. The only
 /// order to rely on is that the root's version is written after everything it announces.
 ///
@@ -29,28 +31,33 @@
 #include <cstdint>
 #include <type_traits>
 
+/// The shared-memory data plane.
 namespace shm {
 
-/// Name of the object as handed to shm_open and shm_unlink (POSIX shared memory); deliberately no leading slash.
+/// Name of the object for shm_open and shm_unlink (POSIX).
+// Deliberate: no leading slash.
 constexpr char REGION_NAME[] = "QelSharedMemory";
 
-/// Slots for measurement points and for measured values. There is no growth.
+/// Number of slots for measurement points. It never grows.
 constexpr std::uint32_t MP_COUNT = 800;
+/// Number of slots for measured values. It never grows.
 constexpr std::uint32_t MV_COUNT = 8800;
 
 /// "No slot" in every field that holds a position.
 constexpr std::uint32_t NO_POSITION = 0xFFFFFFFF;
 
-/// Key of a value slot that holds no value.
+/// Key of a slot that holds no value.
 constexpr std::uint16_t NO_KEY = 0xFFFF;
 
-/// The root's own sensor id; no point ever has it.
+/// The root's own sensor id. No point has it.
 constexpr long long ROOT_SVID = static_cast<long long>(0xFF00FFFFFFFF0000ULL);
 
-/// The root's version byte while the region is active, and the byte that fills a wiped region.
+/// The root's version byte while the region is active.
 constexpr std::uint8_t ACTIVE_VERSION = 32;
+/// The byte that fills a wiped region.
 constexpr std::uint8_t WIPE_BYTE = 0xFF;
 
+/// The region's records, byte for byte.
 namespace record {
 
 /// A measurement point, 48 bytes.
@@ -69,6 +76,8 @@ namespace record {
 /// | 44     | u8    | type     | sub-type code, meaning depends on the kind         | 0 or 1     | type injection         |
 /// | 45     | 3     | reserved | left at 0xFF                                       | 0xFF       | nobody                 |
 struct QelShmMP {
+    /// @{
+    /// A field of the record: see its table.
     std::uint32_t pos;
     std::uint32_t next;
     std::uint32_t prev;
@@ -80,6 +89,7 @@ struct QelShmMP {
     eStatus_Bits state;
     std::uint8_t type;
     std::uint8_t reserved[3];
+    /// @}
 };
 static_assert(sizeof(QelShmMP) == 48);
 static_assert(offsetof(QelShmMP, pos) == 0);
@@ -106,12 +116,15 @@ static_assert(std::is_standard_layout_v<QelShmMP> && std::is_trivially_copyable_
 /// | 24     | u16   | key      | what the value is: the low 16 bits of its id       | key        | initialisation         |
 /// | 26     | 6     | reserved | left at 0xFF                                       | 0xFF       | nobody                 |
 struct QelShmMVal {
+    /// @{
+    /// A field of the record: see its table.
     double value;
     std::uint64_t at;
     eStatus_Bits state;
     std::uint32_t next;
     std::uint16_t key;
     std::uint8_t reserved[6];
+    /// @}
 };
 static_assert(sizeof(double) == 8);
 static_assert(sizeof(QelShmMVal) == 32);
@@ -135,6 +148,8 @@ static_assert(std::is_standard_layout_v<QelShmMVal> && std::is_trivially_copyabl
 /// | 28     | u8    | version  | 32 once active; everything else means "not yet"    | 0xFF       | activation, last       |
 /// | 29     | 3     | reserved | left at 0xFF                                       | 0xFF       | nobody                 |
 struct QelShmRoot {
+    /// @{
+    /// A field of the record: see its table.
     std::int64_t guid;
     std::uint64_t unused;
     std::uint32_t devices;
@@ -142,6 +157,7 @@ struct QelShmRoot {
     eStatus_Bits state;
     std::uint8_t version;
     std::uint8_t reserved[3];
+    /// @}
 };
 static_assert(sizeof(QelShmRoot) == 32);
 static_assert(offsetof(QelShmRoot, guid) == 0);
@@ -153,11 +169,11 @@ static_assert(offsetof(QelShmRoot, version) == 28);
 static_assert(offsetof(QelShmRoot, reserved) == 29);
 static_assert(std::is_standard_layout_v<QelShmRoot> && std::is_trivially_copyable_v<QelShmRoot>);
 
-/// The whole region; position p of a point is points[p], position m of a value is values[m].
+/// The whole region. The point at position p is points[p], the value at position m is values[m].
 struct Region {
-    QelShmMP points[MP_COUNT];
-    QelShmMVal values[MV_COUNT];
-    QelShmRoot root;
+    QelShmMP points[MP_COUNT];   ///< slots of points
+    QelShmMVal values[MV_COUNT]; ///< slots of values
+    QelShmRoot root;             ///< the root
 };
 static_assert(offsetof(Region, points) == 0);
 static_assert(offsetof(Region, values) == 38400);
@@ -167,7 +183,8 @@ static_assert(std::is_standard_layout_v<Region> && std::is_trivially_copyable_v<
 
 } // namespace record
 
-/// The point record keeps its plain name; the other two records share theirs with the handles of this namespace.
+/// The point's record. The other two records keep the prefix `record`, since handles of this namespace have their
+/// names.
 using QelShmMP = record::QelShmMP;
 
 /// Size of the shared-memory object in bytes.

@@ -10,27 +10,34 @@
 
 namespace shm {
 
-/// Holds the region's base address and owns nothing; copied freely. Must not be used after the region was unmapped.
+/// Holds the region's base address. It owns nothing and may be copied freely. It must not be used after the region was
+/// unmapped.
 ///
-/// Threads: reentrant; lists that the writer is re-linking may be seen half-changed.
+/// Threads: reentrant. A list that the writer is changing may be seen half changed.
 class QEL_EXPORT QelShmRoot {
 public:
-    /// Refers to nothing: both counters give 0.
+    /// Refers to nothing: all counters give 0.
     QelShmRoot() = default;
     /// @param base start of a mapping of REGION_SIZE bytes, or null
     explicit QelShmRoot(void const* base) : region_(static_cast<record::Region const*>(base)) {}
 
     /// The handle must refer to a region.
+    /// @return the root's record
     record::QelShmRoot const* operator->() const { return &region_->root; }
+    /// The handle must refer to a region.
+    /// @return the root's record
     record::QelShmRoot const& operator*() const { return region_->root; }
+    /// @return whether the handle refers to a region
     explicit operator bool() const { return region_ != nullptr; }
 
-    /// Number of points in the sibling chain that starts at a position; 0 when the position is none, or when the
-    /// handle refers to nothing. The chain must not be cyclic; the writer never creates such a one.
+    /// Counts a list of siblings. The list must not be cyclic; the writer never creates a cyclic one.
+    /// @param pos position of the list's first point
+    /// @return the number of points; 0 for MP_COUNT and above, and when the handle refers to nothing
     unsigned int cnt(unsigned int pos) const;
 
-    /// Number of top-level devices and of top-level groups.
+    /// @return the number of top-level devices, see cnt()
     unsigned int dvcCnt() const;
+    /// @return the number of top-level groups, see cnt()
     unsigned int grpCnt() const;
 
 private:

@@ -2,17 +2,21 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The two parts of a value's sensor id: the id of its point, and its key in the low 16 bits.
+/// The two parts of a value's sensor id: its point's id, and its key in the low 16 bits.
+///
+/// Threads: reentrant.
 #pragma once
 
 namespace shm {
 
-/// The point that a value belongs to: the value's svid without its key.
+/// @param svid of a value or a point
+/// @return the point's svid: the low 16 bits are 0
 constexpr long long pointSvid(long long svid) {
     return svid & ~0xFFFFLL;
 }
 
-/// What a value is, see keyName().
+/// @param svid of a value or a point
+/// @return the value key, 0 for a point; see keyName()
 constexpr unsigned short valueKey(long long svid) {
     return static_cast<unsigned short>(svid & 0xFFFFLL);
 }

@@ -37,8 +37,12 @@ constexpr bool coversCodes(std::array<Row, rowCount> const& table, long long fir
            static_cast<long long>(rowCount) == last - first + 1;
 }
 
-/// The row with this code, null when there is none. The table must be sorted (isSortedByCode).
-/// Threads: any thread.
+/// Finds a row by its code. The table must be sorted (isSortedByCode()).
+///
+/// Threads: reentrant.
+/// @param table the rows
+/// @param code  of the row
+/// @return the row, null when there is none
 template <typename Row, std::size_t rowCount>
 constexpr Row const* findRow(std::array<Row, rowCount> const& table, decltype(Row::code) code) {
     if constexpr (rowCount != 0) {
@@ -54,7 +58,13 @@ constexpr Row const* findRow(std::array<Row, rowCount> const& table, decltype(Ro
     return nullptr;
 }
 
-/// The text of this code, the given fallback when the table does not list it. Threads: any thread.
+/// Finds the text of a code.
+///
+/// Threads: reentrant.
+/// @param table    the rows, sorted
+/// @param code     of the row
+/// @param fallback returned when the table does not list the code
+/// @return the text
 template <typename Code, std::size_t rowCount>
 constexpr std::string_view textOf(std::array<TextRow<Code>, rowCount> const& table,
                                   decltype(TextRow<Code>::code) code, std::string_view fallback) {

@@ -105,7 +105,7 @@ static_assert(isSortedByCode(rcmTypes));
 
 /// Text of an electrical point's type: the lowest level that the id names decides on the table.
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 inline std::string_view electricalTypeName(SensorIdentifier::Parts const& parts, std::uint8_t type) {
     auto const names = [&](SensorIdentifier::Part level) {
         return parts[level] != -1;
@@ -128,7 +128,7 @@ inline std::string_view electricalTypeName(SensorIdentifier::Parts const& parts,
 /// not list, "" for a kind without a table.
 /// @param svid of the point; its key is not looked at
 ///
-/// Threads: thread-safe.
+/// Threads: reentrant.
 inline std::string_view typeName(long long svid, std::uint8_t type) {
     auto const parts = SensorIdentifier::getSensorIdParts(svid);
     auto const signedType = static_cast<std::int8_t>(type);

@@ -20,7 +20,7 @@ void writeLevel(char const* path, unsigned short level) {
             << "failed to write " << level << " into " << path;
         return;
     }
-    file << std::to_string(level); // unlike the stream's own formatting, free of the process's locale
+    file << std::to_string(level); // independent of the process's locale
 }
 
 } // namespace

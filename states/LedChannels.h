@@ -9,11 +9,16 @@
 
 namespace shm {
 
-/// Writes each channel whose level differs from the stored one, or all of them, and stores the new level
-/// whether or not the write succeeded. Logs as "update" in "qel.shm.access.states": each level at DEBUG, a
-/// file that cannot be opened at WARN, a channel without a file at ERROR.
-/// @param stored the level last written to each channel
-/// @param force  write unchanged channels as well
+/// Writes each channel whose level differs from the stored one. Stores the new level even if the write failed.
+/// @note Logs as "update" in "qel.shm.access.states": each level at DEBUG, a file that cannot be opened at WARN, a
+///       channel without a file at ERROR.
+///
+/// Threads: reentrant. Only one thread may write to one LED.
+/// @param tables files of the channels
+/// @param stored level last written to each channel
+/// @param wanted the new levels
+/// @param force  also write unchanged channels
+/// @throws std::bad_alloc when there is no memory for a file's buffer
 void writeLevels(LedTables const& tables, LedLevels& stored, LedLevels const& wanted, bool force);
 
 } // namespace shm

@@ -12,28 +12,32 @@
 
 namespace shm {
 
-/// Follows the requested state and steps through the colours of the state that is shown. Logs as "run" in
+/// Follows the requested state and steps through the colours of the shown state. Logs as "run" in
 /// "qel.shm.access.states".
 ///
-/// Threads: belongs to one thread.
+/// Threads: thread-bound to the LED thread.
 class LedSequence {
 public:
-    /// @param tables must outlive the object
+    /// @note Logs at ERROR a state without colours.
+    /// @param tables not owned, must outlive the object
     /// @param shown  the state to begin with
-    /// Throws ex::TAVSimpleException when that state has no colours, after an ERROR line.
+    /// @throws ex::TAVSimpleException when that state has no colours
     LedSequence(LedTables const& tables, eStatus_Bits shown);
 
-    /// One tick: turns to the requested state if it has colours, at its first colour, or goes on to the next
-    /// colour. Logs a change of state at INFO, and a requested state without colours at WARN.
-    /// @param shown the state whose colours are shown; changed when the LED turns to another state
-    /// @return the levels to show now, null when they stay as they are or the colour has no levels
+    /// Does one step: begins the colours of a newly requested state, or goes on to the next colour. A requested state
+    /// without colours is ignored.
+    /// @note Logs a change of state at INFO, a requested state without colours at WARN.
+    /// @param requested the state to show
+    /// @param shown     the state whose colours are shown; set when that changes
+    /// @return the levels to show now; null when they do not change or the colour has no levels
     LedLevels const* tick(eStatus_Bits requested, eStatus_Bits& shown);
 
-    /// Says whether the levels that tick() gave last were surely shown. If not, the next tick() gives levels even if
+    /// Notes whether the levels of the last tick() are known to be shown. If not, the next tick() gives levels even if
     /// the colour stays.
+    /// @param surely whether all channels were written
     void markShown(bool surely) { surelyShown_ = surely; }
 
-    /// What was said last; true to begin with.
+    /// @return what was noted last; true at first
     bool isSurelyShown() const { return surelyShown_; }
 
 private:
@@ -41,7 +45,7 @@ private:
 
     LedTables const& tables_;
     ColorSequence const* sequence_ = nullptr;
-    // A place past the end stands for "no colour yet", so the first colour differs from it and is shown.
+    // An index past the end means "no colour yet", so the first colour differs from it and is shown.
     std::size_t current_ = 0;
     std::size_t next_ = 0;
     bool surelyShown_ = true;

@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What the status LED shows for which state, and through which files.
+/// Which colours the status LED shows for a state, and the files of its channels.
+///
+/// Threads: reentrant. The tables are constant.
 #pragma once
 
 #include "domain/eStatus_Bits.h"
@@ -15,27 +17,34 @@
 
 namespace shm {
 
-/// Brightness of the red, green and blue channel, as the LED class devices take it.
+/// Brightness of the red, green and blue channel, as the LED class devices of Linux take it.
 using LedLevels = std::array<unsigned short, 3U>;
 
+/// Levels of a colour.
 struct LedColor {
     StateColor code;
     LedLevels levels;
 };
 
-/// Colours that are shown one after the other, over and over: one to four of them.
+/// One to four colours that are shown in turn, again and again.
 class ColorSequence {
 public:
+    /// @param first colour
+    /// @param more  up to three colours that follow
     template <typename... More>
     explicit constexpr ColorSequence(StateColor first, More... more)
         : length_(1 + sizeof...(more)),
           colors_{first, more...} {}
 
+    /// @return the number of colours
     constexpr std::size_t length() const { return length_; }
 
-    /// Throws std::out_of_range for an index past the end.
+    /// @param index of a colour, from 0
+    /// @return the colour
+    /// @throws std::out_of_range for an index past the end
     StateColor at(std::size_t index) const {
         if (index >= length_) {
+            // Deliberate: the fixed text of this error names another class.
             throw std::out_of_range("vector::_M_range_check");
         }
         return colors_.at(index);
@@ -46,22 +55,26 @@ private:
     std::array<StateColor, 4> colors_;
 };
 
+/// Colours of a state.
 struct StateColors {
     eStatus_Bits code;
     ColorSequence sequence;
 };
 
+/// Brightness file of a channel.
 struct LedChannel {
-    unsigned int code; // index into LedLevels
+    unsigned int code; ///< index into LedLevels
     char const* path;
 };
 
+/// All tables of the status LED.
 struct LedTables {
     std::array<LedColor, 8> colors;
     std::array<StateColors, 7> states;
     std::array<LedChannel, 3> channels;
 };
 
+/// The tables of this unit.
 inline constexpr LedTables ledTables{
     // 1 is the LED's full level. Orange mixes two levels, red twice as bright as green.
     {{{StateColor::Off, {0, 0, 0}},

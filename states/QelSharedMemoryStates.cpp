@@ -32,7 +32,7 @@ eStatus_Bits QelSharedMemoryStates::mpState(std::list<eStatus_Bits> const& child
 }
 
 // Deliberate: not const, as programs already compiled call it.
-// NOLINTNEXTLINE(readability-make-member-function-const): its constness is part of the binary contract.
+// NOLINTNEXTLINE(readability-make-member-function-const): its constness is part of the binary interface.
 eStatus_Bits QelSharedMemoryStates::mpState(eStatus_Bits own, std::list<eStatus_Bits> const& values,
                                             std::list<eStatus_Bits> const& children) {
     return combineStates(mpInitial(own), mvState(values), mpState(children));

@@ -9,7 +9,7 @@
 
 namespace shm {
 
-/// What the eye sees; the brightness of each LED channel belongs to the status LED thread.
+/// A colour as seen. LedTables.h has the brightness of each channel.
 enum class StateColor : std::uint16_t {
     Off = 0,
     Red = 1,

@@ -14,39 +14,56 @@
 
 namespace shm {
 
-/// Describes a point to the writer, and is the writer's own record of a point it has added. The members stand
-/// in the order of the binary contract.
+/// Describes a point to the writer. It is also the writer's own record of an added point. The order of the members
+/// is part of the binary interface.
 ///
-/// Threads: mutex guards mvs; whoever shares a definition between threads locks it around each look-up and
-/// change. pos has no lock: the writer sets it before it knows the point and changes it only when the point
-/// goes. Copying, moving and printing take no lock and so belong to whoever owns the definition alone.
+/// Threads: reentrant. mutex guards mvs: threads that share a definition lock it for each look-up and change. pos
+/// has no lock: the writer sets it before other threads can find the point, and changes it only when it removes
+/// the point. Copying, moving and printing take no lock.
 struct QEL_EXPORT MPDef {
     /// No slot and no values.
     MPDef() = default;
-    /// @param position the point's slot, NO_POSITION for none; the writer only reads the one in its own
-    /// records
+
+    /// @param position see pos; the writer reads it only in its own records
     /// @param values   see mvs
     MPDef(unsigned int position, std::map<unsigned short, unsigned int> values);
 
-    /// Copy or move slot and values; the new object's mutex is its own and unlocked, an assigned one keeps
-    /// its own.
+    /// Copies slot and values. The mutex is a new one.
+    /// @param other the original
     MPDef(MPDef const& other);
+
+    /// Moves slot and values. The mutex is a new one.
+    /// @param other the original
     MPDef(MPDef&& other) noexcept;
+
+    /// Copies slot and values, not the mutex.
+    /// @param other the original
+    /// @return this object
     MPDef& operator=(MPDef const& other);
+
+    /// Moves slot and values, not the mutex.
+    /// @param other the original
+    /// @return this object
     MPDef& operator=(MPDef&& other) noexcept;
+
     ~MPDef() = default;
 
-    /// Slot of the point, NO_POSITION (none) or any number of MP_COUNT or more while it has none.
+    /// Position of the point's slot; NO_POSITION, or any number from MP_COUNT on, for none.
     unsigned int pos = NO_POSITION;
 
-    /// Value key to slot of the value; in a definition that is handed to the writer only the keys count.
+    /// Value key to position of the value's slot. Of a definition that is passed to the writer only the keys are used.
     std::map<unsigned short, unsigned int> mvs;
 
+    /// Guards mvs.
     mutable std::mutex mutex;
 };
 
-/// Writes "MPDef {pos = 7, mvs = [<Voltage;1>, <Current;2>]}", numbers in the stream's current base, keys
-/// ascending.
+/// Writes `MPDef {pos = 7, mvs = [<Voltage;1>, <Current;2>]}`: numbers in the stream's base, keys ascending.
+///
+/// Threads: reentrant.
+/// @param out        the stream
+/// @param definition to write
+/// @return the stream
 QEL_EXPORT std::ostream& operator<<(std::ostream& out, MPDef const& definition);
 
 } // namespace shm

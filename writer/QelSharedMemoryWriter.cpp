@@ -10,7 +10,7 @@
 #include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
 #include "writer/KeySets.h"
-#include "writer/PointIndex.h"
+#include "writer/SlotsBySvid.h"
 #include "writer/WriterLock.h"
 
 #include <log4cpp/Category.hh>
@@ -40,14 +40,14 @@ unsigned int highestPosition(MPDef& point) {
     return highest == point.mvs.end() ? NO_POSITION : highest->second;
 }
 
-/// lower_bound() that knows at once where a key behind all others belongs, as keys mostly come in their order.
+/// lower_bound() with a short cut for a key behind all others, since keys mostly come in ascending order.
 std::map<unsigned short, unsigned int>::iterator firstNotBelow(std::map<unsigned short, unsigned int>& values,
                                                                unsigned short key) {
     bool const isLast = values.empty() || values.rbegin()->first < key;
     return isLast ? values.end() : values.lower_bound(key);
 }
 
-/// Shows others that a writer lives, and says so when one lives already.
+/// Takes the lock that shows a living writer. Logs when another writer holds it.
 std::unique_ptr<WriterLock> lockRegion() {
     auto lock = std::make_unique<WriterLock>();
     if (lock->isOfAnotherWriter()) {
@@ -57,10 +57,10 @@ std::unique_ptr<WriterLock> lockRegion() {
     return lock;
 }
 
-/// A point that the writer knows from now on, without values. When memory ends it does not know it.
-/// @param room values to make room for in the index
-MPDef& makeKnown(QelSharedMemoryWriter::Definitions& points, PointIndex& index, long long svid,
-                 unsigned int pos, std::size_t room) {
+/// Adds a point without values to the map and the index, or throws std::bad_alloc and adds it to neither.
+/// @param room number of values to make room for in the index
+MPDef& addToRecords(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index, long long svid,
+                    unsigned int pos, std::size_t room) {
     auto const known = points.emplace(svid, MPDef(pos, {})).first;
     try {
         index.add(svid, known->second, room);
@@ -77,7 +77,7 @@ QelSharedMemoryWriter::QelSharedMemoryWriter()
     : QelSharedMemoryAccess(ShmAccess::Write),
       freeMVs_(MV_COUNT),
       freeMPs_(MP_COUNT),
-      index_(std::make_unique<PointIndex>()) {
+      index_(std::make_unique<SlotsBySvid>()) {
     LogLine(writerLog(), log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
     QelSharedMemoryAccess::openShm();
     lock_ = root() ? lockRegion() : nullptr;
@@ -98,7 +98,7 @@ QelSharedMemoryWriter::~QelSharedMemoryWriter() {
 bool QelSharedMemoryWriter::addStructure(Definitions const& definitions) {
     bool added = false;
     for (auto const& [svid, definition] : definitions) {
-        if (pointSvid(svid) == ROOT_SVID) { // with a key in it addMP() would make it the root's id
+        if (pointSvid(svid) == ROOT_SVID) {
             continue;
         }
         unsigned int ppos = NO_POSITION;
@@ -142,9 +142,9 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
             << "no free measurement points left, cannot add " << point;
         return NO_POSITION;
     }
-    // What the point itself needs of memory comes first: a slot is taken and linked for good.
+    // All memory for the point is allocated first: afterwards the slot is taken and linked.
     auto& definition =
-        makeKnown(points_, *index_, point, freeMPs_.front(), std::min(mvs.size(), freeMVs_.size()));
+        addToRecords(points_, *index_, point, freeMPs_.front(), std::min(mvs.size(), freeMVs_.size()));
     freeMPs_.pop_front();
     auto& mp = initMP(definition.pos, point, ppos);
     connectMP(mp);
@@ -154,12 +154,10 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
 
 void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
                                    std::map<unsigned short, unsigned int> const& mvs) {
-    // Deliberate: the highest position is taken for the chain's tail, since positions are handed out in
-    // ascending order.
+    // Deliberate: the highest position counts as the chain's tail, since positions are given out in ascending order.
     unsigned int tail = highestPosition(definition);
     auto* const indexed = index_->pointOf(definition);
-    bool const isLogged =
-        writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // asked once for all values
+    bool const isLogged = writerLog().isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
     for (auto const& wanted : mvs) {
         auto const key = wanted.first;
         std::unique_lock<std::mutex> lock(definition.mutex);

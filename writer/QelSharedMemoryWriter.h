@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The writing side of the region: builds the tree of points, keeps values and states current.
+/// The writing side of the region: builds the tree of points and keeps values and states current.
 #pragma once
 
 #include "domain/MeasureValue.h"
@@ -24,195 +24,242 @@
 
 namespace shm {
 
-class PointIndex;
 class QelStateLedThread;
+class SlotsBySvid;
 class WriterLock;
 
-/// Owns the region, in one process at a time. Order of use: construct, addStructure(), setActive() (readers
-/// start now), then updateMV() for every measured value and propagateStates() after each batch of them;
-/// modifyStructure() when sensors come or go. Readers learn of a changed structure from the process that
-/// drives the writer, not from here.
+/// Owns the region. Only one process at a time may have a writer.
 ///
-/// A sensor id (svid) names a point when its low 16 bits are zero; a value's svid carries the value's key
-/// there.
+/// @par Use
+/// Construct, addStructure(), setActive() (readers start now). Then updateMV() for every measured value and
+/// propagateStates() after each batch of values; modifyStructure() when sensors were connected or removed. The
+/// process that runs the writer announces a changed structure to readers; the writer does not.
 ///
-/// Points and values are taken from queues of free slots, lowest first; a freed slot is used again after all
-/// that were free before it. Nothing grows: there are MP_COUNT points and MV_COUNT values.
+/// @par Sensor ids
+/// A sensor id (svid) names a point when its low 16 bits are zero. A value's svid has the value's key there.
 ///
-/// Without a region (it could not be created, or was closed) no operation touches memory: addMP() finds no
-/// slot, updateMV() gives false, injectTypes() applies nothing, setActive(), propagateStates() and
-/// removeStructure() do nothing; addMP(), setActive() and propagateStates() log this at ERROR.
+/// @par Slots
+/// Points and values come from queues of free slots, lowest position first. A freed slot is reused after all slots
+/// that were free before it. There are MP_COUNT points and MV_COUNT values; nothing grows.
 ///
-/// Logs in "qel.shm.access.writer". A failing mutex surfaces as std::system_error except from updateMV() and
-/// propagateStates().
+/// @par Without a region
+/// If the region could not be created, or was closed: addMP() finds no slot, updateMV() returns false,
+/// injectTypes() stores nothing, and setActive(), propagateStates() and removeStructure() do nothing. addMP(),
+/// setActive() and propagateStates() log this at ERROR.
 ///
-/// When memory ends (std::bad_alloc), no slot is ever freed twice or in use twice, each point that the region shows is
-/// known, and each value that it shows can be updated. Strong below means that a failed call has changed nothing that
-/// can be seen, basic that a part of it is done and that the same call, made again, does the rest.
+/// @par Errors
+/// A failing mutex throws std::system_error, except in updateMV() and propagateStates(). After std::bad_alloc no
+/// slot is freed twice or used twice, every point in the region is known, and every value in the region can be
+/// updated. *Strong guarantee* below means that a failed call has changed nothing visible. *Basic guarantee* means
+/// that a failed call has done a part, and the same call does the rest.
 ///
-/// Threads: whoever adds or removes points is alone with the writer meanwhile, and one thread at a time changes the
-/// structure. Values may be added to a known point while other threads call updateMV(), for the same point too.
-/// updateMV() may run in several threads for different points, but not while propagateStates() runs.
+/// Logs in "qel.shm.access.writer".
+///
+/// Threads: thread-bound to one thread at a time, which changes the structure. Adding or removing points requires
+/// exclusive access. Adding values to a known point does not: other threads may call updateMV() meanwhile, also
+/// for that point. updateMV() may run in several threads for different points, but not while propagateStates()
+/// runs.
 class QEL_EXPORT QelSharedMemoryWriter : public QelSharedMemoryAccess, public QelSharedMemoryStates {
 public:
-    /// Point svid to definition, parents before their children.
+    /// Definition by point svid, parents before their children.
     using Definitions = std::map<long long, MPDef, SvidCmp>;
 
-    /// Creates or reuses the shared-memory object and wipes it; readers see it inactive until setActive().
-    /// Makes the status LED green and starts its thread. Logs at INFO "start", what fails as openShm() does,
-    /// and at WARN another writer that is alive and writes into the same object. Throws
-    /// boost::thread_resource_error when the LED thread cannot be created.
+    /// Creates or reuses the shared-memory object and wipes it: readers see it inactive until setActive(). Makes
+    /// the status LED green and starts its thread.
+    /// @note Logs at INFO "start", at WARN another living writer of the same object, and as openShm().
+    /// @throws boost::thread_resource_error when the LED thread cannot be created
     QelSharedMemoryWriter();
 
     QelSharedMemoryWriter(QelSharedMemoryWriter const&) = delete;
     QelSharedMemoryWriter& operator=(QelSharedMemoryWriter const&) = delete;
 
-    // Virtual operations in slot order, part of the binary contract; new ones go last. openShm() is
-    // inherited.
+    // Virtual operations in the order of their slots (binary interface); new ones go last. openShm() is inherited.
 
-    /// Stops the status LED, closes the region and removes its name. Logs at INFO "done".
+    /// Ends the LED thread, closes the region and removes its name.
+    /// @note Logs at INFO "done".
     ~QelSharedMemoryWriter() override;
 
-    // Structure
+    /// @name Structure
+    /// @{
 
-    /// Adds every point and value that is not in the region yet. What was added before an exception stays.
-    /// @param definitions keys are point svids; the root's svid is skipped, with a key in it too
-    /// @return whether a point or a value had to be added
-    /// Throws ex::InvalidSensorIdException when a parent is not known or no slot is free for a point, after
-    /// an ERROR line. Logs each new point at DEBUG, and as addMP(). Memory: basic, point by point as addMP().
+    /// Adds every point and value that is not in the region yet. What was added before an exception stays (basic
+    /// guarantee, point by point as addMP()).
+    /// @note Logs each new point at DEBUG, what it throws at ERROR, and as addMP().
+    /// @param definitions by point svid; the root's svid is skipped, also with a key in it
+    /// @return whether a point or a value was missing; true again for a value that found no free slot before
+    /// @throws ex::InvalidSensorIdException when a parent is unknown or no slot is free for a point
     bool addStructure(Definitions const& definitions);
 
-    /// Adds one point, or the missing values of a known one.
-    /// @param svid the point; a key in it is ignored
-    /// @param mvs  its keys are the values to have, what they map to is ignored
-    /// @param ppos the parent's position, NO_POSITION for a top-level point; ignored for a known point
-    /// @return the point's position, NO_POSITION when no slot is free, and for the root's id
-    /// Memory: strong as to the point, which is linked and known or is neither; basic as to its values, each of which
-    /// is linked and known or neither. A value's slot that was taken in vain is filled anew and stays free.
-    /// Logs at INFO; at WARN when no slot is free, for each value that the point has already, for each value
-    /// beyond MV_COUNT (it is left out), and for a top-level point of a sensor type that has no list in the
-    /// root.
+    /// Adds one point, or the missing values of a known point. A value without a free slot is left out.
+    ///
+    /// Strong guarantee for the point, basic for its values: each of them is linked and known, or neither. The
+    /// slot of a value that could not be entered has a new content and stays free.
+    /// @note Logs at INFO; at WARN when no slot is free, for each value that the point has already, for each value
+    ///       that finds no slot, and for a top-level point whose sensor type has no list in the root.
+    /// @param svid the point; its low 16 bits are ignored
+    /// @param mvs  the keys are the point's values; what they map to is ignored
+    /// @param ppos position of the parent, NO_POSITION for a top-level point; ignored for a known point
+    /// @return position of the point; NO_POSITION when no slot is free, and for the root's svid
     unsigned int addMP(long long svid, std::map<unsigned short, unsigned int> const& mvs, unsigned int ppos);
 
-    /// Stores sub-type codes into points. Logs each at DEBUG.
-    /// @param types svid (of a point or any of its values) to code; the low 8 bits count
-    /// @return the svids whose points are known, as they were handed in
-    /// Memory: basic; codes that are stored stay.
+    /// Stores type codes into points. Basic guarantee.
+    /// @note Logs each code at DEBUG.
+    /// @param types code by svid of the point or one of its values; only the low 8 bits are used
+    /// @return those svids whose points are known, unchanged
     std::unordered_set<long long> injectTypes(std::unordered_map<long long, int> const& types);
 
-    /// Brings the region in line with the sensors that exist now: adds what is new, then removes what has
-    /// gone.
-    /// @param svids every point and value that exists; the point-level state keys need no value slot
+    /// Adapts the region to the sensors that exist: first adds what is missing, then removes the rest. Basic
+    /// guarantee; when an addition fails, nothing has been removed.
+    /// @note Logs the number of svids at DEBUG, and as addStructure() and removeStructure().
+    /// @param svids every existing point and value; the keys of point states take no value slot
     /// @return whether anything was added or removed
-    /// Throws and logs as addStructure() and removeStructure(); logs the number of svids at DEBUG. Memory: basic; when
-    /// an addition fails nothing has been removed.
+    /// @throws ex::InvalidSensorIdException as addStructure()
     bool modifyStructure(std::unordered_set<long long> const& svids);
 
-    /// Takes every known point that has no definition out of the tree and frees its slots; values are not
-    /// compared. Points are removed one by one: one that stays keeps its links even if its parent goes.
+    /// Removes every known point that has no definition from the tree and frees its slots. Does not compare
+    /// values. Points are removed one by one: a child that stays keeps its links even if its parent is removed.
+    /// Basic guarantee: each point is removed completely or not at all.
+    /// @note Logs each removed point at INFO.
+    /// @param definitions the points that stay, by point svid
     /// @return whether a point was removed
-    /// Memory: basic; each point is removed and forgotten, its slots free, or stays as it was. Logs each removed point
-    /// at INFO.
     bool removeStructure(Definitions const& definitions);
+    /// @}
 
-    // Values and states
+    /// @name Values and states
+    /// @{
 
-    /// Stamps the root, its version last, so that readers may begin; the LED shows "On" as the root does. Logs at INFO.
-    /// Takes the LED thread's mutex when the root's state was another one before.
+    /// Activates the region: writes the root, its version last. Root and LED show "On". Takes the LED thread's
+    /// mutex if the root had another state before.
+    /// @note Logs at INFO.
     void setActive();
 
-    /// Stores one value's time, state and number; the number of an energy is divided by 1000. A point-level
-    /// state key sets time and state of the point itself. Does not propagate states.
-    /// @param svid  the value
-    /// @param value released when the call ends
-    /// @return false when the value is null, when its point or key is unknown, when it is no number (time and
-    ///         state are stored nevertheless), or when something failed
-    /// Logs nothing, but at ERROR an exception that is no std::exception. Throws nothing and needs no memory. Takes the
-    /// mutex of the point's definition for the look-up of the key.
+    /// Stores one value's time, state and number. Energies arrive in Wh, VAh or VARh and are stored in kWh, kVAh
+    /// or kVARh. The key of a point state sets time and state of the point itself; the number is ignored. Does not
+    /// propagate states.
+    ///
+    /// Throws nothing and needs no memory. Locks the mutex of the point's definition to look the key up.
+    /// @note Logs only an exception that is no std::exception, at ERROR.
+    ///
+    /// Threads: thread-safe for different points, but not while propagateStates() runs.
+    /// @param svid  sensor id of the value
+    /// @param value time in ms since 1970 UTC, state and number; destroyed at the end of the call
+    /// @return false if the value is null, the point or key is unknown, the value is no number (time and state are
+    ///         stored nevertheless), or something failed
     bool updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept;
 
-    /// Combines the states of all points, children before their parents, and from them the global state,
-    /// which goes to the root and, when it changed, to the status LED. A std::exception ends it early and is
-    /// swallowed, any other one ends the process. Needs no memory.
+    /// Combines the states of all points, children before their parents, and from them the global state. Stores a
+    /// changed global state in the root and shows it on the LED. Needs no memory. A std::exception ends it early
+    /// and is swallowed; any other exception ends the process.
     void propagateStates() noexcept;
+    /// @}
 
 protected:
-    /// Where a point belongs.
+    /// The parent of a point.
     struct Parent {
         long long svid = -1;            ///< -1 for none
         unsigned int pos = NO_POSITION; ///< NO_POSITION for none
     };
 
-    // References to slots are references into the mapped region.
+    /// @name Steps of the operations above
+    /// References to slots refer to the mapped region.
+    /// @{
 
-    /// Appends the values that the point does not have yet to its chain, keys ascending. Memory: basic as addMP().
+    /// Appends the missing values to a point's chain, keys ascending. Basic guarantee as addMP().
+    /// @param mp         the point's slot
+    /// @param definition the point's record
+    /// @param mvs        the keys are the point's values
     void addMVs(QelShmMP& mp, MPDef& definition, std::map<unsigned short, unsigned int> const& mvs);
 
-    /// Initialises a slot that nothing refers to. The region must be mapped and pos below MP_COUNT
-    /// (MV_COUNT). Logs at DEBUG.
+    /// Initialises a point's slot that no link leads to. The region must be mapped.
+    /// @note Logs at DEBUG.
+    /// @param pos  position of the slot, below MP_COUNT
+    /// @param svid sensor id of the point
+    /// @param ppos position of the parent, NO_POSITION for none
+    /// @return the slot
     QelShmMP& initMP(unsigned int pos, long long svid, unsigned int ppos);
+
+    /// Initialises a value's slot that no link leads to. The region must be mapped.
+    /// @note Logs at DEBUG.
+    /// @param pos position of the slot, below MV_COUNT
+    /// @param key value key
+    /// @return the slot
     record::QelShmMVal& initMV(unsigned int pos, unsigned short key);
 
-    /// Links an initialised point among its siblings. Their order is decided here and never changes.
-    /// Logs at DEBUG, at INFO in front of which sibling it goes.
+    /// Links an initialised point among its siblings, at its final place in their order.
+    /// @note Logs at DEBUG, and at INFO the sibling before which the point is inserted.
+    /// @param mp the point's slot
     void connectMP(QelShmMP& mp);
 
-    /// The parent by the levels of an svid; none for a top-level point. Throws as bailout() when it is not
-    /// known.
+    /// Finds the parent by the levels of a svid.
+    /// @param svid sensor id of the point
+    /// @return the parent, none for a top-level point
+    /// @throws ex::InvalidSensorIdException by bailout() when the parent is unknown
     Parent parentOf(long long svid) const;
 
-    /// Logs at ERROR and throws ex::InvalidSensorIdException for svid.
+    /// Logs at ERROR that a point cannot be handled, and throws.
+    /// @param svid sensor id of the point
+    /// @throws ex::InvalidSensorIdException always
     [[noreturn]] void bailout(long long svid) const;
+
+    /// Logs at ERROR that a point's parent is unknown, and throws.
+    /// @param svid       sensor id of the point
+    /// @param parentSvid sensor id of the parent
+    /// @throws ex::InvalidSensorIdException always, for svid
     [[noreturn]] void bailout(long long svid, long long parentSvid) const;
 
-    /// Frees a point and its values; the slots keep their content until they are used again.
-    /// @param topnode true: just this point, taken out of its sibling list; false: its following siblings and
-    ///                everything below them as well, links untouched
-    /// @param removed collects the svids of freed points
-    /// A slot that is free already is not freed again. Memory: strong for each point. Logs at INFO, at WARN a point that
-    /// is not known.
+    /// Frees the slots of a point and of its values. The slots keep their content until they are reused. A free
+    /// slot is not freed again. Strong guarantee for each point.
+    /// @note Logs at INFO, at WARN an unknown point.
+    /// @param pos     position of the point
+    /// @param topnode true: only this point, which leaves its list of siblings; false: also its following siblings and
+    ///                everything below, without changing links
+    /// @param removed receives the svids of freed points
     void unlinkMP(unsigned int pos, bool topnode, std::unordered_set<long long>& removed);
 
-    /// Takes a point out of its sibling list; its children stay linked to it.
+    /// Removes a point from its list of siblings. Its children stay linked to it.
+    /// @param mp the point's slot
     void disconnectMP(QelShmMP& mp);
 
-    /// Combines the states of a point, all points below it, and its following siblings.
-    /// @param out takes what each of the siblings reports to its parent
-    /// Memory: basic; what is combined stays.
+    /// Combines the states of a point, all points below it, and its following siblings. Basic guarantee.
+    /// @param mp  the point's slot
+    /// @param out receives the state that each of the siblings reports to its parent
     void defineState(QelShmMP& mp, std::list<eStatus_Bits>& out);
+    /// @}
 
 private:
-    /// The slot at a position, null for none.
+    /// The point's slot at a position, null for none.
     QelShmMP* pointAt(unsigned int pos) const;
+    /// The value's slot at a position, null for none.
     record::QelShmMVal* valueAt(unsigned int pos) const;
 
     /// initMV() without the log line.
     record::QelShmMVal& wipeMV(unsigned int pos, unsigned short key);
 
-    /// False, after an ERROR line, while no region is mapped.
+    /// Logs at ERROR and returns false while no region is mapped.
     bool isMapped(char const* operation) const;
 
-    /// The root's list for top-level points of the svid's sensor type, null when there is none.
+    /// The root's list head for top-level points of the svid's sensor type, null when there is none.
     std::uint32_t* listHead(long long svid) const;
 
-    /// Makes a point the first of that list; logs at WARN a sensor type that has none.
+    /// Makes a point the first of that list. Logs at WARN a sensor type without a list.
     void setListHead(long long svid, unsigned int pos);
 
+    /// Links a point before a sibling.
     void insertBefore(QelShmMP& mp, unsigned int curpos);
 
-    /// Gives the slots of a point and of its values back and enters its svid into removed; strong. Logs at WARN a
-    /// point that is not known.
+    /// Frees the slots of a point and of its values, and enters its svid into removed. Strong guarantee. Logs at
+    /// WARN an unknown point.
     void freeSlotsOf(QelShmMP const& mp, unsigned int pos, std::unordered_set<long long>& removed);
 
-    // In the order of the binary contract.
+    // The order of the members down to points_ is part of the binary interface.
     std::unique_ptr<QelStateLedThread> ledThread_;
     std::recursive_mutex structureMutex_; // guards the adding and removing of points
     std::deque<unsigned int> freeMVs_;
     std::deque<unsigned int> freeMPs_;
     Definitions points_; // by point svid
-    // Not part of it, so behind all others.
-    std::unique_ptr<PointIndex> index_; // the same points, flat
-    std::unique_ptr<WriterLock> lock_;  // null without a region
+    // Members that came later.
+    std::unique_ptr<SlotsBySvid> index_; // the same points, for fast look-up
+    std::unique_ptr<WriterLock> lock_;   // null without a region
 };
 
 } // namespace shm

@@ -15,7 +15,7 @@ namespace shm {
 
 namespace {
 
-/// Order of siblings: does a new point stand before one that is linked already?
+/// The order of siblings: tells whether a new point comes before one that is linked already.
 bool standsBefore(long long svid, long long other) {
     auto const parts = SensorIdentifier::getSensorIdParts(svid);
     auto const otherParts = SensorIdentifier::getSensorIdParts(other);
@@ -25,6 +25,7 @@ bool standsBefore(long long svid, long long other) {
         if (otherKind == SensorType::Electrical) {
             return svid < other;
         }
+        // Deliberate: a fixed log text.
         LogLine(writerLog(), log4cpp::Priority::INFO, "operator()") << "1t";
         return true;
     case SensorType::I2C:
@@ -34,7 +35,7 @@ bool standsBefore(long long svid, long long other) {
         if (otherKind == SensorType::SocketGroup) {
             return true;
         }
-        // Deliberate: only these two levels count; all others, and with them the rest of the ids, may differ.
+        // Deliberate: only these two levels are compared. All other parts of the ids may differ.
         if (parts[SensorIdentifier::Phase] != otherParts[SensorIdentifier::Phase]) {
             return parts[SensorIdentifier::Phase] < otherParts[SensorIdentifier::Phase];
         }
@@ -111,6 +112,7 @@ void QelSharedMemoryWriter::setListHead(long long svid, unsigned int pos) {
     if (auto* const head = listHead(svid)) {
         storeLink(*head, pos);
     } else {
+        // Deliberate: a fixed log text names this operation.
         LogLine(writerLog(), log4cpp::Priority::WARN, "operator()")
             << "cannot handle measurement points of type " << SensorIdentifier::extractSensorType(svid);
     }
@@ -135,7 +137,7 @@ QelSharedMemoryWriter::Parent QelSharedMemoryWriter::parentOf(long long svid) co
         return true;
     };
 
-    // Every level but the deepest one; an I2C sensor hangs directly under its device.
+    // Every level except the deepest. An I2C sensor is a child of its device.
     bool const copiesLevels = parts[SensorIdentifier::Kind] != SensorType::I2C;
     for (unsigned int level = SensorIdentifier::Inlet; copiesLevels && level < SensorIdentifier::Socket;
          ++level) {
@@ -150,7 +152,7 @@ QelSharedMemoryWriter::Parent QelSharedMemoryWriter::parentOf(long long svid) co
         return parent;
     }
 
-    // A socket without a fuse of its own (circuit 0) hangs under its phase.
+    // A socket without a fuse of its own (circuit 0) is a child of its phase.
     if (parts[SensorIdentifier::Socket] != -1 && parts[SensorIdentifier::Circuit] == 0) {
         identifier.set(SensorIdentifier::Circuit, -1);
         identifier.set(SensorIdentifier::Socket, -1);

@@ -7,7 +7,7 @@
 #include "region/RegionFields.h"
 #include "region/SvidParts.h"
 #include "writer/KeySets.h"
-#include "writer/PointIndex.h"
+#include "writer/SlotsBySvid.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -29,17 +29,17 @@ void logUnlink(unsigned int pos, bool topnode, std::size_t removed) {
         << "pos = " << pos << ", topnode = " << std::boolalpha << topnode << ", #svids = " << removed;
 }
 
-/// Takes back what is appended to a queue while it lives, unless it is kept.
-class Appending {
+/// Removes what was appended to a queue during its life, unless keep() was called.
+class QueueRollback {
 public:
-    explicit Appending(std::deque<unsigned int>& queue) : queue_(queue), size_(queue.size()) {}
-    ~Appending() {
+    explicit QueueRollback(std::deque<unsigned int>& queue) : queue_(queue), size_(queue.size()) {}
+    ~QueueRollback() {
         while (!isKept_ && queue_.size() > size_) {
             queue_.pop_back();
         }
     }
-    Appending(Appending const&) = delete;
-    Appending& operator=(Appending const&) = delete;
+    QueueRollback(QueueRollback const&) = delete;
+    QueueRollback& operator=(QueueRollback const&) = delete;
 
     void keep() { isKept_ = true; }
 
@@ -49,36 +49,37 @@ private:
     bool isKept_ = false;
 };
 
-/// The removed points of one call; forgets them when it goes out of scope, also when a later one cannot be removed.
-class Forgotten {
+/// The removed points of one call. The destructor removes them from the writer's records, also when a later point
+/// cannot be removed.
+class RemovedPoints {
 public:
-    Forgotten(QelSharedMemoryWriter::Definitions& points, PointIndex& index)
+    RemovedPoints(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index)
         : points_(points),
           index_(index),
           svids_(removedBuckets) {}
-    ~Forgotten() {
+    ~RemovedPoints() {
         for (auto const svid : svids_) {
             index_.remove(svid);
             points_.erase(svid);
         }
     }
-    Forgotten(Forgotten const&) = delete;
-    Forgotten& operator=(Forgotten const&) = delete;
+    RemovedPoints(RemovedPoints const&) = delete;
+    RemovedPoints& operator=(RemovedPoints const&) = delete;
 
     std::unordered_set<long long>& svids() { return svids_; }
 
 private:
     QelSharedMemoryWriter::Definitions& points_;
-    PointIndex& index_;
+    SlotsBySvid& index_;
     std::unordered_set<long long> svids_;
 };
 
-/// The points that had these slots have them no more, so that nobody frees one again. They are two where a slot bears
-/// the id of another point.
-/// @param pos  the slot that was freed
-/// @param guid the id in it, whose values were freed
-void loseSlots(QelSharedMemoryWriter::Definitions& points, PointIndex& index, unsigned int pos,
-               long long guid) {
+/// Takes freed slots from the records of the points that had them, so that no slot is freed twice. These are two
+/// points if the slot holds the id of another point.
+/// @param pos  the freed slot of a point
+/// @param guid the id in it, of the point whose values were freed
+void detachSlots(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index, unsigned int pos,
+                 long long guid) {
     if (auto const named = points.find(guid); named != points.end()) {
         named->second.mvs.clear();
         if (auto* const indexed = index.pointOf(named->second)) {
@@ -117,8 +118,8 @@ bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
         return false;
     }
     std::lock_guard<std::recursive_mutex> const lock(structureMutex_);
-    Forgotten forgotten(points_, *index_);
-    auto& removed = forgotten.svids();
+    RemovedPoints removedPoints(points_, *index_);
+    auto& removed = removedPoints.svids();
     bool anyRemoved = false;
     for (auto next = points_.begin(); next != points_.end();) {
         auto const known = next++;
@@ -127,7 +128,7 @@ bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
         }
         unlinkMP(known->second.pos, true, removed);
         anyRemoved = true;
-        if (removed.count(known->first) == 0) { // its slot bore another id
+        if (removed.count(known->first) == 0) { // its slot held another id
             index_->remove(known->first);
             points_.erase(known);
         }
@@ -151,12 +152,12 @@ void QelSharedMemoryWriter::unlinkMP(unsigned int pos, bool topnode, std::unorde
     }
 }
 
-// What may fail comes first, and leaves everything as it was when it does.
+// What may fail comes first. After a failure nothing has changed.
 [[gnu::noinline]] // keeps its variables out of the recursion's frame
 void QelSharedMemoryWriter::freeSlotsOf(QelShmMP const& mp, unsigned int pos,
                                         std::unordered_set<long long>& removed) {
-    Appending points(freeMPs_);
-    Appending values(freeMVs_);
+    QueueRollback points(freeMPs_);
+    QueueRollback values(freeMVs_);
     if (auto const known = points_.find(mp.guid); known != points_.end()) {
         auto& definition = known->second;
         std::lock_guard<std::mutex> const lock(definition.mutex);
@@ -173,7 +174,7 @@ void QelSharedMemoryWriter::freeSlotsOf(QelShmMP const& mp, unsigned int pos,
     removed.insert(mp.guid);
     points.keep();
     values.keep();
-    loseSlots(points_, *index_, pos, mp.guid);
+    detachSlots(points_, *index_, pos, mp.guid);
 }
 
 void QelSharedMemoryWriter::disconnectMP(QelShmMP& mp) {

@@ -9,7 +9,7 @@
 #include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
 #include "writer/KeySets.h"
-#include "writer/PointIndex.h"
+#include "writer/SlotsBySvid.h"
 #include "writer/StatePropagation.h"
 
 #include <log4cpp/Priority.hh>
@@ -22,7 +22,7 @@ namespace shm {
 
 namespace {
 
-std::size_t valuePosition(PointIndex::Point const& point, unsigned short key) {
+std::size_t valuePosition(SlotsBySvid::Point const& point, unsigned short key) {
     std::lock_guard<std::mutex> const lock(point.mutex());
     return point.valuePosition(key);
 }
@@ -41,7 +41,7 @@ void QelSharedMemoryWriter::setActive() {
     storeVersion(root, ACTIVE_VERSION);
     LogLine(writerLog(), log4cpp::Priority::INFO, "setActive")
         << "root.version = " << static_cast<unsigned int>(ACTIVE_VERSION);
-    if (before != eStatus_On && ledThread_) { // it may show a state that the root has lost just now
+    if (before != eStatus_On && ledThread_) { // the LED may show the former state
         ledThread_->request(eStatus_On);
     }
 }
@@ -66,7 +66,7 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
         auto& mv = region()->values[pos];
         storeField(mv.at, value->timestamp());
         storeField(mv.state, value->state());
-        // Deliberate: a value that is no number has left its time and state by now; the old number stays.
+        // Deliberate: a value that is no number still stores its time and state. The old number stays.
         auto const number = value->toDouble();
         if (number.type != measval::Double) {
             return false;
@@ -95,7 +95,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
             }
         }
     } catch (std::exception const&) {
-        // The states written so far stay; the next propagation computes all of them again.
+        // The states stored so far stay. The next propagation combines all of them again.
         return;
     }
 }

@@ -10,7 +10,7 @@ namespace shm {
 
 namespace {
 
-/// Takes the reported states as a list.
+/// Collects the reported states in a list.
 struct ListSink {
     std::list<eStatus_Bits>& out;
     void add(eStatus_Bits state) const { out.push_back(state); }
@@ -21,8 +21,8 @@ struct ListSink {
 eStatus_Bits StatePropagation::combineAll() const {
     ChildFold reported;
     for (auto const head : {loadLink(region_.root.devices), loadLink(region_.root.groups)}) {
-        // Deliberate: each step follows the siblings by itself, so the k-th point is visited k times; the
-        // result is that of one visit.
+        // Deliberate: each step also follows all later siblings, so the k-th point is visited k times. The result
+        // is that of one visit.
         for (auto pos = head; pos < MP_COUNT; pos = loadLink(region_.points[pos].next)) {
             siblings(pos, reported);
         }
@@ -38,7 +38,7 @@ void StatePropagation::combineSiblings(QelShmMP& first, std::list<eStatus_Bits>&
     siblings(loadLink(first.next), sink);
 }
 
-// Only nesting costs stack, and little: a tree may be MP_COUNT deep.
+// Recursion only per level of nesting, with small frames: a tree may be MP_COUNT levels deep.
 template <typename Sink>
 void StatePropagation::siblings(std::uint32_t pos, Sink& sink) const {
     while (pos < MP_COUNT) {

@@ -11,20 +11,22 @@
 
 namespace shm {
 
-/// Combines the states of points, children before their parents, in place. Values and children are folded as
-/// they are met, without a list in between.
+/// Combines the states of points in the region, children before their parents. Folds values and children one by
+/// one, without a list between.
 ///
-/// Threads: belongs to the thread that changes the structure.
+/// Threads: thread-bound to the thread that changes the structure.
 class StatePropagation {
 public:
     /// @param region must outlive the object
     explicit StatePropagation(record::Region& region) : region_(region) {}
 
-    /// The global state, after all points were combined.
+    /// Combines the states of all points.
+    /// @return the global state
     eStatus_Bits combineAll() const;
 
     /// Combines a point, all points below it, and its following siblings.
-    /// @param out takes what each of the siblings reports to its parent
+    /// @param first the point
+    /// @param out   receives the state that each of the siblings reports to its parent
     void combineSiblings(QelShmMP& first, std::list<eStatus_Bits>& out) const;
 
 private:

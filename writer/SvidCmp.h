@@ -2,21 +2,22 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The order of sensor ids in which parents stand before their children.
+/// An order of sensor ids that puts parents before their children.
 #pragma once
 
 #include <cstdint>
 
 namespace shm {
 
-/// Strict weak ordering of sensor ids (svids) by their levels, the highest byte first. A level that an id
-/// does not use (0xFF) stands before every used one, so an id stands before all ids that refine it; walking a
-/// map in this order meets parents before their children. The key in the low 16 bits only decides between ids
-/// of equal levels.
+/// Strict weak ordering of sensor ids (svids) by their levels, the highest byte first. An unused level (0xFF)
+/// comes before every used one, so a map in this order has parents before their children. The key in the low 16
+/// bits decides only between ids of equal levels.
 ///
-/// Threads: any thread.
+/// Threads: reentrant. There is no state.
 struct SvidCmp {
-    /// @return whether left stands before right
+    /// @param left  any id
+    /// @param right any id
+    /// @return whether left comes before right
     constexpr bool operator()(long long left, long long right) const noexcept {
         auto const leftRank = levelRanks(left);
         auto const rightRank = levelRanks(right);
@@ -24,8 +25,8 @@ struct SvidCmp {
     }
 
 private:
-    /// The six level bytes, each increased by one without carry: 0xFF turns into 0 and so comes first, the
-    /// order of the others stays, and all six compare at once.
+    /// Increases each of the six level bytes by one, without carry. So 0xFF becomes 0 and comes first, the others
+    /// keep their order, and one comparison covers all six.
     static constexpr std::uint64_t levelRanks(long long svid) noexcept {
         constexpr std::uint64_t ones = 0x0101010101010101;
         constexpr std::uint64_t highBits = 0x8080808080808080;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Telling living writers of one region apart.
+/// The lock that shows that a region's writer lives.
 #pragma once
 
 #include "region/ObjectLock.h"
@@ -16,25 +16,25 @@
 
 namespace shm {
 
-/// An advisory lock on the region's object: the open-file-description write lock (F_OFD_SETLK) on the whole file. Whoever
-/// writes the region takes it once its object is open, and holds it as long as it lives; the kernel gives it back when the
-/// process ends, however it ends. Nobody waits for it, and without it everything goes on as with it: it only tells others
-/// that a writer lives. They ask with F_OFD_GETLK.
+/// An advisory lock on the region's object: the open-file-description write lock (Linux, F_OFD_SETLK) on the whole
+/// file. A writer takes it after it has opened the object and holds it as long as it lives. The kernel releases it
+/// when the process ends, however it ends. Nobody waits for the lock, and a writer without it works in the same
+/// way: the lock only shows others that a writer lives. They query it by F_OFD_GETLK.
 ///
-/// It belongs to the object that stood under the name when it was taken. It is not tried again: a writer that started
-/// while another one lived goes without to its end. A program that is started by exec does not get it; a forked child
-/// shares it, so it is held until parent and child have ended.
+/// The lock belongs to the object that had the name when it was taken. There is one attempt: a writer that starts
+/// while another one lives stays without the lock. exec() drops it. A forked child shares it, so it lasts until
+/// parent and child have ended.
 ///
-/// Who may write the object can take this lock alone. Who may read it can hold a read lock, which keeps this one from
-/// being taken; that counts as "no lock to be had", not as another writer. Ask for a read lock (F_RDLCK) to learn of a
-/// writer: that question is answered by write locks alone.
+/// Only a process that may write to the object can take this lock. A process that may read the object can hold a
+/// read lock, which prevents this one; that counts as no lock, not as another writer. To find a writer, query for
+/// a read lock (F_RDLCK): only write locks conflict with it.
 ///
-/// In a header alone, since the recorded region of qel-replay takes it too, from outside the library.
+/// Header-only, since qel-replay uses it without the library.
 ///
-/// Threads: const operations from any thread.
+/// Threads: thread-safe. The const operations only read.
 class WriterLock {
 public:
-    /// Tries to take the lock of the object under the region's name.
+    /// Tries to lock the object under the region's name.
     WriterLock() noexcept : fd_(::shm_open(REGION_NAME, O_RDWR | O_CLOEXEC | O_NONBLOCK, 0)) {
         if (fd_ < 0) {
             return;
@@ -48,14 +48,16 @@ public:
         }
         close();
     }
+
+    /// Releases the lock.
     ~WriterLock() { close(); }
     WriterLock(WriterLock const&) = delete;
     WriterLock& operator=(WriterLock const&) = delete;
 
-    /// Whether the lock was taken.
+    /// @return whether this object holds the lock
     bool isHeld() const noexcept { return outcome_ == Outcome::Held; }
 
-    /// Whether another living writer had it. False, too, when there was no lock to be had.
+    /// @return whether another living writer held the lock; false too if nobody could take it
     bool isOfAnotherWriter() const noexcept { return outcome_ == Outcome::AnotherWriter; }
 
 private:

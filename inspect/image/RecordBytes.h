@@ -17,7 +17,7 @@ namespace qel::inspect {
 template <typename Record>
 bool hasSameBits(Record const& left, Record const& right) {
     static_assert(std::is_trivially_copyable_v<Record>);
-    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c): the bytes are compared on purpose
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c): bytes on purpose
     return std::memcmp(&left, &right, sizeof left) == 0;
 }
 

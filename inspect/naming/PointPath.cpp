@@ -3,7 +3,6 @@
 
 #include "inspect/naming/PointPath.h"
 
-#include "inspect/naming/LevelNames.h"
 #include "inspect/naming/Svid.h"
 
 #include "domain/SensorIdentifier.h"
@@ -20,6 +19,21 @@ namespace qel::inspect {
 
 namespace {
 
+struct LevelName {
+    SensorIdentifier::Part part;
+    std::string_view name;
+};
+
+/// The levels below the device, highest first.
+constexpr std::array<LevelName, 4> levelNames{{{SensorIdentifier::Inlet, "inlet"},
+                                               {SensorIdentifier::Phase, "phase"},
+                                               {SensorIdentifier::Circuit, "circuit"},
+                                               {SensorIdentifier::Socket, "socket"}}};
+
+constexpr std::string_view unitName = "unit";
+constexpr std::string_view sensorName = "sensor";
+constexpr std::string_view socketGroupName = "group";
+
 constexpr signed char unused = -1;
 constexpr signed char defaultDevice = 1; ///< the path of a top-level group does not name it
 constexpr std::size_t levelCount = levelNames.size();
@@ -31,7 +45,7 @@ struct NestedKind {
 
 /// Kinds of points below an electrical one.
 constexpr std::array<NestedKind, 2> nestedKinds{
-    {{SensorType::SocketGroup, socketGroupName}, {SensorType::RCM, rcmName}}};
+    {{SensorType::SocketGroup, socketGroupName}, {SensorType::RCM, "rcm"}}};
 
 /// A sensor id taken apart; level i is levelNames[i].
 struct Id {
@@ -73,6 +87,20 @@ long long svidOf(Id const& id) {
 
 std::string component(std::string_view name, signed char number) {
     return std::string(name) + std::to_string(number);
+}
+
+/// What a point is called in its label.
+std::string_view kindName(Id const& id) {
+    if (id.kind == SensorType::Electrical) {
+        auto const levels = id.usedLevels();
+        return levels == 0 ? unitName : levelNames.at(levels - 1).name;
+    }
+    for (auto const& [kind, name] : nestedKinds) {
+        if (kind == id.kind) {
+            return name;
+        }
+    }
+    return id.kind == SensorType::I2C ? sensorName : "point";
 }
 
 /// The device and the levels in use before a level.
@@ -270,6 +298,19 @@ std::optional<long long> parsePath(std::string_view path) {
     }
     auto const id = readPath(text);
     return id && schemePath(*id) == text ? std::optional(svidOf(*id)) : std::nullopt;
+}
+
+std::string pointLabel(long long svid) {
+    auto const id = idOf(svid);
+    std::string label(kindName(id));
+    char separator = ' ';
+    for (auto const level : id.levels) {
+        if (level != unused) {
+            label += separator + std::to_string(level);
+            separator = '/';
+        }
+    }
+    return separator == ' ' ? label + ' ' + std::to_string(id.device) : label;
 }
 
 } // namespace qel::inspect

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Points as paths that people read and type.
+/// Points as paths that people read and type, and as labels.
 ///
 /// A path is made from the sensor id alone, so it does not change with the slots, and can be converted back:
 ///
@@ -34,5 +34,9 @@ std::string pointPath(long long svid);
 /// Reads a path, in upper or lower case. Reentrant.
 /// @return the point's id with key 0, also if the path is a hexadecimal id with a key; none if it is not a path
 std::optional<long long> parsePath(std::string_view path);
+
+/// Kind and numbers of a point: "unit 1", "inlet 1", "circuit 1/2", "socket 1/2/5", "phase 2/3", "sensor 1/1",
+/// "group 1". Levels not in use are left out. The key in the id is ignored. Reentrant.
+std::string pointLabel(long long svid);
 
 } // namespace qel::inspect

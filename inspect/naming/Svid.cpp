@@ -3,19 +3,12 @@
 
 #include "inspect/naming/Svid.h"
 
-#include "inspect/naming/LevelNames.h"
-
-#include "domain/SensorIdentifier.h"
-
-#include <algorithm>
 #include <charconv>
 #include <system_error>
 
 namespace qel::inspect {
 
 namespace {
-
-using Part = SensorIdentifier::Part;
 
 template <typename Number>
 std::optional<Number> wholeNumber(std::string_view digits, int base) {
@@ -26,27 +19,6 @@ std::optional<Number> wholeNumber(std::string_view digits, int base) {
         return std::nullopt;
     }
     return result;
-}
-
-std::string_view electricalName(SensorIdentifier::Parts const& parts) {
-    auto const deepest = std::find_if(levelNames.rbegin(), levelNames.rend(),
-                                      [&](LevelName const& level) { return parts[level.part] != -1; });
-    return deepest == levelNames.rend() ? unitName : deepest->name;
-}
-
-std::string_view kindName(SensorIdentifier::Parts const& parts) {
-    switch (parts[Part::Kind]) {
-    case SensorType::Electrical:
-        return electricalName(parts);
-    case SensorType::I2C:
-        return sensorName;
-    case SensorType::SocketGroup:
-        return socketGroupName;
-    case SensorType::RCM:
-        return rcmName;
-    default:
-        return "point";
-    }
 }
 
 } // namespace
@@ -73,19 +45,6 @@ std::optional<long long> parseSvid(std::string_view text) {
         return std::nullopt;
     }
     return static_cast<long long>(*bits);
-}
-
-std::string pointLabel(long long svid) {
-    auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    std::string label(kindName(parts));
-    char separator = ' ';
-    for (auto const& level : levelNames) {
-        if (parts[level.part] != -1) {
-            label += separator + std::to_string(parts[level.part]);
-            separator = '/';
-        }
-    }
-    return separator == ' ' ? label + ' ' + std::to_string(parts[Part::Device]) : label;
 }
 
 } // namespace qel::inspect

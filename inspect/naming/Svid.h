@@ -12,19 +12,16 @@
 
 namespace qel::inspect {
 
-/// The point that a value's id belongs to: the id with its low 16 bits cleared.
+/// The id of the point that a value's id belongs to: the low 16 bits, the key, are cleared. Reentrant.
 constexpr long long pointOf(long long svid) {
     return static_cast<long long>(static_cast<std::uint64_t>(svid) & ~std::uint64_t{0xFFFF});
 }
 
-/// "0x" and 16 hexadecimal digits.
+/// "0x" and 16 hexadecimal digits. Reentrant.
 std::string svidText(long long svid);
 
-/// Reads 0x with hexadecimal digits, or a decimal number, signed or not; of at most 64 bits.
+/// Reads a sensor id: 0x with hexadecimal digits or a decimal number, signed or not. Reentrant.
+/// @return none if the text is not such a number or has more than 64 bits
 std::optional<long long> parseSvid(std::string_view text);
-
-/// Kind and position of a point in words: "unit 1", "inlet 1", "circuit 1/2", "socket 1/2/5", "phase 2/3",
-/// "sensor 1/1", "group 1". Levels that the id does not use are left out; the key is not looked at.
-std::string pointLabel(long long svid);
 
 } // namespace qel::inspect

@@ -8,8 +8,8 @@
 #include "tools/replay/unit/Topology.h"
 
 #include "format/ValueFormatter.h"
+#include "inspect/naming/PointPath.h"
 #include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 
 #include <iomanip>
 #include <ostream>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "region/SvidTable.h"
+#include "region/PositionBySvid.h"
 
 #include "tests/support/RandomNumbers.h"
 
@@ -19,21 +19,21 @@ constexpr std::uint16_t none = 0xFFFF;
 
 using Numbers = std::map<long long, std::uint16_t>;
 
-void expectSame(Numbers const& expected, shm::SvidTable const& sut, long long svid) {
+void expectSame(Numbers const& expected, shm::PositionBySvid const& sut, long long svid) {
     auto const known = expected.find(svid);
     ASSERT_EQ(known == expected.end() ? none : known->second, sut.find(svid)) << svid;
 }
 
 } // namespace
 
-TEST(SvidTableTest, NewTable_KnowsNoPoint) {
-    shm::SvidTable const sut;
+TEST(PositionBySvidTest, NewTable_KnowsNoPoint) {
+    shm::PositionBySvid const sut;
     EXPECT_EQ(none, sut.find(0));
     EXPECT_EQ(none, sut.find(-1));
 }
 
-TEST(SvidTableTest, Insert_ItsPointIsFoundAndNoOther) {
-    shm::SvidTable sut;
+TEST(PositionBySvidTest, Insert_ItsPointIsFoundAndNoOther) {
+    shm::PositionBySvid sut;
     sut.insert(0, 799);
     sut.insert(-1, 0);
     EXPECT_EQ(799, sut.find(0));
@@ -41,23 +41,23 @@ TEST(SvidTableTest, Insert_ItsPointIsFoundAndNoOther) {
     EXPECT_EQ(none, sut.find(1));
 }
 
-TEST(SvidTableTest, Clear_ForgetsAll) {
-    shm::SvidTable sut;
+TEST(PositionBySvidTest, Clear_ForgetsAll) {
+    shm::PositionBySvid sut;
     sut.insert(5, 1);
     sut.clear();
     EXPECT_EQ(none, sut.find(5));
 }
 
-TEST(SvidTableTest, Remove_OfAnUnknownPoint_ChangesNothing) {
-    shm::SvidTable sut;
+TEST(PositionBySvidTest, Remove_OfAnUnknownPoint_ChangesNothing) {
+    shm::PositionBySvid sut;
     sut.insert(1, 0);
     sut.remove(2);
     EXPECT_EQ(0, sut.find(1));
 }
 
-TEST(SvidTableTest, RandomInsertsAndRemoves_AgreeWithAMap) {
+TEST(PositionBySvidTest, RandomInsertsAndRemoves_AgreeWithAMap) {
     auto random = randomNumbers(7);
-    shm::SvidTable sut;
+    shm::PositionBySvid sut;
     Numbers expected;
     // Ids that differ in few bytes, so that they crowd; full tables included.
     auto const anyId = [&] {

@@ -1,13 +1,13 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "writer/PointIndex.h"
+#include "writer/SlotsBySvid.h"
 
 #include <utility>
 
 namespace shm {
 
-void PointIndex::Point::reserve(std::size_t count) {
+void SlotsBySvid::Point::reserve(std::size_t count) {
     unsigned int bits = 1;
     while ((std::size_t{3} << bits) < 4 * (count + 1)) {
         ++bits;
@@ -27,7 +27,7 @@ void PointIndex::Point::reserve(std::size_t count) {
     }
 }
 
-void PointIndex::Point::insert(std::uint16_t key, std::size_t pos) noexcept {
+void SlotsBySvid::Point::insert(std::uint16_t key, std::size_t pos) noexcept {
     auto place = homeOf(key);
     while (values_[place].pos != noSlot) {
         place = nextTo(place);
@@ -35,7 +35,7 @@ void PointIndex::Point::insert(std::uint16_t key, std::size_t pos) noexcept {
     values_[place] = {key, static_cast<std::uint16_t>(pos)};
 }
 
-void PointIndex::add(long long svid, MPDef const& definition, std::size_t room) {
+void SlotsBySvid::add(long long svid, MPDef const& definition, std::size_t room) {
     Point point;
     point.mutex_ = &definition.mutex;
     point.pos_ = static_cast<std::uint16_t>(definition.pos);
@@ -47,14 +47,14 @@ void PointIndex::add(long long svid, MPDef const& definition, std::size_t room) 
     positions_.insert(svid, static_cast<std::uint16_t>(definition.pos));
 }
 
-PointIndex::Point* PointIndex::pointOf(MPDef const& definition) {
+SlotsBySvid::Point* SlotsBySvid::pointOf(MPDef const& definition) {
     bool const isIndexed = definition.pos < MP_COUNT && points_[definition.pos].mutex_ == &definition.mutex;
     return isIndexed ? &points_[definition.pos] : nullptr;
 }
 
-void PointIndex::remove(long long svid) noexcept {
+void SlotsBySvid::remove(long long svid) noexcept {
     auto const pos = positions_.find(svid);
-    if (pos != SvidTable::none) {
+    if (pos != PositionBySvid::none) {
         points_[pos] = Point();
         positions_.remove(svid);
     }

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "writer/PointIndex.h"
+#include "writer/SlotsBySvid.h"
 
 #include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
@@ -21,14 +21,14 @@ constexpr std::size_t values = 8800; // positions from here on are none
 
 } // namespace
 
-TEST(PointIndexTest, NewIndex_KnowsNoPoint) {
-    shm::PointIndex const sut;
+TEST(SlotsBySvidTest, NewIndex_KnowsNoPoint) {
+    shm::SlotsBySvid const sut;
     EXPECT_EQ(nullptr, sut.find(0));
     EXPECT_EQ(nullptr, sut.find(-1));
 }
 
-TEST(PointIndexTest, ValuePosition_FindsEachKeyAndNoOther) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, ValuePosition_FindsEachKeyAndNoOther) {
+    shm::SlotsBySvid sut;
     shm::MPDef definition(799, {{0, 7}, {1, 8799}, {0x100, 3}, {0xFFFF, 4}});
     sut.add(1, definition);
     auto const* const point = sut.find(1);
@@ -41,8 +41,8 @@ TEST(PointIndexTest, ValuePosition_FindsEachKeyAndNoOther) {
     EXPECT_GE(point->valuePosition(0xFFFE), values);
 }
 
-TEST(PointIndexTest, ValuePosition_OfAPointWithoutValues_IsNone) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, ValuePosition_OfAPointWithoutValues_IsNone) {
+    shm::SlotsBySvid sut;
     shm::MPDef const definition(3, {});
     sut.add(1, definition);
     for (unsigned int key = 0; key <= 0xFFFF; ++key) {
@@ -50,9 +50,9 @@ TEST(PointIndexTest, ValuePosition_OfAPointWithoutValues_IsNone) {
     }
 }
 
-TEST(PointIndexTest, ValuePosition_AgreesWithAMapForRandomKeys) {
+TEST(SlotsBySvidTest, ValuePosition_AgreesWithAMapForRandomKeys) {
     auto random = randomNumbers(11);
-    shm::PointIndex sut;
+    shm::SlotsBySvid sut;
     shm::MPDef definition(3, {});
     sut.add(1, definition);
     // Up to the 91 keys of one point, of a narrow range or any.
@@ -77,8 +77,8 @@ TEST(PointIndexTest, ValuePosition_AgreesWithAMapForRandomKeys) {
     }
 }
 
-TEST(PointIndexTest, InsertedValue_IsFound_BesideThoseBefore) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, InsertedValue_IsFound_BesideThoseBefore) {
+    shm::SlotsBySvid sut;
     shm::MPDef const definition(5, {{1, 10}});
     sut.add(1, definition);
     EXPECT_GE(sut.find(1)->valuePosition(4), values);
@@ -90,8 +90,8 @@ TEST(PointIndexTest, InsertedValue_IsFound_BesideThoseBefore) {
     EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
 }
 
-TEST(PointIndexTest, RoomOnceMade_NeedsNoMemoryLater) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, RoomOnceMade_NeedsNoMemoryLater) {
+    shm::SlotsBySvid sut;
     shm::MPDef const definition(5, {});
     sut.add(1, definition, 91);
     auto const before = allocations();
@@ -103,8 +103,8 @@ TEST(PointIndexTest, RoomOnceMade_NeedsNoMemoryLater) {
     EXPECT_EQ(90U, sut.find(1)->valuePosition(90));
 }
 
-TEST(PointIndexTest, Reserve_WithoutMemory_LeavesTheValuesAsTheyAre) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, Reserve_WithoutMemory_LeavesTheValuesAsTheyAre) {
+    shm::SlotsBySvid sut;
     shm::MPDef const definition(5, {{1, 10}, {0x101, 11}});
     sut.add(1, definition);
     {
@@ -116,8 +116,8 @@ TEST(PointIndexTest, Reserve_WithoutMemory_LeavesTheValuesAsTheyAre) {
     EXPECT_GE(sut.find(1)->valuePosition(2), values);
 }
 
-TEST(PointIndexTest, Add_WithoutMemory_DoesNotKnowThePoint) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, Add_WithoutMemory_DoesNotKnowThePoint) {
+    shm::SlotsBySvid sut;
     shm::MPDef const definition(5, {{1, 10}});
     {
         MemoryRunsOut const none(0);
@@ -128,8 +128,8 @@ TEST(PointIndexTest, Add_WithoutMemory_DoesNotKnowThePoint) {
     EXPECT_EQ(nullptr, sut.pointOf(definition));
 }
 
-TEST(PointIndexTest, PointOf_KnowsADefinitionByItself_NotByItsContent) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, PointOf_KnowsADefinitionByItself_NotByItsContent) {
+    shm::SlotsBySvid sut;
     shm::MPDef const definition(5, {});
     shm::MPDef const copy(5, {});
     sut.add(1, definition);
@@ -141,17 +141,17 @@ TEST(PointIndexTest, PointOf_KnowsADefinitionByItself_NotByItsContent) {
     EXPECT_FALSE(sut.isTaken(4));
 }
 
-TEST(PointIndexTest, Remove_OfAnUnknownPoint_ChangesNothing) {
-    shm::PointIndex sut;
+TEST(SlotsBySvidTest, Remove_OfAnUnknownPoint_ChangesNothing) {
+    shm::SlotsBySvid sut;
     shm::MPDef definition(0, {});
     sut.add(1, definition);
     sut.remove(2);
     EXPECT_NE(nullptr, sut.find(1));
 }
 
-TEST(PointIndexTest, RandomAddsAndRemoves_AgreeWithAMap) {
+TEST(SlotsBySvidTest, RandomAddsAndRemoves_AgreeWithAMap) {
     auto random = randomNumbers(7);
-    shm::PointIndex sut;
+    shm::SlotsBySvid sut;
     std::map<long long, shm::MPDef> expected;
     for (int step = 0; step < 5000; ++step) {
         auto const pos = static_cast<unsigned int>(random() % 800);
