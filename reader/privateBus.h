@@ -11,8 +11,8 @@
 
 namespace shm {
 
-/// Connects to the system bus anew. Unlike the connection that the process shares, this one ends with its owner, and the
-/// end of the bus does not end the process. Reentrant.
+/// Connects to the system bus anew. Unlike the connection that the process shares, this one ends with its owner, and
+/// the end of the bus does not end the process. Reentrant.
 ///
 /// In a header alone, since the tools use it, too.
 /// @param cancellable ends the attempt; may be null

@@ -12,8 +12,8 @@
 namespace qel::tools {
 
 /// Asks the system bus over a connection of its own. Reentrant.
-/// @return the user that owns the hardware manager's name; none when there is no bus, nobody owns the name or the bus does
-///         not answer within 2 s
+/// @return the user that owns the hardware manager's name; none when there is no bus, nobody owns the name or the bus
+///         does not answer within 2 s
 std::optional<uid_t> managerUser();
 
 } // namespace qel::tools

@@ -13,8 +13,8 @@
 
 namespace qel::tools {
 
-/// Parses the arguments and runs the verb. Help, version and errors go to the standard streams. Thread-bound to the main
-/// thread.
+/// Parses the arguments and runs the verb. Help, version and errors go to the standard streams. Thread-bound to the
+/// main thread.
 /// @param out      receives what the verb prints
 /// @param commands the verbs in the order of the help
 /// @return the exit status

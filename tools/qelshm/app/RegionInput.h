@@ -42,14 +42,14 @@ RegionInput fileInput(std::string const& file);
 /// Copies the live object. The source says if it cannot be opened or read. Reentrant.
 RegionInput liveInput();
 
-/// Reads the image file or the live object that the options name. Waits for an active live object as long as the options
-/// allow, then takes what is there. Reentrant.
+/// Reads the image file or the live object that the options name. Waits for an active live object as long as the
+/// options allow, then takes what is there. Reentrant.
 /// @param tell called with a line when the wait lasts longer than a moment
 /// @throws inspect::ImageFileError
 RegionInput openInput(QelshmOptions const& options, std::function<void(std::string const&)> const& tell);
 
-/// Checks who owns the live object and who may change it. Asks the bus for the hardware manager's user, but only if root
-/// does not own the object. Reentrant.
+/// Checks who owns the live object and who may change it. Asks the bus for the hardware manager's user, but only if
+/// root does not own the object. Reentrant.
 /// @return findings; none for an image file or an absent object
 inspect::Findings objectFindings(RegionInput const& input);
 

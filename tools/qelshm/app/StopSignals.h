@@ -13,8 +13,8 @@
 
 namespace qel::tools {
 
-/// While it lives, SIGINT, SIGTERM and SIGHUP end a wait instead of the process, so that files and the terminal are left
-/// in order.
+/// While it lives, SIGINT, SIGTERM and SIGHUP end a wait instead of the process, so that files and the terminal are
+/// left in order.
 ///
 /// Threads: thread-bound to the thread that made it; all others must block these signals.
 class StopSignals {

@@ -31,7 +31,8 @@ Style stateStyle(eStatus_Bits state);
 std::string styled(std::string_view text, Style style);
 
 /// Decides whether output is coloured. Thread-bound to the main thread, because it uses the terminal library.
-/// @param choice     "always", "never" or "auto": on a terminal that knows colours, unless NO_COLOR is set and not empty
+/// @param choice     "always", "never" or "auto": on a terminal that knows colours, unless NO_COLOR is set and not
+///                   empty
 /// @param descriptor of the output
 bool mayColour(std::string_view choice, int descriptor);
 

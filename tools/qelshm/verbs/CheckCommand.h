@@ -9,8 +9,8 @@
 
 namespace qel::tools {
 
-/// Checks the region against the layout and the writer's rules, and a live object for its owner, mode and names. Ignores
-/// findings that a second copy of the live region does not confirm: they were writes under way.
+/// Checks the region against the layout and the writer's rules, and a live object for its owner, mode and names.
+/// Ignores findings that a second copy of the live region does not confirm: they were writes under way.
 ///
 /// Threads: thread-bound to the main thread.
 class CheckCommand : public ICommand {

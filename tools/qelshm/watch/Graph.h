@@ -27,8 +27,8 @@ struct Graph {
     Bucket range;                   ///< least and greatest number and the last one in it; empty without any
 };
 
-/// Draws the last number of each bucket as a bar, the newest at the right. The lowest bar stands for the least number, the
-/// highest for the greatest. Buckets without a number stay blank. Reentrant.
+/// Draws the last number of each bucket as a bar, the newest at the right. The lowest bar stands for the least
+/// number, the highest for the greatest. Buckets without a number stay blank. Reentrant.
 /// @param newest number of the bucket at the right
 /// @param width  columns; at most History::length are filled
 /// @param height lines

@@ -30,8 +30,8 @@ public:
     /// Opens the object if there is one.
     SnapshotSource();
 
-    /// Copies the region as it is now, of a new object if there is one. A missing object is no error: each call looks for
-    /// it again.
+    /// Copies the region as it is now, of a new object if there is one. A missing object is no error: each call looks
+    /// for it again.
     /// @throws std::system_error when the system cannot read an open object
     Snapshot take();
 

@@ -50,8 +50,8 @@ public:
     /// @param names the selection
     explicit UnitStructure(WatchedNames names) : names_(std::move(names)) {}
 
-    /// Takes the structure of an image: points in the order of the tree, parents before their children, and the selected
-    /// values. An inactive or incomplete image has none.
+    /// Takes the structure of an image: points in the order of the tree, parents before their children, and the
+    /// selected values. An inactive or incomplete image has none.
     /// @return whether anything differs from the previous image
     bool update(inspect::Image const& image);
 

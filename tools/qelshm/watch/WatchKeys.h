@@ -17,8 +17,8 @@ namespace qel::watch {
 /// @return nothing for a key without a meaning
 std::optional<Action> actionOf(int key);
 
-/// Applies a key to the model. While the user types the filter, printable characters, backspace, Enter and Esc belong to
-/// it. While the help is visible, every key closes it. Reentrant.
+/// Applies a key to the model. While the user types the filter, printable characters, backspace, Enter and Esc belong
+/// to it. While the help is visible, every key closes it. Reentrant.
 /// @param key as curses numbers it
 void handleKey(WatchModel& model, int key);
 

@@ -10,8 +10,8 @@
 
 namespace qel::watch {
 
-/// Ids of points, which select all their values, and of single values. An empty selection is everything. Ids that do not
-/// exist are no error: they may come later.
+/// Ids of points, which select all their values, and of single values. An empty selection is everything. Ids that do
+/// not exist are no error: they may come later.
 ///
 /// Threads: reentrant.
 class WatchedNames {
