@@ -51,7 +51,7 @@ std::string ledText(eStatus_Bits state) {
         text.append(text.empty() ? "" : " and ").append(shm::textOf(colourNames, colour, ""));
     }
     if (text.empty()) {
-        return shm::textOf(colourNames, StateColor::Off, "");
+        return std::string(shm::textOf(colourNames, StateColor::Off, ""));
     }
     return found->sequence.length() > 1 ? text + ", blinking" : text;
 }

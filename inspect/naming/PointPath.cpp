@@ -3,10 +3,12 @@
 
 #include "inspect/naming/PointPath.h"
 
+#include "format/HexText.h"
 #include "inspect/naming/LevelNames.h"
 #include "inspect/naming/Svid.h"
 
 #include "domain/SensorIdentifier.h"
+#include "region/SvidParts.h"
 
 #include <algorithm>
 #include <array>
@@ -259,14 +261,14 @@ std::optional<Id> readPath(std::string_view text) {
 
 std::string pointPath(long long svid) {
     auto path = schemePath(idOf(svid));
-    return path.empty() ? svidText(pointOf(svid)) : path;
+    return path.empty() ? shm::svidText(shm::pointSvid(svid)) : path;
 }
 
 std::optional<long long> parsePath(std::string_view path) {
     auto const text = lowerCase(path);
     if (text.rfind("0x", 0) == 0) {
         auto const svid = parseSvid(text);
-        return svid ? std::optional(pointOf(*svid)) : std::nullopt;
+        return svid ? std::optional(shm::pointSvid(*svid)) : std::nullopt;
     }
     auto const id = readPath(text);
     return id && schemePath(*id) == text ? std::optional(svidOf(*id)) : std::nullopt;

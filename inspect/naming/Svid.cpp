@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <system_error>
 
 namespace qel::inspect {
@@ -34,31 +35,7 @@ std::string_view electricalName(SensorIdentifier::Parts const& parts) {
     return deepest == levelNames.rend() ? unitName : deepest->name;
 }
 
-std::string_view kindName(SensorIdentifier::Parts const& parts) {
-    switch (parts[Part::Kind]) {
-    case SensorType::Electrical:
-        return electricalName(parts);
-    case SensorType::I2C:
-        return sensorName;
-    case SensorType::SocketGroup:
-        return socketGroupName;
-    case SensorType::RCM:
-        return rcmName;
-    default:
-        return "point";
-    }
-}
-
 } // namespace
-
-std::string svidText(long long svid) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string text = "0x";
-    for (int shift = 60; shift >= 0; shift -= 4) {
-        text += digits[(static_cast<std::uint64_t>(svid) >> static_cast<unsigned>(shift)) & 0xFU];
-    }
-    return text;
-}
 
 std::optional<long long> parseSvid(std::string_view text) {
     constexpr int hexadecimal = 16;
@@ -75,9 +52,25 @@ std::optional<long long> parseSvid(std::string_view text) {
     return static_cast<long long>(*bits);
 }
 
+std::string_view kindName(long long svid) {
+    auto const parts = SensorIdentifier::getSensorIdParts(svid);
+    switch (parts[Part::Kind]) {
+    case SensorType::Electrical:
+        return electricalName(parts);
+    case SensorType::I2C:
+        return sensorName;
+    case SensorType::SocketGroup:
+        return socketGroupName;
+    case SensorType::RCM:
+        return rcmName;
+    default:
+        return "point";
+    }
+}
+
 std::string pointLabel(long long svid) {
     auto const parts = SensorIdentifier::getSensorIdParts(svid);
-    std::string label(kindName(parts));
+    std::string label(kindName(svid));
     char separator = ' ';
     for (auto const& level : levelNames) {
         if (parts[level.part] != -1) {

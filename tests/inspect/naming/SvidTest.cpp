@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
+#include <string_view>
 
 namespace qel::inspect {
 
@@ -16,17 +17,6 @@ long long id(unsigned long long bits) {
 }
 
 } // namespace
-
-TEST(SvidTest, PointOf_ClearsTheKey) {
-    EXPECT_EQ(id(0x0100010002030000), pointOf(id(0x0100010002030024)));
-    EXPECT_EQ(id(0xFF00FFFFFFFF0000), pointOf(id(0xFF00FFFFFFFFFFFF)));
-}
-
-TEST(SvidTest, Text_HasSixteenDigits) {
-    EXPECT_EQ("0x0100ffffffff0000", svidText(id(0x0100FFFFFFFF0000)));
-    EXPECT_EQ("0x0000000000000000", svidText(0));
-    EXPECT_EQ("0xfedcba9876543210", svidText(id(0xFEDCBA9876543210)));
-}
 
 TEST(SvidTest, Parse_ReadsHexadecimalAndDecimal) {
     EXPECT_EQ(id(0x0100FFFFFFFF0000), parseSvid("0x0100ffffffff0000"));
@@ -73,5 +63,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Labelled{0x010001FF02050013, "socket 1/2/5"}, Labelled{0x01010101FFFF0000, "sensor 1/1"},
                     Labelled{0x0102FFFFFF010000, "group 1"}, Labelled{0x0104FFFFFFFF0000, "rcm 1"},
                     Labelled{0x010301FFFFFF0000, "point 1"}));
+
+TEST_P(PointLabelTest, StartsWithTheKindsName) {
+    std::string_view const label = GetParam().label;
+    EXPECT_EQ(label.substr(0, label.find(' ')), kindName(id(GetParam().svid)));
+}
 
 } // namespace qel::inspect
