@@ -6,13 +6,11 @@
 #include "tools/common/TimeText.h"
 #include "tools/replay/unit/Topology.h"
 
+#include "format/KeyTable.h"
+#include "format/StateName.h"
 #include "format/ValueFormatter.h"
-#include "format/ValueKeys.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 #include "region/SvidParts.h"
-#include "writer/KeySets.h"
 
 #include <iomanip>
 #include <ostream>
@@ -33,14 +31,14 @@ std::string structureText(std::size_t points, std::size_t values) {
 }
 
 std::string transition(eStatus_Bits before, eStatus_Bits after) {
-    return inspect::stateText(before) + " => " + inspect::stateText(after);
+    return std::string(shm::stateName(before)).append(" => ").append(shm::stateName(after));
 }
 
 // In the unit of the region: energies arrive in Wh and are stored in kWh.
 std::string numberText(Reading const& reading) {
     auto const key = shm::valueKey(reading.svid);
-    auto const factor = shm::isEnergyKey(key) ? shm::energyFactor : 1.0;
-    return tav::ValueFormatter::str(key, reading.number / factor, " ");
+    bool const isEnergy = shm::keyRow(key).kind == shm::KeyKind::Energy;
+    return tav::ValueFormatter::str(key, isEnergy ? reading.number / shm::energyFactor : reading.number, " ");
 }
 
 } // namespace
@@ -111,7 +109,7 @@ void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits glob
     if (steps_ == ReplaySteps::Rows) { // a capture holds no limits
         line << counted(crossings_, "limit crossing") << ", ";
     }
-    line << counted(changes_, "structure change") << "; global state " << inspect::stateText(globalState);
+    line << counted(changes_, "structure change") << "; global state " << shm::stateName(globalState);
     if (refused_ != 0) {
         line << "; " << counted(refused_, "update") << " refused";
     }

@@ -7,12 +7,16 @@
 #include "tools/qelshm/app/RegionInput.h"
 #include "tools/qelshm/terminal/AgeText.h"
 
+<<<<<<< HEAD
+=======
+#include "format/HexText.h"
+>>>>>>> refs/heads/vocab
 #include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/LedText.h"
 #include "inspect/naming/StateClass.h"
-#include "inspect/naming/Svid.h"
 #include "region/QelShmMVal.h"
+#include "region/SvidParts.h"
 
 #include <algorithm>
 #include <utility>
@@ -84,7 +88,7 @@ void WatchModel::keepSelection() {
     }
     auto row = rowOf(isPointSelected_, selectedId_);
     if (!row && !isPointSelected_) {
-        row = rowOf(true, inspect::pointOf(selectedId_));
+        row = rowOf(true, shm::pointSvid(selectedId_));
     }
     select(row.value_or(std::min(selected_, rows_.size() - 1)));
 }
@@ -369,7 +373,7 @@ DetailView WatchModel::detail() const {
     auto const& point = pointOf(row);
     auto const state = stateOf(point);
     view.path = point.path;
-    view.svid = inspect::svidText(point.svid);
+    view.svid = shm::svidText(point.svid);
     view.type = point.type;
     view.state = shm::stateName(state);
     view.style = tools::stateStyle(state);

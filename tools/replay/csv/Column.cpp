@@ -3,8 +3,9 @@
 
 #include "tools/replay/csv/Column.h"
 
-#include "format/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
+
+#include "format/ValueKeys.h"
 
 #include <array>
 #include <charconv>

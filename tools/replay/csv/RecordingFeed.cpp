@@ -3,9 +3,10 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
-#include "format/ValueKeys.h"
 #include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
+
+#include "format/ValueKeys.h"
 
 #include <algorithm>
 #include <utility>
