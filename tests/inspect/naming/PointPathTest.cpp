@@ -163,7 +163,7 @@ TEST_P(PointLabelTest, NamesKindAndPosition) {
 
 TEST_P(PointLabelTest, StartsWithTheKindsName) {
     std::string_view const label = GetParam().label;
-    EXPECT_EQ(label.substr(0, label.find(' ')), kindName(id(GetParam().svid)));
+    EXPECT_EQ(label.substr(0, label.find(' ')), kindName(static_cast<long long>(GetParam().svid)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
