@@ -3,9 +3,8 @@
 
 #include "inspect/check/IdCheck.h"
 
-#include "inspect/naming/Svid.h"
-
 #include "domain/SensorIdentifier.h"
+#include "region/SvidParts.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -49,8 +48,8 @@ private:
 void IdCheck::checkEach() {
     for (auto const& point : points_) {
         auto const svid = svidOf(point.pos);
-        if (svid != pointOf(svid)) {
-            addWrong(FindingCode::IdHasKey, point.pos, FieldValue::svid(pointOf(svid)));
+        if (svid != shm::pointSvid(svid)) {
+            addWrong(FindingCode::IdHasKey, point.pos, FieldValue::svid(shm::pointSvid(svid)));
         } else if (svid == shm::ROOT_SVID) {
             addWrong(FindingCode::IdOfRoot, point.pos, FieldValue::words("an id of a point"));
         } else if (point.list.kind && SensorIdentifier::extractSensorType(svid) != *point.list.kind) {

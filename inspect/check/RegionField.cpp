@@ -3,26 +3,17 @@
 
 #include "inspect/check/RegionField.h"
 
+#include "format/HexText.h"
+#include "format/StateName.h"
 #include "inspect/image/LiveRegion.h"
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstddef>
 #include <type_traits>
 
 namespace qel::inspect {
 
 namespace {
-
-std::string hexText(std::uint64_t number, std::size_t digits) {
-    std::array<char, 16> text{};
-    auto const written = std::to_chars(text.data(), text.data() + text.size(), number, 16);
-    std::string const significant(text.data(), written.ptr);
-    return "0x" + std::string(digits - std::min(digits, significant.size()), '0') + significant;
-}
 
 constexpr auto decimalText = [](auto number) -> std::string {
     if constexpr (std::is_same_v<decltype(number), std::monostate>) {
@@ -83,15 +74,16 @@ std::string FieldValue::text() const {
     case Notation::Position:
         return number_ == Number(std::uint64_t{shm::NO_POSITION}) ? "none" : std::visit(decimalText, number_);
     case Notation::Svid:
-        return svidText(std::get<std::int64_t>(number_));
+        return shm::svidText(std::get<std::int64_t>(number_));
     case Notation::State: {
         auto const number = std::get<std::int64_t>(number_);
-        return stateText(static_cast<eStatus_Bits>(number)) + " (" + std::to_string(number) + ')';
+        return std::string(shm::stateName(static_cast<eStatus_Bits>(number))) + " (" +
+               std::to_string(number) + ')';
     }
     case Notation::Byte:
-        return hexText(std::get<std::uint64_t>(number_), 2);
+        return shm::hexText(std::get<std::uint64_t>(number_), 2);
     case Notation::Key:
-        return hexText(std::get<std::uint64_t>(number_), 4);
+        return shm::hexText(std::get<std::uint64_t>(number_), 4);
     case Notation::Decimal:
         return std::visit(decimalText, number_);
     case Notation::User: {

@@ -8,6 +8,7 @@
 
 #include "domain/SensorIdentifier.h"
 #include "format/Names.h"
+#include "region/SvidParts.h"
 
 #include <algorithm>
 #include <cctype>
@@ -68,7 +69,7 @@ std::uint32_t PointFinder::point(std::string_view text) const {
 std::optional<std::uint32_t> PointFinder::node(long long svid) const {
     auto const& nodes = tree_.nodes();
     auto const found = std::find_if(nodes.begin(), nodes.end(), [&](PointNode const& candidate) {
-        return svidOf(candidate) == pointOf(svid);
+        return svidOf(candidate) == shm::pointSvid(svid);
     });
     if (found == nodes.end()) {
         return std::nullopt;

@@ -6,6 +6,8 @@
 #include "inspect/naming/Svid.h"
 
 #include "domain/SensorIdentifier.h"
+#include "format/HexText.h"
+#include "region/SvidParts.h"
 
 #include <algorithm>
 #include <array>
@@ -89,8 +91,7 @@ std::string component(std::string_view name, signed char number) {
     return std::string(name) + std::to_string(number);
 }
 
-/// What a point is called in its label.
-std::string_view kindName(Id const& id) {
+std::string_view nameOf(Id const& id) {
     if (id.kind == SensorType::Electrical) {
         auto const levels = id.usedLevels();
         return levels == 0 ? unitName : levelNames.at(levels - 1).name;
@@ -287,22 +288,26 @@ std::optional<Id> readPath(std::string_view text) {
 
 std::string pointPath(long long svid) {
     auto path = schemePath(idOf(svid));
-    return path.empty() ? svidText(pointOf(svid)) : path;
+    return path.empty() ? shm::svidText(shm::pointSvid(svid)) : path;
 }
 
 std::optional<long long> parsePath(std::string_view path) {
     auto const text = lowerCase(path);
     if (text.rfind("0x", 0) == 0) {
         auto const svid = parseSvid(text);
-        return svid ? std::optional(pointOf(*svid)) : std::nullopt;
+        return svid ? std::optional(shm::pointSvid(*svid)) : std::nullopt;
     }
     auto const id = readPath(text);
     return id && schemePath(*id) == text ? std::optional(svidOf(*id)) : std::nullopt;
 }
 
+std::string_view kindName(long long svid) {
+    return nameOf(idOf(svid));
+}
+
 std::string pointLabel(long long svid) {
     auto const id = idOf(svid);
-    std::string label(kindName(id));
+    std::string label(nameOf(id));
     char separator = ' ';
     for (auto const level : id.levels) {
         if (level != unused) {

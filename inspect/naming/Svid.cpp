@@ -4,6 +4,7 @@
 #include "inspect/naming/Svid.h"
 
 #include <charconv>
+#include <cstdint>
 #include <system_error>
 
 namespace qel::inspect {
@@ -22,15 +23,6 @@ std::optional<Number> wholeNumber(std::string_view digits, int base) {
 }
 
 } // namespace
-
-std::string svidText(long long svid) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string text = "0x";
-    for (int shift = 60; shift >= 0; shift -= 4) {
-        text += digits[(static_cast<std::uint64_t>(svid) >> static_cast<unsigned>(shift)) & 0xFU];
-    }
-    return text;
-}
 
 std::optional<long long> parseSvid(std::string_view text) {
     constexpr int hexadecimal = 16;

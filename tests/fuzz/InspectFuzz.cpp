@@ -15,6 +15,7 @@
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/Svid.h"
 #include "inspect/why/FoldedStates.h"
+#include "region/SvidParts.h"
 
 #include "tests/fuzz/Input.h"
 #include "tests/fuzz/PatchedRegion.h"
@@ -44,7 +45,7 @@ void find(inspect::Image const& image, inspect::PointTree const& tree) {
     for (auto const& node : tree.nodes()) {
         auto const svid = image.region().points[node.pos].guid;
         auto const path = inspect::pointPath(svid);
-        require(inspect::parsePath(path) == inspect::pointOf(svid), "a path does not lead back to its point");
+        require(inspect::parsePath(path) == shm::pointSvid(svid), "a path does not lead back to its point");
         require(!inspect::pointLabel(svid).empty(), "a point has no label");
         finder.node(svid);
         for (auto const pos : tree.valuesOf(node)) {

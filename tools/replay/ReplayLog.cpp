@@ -4,12 +4,13 @@
 #include "tools/replay/ReplayLog.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/replay/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
 
+#include "format/KeyTable.h"
+#include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/StateText.h"
+#include "region/SvidParts.h"
 
 #include <iomanip>
 #include <ostream>
@@ -30,15 +31,14 @@ std::string structureText(std::size_t points, std::size_t values) {
 }
 
 std::string transition(eStatus_Bits before, eStatus_Bits after) {
-    return inspect::stateText(before) + " => " + inspect::stateText(after);
+    return std::string(shm::stateName(before)).append(" => ").append(shm::stateName(after));
 }
 
-// As readers will see it: the region keeps energies in thousandths.
+// As readers will see it: energies are stored in another unit.
 std::string numberText(Reading const& reading) {
-    constexpr double thousand = 1000.0;
-    auto const valueKey = static_cast<unsigned short>(static_cast<std::uint64_t>(reading.svid) & 0xFFFFU);
-    bool const isEnergy = valueKey == key::activeEnergy || valueKey == key::apparentEnergy;
-    return tav::ValueFormatter::str(valueKey, isEnergy ? reading.number / thousand : reading.number, " ");
+    auto const key = shm::valueKey(reading.svid);
+    bool const isEnergy = shm::keyRow(key).kind == shm::KeyKind::Energy;
+    return tav::ValueFormatter::str(key, isEnergy ? reading.number / shm::energyFactor : reading.number, " ");
 }
 
 } // namespace
@@ -108,7 +108,7 @@ void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits glob
     if (steps_ == ReplaySteps::Rows) { // a recorded region does not tell its limits
         line << counted(crossings_, "limit crossing") << ", ";
     }
-    line << counted(changes_, "structure change") << "; global state " << inspect::stateText(globalState);
+    line << counted(changes_, "structure change") << "; global state " << shm::stateName(globalState);
     if (refused_ != 0) {
         line << "; " << counted(refused_, "update") << " refused";
     }

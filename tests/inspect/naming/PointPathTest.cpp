@@ -13,6 +13,7 @@
 #include <ostream>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace qel::inspect {
 
@@ -158,6 +159,11 @@ class PointLabelTest : public testing::TestWithParam<Labelled> {};
 
 TEST_P(PointLabelTest, NamesKindAndPosition) {
     EXPECT_EQ(GetParam().label, pointLabel(static_cast<long long>(GetParam().svid)));
+}
+
+TEST_P(PointLabelTest, StartsWithTheKindsName) {
+    std::string_view const label = GetParam().label;
+    EXPECT_EQ(label.substr(0, label.find(' ')), kindName(static_cast<long long>(GetParam().svid)));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -15,17 +15,6 @@ long long id(unsigned long long bits) {
 
 } // namespace
 
-TEST(SvidTest, PointOf_ClearsTheKey) {
-    EXPECT_EQ(id(0x0100010002030000), pointOf(id(0x0100010002030024)));
-    EXPECT_EQ(id(0xFF00FFFFFFFF0000), pointOf(id(0xFF00FFFFFFFFFFFF)));
-}
-
-TEST(SvidTest, Text_HasSixteenDigits) {
-    EXPECT_EQ("0x0100ffffffff0000", svidText(id(0x0100FFFFFFFF0000)));
-    EXPECT_EQ("0x0000000000000000", svidText(0));
-    EXPECT_EQ("0xfedcba9876543210", svidText(id(0xFEDCBA9876543210)));
-}
-
 TEST(SvidTest, Parse_ReadsHexadecimalAndDecimal) {
     EXPECT_EQ(id(0x0100FFFFFFFF0000), parseSvid("0x0100ffffffff0000"));
     EXPECT_EQ(id(0xFF00FFFFFFFF0000), parseSvid("0xFF00FFFFFFFF0000"));

@@ -3,7 +3,8 @@
 
 #include "tests/tools/qelshm/RawUnit.h"
 
-#include "inspect/naming/Svid.h"
+#include "format/HexText.h"
+#include "region/SvidParts.h"
 
 #include <stdexcept>
 
@@ -71,14 +72,14 @@ std::size_t RawUnit::offsetOf(long long point) const {
             found = candidate;
         }
     });
-    return found ? *found : throw std::out_of_range("there is no point " + inspect::svidText(point));
+    return found ? *found : throw std::out_of_range("there is no point " + shm::svidText(point));
 }
 
 std::optional<RawReading> RawUnit::value(long long svid) const {
     if (values().count(svid) == 0) {
         return std::nullopt;
     }
-    auto position = region_.u32(offsetOf(inspect::pointOf(svid)) + mvs);
+    auto position = region_.u32(offsetOf(shm::pointSvid(svid)) + mvs);
     while (region_.get<std::uint16_t>(rawValue(position) + valueKey) != (svid & 0xFFFF)) {
         position = region_.u32(rawValue(position) + valueNext);
     }

@@ -21,7 +21,9 @@ struct Cell {
     // NOLINTNEXTLINE(google-explicit-constructor): a plain text is a cell
     Cell(std::string content, Style of = Style::Plain) : text(std::move(content)), style(of) {}
     // NOLINTNEXTLINE(google-explicit-constructor): a plain text is a cell
-    Cell(char const* content) : text(content) {}
+    Cell(std::string_view content, Style of = Style::Plain) : text(content), style(of) {}
+    // NOLINTNEXTLINE(google-explicit-constructor): a plain text is a cell
+    Cell(char const* content, Style of = Style::Plain) : text(content), style(of) {}
 
     std::string text; ///< a table escapes control characters and invalid UTF-8
     Style style = Style::Plain;

@@ -7,11 +7,11 @@
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
+#include "format/HexText.h"
 #include "format/Names.h"
+#include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "inspect/compare/Difference.h"
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 
 #include <CLI/App.hpp>
 
@@ -53,7 +53,7 @@ std::string sideText(DifferenceSide const& side, Difference const& difference) {
             } else if constexpr (is<Side, double>) {
                 return tav::ValueFormatter::str(difference.key.value_or(0), content, " ");
             } else if constexpr (is<Side, eStatus_Bits>) {
-                return inspect::stateText(content);
+                return std::string(shm::stateName(content));
             } else if constexpr (is<Side, std::string>) {
                 return content.empty() ? "top level" : content;
             } else {
@@ -110,7 +110,7 @@ Json jsonSide(DifferenceSide const& side, Difference const& difference) {
 
 Json jsonDifference(Difference const& difference) {
     return {{"kind", differenceName(difference.kind)},
-            {"svid", inspect::svidText(difference.svid)},
+            {"svid", shm::svidText(difference.svid)},
             {"path", textOrNull(difference.path)},
             {"key", difference.key ? Json(*difference.key) : Json()},
             {"name", difference.key ? Json(shm::keyName(*difference.key)) : Json()},

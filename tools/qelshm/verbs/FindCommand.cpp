@@ -8,8 +8,8 @@
 #include "tools/qelshm/terminal/Utf8Text.h"
 #include "tools/qelshm/verbs/Json.h"
 
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
+#include "format/HexText.h"
+#include "format/StateName.h"
 
 #include <CLI/App.hpp>
 
@@ -46,16 +46,16 @@ std::vector<Match> matchesOf(std::string_view text, RegionView const& view) {
     for (auto const& node : view.tree.nodes()) {
         auto const point = pointFacts(view.input.image, view.tree, node);
         auto const inPoint = fieldsWith(text, {{"path", point.path},
-                                               {"svid", inspect::svidText(point.svid)},
+                                               {"svid", shm::svidText(point.svid)},
                                                {"type", point.type},
-                                               {"state", inspect::stateText(point.state)}});
+                                               {"state", std::string(shm::stateName(point.state))}});
         if (!inPoint.empty()) {
             matches.push_back({point, std::nullopt, inPoint});
         }
         for (auto const& value : valuesOf(view.input.image, view.tree, node)) {
-            auto const inValue = fieldsWith(text, {{"svid", inspect::svidText(value.svid)},
+            auto const inValue = fieldsWith(text, {{"svid", shm::svidText(value.svid)},
                                                    {"name", value.name},
-                                                   {"state", inspect::stateText(value.state)}});
+                                                   {"state", std::string(shm::stateName(value.state))}});
             if (!inValue.empty()) {
                 matches.push_back({point, value, inValue});
             }
@@ -67,11 +67,11 @@ std::vector<Match> matchesOf(std::string_view text, RegionView const& view) {
 void addLine(TextTable& table, Match const& match) {
     auto const& value = match.value;
     auto const state = value ? value->state : match.point.state;
-    table.add(0, {inspect::svidText(value ? value->svid : match.point.svid),
+    table.add(0, {shm::svidText(value ? value->svid : match.point.svid),
                   match.point.path,
                   value ? value->name : match.point.type,
                   {value ? value->text : std::string(), stateStyle(state)},
-                  {inspect::stateText(state), stateStyle(state)}});
+                  {shm::stateName(state), stateStyle(state)}});
 }
 
 Json jsonMatch(Match const& match, std::uint64_t now) {

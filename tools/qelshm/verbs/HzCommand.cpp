@@ -10,10 +10,10 @@
 #include "tools/qelshm/verbs/Json.h"
 
 #include "domain/SensorIdentifier.h"
+#include "format/HexText.h"
 #include "format/Names.h"
 #include "inspect/compare/UpdateRates.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/Svid.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -58,7 +58,7 @@ void printText(std::vector<UpdateRate> const& rates, CommandContext const& conte
 }
 
 Json jsonRate(UpdateRate const& rate) {
-    return {{"svid", inspect::svidText(rate.svid)},
+    return {{"svid", shm::svidText(rate.svid)},
             {"path", inspect::pointPath(rate.svid)},
             {"name", shm::keyName(SensorIdentifier::getKey(rate.svid))},
             {"updates", rate.count},

@@ -8,9 +8,9 @@
 #include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/terminal/TextTable.h"
 
+#include "format/HexText.h"
+#include "format/StateName.h"
 #include "inspect/image/RegionStatus.h"
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 
 #include <type_traits>
 #include <variant>
@@ -69,10 +69,10 @@ Json jsonSource(RegionInput const& input) {
 }
 
 Json jsonState(eStatus_Bits state) {
-    return {{"number", static_cast<std::int32_t>(state)}, {"name", inspect::stateText(state)}};
+    return {{"number", static_cast<std::int32_t>(state)}, {"name", shm::stateName(state)}};
 }
 
-Json textOrNull(std::string const& text) {
+Json textOrNull(std::string_view text) {
     return text.empty() ? Json() : Json(text);
 }
 
@@ -85,7 +85,7 @@ Json jsonMoment(std::uint64_t at, std::uint64_t now) {
 }
 
 Json jsonPoint(PointFacts const& point, std::uint64_t now) {
-    return {{"svid", inspect::svidText(point.svid)},
+    return {{"svid", shm::svidText(point.svid)},
             {"path", point.path},
             {"parent", textOrNull(point.parentPath)},
             {"depth", point.depth},
@@ -97,7 +97,7 @@ Json jsonPoint(PointFacts const& point, std::uint64_t now) {
 }
 
 Json jsonValue(ValueFacts const& value, std::uint64_t now) {
-    return {{"svid", inspect::svidText(value.svid)},
+    return {{"svid", shm::svidText(value.svid)},
             {"key", value.key},
             {"name", value.name},
             {"number", value.number ? Json(*value.number) : Json()},

@@ -14,6 +14,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qel::tools {
@@ -35,7 +36,7 @@ Json jsonSource(RegionInput const& input);
 Json jsonState(eStatus_Bits state);
 
 /// @return the text; null for an empty one
-Json textOrNull(std::string const& text);
+Json textOrNull(std::string_view text);
 
 /// Describes a time and its age; null for never.
 /// @param at  ms since 1970 UTC

@@ -9,9 +9,9 @@
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
+#include "format/HexText.h"
+#include "format/StateName.h"
 #include "inspect/naming/PointFinder.h"
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 
 #include <CLI/App.hpp>
 
@@ -25,16 +25,16 @@ enum ListLayout : std::size_t { ListedPoint, ListedValue };
 
 void addLines(TextTable& table, PointFacts const& point, std::vector<ValueFacts> const& values,
               std::uint64_t now) {
-    table.add(ListedPoint, {inspect::svidText(point.svid),
+    table.add(ListedPoint, {shm::svidText(point.svid),
                             point.path,
                             point.type,
-                            {inspect::stateText(point.state), stateStyle(point.state)}});
+                            {shm::stateName(point.state), stateStyle(point.state)}});
     for (auto const& value : values) {
         auto const style = stateStyle(value.state);
-        table.add(ListedValue, {"  " + inspect::svidText(value.svid),
+        table.add(ListedValue, {"  " + shm::svidText(value.svid),
                                 value.name,
                                 {value.text, style},
-                                {inspect::stateText(value.state), style},
+                                {shm::stateName(value.state), style},
                                 momentText(value.at),
                                 ageText(value.at, now)});
     }
@@ -47,7 +47,7 @@ void addSingleValue(TextTable& table, PointFacts const& point, ValueFacts const&
                             point.path,
                             value.name,
                             {value.text, style},
-                            {inspect::stateText(value.state), style},
+                            {shm::stateName(value.state), style},
                             ageText(value.at, now)});
 }
 

@@ -3,12 +3,13 @@
 
 #include "tools/qelshm/verbs/PointFacts.h"
 
+#include "format/KeyTable.h"
 #include "format/Names.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/Svid.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
+#include "region/SvidParts.h"
 
 #include <cmath>
 
@@ -22,18 +23,6 @@ std::optional<double> numberOf(shm::record::QelShmMVal const& value) {
     return isThere ? std::optional(value.value) : std::nullopt;
 }
 
-/// What the key's format has behind the number.
-std::string unitOf(unsigned short key) {
-    auto const zero = tav::ValueFormatter::str(key, 0.0, " ");
-    auto const blank = zero.find(' ');
-    return blank == std::string::npos ? std::string() : zero.substr(blank + 1);
-}
-
-std::string kindOf(long long svid) {
-    auto const label = inspect::pointLabel(svid);
-    return label.substr(0, label.find(' '));
-}
-
 } // namespace
 
 PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tree,
@@ -44,7 +33,7 @@ PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tre
         parentPath = inspect::pointPath(image.region().points[tree.nodes().at(node.parent).pos].guid);
     }
     return {point.guid,  inspect::pointPath(point.guid),
-            parentPath,  kindOf(point.guid),
+            parentPath,  inspect::kindName(point.guid),
             point.type,  shm::QelShmMPnt(&point).tstr(),
             node.pos,    node.depth,
             point.state, point.at};
@@ -52,12 +41,12 @@ PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tre
 
 ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& node, std::uint32_t pos) {
     auto const& value = image.region().values[pos];
-    return {inspect::pointOf(image.region().points[node.pos].guid) | value.key,
+    return {shm::pointSvid(image.region().points[node.pos].guid) | value.key,
             value.key,
             shm::keyName(value.key),
             tav::ValueFormatter::str(shm::QelShmMVal(&value)),
             numberOf(value),
-            unitOf(value.key),
+            shm::keyUnit(value.key),
             value.state,
             value.at};
 }

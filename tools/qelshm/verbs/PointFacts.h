@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qel::tools {
@@ -23,7 +24,7 @@ struct ValueFacts {
     std::string name;
     std::string text;             ///< number and unit; "--" or "n/a" without a value
     std::optional<double> number; ///< none without a value, and for infinity and NaN
-    std::string unit;             ///< "" for none
+    std::string_view unit;        ///< "" for none
     eStatus_Bits state;
     std::uint64_t at; ///< ms since 1970 UTC; 0 for never
 };
@@ -33,7 +34,7 @@ struct PointFacts {
     long long svid;
     std::string path;
     std::string parentPath; ///< "" for a top-level point
-    std::string kind;       ///< "unit", "inlet", "socket", "sensor", ...
+    std::string_view kind;  ///< "unit", "inlet", "socket", "sensor", ...
     unsigned typeCode;
     std::string type;
     std::uint32_t pos;

@@ -9,9 +9,9 @@
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
+#include "format/StateName.h"
 #include "inspect/image/RegionStatus.h"
 #include "inspect/naming/LedText.h"
-#include "inspect/naming/StateText.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -73,7 +73,7 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input,
         add("version", {std::to_string(status.version)});
         add("points", {usedOf(status.pointsUsed, shm::MP_COUNT)});
         add("values", {usedOf(status.valuesUsed, shm::MV_COUNT)});
-        add("global state", {inspect::stateText(status.globalState), stateStyle(status.globalState)});
+        add("global state", {shm::stateName(status.globalState), stateStyle(status.globalState)});
         add("status LED", {inspect::ledText(status.globalState)});
         add("last delivery", {newestText(status, input.now)});
     }

@@ -8,8 +8,8 @@
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
+#include "format/StateName.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/StateText.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -30,14 +30,14 @@ void addPoint(TextTable& table, PointFacts const& point) {
     table.add(PointLine, {indent(point.depth) + point.path,
                           point.kind,
                           point.type,
-                          {inspect::stateText(point.state), stateStyle(point.state)}});
+                          {shm::stateName(point.state), stateStyle(point.state)}});
 }
 
 void addValue(TextTable& table, ValueFacts const& value, std::uint32_t depth, std::uint64_t now) {
     auto const style = stateStyle(value.state);
     table.add(ValueLine, {indent(depth + 1) + value.name,
                           {value.text, style},
-                          {inspect::stateText(value.state), style},
+                          {shm::stateName(value.state), style},
                           ageText(value.at, now)});
 }
 

@@ -8,11 +8,11 @@
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
+#include "format/HexText.h"
 #include "format/Names.h"
+#include "format/StateName.h"
 #include "inspect/naming/PointFinder.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/StateText.h"
-#include "inspect/naming/Svid.h"
 #include "inspect/why/Causes.h"
 
 #include <CLI/App.hpp>
@@ -28,7 +28,7 @@ using inspect::CauseStep;
 enum Layout : std::size_t { HeadLine, CauseLine, StepLine };
 
 Cell stateCell(eStatus_Bits state) {
-    return {inspect::stateText(state), stateStyle(state)};
+    return {shm::stateName(state), stateStyle(state)};
 }
 
 std::string keyText(Cause const& cause) {
@@ -41,11 +41,13 @@ void printText(std::string const& subject, Causes const& causes, RegionView cons
     if (causes.causes.empty()) {
         table.add(HeadLine, {subject + " is On"});
     } else {
-        table.add(HeadLine, {subject + " is " + inspect::stateText(causes.state)});
+        table.add(HeadLine, {(subject + " is ").append(shm::stateName(causes.state))});
     }
     if (causes.propagated != causes.state) {
-        table.add(HeadLine, {"stored state " + inspect::stateText(causes.state) +
-                             "; propagation results in " + inspect::stateText(causes.propagated)});
+        table.add(HeadLine, {std::string("stored state ")
+                                 .append(shm::stateName(causes.state))
+                                 .append("; propagation results in ")
+                                 .append(shm::stateName(causes.propagated))});
     }
     for (auto const& cause : causes.causes) {
         table.add(CauseLine, {cause.path,
@@ -63,7 +65,7 @@ void printText(std::string const& subject, Causes const& causes, RegionView cons
 }
 
 Json jsonStep(CauseStep const& step) {
-    return {{"svid", inspect::svidText(step.svid)},
+    return {{"svid", shm::svidText(step.svid)},
             {"path", step.path},
             {"state", jsonState(step.state)},
             {"rule", ruleCode(step.rule)},
@@ -75,7 +77,7 @@ Json jsonCause(Cause const& cause, std::uint64_t now) {
     for (auto const& step : cause.chain) {
         chain.push_back(jsonStep(step));
     }
-    return {{"svid", inspect::svidText(cause.svid)},
+    return {{"svid", shm::svidText(cause.svid)},
             {"path", cause.path},
             {"key", cause.key ? Json(*cause.key) : Json()},
             {"name", cause.key ? Json(shm::keyName(*cause.key)) : Json()},

@@ -6,8 +6,8 @@
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/terminal/Style.h"
 #include "tools/qelshm/terminal/Utf8Text.h"
-#include "tools/qelshm/watch/StateInfo.h"
 
+#include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "region/QelShmMVal.h"
 
@@ -52,11 +52,11 @@ void LinePrinter::update(Snapshot const& snapshot, inspect::RegionStatus const& 
 
 void LinePrinter::print(Snapshot const& snapshot, UnitValue const& value) {
     auto const& slot = snapshot.image.region().values[value.pos];
-    auto const& state = stateInfo(slot.state).text;
+    auto const state = shm::stateName(slot.state);
     out_ << (slot.at == 0 ? "-" : tools::timeText(slot.at)) << "  "
          << column(structure_.points()[value.point].path, pathWidth) << "  " << column(value.name, nameWidth)
          << "  " << column(tav::ValueFormatter::str(shm::QelShmMVal(&slot)), numberWidth) << "  "
-         << (isColoured_ ? tools::styled(state, tools::stateStyle(slot.state)) : state) << '\n';
+         << (isColoured_ ? tools::styled(state, tools::stateStyle(slot.state)) : std::string(state)) << '\n';
     if (linesLeft_) {
         --*linesLeft_;
     }

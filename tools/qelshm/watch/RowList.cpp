@@ -3,8 +3,7 @@
 
 #include "tools/qelshm/watch/RowList.h"
 
-#include "tools/qelshm/watch/StateInfo.h"
-
+#include "format/StateName.h"
 #include "inspect/naming/StateClass.h"
 
 #include <algorithm>
@@ -24,12 +23,12 @@ eStatus_Bits stateOf(RowListInput const& input, UnitValue const& value) {
 
 bool matches(RowListInput const& input, UnitValue const& value) {
     auto const& point = input.structure.points()[value.point];
-    return input.filter.matches({point.path, point.type, value.name, stateInfo(stateOf(input, value)).text});
+    return input.filter.matches({point.path, point.type, value.name, shm::stateName(stateOf(input, value))});
 }
 
 bool matches(RowListInput const& input, UnitPoint const& point) {
     auto const state = input.image.region().points[point.pos].state;
-    return input.filter.matches({point.path, point.type, stateInfo(state).text});
+    return input.filter.matches({point.path, point.type, shm::stateName(state)});
 }
 
 /// By the attention that a state asks for; several classes rank alike.

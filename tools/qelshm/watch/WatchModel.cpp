@@ -6,13 +6,14 @@
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/app/RegionInput.h"
 #include "tools/qelshm/terminal/AgeText.h"
-#include "tools/qelshm/watch/StateInfo.h"
 
+#include "format/HexText.h"
+#include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/LedText.h"
 #include "inspect/naming/StateClass.h"
-#include "inspect/naming/Svid.h"
 #include "region/QelShmMVal.h"
+#include "region/SvidParts.h"
 
 #include <algorithm>
 #include <utility>
@@ -84,7 +85,7 @@ void WatchModel::keepSelection() {
     }
     auto row = rowOf(isPointSelected_, selectedId_);
     if (!row && !isPointSelected_) {
-        row = rowOf(true, inspect::pointOf(selectedId_));
+        row = rowOf(true, shm::pointSvid(selectedId_));
     }
     select(row.value_or(std::min(selected_, rows_.size() - 1)));
 }
@@ -281,7 +282,7 @@ HeaderView WatchModel::header() const {
     view.condition = inspect::conditionName(status_.condition);
     view.isLive = isLive();
     if (view.isLive) {
-        view.state = stateInfo(status_.globalState).text;
+        view.state = shm::stateName(status_.globalState);
         view.style = tools::stateStyle(status_.globalState);
         view.led = inspect::ledText(status_.globalState);
         view.points = status_.pointsUsed;
@@ -318,7 +319,7 @@ RowView WatchModel::pointView(UnitPoint const& point) const {
     view.isPoint = true;
     view.name = point.name;
     view.type = point.type;
-    view.state = stateInfo(state).text;
+    view.state = shm::stateName(state);
     view.style = tools::stateStyle(state);
     return view;
 }
@@ -330,7 +331,7 @@ RowView WatchModel::valueView(UnitValue const& value) const {
     view.isFresh = isRecent(tracker_.sinceChange(value.pos, snapshot_.ticks), flashMs);
     view.name = value.name;
     view.value = tav::ValueFormatter::str(shm::QelShmMVal(&slot));
-    view.state = stateInfo(slot.state).text;
+    view.state = shm::stateName(slot.state);
     view.style = tools::stateStyle(slot.state);
     view.age = age ? tools::shortDurationText(*age)
                    : '>' + tools::shortDurationText(snapshot_.ticks - began_.value_or(snapshot_.ticks));
@@ -369,9 +370,9 @@ DetailView WatchModel::detail() const {
     auto const& point = pointOf(row);
     auto const state = stateOf(point);
     view.path = point.path;
-    view.svid = inspect::svidText(point.svid);
+    view.svid = shm::svidText(point.svid);
     view.type = point.type;
-    view.state = stateInfo(state).text;
+    view.state = shm::stateName(state);
     view.style = tools::stateStyle(state);
     view.newestBucket = tracker_.bucket(snapshot_.ticks);
     auto const shown = row.isPoint ? point.firstValue : row.index;

@@ -3,8 +3,9 @@
 
 #include "tools/replay/csv/Column.h"
 
-#include "tools/replay/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
+
+#include "format/ValueKeys.h"
 
 #include <array>
 #include <charconv>
@@ -13,6 +14,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 /// A '#' in the name stands for the point's number, from 1 to `number`; without one, `number` is the point's.
 struct KnownColumn {

@@ -3,9 +3,10 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
-#include "tools/replay/ValueKeys.h"
 #include "tools/replay/csv/DewPoint.h"
 #include "tools/replay/unit/Topology.h"
+
+#include "format/ValueKeys.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,6 +14,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 /// The energy that a power adds up to; nothing for other keys.
 std::optional<unsigned short> energyOf(unsigned short power) {

@@ -3,7 +3,7 @@
 
 #include "tools/replay/csv/RowSource.h"
 
-#include "tools/replay/ValueKeys.h"
+#include "format/ValueKeys.h"
 
 namespace qel::tools {
 
@@ -41,7 +41,7 @@ Row RowSource::next() {
 void RowSource::startOver() {
     shift_ += table_->time(row_ - 1) - startTime() + lastStep();
     for (std::size_t column = 0; column < raises_.size(); ++column) {
-        if (table_->columns()[column].key == key::activeEnergy) {
+        if (table_->columns()[column].key == shm::key::activeEnergy) {
             raises_[column] += counted(column);
         }
     }

@@ -3,6 +3,8 @@
 
 #include "tools/replay/unit/Topology.h"
 
+#include "format/ValueKeys.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +12,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 // Each circuit holds the outlets that one analyser measured: A 3 and 6, B 1, 2, 4 and 5, C 7 to 10.
 constexpr unsigned circuitA = 1;
@@ -25,13 +29,13 @@ struct KindRow {
 };
 
 constexpr std::array<KindRow, 7> kinds{{
-    {PointKind::Unit, 52, 2},     // "PDU State", "Master"
-    {PointKind::Inlet, 59, 1},    // "State", "1P"
-    {PointKind::Circuit, 54, 21}, // "Circuit State", "16A;C"
-    {PointKind::Phase, 55, 1},    // "Phase State", "Phase"
-    {PointKind::Socket, 51, 30},  // "Socket", "Schuko"
-    {PointKind::Sensor, 53, 2},   // "Sensor State", "I2C Temperature-Humidity Sensor"
-    {PointKind::Group, 57, 1},    // "Socket Group State", "SG"
+    {PointKind::Unit, key::pduState, 2},          // "Master"
+    {PointKind::Inlet, key::state, 1},            // "1P"
+    {PointKind::Circuit, key::circuitState, 21},  // "16A;C"
+    {PointKind::Phase, key::phaseState, 1},       // "Phase"
+    {PointKind::Socket, key::socket, 30},         // "Schuko"
+    {PointKind::Sensor, key::sensorState, 2},     // "I2C Temperature-Humidity Sensor"
+    {PointKind::Group, key::socketGroupState, 1}, // "SG"
 }};
 
 constexpr bool rowsFollowTheEnumeration() {

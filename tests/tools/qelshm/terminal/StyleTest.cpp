@@ -3,7 +3,7 @@
 
 #include "tools/qelshm/terminal/Style.h"
 
-#include "inspect/naming/StateText.h"
+#include "format/StateName.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <string_view>
 
 namespace qel::tools {
 
@@ -67,9 +68,9 @@ TEST(StyleTest, Styled_WrapsTheText) {
 TEST(StyleTest, StateStyle_FollowsTheStatesName) {
     for (int number = eStatus_ExpectedValue; number <= eStatus_SlaveVersionTooNew; ++number) {
         auto const state = static_cast<eStatus_Bits>(number);
-        auto const name = inspect::stateText(state);
+        auto const name = shm::stateName(state);
         for (char const* const word : {"Alarm", "Lost", "Error,"}) {
-            if (name.find(word) != std::string::npos) {
+            if (name.find(word) != std::string_view::npos) {
                 EXPECT_EQ(Style::Alarm, stateStyle(state)) << name;
             }
         }
