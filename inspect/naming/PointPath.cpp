@@ -7,6 +7,7 @@
 #include "inspect/naming/Svid.h"
 
 #include "domain/SensorIdentifier.h"
+#include "format/HexText.h"
 #include "region/SvidParts.h"
 
 #include <algorithm>
@@ -91,7 +92,7 @@ std::string component(std::string_view name, signed char number) {
     return std::string(name) + std::to_string(number);
 }
 
-std::string_view kindNameOf(Id const& id) {
+std::string_view nameOf(Id const& id) {
     if (id.kind == SensorType::Electrical) {
         auto const levels = id.usedLevels();
         return levels == 0 ? unitName : levelNames.at(levels - 1).name;
@@ -302,12 +303,12 @@ std::optional<long long> parsePath(std::string_view path) {
 }
 
 std::string_view kindName(long long svid) {
-    return kindNameOf(idOf(svid));
+    return nameOf(idOf(svid));
 }
 
 std::string pointLabel(long long svid) {
     auto const id = idOf(svid);
-    std::string label(kindNameOf(id));
+    std::string label(nameOf(id));
     char separator = ' ';
     for (auto const level : id.levels) {
         if (level != unused) {

@@ -35,8 +35,8 @@ std::string pointPath(long long svid);
 /// @return the point's id with key 0, also if the path is a hexadecimal id with a key; none if it is not a path
 std::optional<long long> parsePath(std::string_view path);
 
-/// What a point is, in a word: "unit", "inlet", "phase", "circuit", "socket", "sensor", "group", "rcm"; "point" for any
-/// other kind. Reentrant.
+/// The kind of a point in a word: "unit", "inlet", "phase", "circuit", "socket", "sensor", "group", "rcm"; "point" for
+/// any other. Reentrant.
 std::string_view kindName(long long svid);
 
 /// Kind and numbers of a point: "unit 1", "inlet 1", "circuit 1/2", "socket 1/2/5", "phase 2/3", "sensor 1/1",

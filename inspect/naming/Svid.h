@@ -2,11 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Sensor ids as people write them, and points in words.
+/// Sensor ids as people write them.
 #pragma once
 
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace qel::inspect {

@@ -7,7 +7,6 @@
 #include "format/Names.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/PointPath.h"
-#include "inspect/naming/Svid.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
 #include "region/SvidParts.h"
