@@ -14,11 +14,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
-#include <set>
 #include <sstream>
 #include <string>
-#include <utility>
 
 namespace qel::test {
 
@@ -55,12 +54,7 @@ protected:
 
     void addStructure(ReferenceWriter::Structure const& structure) {
         reference_.addStructure(structure);
-        carryOut([&](auto& writer) {
-            using Writer = std::decay_t<decltype(writer)>;
-            using Map = std::conditional_t<std::is_same_v<Writer, ExposedWriter>, Definitions,
-                                           bench::literal::Definitions>;
-            outcomeOf([&] { return writer.addStructure(definitionsOf<Map>(structure)); });
-        });
+        carryOut([&](auto& writer) { addTo(writer, structure); });
     }
 
     bench::literal::Writer sut;

@@ -16,11 +16,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <memory>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 namespace qel::test {

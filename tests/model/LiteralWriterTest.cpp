@@ -14,8 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ostream>
 #include <string>
-#include <utility>
+#include <vector>
 
 namespace qel::test {
 
@@ -50,50 +51,46 @@ class LiteralWriterRandomTest : public testing::TestWithParam<Scenario> {
 protected:
     LiteralWriterRandomTest() { sut.openShm(); }
 
-    template <typename Writer, typename Definitions>
-    static ReferenceWriter::Outcome add(Writer& writer, ReferenceWriter::Structure const& structure) {
-        return outcomeOf([&] { return writer.addStructure(definitionsOf<Definitions>(structure)); });
-    }
-
-    // One operation on all three; the log is that of the one before.
+    // One operation on all three.
     void step() {
         int const dice = sensors_.number(1, 100);
         if (dice <= 15) {
             auto const structure = sensors_.anyStructure(GetParam().mostPoints);
             auto const expected = reference.addStructure(structure);
-            EXPECT_EQ(expected, (add<bench::literal::Writer, bench::literal::Definitions>(sut, structure)));
-            literalLog_ = log_.take();
-            add<shm::QelSharedMemoryWriter, shm::QelSharedMemoryWriter::Definitions>(library_, structure);
+            callBoth([&](auto& writer) { EXPECT_EQ(expected, addTo(writer, structure)); });
         } else if (dice <= 17) {
             reference.setActive();
-            sut.setActive();
-            literalLog_ = log_.take();
-            library_.setActive();
+            callBoth([](auto& writer) { writer.setActive(); });
         } else if (dice <= 90) {
             auto const update = sensors_.anyUpdate(reference);
-            EXPECT_EQ(reference.updateMV(update.svid, update.number, update.at, update.state),
-                      sut.updateMV(update.svid, valueOf(update)));
-            literalLog_ = log_.take();
-            library_.updateMV(update.svid, valueOf(update));
+            bool const expected = reference.updateMV(update.svid, update.number, update.at, update.state);
+            callBoth(
+                [&](auto& writer) { EXPECT_EQ(expected, writer.updateMV(update.svid, valueOf(update))); });
         } else {
             reference.propagateStates();
-            sut.propagateStates();
-            literalLog_ = log_.take();
-            library_.propagateStates();
+            callBoth([](auto& writer) { writer.propagateStates(); });
         }
     }
 
     bench::literal::Writer sut;
     ReferenceWriter reference;
 
-    std::vector<LogEntry> const& literalLog() const { return literalLog_; }
-    std::vector<LogEntry> libraryLog() { return log_.take(); }
+    // What the last step logged.
+    std::vector<LogEntry> literalLog;
+    std::vector<LogEntry> libraryLog;
 
 private:
+    template <typename Call>
+    void callBoth(Call const& call) {
+        call(sut);
+        literalLog = log_.take();
+        call(library_);
+        libraryLog = log_.take();
+    }
+
     RandomSensors sensors_{GetParam().seed, GetParam().valuesPerPoint};
     shm::QelSharedMemoryWriter library_;
     LogCapture log_{category, Priority::INFO};
-    std::vector<LogEntry> literalLog_;
 };
 
 } // namespace
@@ -104,7 +101,7 @@ TEST_P(LiteralWriterRandomTest, EveryStep_LeavesTheBytesOfTheReference_AndTheLog
         step();
         ASSERT_TRUE(holdsBytesOf(reference, reinterpret_cast<std::uint8_t const*>(sut.region())))
             << "step " << i;
-        ASSERT_EQ(libraryLog(), literalLog()) << "step " << i;
+        ASSERT_EQ(libraryLog, literalLog) << "step " << i;
     }
     EXPECT_EQ(GetParam().fillsUp, reference.freePoints().empty());
     EXPECT_EQ(GetParam().fillsUp, reference.freeValues().empty());

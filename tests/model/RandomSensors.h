@@ -44,10 +44,10 @@ public:
     ReferenceWriter::Structure anyStructure(int mostPoints);
 
     struct Update {
-        Svid svid;
+        Svid svid = 0;
         std::optional<double> number; ///< none for a text
-        std::uint64_t at;
-        std::int32_t state;
+        std::uint64_t at = 0;
+        std::int32_t state = 0;
     };
     /// Mostly of a value that the writer knows.
     Update anyUpdate(ReferenceWriter const& writer);

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <random>
-#include <utility>
 #include <vector>
 
 namespace qel::test::reference {

@@ -55,7 +55,7 @@ public:
     std::deque<std::uint32_t> const& freeValues() const { return freeValues_; }
 
     struct Known {
-        std::uint32_t pos;
+        std::uint32_t pos = 0;
         std::map<std::uint16_t, std::uint32_t> values; ///< key to position
     };
     /// By point id.

@@ -45,6 +45,17 @@ ReferenceWriter::Outcome outcomeOf(Change const& change) {
     }
 }
 
+/// Hands a structure to a writer, as the kind of definitions that it takes.
+template <typename Writer, typename Owner, typename Definitions>
+ReferenceWriter::Outcome addTo(Writer& writer, bool (Owner::*addStructure)(Definitions const&),
+                               ReferenceWriter::Structure const& structure) {
+    return outcomeOf([&] { return (writer.*addStructure)(definitionsOf<Definitions>(structure)); });
+}
+template <typename Writer>
+ReferenceWriter::Outcome addTo(Writer& writer, ReferenceWriter::Structure const& structure) {
+    return addTo(writer, &Writer::addStructure, structure);
+}
+
 inline std::unique_ptr<measval::MeasureValue> valueOf(RandomSensors::Update const& update) {
     auto const state = static_cast<eStatus_Bits>(update.state);
     return update.number ? std::make_unique<measval::MeasureValue>(*update.number, update.at, state)

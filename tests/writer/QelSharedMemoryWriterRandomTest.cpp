@@ -14,9 +14,10 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <map>
-#include <memory>
+#include <ostream>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -54,8 +55,7 @@ protected:
 
     void stepAddStructure() {
         auto const structure = sensors_.anyStructure(GetParam().maximumGrowth);
-        EXPECT_EQ(reference_.addStructure(structure),
-                  outcomeOf([&] { return writer_.addStructure(definitionsOf<Definitions>(structure)); }));
+        EXPECT_EQ(reference_.addStructure(structure), addTo(writer_, structure));
     }
 
     void stepAddPoint() {
