@@ -3,6 +3,8 @@
 
 #include "tests/cuts/WriterBench.h"
 
+#include "format/ValueKeys.h"
+
 #include <log4cpp/Category.hh>
 #include <log4cpp/Priority.hh>
 
@@ -14,7 +16,7 @@ namespace qel::test {
 
 namespace {
 
-constexpr std::uint16_t energyKey = 0x21;
+constexpr std::uint16_t energyKey = shm::key::apparentEnergyDelta;
 constexpr double thousandths = 1000.0;
 
 constexpr unsigned short noKeys = 0x100; ///< first key of values that only hold slots
