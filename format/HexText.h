@@ -25,7 +25,7 @@ public:
         constexpr unsigned digitBits = 4;
         constexpr std::uint64_t digitMask = 0xF;
         do {
-            text_[--begin_] = letters[number & digitMask];
+            text_[--begin_] = letters[static_cast<std::size_t>(number & digitMask)];
             number >>= digitBits;
         } while (number != 0 || (begin_ > 2 && text_.size() - begin_ < minDigits));
         text_[--begin_] = 'x';

@@ -45,6 +45,7 @@ public:
     StateColor at(std::size_t index) const {
         if (index >= length_) {
             // Deliberate: the fixed text of this error names another class.
+            // Deliberate: this is the text that receivers of the error know.
             throw std::out_of_range("vector::_M_range_check");
         }
         return colors_.at(index);

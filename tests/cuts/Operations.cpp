@@ -3,6 +3,8 @@
 
 #include "tests/cuts/Operations.h"
 
+#include "format/ValueKeys.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -14,7 +16,7 @@ namespace {
 using Calls = std::vector<std::function<void(WriterBench&)>>;
 using Points = std::vector<std::size_t>;
 
-constexpr long long pointStateKey = 0x30;
+constexpr long long pointStateKey = shm::key::fuseState;
 constexpr int deepestLevel = 4;
 
 class OperationsOfATree {

@@ -3,6 +3,7 @@
 
 #include "inspect/why/Causes.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 
 #include "tests/support/Rounds.h"
@@ -31,7 +32,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::uint64_t now = 1'700'000'000'000;
-constexpr unsigned short ownKey = 0x30;
+constexpr unsigned short ownKey = shm::key::fuseState;
 constexpr unsigned short voltage = 1;
 constexpr unsigned short power = 19;
 

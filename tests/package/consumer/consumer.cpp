@@ -7,6 +7,7 @@
 #include "format/Names.h"
 #include "format/Print.h"
 #include "format/ValueFormatter.h"
+#include "format/ValueKeys.h"
 #include "region/Exceptions.h"
 #include "writer/QelSharedMemoryWriter.h"
 
@@ -17,8 +18,9 @@
 int main() {
     constexpr long long unit = 0x0100FFFFFFFF0000;
     constexpr long long inlet = 0x010001FFFFFF0000;
-    constexpr unsigned short voltage = 1;
-    constexpr unsigned short activeEnergy = 36;
+    using shm::key::activeEnergy;
+    using shm::key::peakVoltage;
+    using shm::key::voltage;
 
     shm::QelSharedMemoryWriter writer;
     std::map<long long, shm::MPDef, shm::SvidCmp> definitions;
@@ -31,13 +33,14 @@ int main() {
         return writer.updateMV(inlet | key, std::make_unique<measval::MeasureValue>(number, 1000U, state));
     };
     std::cout << "stored: " << store(voltage, 253.46, eStatus_HighAlarm) << ' '
-              << store(activeEnergy, 12500.0, eStatus_NoError) << ' ' << store(2, 0.0, eStatus_NoError)
-              << '\n';
+              << store(activeEnergy, 12500.0, eStatus_NoError) << ' '
+              << store(peakVoltage, 0.0, eStatus_NoError) << '\n';
     writer.propagateStates();
 
     std::cout << writer.tree() << writer.root() << '\n'
               << std::dec << std::noshowbase << shm::keyName(voltage) << ": "
-              << tav::ValueFormatter::str(voltage, 253.46, " ") << '\n';
+              << tav::ValueFormatter::str(voltage, 253.46, " ") << "; " << shm::key::activeEnergy
+              << ": factor " << shm::energyFactor << '\n';
     try {
         definitions[0x0100020101010000];
         writer.addStructure(definitions);

@@ -8,6 +8,7 @@
 #include "tools/replay/ReplayOptions.h"
 
 #include "domain/MeasureValue.h"
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 #include "tests/tools/replay/ShippedRecordings.h"
 #include "writer/QelSharedMemoryWriter.h"
@@ -28,12 +29,12 @@ namespace {
 
 using inspect::Image;
 
-constexpr long long voltage = 0x1;
-constexpr long long activePower = 0x13;
-constexpr long long activeEnergy = 0x24;
-constexpr long long temperature = 0x100;
-constexpr long long humidity = 0x101;
-constexpr long long unitState = 0x34;
+constexpr long long voltage = shm::key::voltage;
+constexpr long long activePower = shm::key::activePower;
+constexpr long long activeEnergy = shm::key::activeEnergy;
+constexpr long long temperature = shm::key::temperature;
+constexpr long long humidity = shm::key::humidity;
+constexpr long long unitState = shm::key::pduState;
 
 constexpr double volts = 230.1;
 constexpr double watts = 1234.5;

@@ -7,6 +7,7 @@
 
 #include "tools/qelshm/watch/SnapshotSource.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/Image.h"
 #include "region/QelShmRecords.h"
 
@@ -20,7 +21,7 @@ constexpr long long socket2Id = 0x010001FFFF020000;
 constexpr long long socket10Id = 0x010001FFFF0A0000;
 
 constexpr std::uint16_t voltage = 1;
-constexpr std::uint16_t activePower = 0x13;
+constexpr std::uint16_t activePower = shm::key::activePower;
 
 /// Builds a region's records by hand; active and without a point at first. Reentrant.
 class TestUnit {
