@@ -10,10 +10,10 @@
 #include "tests/support/Eventually.h"
 #include "tests/support/MainLoopThread.h"
 #include "tests/support/TempFile.h"
-#include "tests/tools/qelshm/CreatedObjects.h"
-#include "tests/tools/qelshm/RawUnit.h"
 #include "tests/tools/replay/CaptureFile.h"
+#include "tests/tools/replay/CreatedObjects.h"
 #include "tests/tools/replay/QelReplayProcess.h"
+#include "tests/tools/replay/RawUnit.h"
 #include "tests/tools/replay/ShippedRecordings.h"
 
 #include <gmock/gmock.h>

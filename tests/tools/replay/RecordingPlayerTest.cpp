@@ -6,7 +6,7 @@
 #include "tools/replay/unit/Topology.h"
 
 #include "tests/support/TempFile.h"
-#include "tests/tools/qelshm/RawUnit.h"
+#include "tests/tools/replay/RawUnit.h"
 
 #include <gmock/gmock.h>
 

@@ -5,7 +5,7 @@
 
 #include "tools/replay/unit/Topology.h"
 
-#include "tests/tools/qelshm/RawUnit.h"
+#include "tests/tools/replay/RawUnit.h"
 
 #include <gtest/gtest.h>
 

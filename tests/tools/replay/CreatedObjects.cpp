@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tests/tools/qelshm/CreatedObjects.h"
+#include "tests/tools/replay/CreatedObjects.h"
 
 #include <sys/inotify.h>
 #include <unistd.h>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tests/tools/qelshm/RawUnit.h"
+#include "tests/tools/replay/RawUnit.h"
 
 #include "format/HexText.h"
 #include "region/SvidParts.h"
