@@ -7,7 +7,6 @@
 #include "inspect/naming/Svid.h"
 
 #include "domain/SensorIdentifier.h"
-#include "format/HexText.h"
 #include "region/SvidParts.h"
 
 #include <algorithm>

@@ -8,7 +8,6 @@
 /// (1), the root's version (1) and state (4), lowest bytes first, and then a separator.
 
 #include "format/HexText.h"
-#include "format/KeyFormat.h"
 #include "format/Names.h"
 #include "format/Print.h"
 #include "format/StateName.h"

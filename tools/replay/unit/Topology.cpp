@@ -11,11 +11,7 @@
 
 namespace qel::tools {
 
-namespace key = shm::key;
-
 namespace {
-
-namespace key = shm::key;
 
 // Each circuit holds the outlets that one analyser measured: A 3 and 6, B 1, 2, 4 and 5, C 7 to 10.
 constexpr unsigned circuitA = 1;
