@@ -11,6 +11,8 @@
 
 namespace qel::tools {
 
+namespace key = shm::key;
+
 namespace {
 
 // Each circuit holds the outlets that one analyser measured: A 3 and 6, B 1, 2, 4 and 5, C 7 to 10.
