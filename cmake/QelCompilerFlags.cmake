@@ -62,6 +62,15 @@ function(qel_precompile target)
   endif()
 endfunction()
 
+# qel_reuse_precompiled(<target> <other>)
+#
+# The headers that the other target precompiles, for a target compiled by the same flags.
+function(qel_reuse_precompiled target other)
+  if(QEL_QUICK_BUILD)
+    target_precompile_headers(${target} REUSE_FROM ${other})
+  endif()
+endfunction()
+
 # qel_skip_optimisation(<target>)
 #
 # Not for programs whose tests need much processor time.
