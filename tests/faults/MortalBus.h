@@ -13,7 +13,9 @@
 namespace qel::test {
 
 /// A bus daemon of the test's own, which DBUS_SYSTEM_BUS_ADDRESS names from its construction to the end of the
-/// process. Comes before anything in the process uses the bus. Threads: not shared.
+/// process. Comes before anything in the process uses the bus.
+///
+/// Threads: thread-bound to the thread that made it.
 class MortalBus {
 public:
     /// @param config of the daemon, by default that of the surroundings
