@@ -15,13 +15,14 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
 namespace qel::test {
 
 /// While one lives, new connections to the system bus fail: "Could not connect: No such file or directory". A
-/// connection that the process still holds goes on to serve; each test has a process of its own for this.
+/// connection that the process still holds goes on to serve.
 class UnreachableBus {
 public:
     UnreachableBus() {
@@ -69,24 +70,41 @@ private:
     std::string former_;
 };
 
+/// The connection that sharedConnection() gave last, for as long as somebody uses it.
+inline GWeakRef lastConnection{};
+
 /// The connection that all users of the bus in this process share, one reference more.
 inline shm::GObjectPtr<GDBusConnection> sharedConnection() {
-    return shm::GObjectPtr<GDBusConnection>(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
+    shm::GObjectPtr<GDBusConnection> connection(g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr));
+    g_weak_ref_set(&lastConnection, connection.get());
+    return connection;
+}
+
+/// Whether the last connection was closed, but is still used by somebody. The process gets no other until then.
+inline bool isClosedConnectionInUse() {
+    shm::GObjectPtr<GDBusConnection> const connection(
+        static_cast<GDBusConnection*>(g_weak_ref_get(&lastConnection)));
+    return connection != nullptr && g_dbus_connection_is_closed(connection.get()) != FALSE;
 }
 
 /// Closes the shared connection and lets the main context hear of it, as it happens when the bus goes away.
+/// @throws std::logic_error when it is closed already
 inline void closeSharedConnection() {
     auto const connection = sharedConnection();
+    if (g_dbus_connection_is_closed(connection.get()) != FALSE) {
+        throw std::logic_error("the shared connection to the bus is closed already");
+    }
     bool closed = false;
     auto const onClosed = +[](GDBusConnection*, gboolean, GError*, bool* flag) {
         *flag = true;
     };
     g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
-    g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), &closed);
+    auto const handler = g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), &closed);
     g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
     while (!closed) {
         g_main_context_iteration(nullptr, TRUE);
     }
+    g_signal_handler_disconnect(connection.get(), handler);
 }
 
 } // namespace qel::test
