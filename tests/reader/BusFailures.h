@@ -15,29 +15,41 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 
 namespace qel::test {
 
-/// While one lives, new connections to the system bus fail: "Could not connect: No such file or directory". A
-/// connection that the process still holds goes on to serve.
-class UnreachableBus {
+/// While one lives, new connections to the system bus go to another address.
+class SystemBusAddress {
 public:
-    UnreachableBus() {
-        if (char const* const address = std::getenv(variable)) {
-            former_ = address;
+    explicit SystemBusAddress(std::string const& address) {
+        if (char const* const former = std::getenv(variable)) {
+            former_ = former;
         }
-        ::setenv(variable, "unix:path=/no/such/bus", 1);
+        ::setenv(variable, address.c_str(), 1);
     }
-    ~UnreachableBus() { ::setenv(variable, former_.c_str(), 1); }
-    UnreachableBus(UnreachableBus const&) = delete;
-    UnreachableBus& operator=(UnreachableBus const&) = delete;
+    ~SystemBusAddress() {
+        if (former_) {
+            ::setenv(variable, former_->c_str(), 1);
+        } else {
+            ::unsetenv(variable);
+        }
+    }
+    SystemBusAddress(SystemBusAddress const&) = delete;
+    SystemBusAddress& operator=(SystemBusAddress const&) = delete;
 
 private:
     static constexpr char const* variable = "DBUS_SYSTEM_BUS_ADDRESS";
-    std::string former_;
+    std::optional<std::string> former_;
+};
+
+/// While one lives, new connections to the system bus fail: "Could not connect: No such file or directory". A
+/// connection that the process still holds goes on to serve.
+class UnreachableBus {
+    SystemBusAddress const address_{"unix:path=/no/such/bus"};
 };
 
 /// While one lives, new connections to the system bus are taken and never greeted, as by a stopped bus.
@@ -52,22 +64,15 @@ public:
         if (::bind(socket_, reinterpret_cast<sockaddr*>(&address), size) != 0 || ::listen(socket_, 8) != 0) {
             throw std::system_error(errno, std::generic_category(), name);
         }
-        if (char const* const former = std::getenv(variable)) {
-            former_ = former;
-        }
-        ::setenv(variable, ("unix:abstract=" + name).c_str(), 1);
+        address_.emplace("unix:abstract=" + name);
     }
-    ~MuteBus() {
-        ::setenv(variable, former_.c_str(), 1);
-        ::close(socket_);
-    }
+    ~MuteBus() { ::close(socket_); }
     MuteBus(MuteBus const&) = delete;
     MuteBus& operator=(MuteBus const&) = delete;
 
 private:
-    static constexpr char const* variable = "DBUS_SYSTEM_BUS_ADDRESS";
     int socket_;
-    std::string former_;
+    std::optional<SystemBusAddress> address_;
 };
 
 /// The connection that sharedConnection() gave last, for as long as somebody uses it.
