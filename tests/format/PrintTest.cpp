@@ -33,7 +33,6 @@ namespace key = shm::key;
 using qel::test::rawNone;
 using qel::test::rawPoint;
 using qel::test::rawRegionSize;
-using qel::test::rawRootOffset;
 using qel::test::RawValue;
 using qel::test::repeatable;
 using shm::QelShmMPnt;

@@ -8,19 +8,14 @@
 #include <gio/gio.h>
 #include <gtest/gtest.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 namespace qel::test {
 
 namespace {
 
-/// Lets the tests of one process begin alike, whatever the one before has left: no object under the region's name, no
-/// structure change that waits to be seen, nothing to dispatch, no connection that was closed and is still in use.
+/// Lets the tests of one process begin alike, whatever the one before has left: no structure change that waits to be
+/// seen, nothing to dispatch, no connection that was closed and is still in use.
 class CleanProcess : public testing::EmptyTestEventListener {
     void OnTestStart(testing::TestInfo const& /*test*/) override {
-        ::shm_unlink("QelSharedMemory");
-        ::rmdir("/dev/shm/QelSharedMemory");
         shm::modificationCounter.settle(shm::modificationCounter.snapshot());
     }
     void OnTestEnd(testing::TestInfo const& /*test*/) override {
