@@ -22,6 +22,8 @@ namespace bench {
 /// sumOfAll() and rebuildIndex(). Works list the contenders that can do them.
 ///
 /// One Writer of a kind exists at a time: names of stores are fixed.
+///
+/// Threads: thread-bound to the main thread, all of them.
 struct InProcess {
     /// The most operations that one round makes of a sweep over all values.
     static constexpr std::size_t roundLimit = std::numeric_limits<std::size_t>::max();

@@ -3,6 +3,7 @@
 
 #include "bench/support/Plan.h"
 
+#include "format/ValueKeys.h"
 #include "region/QelShmRecords.h"
 
 #include <algorithm>
@@ -20,8 +21,8 @@ constexpr unsigned int pointsAboveCircuits = 2 + phases; // the unit, its inlet 
 /// Energies are 0, since some contenders store them in thousandths; sums of the others are exact.
 double numberOf(std::uint32_t slot, std::uint16_t key) {
     constexpr double step = 0.25;
-    constexpr std::uint16_t firstEnergy = 0x20;
-    constexpr std::uint16_t lastEnergy = 0x26;
+    constexpr std::uint16_t firstEnergy = shm::key::apparentEnergy;
+    constexpr std::uint16_t lastEnergy = shm::key::activeEnergyResettable;
     return key >= firstEnergy && key <= lastEnergy ? 0 : slot * step;
 }
 

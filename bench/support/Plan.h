@@ -6,6 +6,7 @@
 #pragma once
 
 #include "domain/eStatus_Bits.h"
+#include "format/ValueKeys.h"
 
 #include <array>
 #include <cstddef>
@@ -34,8 +35,10 @@ constexpr std::array<Shape, 3> shapes{{
 Shape const& shapeNamed(std::string_view name);
 
 /// The keys that every point has, ascending.
-constexpr std::array<std::uint16_t, 11> valueKeys{0x01, 0x04, 0x05, 0x11, 0x12, 0x13,
-                                                  0x16, 0x17, 0x20, 0x22, 0x24};
+constexpr std::array<std::uint16_t, 11> valueKeys{
+    shm::key::voltage,        shm::key::current,        shm::key::peakCurrent,   shm::key::powerFactor,
+    shm::key::apparentPower,  shm::key::activePower,    shm::key::reactivePower, shm::key::frequency,
+    shm::key::apparentEnergy, shm::key::reactiveEnergy, shm::key::activeEnergy};
 
 /// One access, in every contender's terms.
 struct Access {

@@ -13,6 +13,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using Calls = std::vector<std::function<void(WriterBench&)>>;
 using Points = std::vector<std::size_t>;
 
@@ -28,7 +29,7 @@ public:
         for (std::size_t point = 0; point < tree_.points.size(); ++point) {
             at_ = " point " + std::to_string(point);
             put("add values to" + at_, false, {[point](WriterBench& bench) {
-                    bench.addKeys(point, {5, 0x21});
+                    bench.addKeys(point, {5, key::apparentEnergyDelta});
                 }});
             auto const below = tree_.subtree(point);
             remove(Points{point}, "");
@@ -147,9 +148,9 @@ private:
                  }});
         }
         put("add and store an energy of" + at_, false,
-            {[point](WriterBench& bench) { bench.addKeys(point, {0x21}); },
+            {[point](WriterBench& bench) { bench.addKeys(point, {key::apparentEnergyDelta}); },
              [svid](WriterBench& bench) {
-                 bench.update(svid + 0x21);
+                 bench.update(svid + key::apparentEnergyDelta);
              }});
     }
 

@@ -34,7 +34,9 @@ void apply(Store const& store, std::uint8_t* region);
 void takeBack(Store const& store, std::uint8_t* region);
 
 /// While one lives, the functions of recording/region/RegionFields.h note in it what they store. One at a time, and
-/// only stores into its region may be made meanwhile. Threads: one.
+/// only stores into its region may be made meanwhile.
+///
+/// Threads: thread-bound to the thread that made it, which alone may store meanwhile.
 class StoreLog {
 public:
     /// @param region first byte of the mapping that is stored into

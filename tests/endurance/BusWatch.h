@@ -16,7 +16,9 @@ namespace qel::test {
 /// Sources that are attached to the default main context.
 std::size_t attachedSources();
 
-/// Asks the bus what its clients want to hear, over a connection of its own. Threads: not shared.
+/// Asks the bus what its clients want to hear, over a connection of its own.
+///
+/// Threads: thread-bound to the thread that made it.
 class BusWatch {
 public:
     /// Throws std::runtime_error when the bus cannot be reached.

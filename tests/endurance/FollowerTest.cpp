@@ -5,6 +5,7 @@
 
 #include "reader/QelSharedMemoryFollower.h"
 
+#include "format/ValueKeys.h"
 #include "tests/endurance/BusWatch.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/LogCapture.h"
@@ -32,7 +33,7 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr long long inlet = 0x010001FFFFFF0000;
-constexpr long long voltage = inlet | 1;
+constexpr long long voltage = inlet | shm::key::voltage;
 
 /// What the machine's other work may add to the second within which a new writer is followed.
 constexpr std::chrono::seconds tolerance{5};

@@ -3,6 +3,7 @@
 
 // Readers that come and go thousands of times, and two readers of one process used by many threads at once.
 
+#include "format/ValueKeys.h"
 #include "reader/BaseQelShmVisitor.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/endurance/BusWatch.h"
@@ -31,7 +32,7 @@ namespace qel::test {
 
 namespace {
 
-constexpr long long voltage = changingUnit::inlet | 1;
+constexpr long long voltage = changingUnit::inlet | shm::key::voltage;
 
 /// What must be the same before and after.
 struct Holdings {

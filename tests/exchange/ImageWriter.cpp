@@ -4,6 +4,7 @@
 // Lays out a fixed unit with fixed times, states and numbers, and writes the region's bytes to standard output. What
 // differs between processors is among them: signs of bytes and states, times and ids that need 64 bits, odd doubles.
 
+#include "format/ValueKeys.h"
 #include "writer/QelSharedMemoryWriter.h"
 
 #include <array>
@@ -22,6 +23,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using Definitions = shm::QelSharedMemoryWriter::Definitions;
 using Numbers = std::numeric_limits<double>;
 
@@ -42,16 +44,20 @@ constexpr auto farUnit = static_cast<long long>(0xC800FFFFFFFF0000ULL);
 
 Definitions points() {
     Definitions definitions;
-    definitions[unit].mvs = {{1, 0}, {4, 0}, {36, 0}};
+    definitions[unit].mvs = {{key::voltage, 0}, {key::current, 0}, {key::activeEnergy, 0}};
     definitions[inlet];
-    definitions[circuit].mvs = {{1, 0}};
-    definitions[socket].mvs = {{1, 0}, {4, 0}, {19, 0}, {36, 0}, {0xFFFB, 0}};
-    definitions[offSocket].mvs = {{1, 0}, {4, 0}, {999, 0}};
-    definitions[removedSocket].mvs = {{1, 0}, {4, 0}};
-    definitions[sensor].mvs = {{40, 0}, {41, 0}, {0x102, 0}};
-    definitions[group].mvs = {{19, 0}};
-    definitions[monitor].mvs = {{5, 0}};
-    definitions[farUnit].mvs = {{1, 0}, {4, 0}};
+    definitions[circuit].mvs = {{key::voltage, 0}};
+    definitions[socket].mvs = {{key::voltage, 0},
+                               {key::current, 0},
+                               {key::activePower, 0},
+                               {key::activeEnergy, 0},
+                               {key::activeEnergyDeltaBaseValue, 0}};
+    definitions[offSocket].mvs = {{key::voltage, 0}, {key::current, 0}, {999, 0}};
+    definitions[removedSocket].mvs = {{key::voltage, 0}, {key::current, 0}};
+    definitions[sensor].mvs = {{40, 0}, {41, 0}, {key::input1, 0}};
+    definitions[group].mvs = {{key::activePower, 0}};
+    definitions[monitor].mvs = {{key::peakCurrent, 0}};
+    definitions[farUnit].mvs = {{key::voltage, 0}, {key::current, 0}};
     return definitions;
 }
 
@@ -63,29 +69,30 @@ struct Update {
 };
 
 constexpr std::array updates{
-    Update{unit | 1, 230.1, start, eStatus_NoError},
-    Update{unit | 4, -0.0, start + 1, eStatus_NoError},
-    Update{unit | 36, 1234567.0, start + 2, eStatus_NoError}, // energies are divided by 1000
-    Update{circuit | 1, Numbers::quiet_NaN(), start + 3, eStatus_NoError},
-    Update{socket | 1, 253.46, start + 4, eStatus_HighAlarm},
-    Update{socket | 4, Numbers::denorm_min(), 0, eStatus_UndefinedValue},
-    Update{socket | 19, Numbers::max(), std::numeric_limits<std::uint64_t>::max(), eStatus_NoError},
-    Update{socket | 36, 1.0, 0x8000000000000000, eStatus_HighWarning},
-    Update{socket | 0xFFFB, 0.1, 0xFFFFFFFF, eStatus_NoError},
-    Update{socket | 0x30, 0.0, start + 5, eStatus_On}, // the point's own state
-    Update{offSocket | 1, -Numbers::infinity(), 0x100000000, eStatus_Lost},
+    Update{unit | key::voltage, 230.1, start, eStatus_NoError},
+    Update{unit | key::current, -0.0, start + 1, eStatus_NoError},
+    Update{unit | key::activeEnergy, 1234567.0, start + 2, eStatus_NoError}, // energies are divided by 1000
+    Update{circuit | key::voltage, Numbers::quiet_NaN(), start + 3, eStatus_NoError},
+    Update{socket | key::voltage, 253.46, start + 4, eStatus_HighAlarm},
+    Update{socket | key::current, Numbers::denorm_min(), 0, eStatus_UndefinedValue},
+    Update{socket | key::activePower, Numbers::max(), std::numeric_limits<std::uint64_t>::max(),
+           eStatus_NoError},
+    Update{socket | key::activeEnergy, 1.0, 0x8000000000000000, eStatus_HighWarning},
+    Update{socket | key::activeEnergyDeltaBaseValue, 0.1, 0xFFFFFFFF, eStatus_NoError},
+    Update{socket | key::fuseState, 0.0, start + 5, eStatus_On}, // the point's own state
+    Update{offSocket | key::voltage, -Numbers::infinity(), 0x100000000, eStatus_Lost},
     Update{offSocket | 999, 1.0 / 3.0, start + 6, static_cast<eStatus_Bits>(-2000000000)},
-    Update{offSocket | 0x30, 0.0, start + 7, eStatus_Off},
+    Update{offSocket | key::fuseState, 0.0, start + 7, eStatus_Off},
     Update{sensor | 40, -12.35, start + 8, eStatus_LowWarning},
-    Update{sensor | 0x102, 1.0, start + 9, eStatus_High},
-    Update{group | 19, 2749.4, start + 10, eStatus_NoError},
-    Update{monitor | 5, 0.03, start + 11, eStatus_NoError},
-    Update{farUnit | 1, 400.0, start + 12, eStatus_LowWarning},
+    Update{sensor | key::input1, 1.0, start + 9, eStatus_High},
+    Update{group | key::activePower, 2749.4, start + 10, eStatus_NoError},
+    Update{monitor | key::peakCurrent, 0.03, start + 11, eStatus_NoError},
+    Update{farUnit | key::voltage, 400.0, start + 12, eStatus_LowWarning},
 };
 
 /// Every point and value that stays, and a socket that is new.
 std::unordered_set<long long> sensorsAfterChange() {
-    std::unordered_set<long long> svids{newSocket | 1, newSocket | 4, inlet};
+    std::unordered_set<long long> svids{newSocket | key::voltage, newSocket | key::current, inlet};
     for (auto const& [svid, definition] : points()) {
         for (auto const& value : definition.mvs) {
             if (svid != removedSocket) {
@@ -110,10 +117,10 @@ void layOut(shm::QelSharedMemoryWriter& writer) {
     for (auto const& [svid, number, at, state] : updates) {
         check(writer.updateMV(svid, std::make_unique<measval::MeasureValue>(number, at, state)), "updateMV");
     }
-    check(writer.updateMV(newSocket | 1, std::make_unique<measval::MeasureValue>(9007199254740993LL, start,
-                                                                                 eStatus_NoError)),
+    check(writer.updateMV(newSocket | key::voltage, std::make_unique<measval::MeasureValue>(
+                                                        9007199254740993LL, start, eStatus_NoError)),
           "updateMV of an integer");
-    check(!writer.updateMV(newSocket | 4,
+    check(!writer.updateMV(newSocket | key::current,
                            std::make_unique<measval::MeasureValue>("text", start + 13, eStatus_LowAlarm)),
           "refusal of a text");
     writer.propagateStates();

@@ -5,6 +5,7 @@
 
 #include "reader/QelSharedMemoryReader.h"
 
+#include "format/ValueKeys.h"
 #include "reader/QelSharedMemoryFollower.h"
 #include "region/Exceptions.h"
 #include "tests/faults/FaultLines.h"
@@ -26,6 +27,7 @@
 
 namespace {
 
+namespace key = shm::key;
 using namespace std::chrono_literals;
 using qel::test::eventually;
 using qel::test::FakeHardwareManager;
@@ -119,7 +121,7 @@ TEST_F(BusLoss, DuringACall_EndsTheCall_AndIsToldAtEachPoll) {
 TEST_F(BusLoss, AfterTheRegionWasMapped_LookUpsGoOn) {
     ForgedRegion const region;
     region.point(5, unit);
-    region.values(5, 7, {1});
+    region.values(5, 7, {key::voltage});
     region.devices({5});
     MainLoopThread const loop;
     FakeHardwareManager const service;
@@ -131,7 +133,7 @@ TEST_F(BusLoss, AfterTheRegionWasMapped_LookUpsGoOn) {
 
     EXPECT_NE(nullptr, sut->mpnt(unit, false));
     EXPECT_NE(nullptr, sut->mpnt(unit, true));
-    EXPECT_TRUE(sut->mval(unit | 1, false));
+    EXPECT_TRUE(sut->mval(unit | key::voltage, false));
     sut.reset();
     EXPECT_TRUE(log.contains(qel::test::readerInfo("~QelSharedMemoryReader: done")));
     EXPECT_EQ("", testing::internal::GetCapturedStderr());
@@ -165,7 +167,7 @@ TEST_F(BusLoss, AfterTheSubscription_NeedsANewReaderOnceTheOldOneIsGone) {
 TEST_F(BusLoss, UnderAFollower_ServesOn_AndHearsAgainWithTheBus) {
     ForgedRegion const region;
     region.point(5, unit);
-    region.values(5, 7, {1});
+    region.values(5, 7, {key::voltage});
     region.devices({5});
     region.activate();
     MainLoopThread const loop;
@@ -175,7 +177,7 @@ TEST_F(BusLoss, UnderAFollower_ServesOn_AndHearsAgainWithTheBus) {
     surviveBusLoss();
     bus.kill();
     EXPECT_FALSE(eventually([&] { return sut.reader() == nullptr; }, 1500ms)) << "the region is as it was";
-    EXPECT_TRUE(sut.mval(unit | 1));
+    EXPECT_TRUE(sut.mval(unit | key::voltage));
 
     bus.start();
     manager = std::make_unique<FakeHardwareManager>();
@@ -185,7 +187,7 @@ TEST_F(BusLoss, UnderAFollower_ServesOn_AndHearsAgainWithTheBus) {
         manager->emitStructureChanged();
         return reader != nullptr && eventually([&] { return reader->modifications() > before; }, 100ms);
     }));
-    EXPECT_TRUE(sut.mval(unit | 1));
+    EXPECT_TRUE(sut.mval(unit | key::voltage));
 }
 
 std::atomic<int> terminations{0};

@@ -3,6 +3,7 @@
 
 /// @file
 /// Log lines of the region's access, of the reader and of its wait thread, as tests of several faults expect them.
+/// All functions are reentrant.
 #pragma once
 
 #include "tests/support/LogCapture.h"

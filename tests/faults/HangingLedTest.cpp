@@ -6,6 +6,7 @@
 #include "states/QelStateLedThread.h"
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/LedFiles.h"
 #include "tests/support/LogCapture.h"
 
@@ -94,11 +95,11 @@ TEST(HangingLed, PropagateStates_DoesNotWaitForTheFile) {
     std::optional<HangingFile> red; // outlives the writer
     shm::QelSharedMemoryWriter sut;
     std::map<long long, shm::MPDef, shm::SvidCmp> unit;
-    unit[point].mvs = {{1, 0}};
+    unit[point].mvs = {{shm::key::voltage, 0}};
     ASSERT_TRUE(sut.addStructure(unit));
     sut.setActive();
     auto const set = [&](eStatus_Bits state) {
-        return sut.updateMV(point | 1,
+        return sut.updateMV(point | shm::key::voltage,
                             std::make_unique<measval::MeasureValue>(230.0, std::uint64_t{1}, state));
     };
 

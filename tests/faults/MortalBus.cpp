@@ -3,10 +3,7 @@
 
 #include "tests/faults/MortalBus.h"
 
-#include "tests/reader/BusFailures.h"
-
 #include <csignal>
-#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -19,8 +16,7 @@ constexpr char address[] = "unix:path=/sys/mortal-bus";
 
 } // namespace
 
-MortalBus::MortalBus(std::string config) : config_(std::move(config)) {
-    ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
+MortalBus::MortalBus(std::string config) : address_(address), config_(std::move(config)) {
     start();
 }
 

@@ -5,6 +5,7 @@
 /// A message bus that a test can let die.
 #pragma once
 
+#include "tests/reader/BusFailures.h"
 #include "tests/support/ChildProcess.h"
 
 #include <optional>
@@ -12,8 +13,10 @@
 
 namespace qel::test {
 
-/// A bus daemon of the test's own, which DBUS_SYSTEM_BUS_ADDRESS names from its construction to the end of the
-/// process. Comes before anything in the process uses the bus. Threads: not shared.
+/// A bus daemon of the test's own, which is the system bus of the process while the object lives. Comes before
+/// anything in the test uses the bus.
+///
+/// Threads: thread-bound to the thread that made it.
 class MortalBus {
 public:
     /// @param config of the daemon, by default that of the surroundings
@@ -26,6 +29,7 @@ public:
     void start();
 
 private:
+    SystemBusAddress const address_;
     std::string config_;
     std::optional<ChildProcess> daemon_;
 };

@@ -7,7 +7,9 @@
 
 namespace qel::test {
 
-/// While one lives, no proxy of this program tells a connection. Threads: one at a time, before others use proxies.
+/// While one lives, no proxy of this program tells a connection.
+///
+/// Threads: thread-bound to the thread that made it; one object at a time, made before other threads use proxies.
 class NoConnection {
 public:
     NoConnection();

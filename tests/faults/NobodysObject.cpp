@@ -40,8 +40,8 @@ bool opensForWriting() {
 
 void forge(unsigned char* bytes) {
     constexpr unsigned char state = 9;
-    bytes[rawRootOffset + 24] = state;
-    bytes[rawRootOffset + 28] = 32;
+    bytes[field::rootState] = state;
+    bytes[field::version] = 32;
 }
 
 /// What the process does, up to the end of its orders. A byte for each: whether it succeeded.

@@ -12,7 +12,7 @@ namespace qel::test {
 /// A process of the user "nobody" that creates the region's object and holds it open and mapped, as anybody can do on a
 /// machine whose /dev/shm everybody may write. Ends with the object of this class; what it created stays.
 ///
-/// Threads: not shared.
+/// Threads: thread-bound to the thread that made it.
 class NobodysObject {
 public:
     /// Creates the object, 320032 bytes of zeros.

@@ -10,6 +10,8 @@
 namespace qel::test {
 
 /// While one lives, permissions hold for the calling thread as for any owner: root's power to override them is off.
+///
+/// Threads: thread-bound to the thread that made it.
 class NoOverride {
 public:
     /// Throws std::system_error when the power cannot be given up.
@@ -23,6 +25,8 @@ private:
 };
 
 /// While one lives, the calling thread, and threads that it starts, meet files as the user "nobody".
+///
+/// Threads: thread-bound to the thread that made it.
 class AsNobody {
 public:
     AsNobody();

@@ -3,6 +3,7 @@
 
 // A reader whose mutex cannot be locked, and one whose proxy has no connection.
 
+#include "format/ValueKeys.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/NoConnection.h"
@@ -43,7 +44,7 @@ TEST(ReaderMutex, ThatCannotBeLocked_IsThrown_AndLeavesTheIndexAsItWas) {
         EXPECT_THROW(sut.mpnt(unit, false), std::system_error);
         EXPECT_THROW(sut.mpnt(unit, true), std::system_error);
         EXPECT_THROW(sut.syncPositions(true), std::system_error);
-        EXPECT_THROW(sut.mval(unit | 1, false), std::system_error);
+        EXPECT_THROW(sut.mval(unit | shm::key::voltage, false), std::system_error);
         EXPECT_NO_THROW(sut.syncPositions(false)) << "locks nothing while the index is current";
     }
     EXPECT_EQ(0U, sut.modifications());

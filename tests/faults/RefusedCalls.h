@@ -16,6 +16,7 @@ enum class Refused {
 
 /// Runs an action on a thread of its own, for which the kernel refuses this with that error; so it does for threads that
 /// the action starts. Throws what the action throws, and std::system_error when the kernel cannot be told so.
+/// Reentrant.
 void withRefused(Refused what, int error, std::function<void()> const& action);
 
 } // namespace qel::test

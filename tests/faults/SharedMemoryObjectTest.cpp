@@ -4,11 +4,13 @@
 // What stands under the region's name, or does not fit below it, is not as it should be: what the writer and the reader
 // log, and that both go on without a region.
 
+#include "format/ValueKeys.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/faults/FaultLines.h"
 #include "tests/faults/Privileges.h"
 #include "tests/faults/RefusedCalls.h"
 #include "tests/support/RawRegion.h"
+#include "tests/support/SocketFile.h"
 #include "writer/QelSharedMemoryWriter.h"
 
 #include <gmock/gmock.h>
@@ -17,16 +19,13 @@
 #include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -42,6 +41,7 @@ namespace fs = std::filesystem;
 using qel::test::AsNobody;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
+using qel::test::makeSocket;
 using qel::test::NoOverride;
 using qel::test::notMapped;
 using qel::test::notOpened;
@@ -72,15 +72,6 @@ std::string contentOf(char const* path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-void makeSocket() {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, objectFile, sizeof address.sun_path - 1);
-    int const fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    EXPECT_EQ(0, ::bind(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address));
-    ::close(fd);
-}
-
 bool hasError(Lines const& lines) {
     return std::any_of(lines.begin(), lines.end(),
                        [](auto const& line) { return line.level <= log4cpp::Priority::ERROR; });
@@ -97,7 +88,8 @@ void useWithoutRegion(MeasuredWriter& writer) {
     EXPECT_FALSE(writer.root());
     writer.setActive();
     writer.propagateStates();
-    EXPECT_FALSE(writer.updateMV(unit | 1, std::make_unique<measval::MeasureValue>(1.0, 1, eStatus_NoError)));
+    EXPECT_FALSE(writer.updateMV(unit | shm::key::voltage,
+                                 std::make_unique<measval::MeasureValue>(1.0, 1, eStatus_NoError)));
     EXPECT_FALSE(writer.modifyStructure({}));
     EXPECT_EQ("", writer.tree());
 }
@@ -107,7 +99,7 @@ void useWithoutRegion(shm::QelSharedMemoryReader& reader) {
     EXPECT_FALSE(reader.root());
     EXPECT_EQ(nullptr, reader.mpnt(unit, false));
     EXPECT_EQ(nullptr, reader.mpnt(unit, true));
-    EXPECT_FALSE(reader.mval(unit | 1, false));
+    EXPECT_FALSE(reader.mval(unit | shm::key::voltage, false));
     EXPECT_TRUE(reader.mps(0, SensorType::Electrical).empty());
     EXPECT_TRUE(reader.mvs(0).empty());
     EXPECT_EQ("", reader.tree());
@@ -165,7 +157,7 @@ std::vector<Fault> const& faults() {
          [] { ASSERT_EQ(0, ::mkfifo(objectFile, 0644)); },
          {notOurs("a named pipe of user 0")},
          {notMapped(ENXIO)}},
-        {"Socket", makeSocket, {notOurs("a socket of user 0")}, readerCannotOpen(ENXIO)},
+        {"Socket", [] { makeSocket(objectFile); }, {notOurs("a socket of user 0")}, readerCannotOpen(ENXIO)},
     };
     return *all;
 }

@@ -6,6 +6,7 @@
 #include "format/Names.h"
 #include "format/StateName.h"
 #include "format/ValueFormatter.h"
+#include "format/ValueKeys.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
 #include "region/QelShmRoot.h"
@@ -27,15 +28,13 @@
 
 namespace {
 
-using qel::test::atOffset;
-using qel::test::keyOffset;
+namespace field = qel::test::field;
+namespace key = shm::key;
 using qel::test::rawNone;
 using qel::test::rawPoint;
 using qel::test::rawRegionSize;
-using qel::test::rawRootOffset;
 using qel::test::RawValue;
 using qel::test::repeatable;
-using qel::test::stateOffset;
 using shm::QelShmMPnt;
 using shm::QelShmMVal;
 using shm::QelShmRoot;
@@ -73,40 +72,24 @@ private:
     std::vector<std::uint8_t> bytes_;
 };
 
-// Fields of a point's slot.
-constexpr std::size_t posOffset = 0;
-constexpr std::size_t nextOffset = 4;
-constexpr std::size_t mvsOffset = 12;
-constexpr std::size_t childrenOffset = 16;
-constexpr std::size_t guidOffset = 24;
-constexpr std::size_t pointStateOffset = 40;
-constexpr std::size_t typeOffset = 44;
-constexpr std::size_t pointSize = 48;
-
-// Fields of the root.
-constexpr std::size_t devicesOffset = rawRootOffset + 16;
-constexpr std::size_t groupsOffset = rawRootOffset + 20;
-constexpr std::size_t rootStateOffset = rawRootOffset + 24;
-constexpr std::size_t versionOffset = rawRootOffset + 28;
-
 /// A socket point with type "Schuko" in state "On".
 Bytes socketPoint() {
     Bytes bytes;
-    bytes.set(posOffset, std::uint32_t{27})
-        .set(guidOffset, std::int64_t{0x0100010203050000})
-        .set(pointStateOffset, std::int32_t{17})
-        .set(typeOffset, std::uint8_t{30});
+    bytes.set(field::pos, std::uint32_t{27})
+        .set(field::guid, std::int64_t{0x0100010203050000})
+        .set(field::pointState, std::int32_t{17})
+        .set(field::pointType, std::uint8_t{30});
     return bytes;
 }
 
 /// An active region with two devices and one group.
 Bytes activeRegion() {
     Bytes bytes;
-    bytes.set(devicesOffset, std::uint32_t{5})
-        .set(rawPoint(5) + nextOffset, std::uint32_t{799})
-        .set(groupsOffset, std::uint32_t{9})
-        .set(rootStateOffset, std::int32_t{17})
-        .set(versionOffset, std::uint8_t{32});
+    bytes.set(field::devices, std::uint32_t{5})
+        .set(rawPoint(5) + field::next, std::uint32_t{799})
+        .set(field::groups, std::uint32_t{9})
+        .set(field::rootState, std::int32_t{17})
+        .set(field::version, std::uint8_t{32});
     return bytes;
 }
 
@@ -124,15 +107,15 @@ std::string hex(std::uint64_t number, int digits) {
 }
 
 TEST(PrintMValTest, RendersOneLine) {
-    RawValue slot(1, 230.1, 0, 1234);
+    RawValue slot(key::voltage, 230.1, 0, 1234);
 
     EXPECT_EQ(printed(slot.handle()),
               "QSMV {key = 0x0001 [Voltage], value = 230.1 V, state = No Error, at = 1234}");
 }
 
 TEST(PrintMValTest, FillsTheKeyToFourDigits) {
-    RawValue location(0x200, 0, 0);
-    RawValue top(0xFFFE, 0, 0);
+    RawValue location(key::deviceLocation, 0, 0);
+    RawValue top(key::voltageMeasuredAtSocketLevel, 0, 0);
 
     EXPECT_EQ(printed(location.handle()),
               "QSMV {key = 0x0200 [Device location], value = 0.0, state = No Error, at = 0}");
@@ -157,7 +140,7 @@ TEST(PrintMValTest, OfAFreshSlot) {
 }
 
 TEST(PrintMValTest, SetsTheStreamToDecimalAndLeavesItSo) {
-    RawValue slot(1, 1, 0, 255);
+    RawValue slot(key::voltage, 1, 0, 255);
     std::ostringstream out;
     out << std::hex << std::showbase;
 
@@ -168,7 +151,7 @@ TEST(PrintMValTest, SetsTheStreamToDecimalAndLeavesItSo) {
 }
 
 TEST(PrintMValTest, LeavesAllOtherFlagsWidthAndFillAlone) {
-    RawValue slot(1, 1, 0, 255);
+    RawValue slot(key::voltage, 1, 0, 255);
     std::ostringstream out;
     out << std::oct << std::showbase << std::uppercase << std::left << std::setfill('*')
         << std::setprecision(3);
@@ -206,23 +189,23 @@ TEST(PrintMValTest, OfAnyBytes) {
     for (int i = 0; i < randomSlots; ++i) {
         slot.randomize(random);
         if (i % 2 != 0) {
-            slot.set(keyOffset, static_cast<std::uint16_t>(random() % 600));
-            slot.set(stateOffset, static_cast<std::int32_t>(random() % 50) - 3);
+            slot.set(field::valueKey, static_cast<std::uint16_t>(random() % 600));
+            slot.set(field::valueState, static_cast<std::int32_t>(random() % 50) - 3);
         }
         auto const mv = slot.handle();
-        auto const key = slot.get<std::uint16_t>(keyOffset);
-        auto const state = static_cast<eStatus_Bits>(slot.get<std::int32_t>(stateOffset));
+        auto const key = slot.get<std::uint16_t>(field::valueKey);
+        auto const state = static_cast<eStatus_Bits>(slot.get<std::int32_t>(field::valueState));
 
         ASSERT_EQ(printed(mv), "QSMV {key = " + hex(key, 4) + " [" + shm::keyName(key) +
                                    "], value = " + tav::ValueFormatter::str(mv) +
                                    ", state = " + std::string(shm::stateName(state)) +
-                                   ", at = " + std::to_string(slot.get<std::uint64_t>(atOffset)) + "}");
+                                   ", at = " + std::to_string(slot.get<std::uint64_t>(field::valueAt)) + "}");
     }
 }
 
 TEST(PrintMPntTest, RendersOneLine) {
     auto bytes = socketPoint();
-    bytes.set(mvsOffset, std::uint32_t{12});
+    bytes.set(field::mvs, std::uint32_t{12});
 
     EXPECT_EQ(printed(bytes.point()), "QSMP {guid = 0x0100010203050000, pos = 27, State = On, Type = Schuko, "
                                       "mvs = true, children = false}");
@@ -235,7 +218,7 @@ TEST(PrintMPntTest, OfAWipedSlot) {
 
 TEST(PrintMPntTest, FillsTheGuidToSixteenDigits) {
     auto bytes = socketPoint();
-    bytes.set(guidOffset, std::int64_t{0xAB0000});
+    bytes.set(field::guid, std::int64_t{0xAB0000});
 
     EXPECT_EQ(printed(bytes.point()).substr(0, 33), "QSMP {guid = 0x0000000000ab0000, ");
 }
@@ -243,7 +226,7 @@ TEST(PrintMPntTest, FillsTheGuidToSixteenDigits) {
 TEST(PrintMPntTest, ShowsValuesWhileTheLinkIsAValuePosition) {
     auto const values = [](std::uint32_t link) {
         auto bytes = socketPoint();
-        bytes.set(mvsOffset, link);
+        bytes.set(field::mvs, link);
         return printed(bytes.point()).find(", mvs = true, children = false}") != std::string::npos;
     };
     EXPECT_TRUE(values(0));
@@ -256,7 +239,7 @@ TEST(PrintMPntTest, ShowsValuesWhileTheLinkIsAValuePosition) {
 TEST(PrintMPntTest, ShowsChildrenWhileTheLinkIsAPointPosition) {
     auto const children = [](std::uint32_t link) {
         auto bytes = socketPoint();
-        bytes.set(childrenOffset, link);
+        bytes.set(field::children, link);
         return printed(bytes.point()).find(", mvs = false, children = true}") != std::string::npos;
     };
     EXPECT_TRUE(children(0));
@@ -312,22 +295,22 @@ TEST(PrintMPntTest, OfAnyBytes) {
     auto random = repeatable(2);
     Bytes bytes;
     for (int i = 0; i < randomSlots; ++i) {
-        for (std::size_t offset = 0; offset < pointSize; ++offset) {
+        for (std::size_t offset = 0; offset < rawPoint(1); ++offset) {
             bytes[offset] = static_cast<std::uint8_t>(random());
         }
         if (i % 2 != 0) {
-            bytes.set(mvsOffset, static_cast<std::uint32_t>(random() % 17600));
-            bytes.set(childrenOffset, static_cast<std::uint32_t>(random() % 1600));
-            bytes[guidOffset + 6] = static_cast<std::uint8_t>(random() % 6); // the kind
+            bytes.set(field::mvs, static_cast<std::uint32_t>(random() % 17600));
+            bytes.set(field::children, static_cast<std::uint32_t>(random() % 1600));
+            bytes[field::guid + 6] = static_cast<std::uint8_t>(random() % 6); // the kind
         }
-        auto const state = static_cast<eStatus_Bits>(bytes.get<std::int32_t>(pointStateOffset));
+        auto const state = static_cast<eStatus_Bits>(bytes.get<std::int32_t>(field::pointState));
 
         ASSERT_EQ(printed(bytes.point()),
-                  "QSMP {guid = " + hex(bytes.get<std::uint64_t>(guidOffset), 16) +
-                      ", pos = " + std::to_string(bytes.get<std::uint32_t>(posOffset)) +
+                  "QSMP {guid = " + hex(bytes.get<std::uint64_t>(field::guid), 16) +
+                      ", pos = " + std::to_string(bytes.get<std::uint32_t>(field::pos)) +
                       ", State = " + std::string(shm::stateName(state)) + ", Type = " + bytes.point().tstr() +
-                      ", mvs = " + (bytes.get<std::uint32_t>(mvsOffset) < 8800 ? "true" : "false") +
-                      ", children = " + (bytes.get<std::uint32_t>(childrenOffset) < 800 ? "true" : "false") +
+                      ", mvs = " + (bytes.get<std::uint32_t>(field::mvs) < 8800 ? "true" : "false") +
+                      ", children = " + (bytes.get<std::uint32_t>(field::children) < 800 ? "true" : "false") +
                       "}");
     }
 }
@@ -344,7 +327,7 @@ TEST(PrintRootTest, OfAWipedRegion) {
 
 TEST(PrintRootTest, OfAnUnknownStateAndAnyVersion) {
     auto bytes = activeRegion();
-    bytes.set(rootStateOffset, std::int32_t{44}).set(versionOffset, std::uint8_t{0});
+    bytes.set(field::rootState, std::int32_t{44}).set(field::version, std::uint8_t{0});
 
     EXPECT_EQ(printed(bytes.root()),
               "QSR {valid = true, version = 0, State = UNKNOWN STATE, devices = 0x2, groups = 0x1}");
@@ -353,7 +336,7 @@ TEST(PrintRootTest, OfAnUnknownStateAndAnyVersion) {
 TEST(PrintRootTest, WithListHeadsOutOfRange_CountsNothing) {
     for (std::uint32_t const head : {800U, 8799U, 0x80000000U, rawNone}) {
         auto bytes = activeRegion();
-        bytes.set(devicesOffset, head).set(groupsOffset, head);
+        bytes.set(field::devices, head).set(field::groups, head);
         EXPECT_EQ(printed(bytes.root()),
                   "QSR {valid = true, version = 0x20, State = On, devices = 0, groups = 0}");
     }
@@ -399,7 +382,7 @@ TEST(PrintTest, DoesNotFollowTheLocale) {
     if (!locale.problem().empty()) {
         GTEST_SKIP() << locale.problem();
     }
-    RawValue value(1, 230.1, 0, 1700000000123);
+    RawValue value(key::voltage, 230.1, 0, 1700000000123);
     std::ostringstream out; // of the process's locale
     out << value.handle();
     EXPECT_EQ(out.str(),

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "region/QelShmMVal.h"
+#include "tests/support/RawRegion.h"
 
 #include <array>
 #include <cstddef>
@@ -14,13 +15,6 @@
 #include <random>
 
 namespace qel::test {
-
-/// Width of the slot and where its fields lie, written down here once more on purpose.
-constexpr std::size_t rawValueSize = 32;
-constexpr std::size_t valueOffset = 0;
-constexpr std::size_t atOffset = 8;
-constexpr std::size_t stateOffset = 16;
-constexpr std::size_t keyOffset = 24;
 
 /// Random numbers that are the same each time the tests run.
 inline std::mt19937 repeatable(std::uint32_t seed) {
@@ -32,10 +26,10 @@ class RawValue {
 public:
     RawValue() { bytes_.fill(0xFF); }
     RawValue(std::uint16_t key, double value, std::int32_t state, std::uint64_t at = 0) : RawValue() {
-        set(keyOffset, key);
-        set(valueOffset, value);
-        set(stateOffset, state);
-        set(atOffset, at);
+        set(field::valueKey, key);
+        set(field::number, value);
+        set(field::valueState, state);
+        set(field::valueAt, at);
     }
 
     template <typename Number>
@@ -58,13 +52,15 @@ public:
 
     /// The slot as it is now; the bytes do not follow later changes.
     shm::QelShmMVal handle() {
-        static_assert(sizeof slot_ == rawValueSize);
+        static_assert(sizeof slot_ == size);
         std::memcpy(&slot_, bytes_.data(), sizeof slot_);
         return shm::QelShmMVal(&slot_);
     }
 
 private:
-    std::array<std::uint8_t, rawValueSize> bytes_{};
+    static constexpr std::size_t size = rawValue(1) - rawValue(0);
+
+    std::array<std::uint8_t, size> bytes_{};
     shm::record::QelShmMVal slot_{};
 };
 

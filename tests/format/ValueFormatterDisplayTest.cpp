@@ -5,6 +5,8 @@
 
 #include "format/ValueFormatter.h"
 
+#include "format/ValueKeys.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -13,6 +15,7 @@
 
 namespace {
 
+namespace key = shm::key;
 using tav::ValueFormatter;
 
 std::string display(int key, double value, int state = 0) {
@@ -21,7 +24,8 @@ std::string display(int key, double value, int state = 0) {
 }
 
 TEST(ValueFormatterDisplayTest, ShowsMissingAndExpectedValues) {
-    for (int const key : {0, 1, 17, 256, 257, 260, 266, 65534}) {
+    for (int const key : {key::guid, key::voltage, key::powerFactor, key::temperature, key::humidity,
+                          key::input3, key::dewPoint, key::voltageMeasuredAtSocketLevel}) {
         EXPECT_EQ(display(key, 1, -1), "--") << key;
         EXPECT_EQ(display(key, 1, -2), "n/a") << key;
     }
@@ -36,7 +40,7 @@ TEST(ValueFormatterDisplayTest, WithoutAKey_ShowsAMissingValueWhateverTheState) 
 TEST(ValueFormatterDisplayTest, OfInputsAndOutputs_ShowsTheStateOnly) {
     std::map<int, std::string> const texts{{-1, "--"},  {-2, "n/a"}, {0, "S0"},  {17, "On"},
                                            {18, "Off"}, {37, "Hi"},  {38, "Lo"}, {42, "--"}};
-    for (int key = 258; key <= 265; ++key) {
+    for (int key = key::input1; key <= key::output4; ++key) {
         for (int state = -1000; state <= 1000; ++state) {
             auto const text = texts.find(state);
             ASSERT_EQ(display(key, 1.0, state), text != texts.end() ? text->second : "?")
@@ -47,46 +51,46 @@ TEST(ValueFormatterDisplayTest, OfInputsAndOutputs_ShowsTheStateOnly) {
 }
 
 TEST(ValueFormatterDisplayTest, BesideInputsAndOutputs_ShowsTheValue) {
-    EXPECT_EQ(display(257, 1.0, 17), "|1.0|%");
-    EXPECT_EQ(display(266, 1.0, 17), "1.0|\u00B0C");
+    EXPECT_EQ(display(key::humidity, 1.0, 17), "|1.0|%");
+    EXPECT_EQ(display(key::dewPoint, 1.0, 17), "1.0|\u00B0C");
 }
 
 TEST(ValueFormatterDisplayTest, OfATemperature_MarksTheDegreeSignsFirstByte) {
-    EXPECT_EQ(display(256, 23.46), "|23.5|^\xB0"
-                                   "C");
-    EXPECT_EQ(display(256, -5), "|-5.0|^\xB0"
-                                "C");
+    EXPECT_EQ(display(key::temperature, 23.46), "|23.5|^\xB0"
+                                                "C");
+    EXPECT_EQ(display(key::temperature, -5), "|-5.0|^\xB0"
+                                             "C");
 }
 
 TEST(ValueFormatterDisplayTest, OfHumidity_StartsWithTheSeparator) {
-    EXPECT_EQ(display(257, 45), "|45.0|%");
+    EXPECT_EQ(display(key::humidity, 45), "|45.0|%");
 }
 
 TEST(ValueFormatterDisplayTest, OfADewPoint_IsLikeAnyOtherValue) {
-    EXPECT_EQ(display(266, 5.0), "5.0|\u00B0C");
+    EXPECT_EQ(display(key::dewPoint, 5.0), "5.0|\u00B0C");
 }
 
 TEST(ValueFormatterDisplayTest, OfAPhaseAngle_KeepsTheDegreeSign) {
-    EXPECT_EQ(display(16, 90), "90|\u00B0");
+    EXPECT_EQ(display(key::phaseAngle, 90), "90|\u00B0");
 }
 
 TEST(ValueFormatterDisplayTest, OfAPowerFactor_EndsWithTheSeparator) {
-    EXPECT_EQ(display(17, 0.95), "0.950|");
+    EXPECT_EQ(display(key::powerFactor, 0.95), "0.950|");
 }
 
 TEST(ValueFormatterDisplayTest, JoinsNumberAndUnitWithTheSeparator) {
-    EXPECT_EQ(display(1, 230.1), "230.1|V");
-    EXPECT_EQ(display(36, 12.5), "12.5|kWh");
+    EXPECT_EQ(display(key::voltage, 230.1), "230.1|V");
+    EXPECT_EQ(display(key::activeEnergy, 12.5), "12.5|kWh");
 }
 
 TEST(ValueFormatterDisplayTest, WithoutAUnit_ShowsTheBareNumber) {
     EXPECT_EQ(display(3, 7), "7.0");
-    EXPECT_EQ(display(59, 17), "17.0");
+    EXPECT_EQ(display(key::state, 17), "17.0");
 }
 
 TEST(ValueFormatterDisplayTest, OfEveryOtherKey_IsTheFormattedValue) {
     for (int key = 0; key <= 65534; ++key) {
-        if ((key >= 256 && key <= 265) || key == 17) {
+        if ((key >= key::temperature && key <= key::output4) || key == key::powerFactor) {
             continue;
         }
         ASSERT_EQ(display(key, 12.345), ValueFormatter::str(static_cast<unsigned short>(key), 12.345, "|"))
@@ -96,17 +100,17 @@ TEST(ValueFormatterDisplayTest, OfEveryOtherKey_IsTheFormattedValue) {
 
 TEST(ValueFormatterDisplayTest, OfEveryStateWithAValue_IsTheSame) {
     for (int state = 0; state <= 43; ++state) {
-        EXPECT_EQ(display(1, 230.1, state), "230.1|V") << state;
+        EXPECT_EQ(display(key::voltage, 230.1, state), "230.1|V") << state;
     }
-    EXPECT_EQ(display(1, 230.1, -3), "230.1|V");
+    EXPECT_EQ(display(key::voltage, 230.1, -3), "230.1|V");
 }
 
 TEST(ValueFormatterDisplayTest, OfAHugeTemperature_IsCutBeforeTheUnit) {
-    EXPECT_EQ(display(256, 1e308), "|1000000000000000010979063629440");
+    EXPECT_EQ(display(key::temperature, 1e308), "|1000000000000000010979063629440");
 }
 
 TEST(ValueFormatterDisplayTest, OfATemperatureCutWithinTheDegreeSign_MarksNothing) {
-    EXPECT_EQ(display(256, 1e26), "|100000000000000004764729344.0|\xC2");
+    EXPECT_EQ(display(key::temperature, 1e26), "|100000000000000004764729344.0|\xC2");
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "format/ValueFormatter.h"
 
 #include "domain/GPIOSensor.h"
+#include "format/ValueKeys.h"
 #include "region/QelShmMVal.h"
 #include "tests/format/RawValue.h"
 #include "tests/support/LogCapture.h"
@@ -29,7 +30,7 @@ using tav::ValueFormatter;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint16_t input = 260;
+constexpr std::uint16_t input = shm::key::input3;
 
 GPIOSensorData configured(int mode, long long pulseConstant = 1000) {
     GPIOSensorConfig config;
@@ -128,7 +129,7 @@ TEST(ValueFormatterGpioTest, OfAnyBytes) {
     for (int i = 0; i < 20000; ++i) {
         slot.randomize(random);
         if (i % 4 != 0) {
-            slot.set(qel::test::keyOffset, input);
+            slot.set(qel::test::field::valueKey, input);
         }
         auto const shown = ValueFormatter::str(slot.handle(), configured(i % 7), (random() & 1U) != 0);
         ASSERT_LE(shown.size(), 31U);

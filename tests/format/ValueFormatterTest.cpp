@@ -3,6 +3,7 @@
 
 #include "format/ValueFormatter.h"
 
+#include "format/ValueKeys.h"
 #include "region/QelShmMVal.h"
 #include "tests/format/RawValue.h"
 #include "tests/support/CommaLocale.h"
@@ -23,14 +24,13 @@
 
 namespace {
 
+namespace field = qel::test::field;
+namespace key = shm::key;
 using qel::test::CommaLocale;
-using qel::test::keyOffset;
 using qel::test::LogCapture;
 using qel::test::LogEntry;
 using qel::test::RawValue;
 using qel::test::repeatable;
-using qel::test::stateOffset;
-using qel::test::valueOffset;
 using tav::ValueFormatter;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -122,7 +122,7 @@ unsigned short keyOf(int number) {
 double anyDouble(std::mt19937& random) {
     RawValue bytes;
     bytes.randomize(random);
-    return bytes.get<double>(valueOffset);
+    return bytes.get<double>(field::number);
 }
 
 TEST(ValueFormatterTest, Format_OfEveryKey) {
@@ -134,14 +134,14 @@ TEST(ValueFormatterTest, Format_OfEveryKey) {
 }
 
 TEST(ValueFormatterTest, Format_JoinsNumberAndUnit) {
-    EXPECT_EQ(ValueFormatter::format(1, " "), "%.1f V");
-    EXPECT_EQ(ValueFormatter::format(256, " "), "%.1f \u00B0C");
-    EXPECT_EQ(ValueFormatter::format(16, "|"), "%.0f|\u00B0");
-    EXPECT_EQ(ValueFormatter::format(257, " "), "%.1f %%");
+    EXPECT_EQ(ValueFormatter::format(key::voltage, " "), "%.1f V");
+    EXPECT_EQ(ValueFormatter::format(key::temperature, " "), "%.1f \u00B0C");
+    EXPECT_EQ(ValueFormatter::format(key::phaseAngle, "|"), "%.0f|\u00B0");
+    EXPECT_EQ(ValueFormatter::format(key::humidity, " "), "%.1f %%");
 }
 
 TEST(ValueFormatterTest, Format_WithoutUnit_LeavesTheSeparatorOut) {
-    EXPECT_EQ(ValueFormatter::format(17, " "), "%.3f");
+    EXPECT_EQ(ValueFormatter::format(key::powerFactor, " "), "%.3f");
     EXPECT_EQ(ValueFormatter::format(3, " "), "%.1f");
 }
 
@@ -161,36 +161,37 @@ TEST(ValueFormatterTest, Str_OfEveryKey_IsWhatPrintfMakesOfTheFormat) {
 }
 
 TEST(ValueFormatterTest, Str_RoundsToTheKeysDecimals) {
-    EXPECT_EQ(ValueFormatter::str(1, 230.1, " "), "230.1 V");
-    EXPECT_EQ(ValueFormatter::str(4, 1.234, " "), "1.23 A");
-    EXPECT_EQ(ValueFormatter::str(16, 89.7, " "), "90 \u00B0");
-    EXPECT_EQ(ValueFormatter::str(17, 0.95, " "), "0.950");
-    EXPECT_EQ(ValueFormatter::str(257, 45.0, " "), "45.0 %");
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 230.1, " "), "230.1 V");
+    EXPECT_EQ(ValueFormatter::str(key::current, 1.234, " "), "1.23 A");
+    EXPECT_EQ(ValueFormatter::str(key::phaseAngle, 89.7, " "), "90 \u00B0");
+    EXPECT_EQ(ValueFormatter::str(key::powerFactor, 0.95, " "), "0.950");
+    EXPECT_EQ(ValueFormatter::str(key::humidity, 45.0, " "), "45.0 %");
     EXPECT_EQ(ValueFormatter::str(3, 7, " "), "7.0");
 }
 
 TEST(ValueFormatterTest, Str_TakesTheSeparatorAsPrintfDoes) {
-    EXPECT_EQ(ValueFormatter::str(1, 1, "%%"), "1.0%V");
-    EXPECT_EQ(ValueFormatter::str(257, 1, "%%%%"), "1.0%%%");
-    EXPECT_EQ(ValueFormatter::str(1, 1, ""), "1.0V");
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1, "%%"), "1.0%V");
+    EXPECT_EQ(ValueFormatter::str(key::humidity, 1, "%%%%"), "1.0%%%");
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1, ""), "1.0V");
 }
 
 TEST(ValueFormatterTest, Str_NeverReadsAnArgumentForTheSeparator) {
-    EXPECT_EQ(ValueFormatter::str(1, 1, "%s%n"), "1.0%s%nV");
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1, "%s%n"), "1.0%s%nV");
 }
 
 TEST(ValueFormatterTest, Str_LongerThan31Characters_IsCutThere) {
     EXPECT_EQ(ValueFormatter::str(3, 1e308, " "), "1000000000000000010979063629440");
-    EXPECT_EQ(ValueFormatter::str(1, -1e308, " "), "-100000000000000001097906362944");
+    EXPECT_EQ(ValueFormatter::str(key::voltage, -1e308, " "), "-100000000000000001097906362944");
     EXPECT_EQ(ValueFormatter::str(3, 1e29, " "), "99999999999999991433150857216.0"); // 31 characters
-    EXPECT_EQ(ValueFormatter::str(1, 1e29, " "), "99999999999999991433150857216.0"); // no room for the unit
-    EXPECT_EQ(ValueFormatter::str(1, 1e27, " "), "1000000000000000013287555072.0 "); // nor here
-    EXPECT_EQ(ValueFormatter::str(1, 1e26, " "), "100000000000000004764729344.0 V"); // 31 with it
-    EXPECT_EQ(ValueFormatter::str(1, 1, std::string(100, '-')), "1.0" + std::string(28, '-'));
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1e29, " "),
+              "99999999999999991433150857216.0"); // no room for the unit
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1e27, " "), "1000000000000000013287555072.0 "); // nor here
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1e26, " "), "100000000000000004764729344.0 V"); // 31 with it
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1, std::string(100, '-')), "1.0" + std::string(28, '-'));
 }
 
 TEST(ValueFormatterTest, Str_TakesTheSeparatorUpToAZero) {
-    EXPECT_EQ(ValueFormatter::str(1, 1, std::string("-\0-", 3)), "1.0-");
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 1, std::string("-\0-", 3)), "1.0-");
 }
 
 TEST(ValueFormatterTest, NoTextFollowsTheLocale) {
@@ -198,24 +199,24 @@ TEST(ValueFormatterTest, NoTextFollowsTheLocale) {
     if (!locale.problem().empty()) {
         GTEST_SKIP() << locale.problem();
     }
-    ASSERT_EQ(plainText(1, 230.1, " "), "230,1 V") << "what printf itself writes";
-    EXPECT_EQ(ValueFormatter::str(1, 230.1, " "), "230.1 V");
-    EXPECT_EQ(ValueFormatter::str(17, 0.95, "|"), "0.950");
-    EXPECT_EQ(ValueFormatter::str(16, 1234567.0, "|"), "1234567|\u00B0");
-    EXPECT_EQ(ValueFormatter::strForDisplay(1, 230.1, eStatus_NoError), "230.1|V");
-    EXPECT_EQ(ValueFormatter::format(4, " "), "%.2f A");
-    RawValue slot(4, 1.234, 0);
+    ASSERT_EQ(plainText(key::voltage, 230.1, " "), "230,1 V") << "what printf itself writes";
+    EXPECT_EQ(ValueFormatter::str(key::voltage, 230.1, " "), "230.1 V");
+    EXPECT_EQ(ValueFormatter::str(key::powerFactor, 0.95, "|"), "0.950");
+    EXPECT_EQ(ValueFormatter::str(key::phaseAngle, 1234567.0, "|"), "1234567|\u00B0");
+    EXPECT_EQ(ValueFormatter::strForDisplay(key::voltage, 230.1, eStatus_NoError), "230.1|V");
+    EXPECT_EQ(ValueFormatter::format(key::current, " "), "%.2f A");
+    RawValue slot(key::current, 1.234, 0);
     EXPECT_EQ(ValueFormatter::str(slot.handle()), "1.23 A");
 }
 
 TEST(ValueFormatterTest, StrOfASlot_JoinsWithABlank) {
-    RawValue slot(1, 230.1, 0);
+    RawValue slot(key::voltage, 230.1, 0);
     EXPECT_EQ(ValueFormatter::str(slot.handle()), "230.1 V");
 }
 
 TEST(ValueFormatterTest, StrOfASlot_OfEveryState) {
     for (int state = -100; state <= 100; ++state) {
-        RawValue slot(4, 1.234, state);
+        RawValue slot(key::current, 1.234, state);
         ASSERT_EQ(ValueFormatter::str(slot.handle()), state == -1   ? "--"
                                                       : state == -2 ? "n/a"
                                                                     : "1.23 A")
@@ -240,31 +241,31 @@ TEST(ValueFormatterTest, StrOfASlot_OfAnyBytes) {
     for (int i = 0; i < 20000; ++i) {
         slot.randomize(random);
         if (i % 2 != 0) {
-            slot.set(keyOffset, static_cast<std::uint16_t>(random() % 300));
-            slot.set(stateOffset, static_cast<std::int32_t>(random() % 50) - 3);
+            slot.set(field::valueKey, static_cast<std::uint16_t>(random() % 300));
+            slot.set(field::valueState, static_cast<std::int32_t>(random() % 50) - 3);
         }
-        auto const key = slot.get<std::uint16_t>(keyOffset);
-        auto const state = slot.get<std::int32_t>(stateOffset);
+        auto const key = slot.get<std::uint16_t>(field::valueKey);
+        auto const state = slot.get<std::int32_t>(field::valueState);
         auto const expected = key == 0xFFFF || state == -1 ? "--"
                               : state == -2                ? "n/a"
-                                            : plainText(key, slot.get<double>(valueOffset), " ");
+                                            : plainText(key, slot.get<double>(field::number), " ");
         ASSERT_EQ(ValueFormatter::str(slot.handle()), expected);
     }
 }
 
 TEST(ValueFormatterTest, ScaleToInteger_MultipliesAndRoundsAwayFromTheHalf) {
-    EXPECT_EQ(ValueFormatter::scale(1, 230.456), 23046);
-    EXPECT_EQ(ValueFormatter::scale(17, 0.95), 950);
-    EXPECT_EQ(ValueFormatter::scale(1, 2.345), 235);
-    EXPECT_EQ(ValueFormatter::scale(59, 17.0), 17);
-    EXPECT_EQ(ValueFormatter::scale(1, 0.0), 0);
+    EXPECT_EQ(ValueFormatter::scale(key::voltage, 230.456), 23046);
+    EXPECT_EQ(ValueFormatter::scale(key::powerFactor, 0.95), 950);
+    EXPECT_EQ(ValueFormatter::scale(key::voltage, 2.345), 235);
+    EXPECT_EQ(ValueFormatter::scale(key::state, 17.0), 17);
+    EXPECT_EQ(ValueFormatter::scale(key::voltage, 0.0), 0);
 }
 
 TEST(ValueFormatterTest, ScaleToInteger_AddsTheHalfToNegativeValuesToo) {
-    EXPECT_EQ(ValueFormatter::scale(1, -1.26), -125);
-    EXPECT_EQ(ValueFormatter::scale(1, -2.345), -234);
-    EXPECT_EQ(ValueFormatter::scale(59, -0.5), 0);
-    EXPECT_EQ(ValueFormatter::scale(59, -1.0), 0);
+    EXPECT_EQ(ValueFormatter::scale(key::voltage, -1.26), -125);
+    EXPECT_EQ(ValueFormatter::scale(key::voltage, -2.345), -234);
+    EXPECT_EQ(ValueFormatter::scale(key::state, -0.5), 0);
+    EXPECT_EQ(ValueFormatter::scale(key::state, -1.0), 0);
 }
 
 TEST(ValueFormatterTest, ScaleToInteger_OfEveryKey) {
@@ -282,7 +283,7 @@ TEST(ValueFormatterTest, ScaleToInteger_OfEveryKey) {
 }
 
 TEST(ValueFormatterTest, ScaleToInteger_BeyondTheIntegers_IsTheNearestOne) {
-    for (auto const key : {keyOf(1), keyOf(17), keyOf(59)}) {
+    for (auto const key : {keyOf(key::voltage), keyOf(key::powerFactor), keyOf(key::state)}) {
         EXPECT_EQ(ValueFormatter::scale(key, 1e300), highest);
         EXPECT_EQ(ValueFormatter::scale(key, -1e300), lowest);
         EXPECT_EQ(ValueFormatter::scale(key, infinity), highest);
@@ -294,18 +295,18 @@ TEST(ValueFormatterTest, ScaleToInteger_BeyondTheIntegers_IsTheNearestOne) {
 
 TEST(ValueFormatterTest, ScaleToInteger_AtTheEndsOfTheIntegers) {
     double const beyond = std::ldexp(1.0, 63);
-    EXPECT_EQ(ValueFormatter::scale(59, beyond), highest);
-    EXPECT_EQ(ValueFormatter::scale(59, std::nextafter(beyond, 0)), highest - 1023);
-    EXPECT_EQ(ValueFormatter::scale(59, -beyond), lowest);
-    EXPECT_EQ(ValueFormatter::scale(59, std::nextafter(-beyond, -infinity)), lowest);
-    EXPECT_EQ(ValueFormatter::scale(59, std::nextafter(-beyond, 0)), lowest + 1024);
+    EXPECT_EQ(ValueFormatter::scale(key::state, beyond), highest);
+    EXPECT_EQ(ValueFormatter::scale(key::state, std::nextafter(beyond, 0)), highest - 1023);
+    EXPECT_EQ(ValueFormatter::scale(key::state, -beyond), lowest);
+    EXPECT_EQ(ValueFormatter::scale(key::state, std::nextafter(-beyond, -infinity)), lowest);
+    EXPECT_EQ(ValueFormatter::scale(key::state, std::nextafter(-beyond, 0)), lowest + 1024);
 }
 
 TEST(ValueFormatterTest, ScaleToInteger_OfAnyBytes) {
     auto random = repeatable(5);
     for (int i = 0; i < 20000; ++i) {
         auto const value = anyDouble(random);
-        auto const scaled = ValueFormatter::scale(17, value);
+        auto const scaled = ValueFormatter::scale(key::powerFactor, value);
         if (std::isnan(value)) {
             ASSERT_EQ(scaled, 0);
         } else if (std::fabs(value) > 9.3e15) {
@@ -317,11 +318,11 @@ TEST(ValueFormatterTest, ScaleToInteger_OfAnyBytes) {
 }
 
 TEST(ValueFormatterTest, ScaleToDouble_Divides) {
-    EXPECT_DOUBLE_EQ(ValueFormatter::scale(1, 23046LL), 230.46);
-    EXPECT_DOUBLE_EQ(ValueFormatter::scale(17, 950LL), 0.95);
-    EXPECT_DOUBLE_EQ(ValueFormatter::scale(7, -15LL), -1.5);
-    EXPECT_DOUBLE_EQ(ValueFormatter::scale(59, highest), 9223372036854775807.0);
-    EXPECT_DOUBLE_EQ(ValueFormatter::scale(1, lowest), -92233720368547758.08);
+    EXPECT_DOUBLE_EQ(ValueFormatter::scale(key::voltage, 23046LL), 230.46);
+    EXPECT_DOUBLE_EQ(ValueFormatter::scale(key::powerFactor, 950LL), 0.95);
+    EXPECT_DOUBLE_EQ(ValueFormatter::scale(key::differentialCurrentAc, -15LL), -1.5);
+    EXPECT_DOUBLE_EQ(ValueFormatter::scale(key::state, highest), 9223372036854775807.0);
+    EXPECT_DOUBLE_EQ(ValueFormatter::scale(key::voltage, lowest), -92233720368547758.08);
 }
 
 TEST(ValueFormatterTest, ScaleToDouble_OfEveryKey) {
@@ -339,10 +340,10 @@ TEST(ValueFormatterTest, Scale_OfAKeyWithoutScale_WarnsAndKeepsTheValue) {
     auto const warning =
         LogEntry{"qel.shm.access.format", 400, "scalepos: scaling for Phase Angle has not been defined"};
 
-    EXPECT_EQ(ValueFormatter::scale(16, 90.0), 90);
+    EXPECT_EQ(ValueFormatter::scale(key::phaseAngle, 90.0), 90);
     EXPECT_THAT(log.take(), ElementsAre(warning));
 
-    EXPECT_EQ(ValueFormatter::scale(16, 90LL), 90.0);
+    EXPECT_EQ(ValueFormatter::scale(key::phaseAngle, 90LL), 90.0);
     EXPECT_THAT(log.take(), ElementsAre(warning));
 }
 
@@ -354,7 +355,7 @@ TEST(ValueFormatterTest, Formatting_LogsNothing) {
     ValueFormatter::str(3, 1, " ");
     ValueFormatter::str(slot.handle());
     ValueFormatter::strForDisplay(3, 1, eStatus_NoError);
-    ValueFormatter::scale(1, 1.0);
+    ValueFormatter::scale(key::voltage, 1.0);
 
     EXPECT_THAT(log.entries(), IsEmpty());
 }

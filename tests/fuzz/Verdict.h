@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// What makes an input a failure, beside what sanitizers find.
+/// What makes an input a failure, beside what sanitizers find. All functions are reentrant.
 #pragma once
 
 #include <functional>

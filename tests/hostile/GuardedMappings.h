@@ -14,7 +14,9 @@ namespace qel::test {
 /// guard ends or ends where the rear guard begins, so one of the two places shows any access beyond it. All mappings
 /// of one file at the same place show the same bytes. Needs the linker's --wrap for mmap and munmap.
 ///
-/// One at a time; it must outlive the mappings. Threads: none may map or unmap while it comes or goes.
+/// One at a time; it must outlive the mappings.
+///
+/// Threads: thread-bound to the thread that made it; no other thread may map or unmap while it comes or goes.
 class GuardedMappings {
 public:
     enum class Place : std::uint8_t { BehindFrontGuard, BeforeRearGuard };

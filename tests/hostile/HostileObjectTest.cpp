@@ -3,6 +3,7 @@
 
 #include "tests/hostile/HostileUnit.h"
 
+#include "format/ValueKeys.h"
 #include "tests/reader/SleepRecorder.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FakeHardwareManager.h"
@@ -24,6 +25,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using Place = GuardedMappings::Place;
 using namespace std::chrono_literals;
 
@@ -116,11 +118,11 @@ class HostileWriterTest : public testing::TestWithParam<Place> {
 protected:
     HostileWriterTest() {
         Definitions points;
-        points[pointId(1, 0)] = withKeys({1, 4});
-        points[pointId(1, 0, 1)] = withKeys({1});
-        points[pointId(1, 0, 2)] = withKeys({1});
-        points[pointId(1, 0, 1, -1, 1)] = withKeys({1});
-        points[pointId(1, 2, -1, -1, -1, 1)] = withKeys({19});
+        points[pointId(1, 0)] = withKeys({key::voltage, key::current});
+        points[pointId(1, 0, 1)] = withKeys({key::voltage});
+        points[pointId(1, 0, 2)] = withKeys({key::voltage});
+        points[pointId(1, 0, 1, -1, 1)] = withKeys({key::voltage});
+        points[pointId(1, 2, -1, -1, -1, 1)] = withKeys({key::activePower});
         writer.addStructure(points);
         writer.setActive();
     }
@@ -146,13 +148,13 @@ TEST_P(HostileWriterTest, ForeignNumbersInLinks_LeadUpdatesAndPropagationToNoSlo
         for (auto const number : numbers) {
             auto const former = raw.u32(link);
             raw.set<std::uint32_t>(link, number);
-            EXPECT_TRUE(writer.updateMV(pointId(1, 0, 1) | 1, measured(1.0)));
-            EXPECT_FALSE(writer.updateMV(pointId(1, 0, 1) | 2, measured(1.0)));
+            EXPECT_TRUE(writer.updateMV(pointId(1, 0, 1) | key::voltage, measured(1.0)));
+            EXPECT_FALSE(writer.updateMV(pointId(1, 0, 1) | key::peakVoltage, measured(1.0)));
             writer.propagateStates();
             raw.set<std::uint32_t>(link, former);
         }
     }
-    EXPECT_TRUE(writer.updateMV(pointId(1, 0, 1) | 1, measured(1.0, 2, eStatus_HighAlarm)));
+    EXPECT_TRUE(writer.updateMV(pointId(1, 0, 1) | key::voltage, measured(1.0, 2, eStatus_HighAlarm)));
     writer.propagateStates();
     EXPECT_EQ(eStatus_ChildAlarm, raw.get<std::int32_t>(field::rootState));
 }

@@ -5,6 +5,7 @@
 
 #include "format/HexText.h"
 #include "format/ValueFormatter.h"
+#include "format/ValueKeys.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
 #include "region/QelShmRecords.h"
@@ -27,6 +28,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using tav::ValueFormatter;
 using Numbers = std::numeric_limits<double>;
 
@@ -76,15 +78,16 @@ TEST(HostileRenderingTest, EveryKeyWithTheWidestNumbers_StaysWithinItsBuffer) {
 
 TEST(HostileRenderingTest, NumberOfFullWidth_FillsItsBufferToTheLastCharacter) {
     // 1 is a voltage, 256 a temperature: the display's text has one character more in front.
-    EXPECT_EQ(31U, ValueFormatter::str(1, DBL_MAX, " ").size());
-    EXPECT_EQ(32U, ValueFormatter::strForDisplay(256, -DBL_MAX, static_cast<eStatus_Bits>(17)).size());
+    EXPECT_EQ(31U, ValueFormatter::str(key::voltage, DBL_MAX, " ").size());
+    EXPECT_EQ(32U, ValueFormatter::strForDisplay(key::temperature, -DBL_MAX, eStatus_On).size());
 }
 
 TEST(HostileRenderingTest, SeparatorOfAnyLengthAndContent_IsCutWithTheText) {
     for (std::size_t const size : {0U, 1U, 30U, 31U, 32U, 33U, 4096U}) {
         for (char const filler : {'x', '%', 'n', '\0', '\xC2'}) {
             std::string const separator(size, filler);
-            for (unsigned short const key : std::initializer_list<unsigned short>{1, 17, 256, 257, 999}) {
+            for (unsigned short const key : std::initializer_list<unsigned short>{
+                     key::voltage, key::powerFactor, key::temperature, key::humidity, 999}) {
                 ASSERT_LE(ValueFormatter::str(key, -DBL_MAX, separator).size(), 31U);
                 ASSERT_LE(ValueFormatter::str(key, 0.0, separator).size(), 31U);
                 ASSERT_LE(ValueFormatter::format(key, separator).size(), size + 16);
@@ -94,7 +97,7 @@ TEST(HostileRenderingTest, SeparatorOfAnyLengthAndContent_IsCutWithTheText) {
 }
 
 TEST(HostileRenderingTest, SeparatorOfConversions_IsTakenForText) {
-    EXPECT_EQ("1.0%s%n%p%1000000d V", ValueFormatter::str(1, 1.0, "%s%n%p%1000000d "));
+    EXPECT_EQ("1.0%s%n%p%1000000d V", ValueFormatter::str(key::voltage, 1.0, "%s%n%p%1000000d "));
 }
 
 TEST(HostileRenderingTest, RandomValues_AreRendered) {

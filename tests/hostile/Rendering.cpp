@@ -5,6 +5,7 @@
 
 #include "format/Print.h"
 #include "format/ValueFormatter.h"
+#include "format/ValueKeys.h"
 
 #include "domain/GPIOSensor.h"
 
@@ -25,7 +26,7 @@ constexpr std::size_t longestName = 45;
 dbdata::GPIOSensorData const& inputs() {
     static auto const data = [] {
         dbdata::GPIOSensorConfig config;
-        config.set(0x102, dbdata::GPIOSensorConfig::Contact, 0);
+        config.set(shm::key::input1, dbdata::GPIOSensorConfig::Contact, 0);
         config.set(0x103, dbdata::GPIOSensorConfig::State, 0);
         config.set(0x104, dbdata::GPIOSensorConfig::PulseCounter, 1000);
         config.set(0x105, dbdata::GPIOSensorConfig::PulseCounter, 0);

@@ -3,6 +3,7 @@
 
 #include "tests/support/SmallStack.h"
 
+#include "format/ValueKeys.h"
 #include "reader/BaseQelShmVisitor.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/writer/WriterFixture.h"
@@ -62,7 +63,8 @@ protected:
         }
         ASSERT_EQ(rawNone, sut.addMP(svid(pointSlots), {}, rawNone)) << "the tables are not full";
         sut.setActive();
-        ASSERT_TRUE(sut.updateMV(svid(pointSlots - 1) | 1, measured(1.0, 1, eStatus_HighAlarm)));
+        ASSERT_TRUE(
+            sut.updateMV(svid(pointSlots - 1) | shm::key::voltage, measured(1.0, 1, eStatus_HighAlarm)));
     }
 
     void expectAllWorksTo(unsigned int depth, int globalState) {

@@ -3,6 +3,7 @@
 
 #include "tests/inspect/RandomUnit.h"
 
+#include "format/ValueKeys.h"
 #include "region/Exceptions.h"
 #include "tests/model/ReferenceSvid.h"
 
@@ -142,7 +143,7 @@ void RandomUnit::deliver() {
         auto const svid = anyKnown();
         auto const& keys = points_[svid];
         auto const state = static_cast<eStatus_Bits>(chance(50) ? number(-2, 4) : number(-2, 43));
-        auto const key = keys.empty() || chance(20) ? 0x30 : *keys.begin();
+        auto const key = keys.empty() || chance(20) ? shm::key::fuseState : *keys.begin();
         writer_.updateMV(svid | key, measured(number(-1000, 1000) / 7.0, 1, state));
     }
 }

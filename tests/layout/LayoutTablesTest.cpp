@@ -5,6 +5,7 @@
 
 #include "region/LayoutTables.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/RawRegion.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -95,7 +96,7 @@ TEST_F(LayoutTablesTest, PointFields_TypeOfGroupsAndMonitorsIsInitiallyOne) {
 }
 
 TEST_F(LayoutTablesTest, ValueFields_InitiallyHoldWhatTheWriterStores) {
-    sut.initMV(7, 0x13);
+    sut.initMV(7, shm::key::activePower);
     expectPromised(shm::record::valueFields, raw, rawValue(7), {{"its key", 0x13}});
 }
 

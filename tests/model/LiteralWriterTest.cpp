@@ -5,6 +5,7 @@
 
 #include "bench/literal/Writer.h"
 
+#include "format/ValueKeys.h"
 #include "tests/model/RandomSensors.h"
 #include "tests/model/ReferenceWriter.h"
 #include "tests/model/WriterCalls.h"
@@ -22,6 +23,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using log4cpp::Priority;
 
 constexpr char category[] = "qel.shm.access.writer";
@@ -120,8 +122,8 @@ TEST_F(LiteralWriterTest, UpdateMV_NullValue_StoresNothing) {
     ReferenceWriter reference;
     reference.addStructure({{device, {1}}});
 
-    EXPECT_FALSE(sut.updateMV(device | 1, nullptr));
-    EXPECT_FALSE(sut.updateMV(device | 0x30, nullptr));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, nullptr));
+    EXPECT_FALSE(sut.updateMV(device | key::fuseState, nullptr));
     EXPECT_TRUE(holdsBytesOf(reference, bytes()));
 }
 
@@ -135,7 +137,7 @@ TEST_F(LiteralWriterTest, WithoutRegion_OperationsDoNothing) {
     EXPECT_EQ(ReferenceWriter::Outcome::Thrown, outcomeOf([&] { return closed.addStructure(definitions); }));
     closed.setActive();
     closed.propagateStates();
-    EXPECT_FALSE(closed.updateMV(device | 1, valueOf({device | 1, 1.0, 1, 0})));
+    EXPECT_FALSE(closed.updateMV(device | key::voltage, valueOf({device | key::voltage, 1.0, 1, 0})));
     EXPECT_EQ((std::vector<LogEntry>{
                   {category, Priority::ERROR, "addMP: the shared memory is not mapped"},
                   {category, Priority::ERROR, "bailout: failed to handle MP 0x100ffffffff0000"},

@@ -3,6 +3,7 @@
 
 #include "reader/BaseQelShmVisitor.h"
 
+#include "format/ValueKeys.h"
 #include "reader/IQelVisitorResult.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ class KeySeeker : public shm::BaseQelShmVisitor {
 public:
     void onMVal(shm::QelShmMVal const& value, long long /*svid*/, unsigned int /*depth*/,
                 std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
-        found_ = value->key == 7;
+        found_ = value->key == shm::key::current;
     }
 };
 
@@ -37,10 +38,10 @@ TEST(BaseQelShmVisitorTest, MvFound_GivesWhatADerivedVisitorSet) {
     auto result = std::make_shared<shm::IQelVisitorResult>();
     shm::record::QelShmMVal value{};
     EXPECT_FALSE(sut.mvFound());
-    value.key = 6;
+    value.key = shm::key::voltage;
     sut.onMVal(shm::QelShmMVal(&value), 0, 1, result);
     EXPECT_FALSE(sut.mvFound());
-    value.key = 7;
+    value.key = shm::key::current;
     sut.onMVal(shm::QelShmMVal(&value), 0, 1, result);
     EXPECT_TRUE(sut.mvFound());
 }

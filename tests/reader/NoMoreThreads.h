@@ -12,6 +12,8 @@
 namespace qel::test {
 
 /// While one lives, no thread with default attributes can be created: it would need too large a stack.
+///
+/// Threads: thread-bound to the thread that made it; one object at a time.
 class NoMoreThreads {
 public:
     NoMoreThreads() {

@@ -5,6 +5,7 @@
 
 #include "reader/QelSharedMemoryFollower.h"
 
+#include "format/ValueKeys.h"
 #include "tests/reader/BusFailures.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
@@ -33,6 +34,7 @@
 
 namespace {
 
+namespace key = shm::key;
 using namespace std::chrono_literals;
 using qel::test::eventually;
 using qel::test::FakeHardwareManager;
@@ -46,16 +48,16 @@ using shm::QelShmCondition;
 using Conditions = std::vector<QelShmCondition>;
 
 constexpr long long point = 0x0100000000000000;
-constexpr long long value = point | 1;
+constexpr long long value = point | key::voltage;
 
 /// An object with one point and one value, of this number.
 std::unique_ptr<ForgedRegion> region(double number, std::uint32_t pos = 5) {
     auto made = std::make_unique<ForgedRegion>();
     made->point(pos, point);
-    made->values(pos, 7, {1});
+    made->values(pos, 7, {key::voltage});
     made->devices({pos});
     made->raw().set(qel::test::rawValue(7), number);
-    made->raw().set<std::uint64_t>(qel::test::rawValue(7) + 8, 1000);
+    made->raw().set<std::uint64_t>(qel::test::rawValue(7) + qel::test::field::valueAt, 1000);
     return made;
 }
 
@@ -116,6 +118,14 @@ protected:
     void become(QelShmCondition condition) {
         EXPECT_TRUE(eventually([&] { return sut->condition() == condition; }))
             << "wanted " << condition << ", is " << sut->condition();
+    }
+
+    /// Waits for the second region, of which a second reader gives the number 2.
+    void expectSecondServed() {
+        become(QelShmCondition::Active);
+        expectNumber(2);
+        EXPECT_EQ(readers(), 2U);
+        EXPECT_EQ(voided.size(), 1U);
     }
 
     void expectNumber(double number) {
@@ -225,25 +235,19 @@ TEST_F(QelSharedMemoryFollowerTest, AnotherObject_IsFollowed_AfterTheHandlesWere
     EXPECT_NE(sut->condition(), QelShmCondition::Active) << "the new reader cannot have it mapped yet";
     EXPECT_EQ(voided, Conditions{QelShmCondition::Replaced});
     EXPECT_EQ(readersAtVoiding, std::vector<std::size_t>{1});
-    become(QelShmCondition::Active);
-    expectNumber(2);
-    EXPECT_EQ(readers(), 2U);
-    EXPECT_EQ(voided.size(), 1U);
+    expectSecondServed();
 }
 
 TEST_F(QelSharedMemoryFollowerTest, WriterThatTookTheSameObjectOver_IsFollowed) {
     auto const first = served();
-    first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
+    first->raw().set<std::uint8_t>(qel::test::field::version, 0xFF);
     expectNothing();
     EXPECT_EQ(sut->condition(), QelShmCondition::Inactive);
     EXPECT_EQ(voided, Conditions{QelShmCondition::Inactive});
     first->raw().set(qel::test::rawValue(7), 2.0);
     first->activate();
     EXPECT_NE(sut->condition(), QelShmCondition::Active) << "not with the reader of the former writer";
-    become(QelShmCondition::Active);
-    expectNumber(2);
-    EXPECT_EQ(readers(), 2U);
-    EXPECT_EQ(voided.size(), 1U);
+    expectSecondServed();
 }
 
 TEST_F(QelSharedMemoryFollowerTest, LockLost_GivesNothing_LockHeldAgain_IsFollowed) {
@@ -282,7 +286,7 @@ TEST_F(QelSharedMemoryFollowerTest, LockSeenByAFormerReader_CountsForTheNextOne)
 TEST_F(QelSharedMemoryFollowerTest, ObjectTakenOverBetweenTwoLooks_IsFollowed) {
     auto const first = served();
     std::this_thread::sleep_for(20ms); // the clock of files is a coarse one
-    first->raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
+    first->raw().set<std::uint8_t>(qel::test::field::version, 0xFF);
     int const writer = ::shm_open("QelSharedMemory", O_RDWR, 0);
     ASSERT_EQ(::ftruncate(writer, 320032), 0); // as each writer does at its start
     ::close(writer);
@@ -319,10 +323,7 @@ TEST_F(QelSharedMemoryFollowerTest, AnotherObjectDuringAVisit_IsFollowedAfterIt)
     EXPECT_TRUE(visit(visitor));
     EXPECT_EQ(visitor.values, 1) << "the visit goes on by the region that it began with";
     EXPECT_EQ(voided, Conditions{QelShmCondition::Replaced});
-    become(QelShmCondition::Active);
-    expectNumber(2);
-    EXPECT_EQ(readers(), 2U);
-    EXPECT_EQ(voided.size(), 1U);
+    expectSecondServed();
 }
 
 TEST_F(QelSharedMemoryFollowerTest, VisitInsideAVisit_IsRefused_LookUpsAreNot) {
@@ -395,10 +396,10 @@ TEST_F(QelSharedMemoryFollowerTest, SilentRegion_GivesNothing_ThenIsServedByTheS
     auto const at = std::chrono::duration_cast<std::chrono::milliseconds>(
                         std::chrono::system_clock::now().time_since_epoch())
                         .count();
-    first->raw().set(qel::test::rawValue(7) + 8, static_cast<std::uint64_t>(at));
+    first->raw().set(qel::test::rawValue(7) + qel::test::field::valueAt, static_cast<std::uint64_t>(at));
     EXPECT_EQ(sut->condition(), QelShmCondition::Active);
     expectNumber(1);
-    first->raw().set<std::uint64_t>(qel::test::rawValue(7) + 8, 1000);
+    first->raw().set<std::uint64_t>(qel::test::rawValue(7) + qel::test::field::valueAt, 1000);
     expectNothing();
     EXPECT_EQ(voided, Conditions{QelShmCondition::Silent});
     EXPECT_EQ(readers(), 1U);
@@ -450,8 +451,8 @@ TEST_F(QelSharedMemoryFollowerTest, KeptValue_IsNotMistakenForThatOfAnotherReade
     removeName();
     auto const second = region(2);
     second->point(6, point + 0x10000);
-    second->values(6, 7, {1});
-    second->values(5, 8, {1});
+    second->values(6, 7, {key::voltage});
+    second->values(5, 8, {key::voltage});
     second->devices({5, 6});
     second->raw().set(qel::test::rawValue(8), 3.0);
     second->activate();

@@ -6,6 +6,7 @@
 #include "reader/QelSharedMemoryReader.h"
 
 #include "reader/BaseQelShmVisitor.h"
+#include "tests/reader/CountingVisitor.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
@@ -25,6 +26,7 @@
 
 namespace {
 
+using qel::test::CountingVisitor;
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
 using testing::ElementsAre;
@@ -188,27 +190,12 @@ TEST_F(QelSharedMemoryReaderCallbacksTest, ExceptionFromACallback_LeavesReaderAn
     EXPECT_THAT(events, ElementsAre("second ends")) << "no callback counts as running";
 }
 
-/// Counts and does nothing else.
-class CountingVisitor : public shm::BaseQelShmVisitor {
-public:
-    explicit CountingVisitor(std::atomic<int>& calls) : calls_(calls) {}
-    void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& /*result*/) override {
-        ++calls_;
-    }
-    void onMVal(shm::QelShmMVal const& /*value*/, long long /*svid*/, unsigned int /*depth*/,
-                Result& /*result*/) override {
-        ++calls_;
-    }
-
-private:
-    std::atomic<int>& calls_;
-};
-
 TEST_F(QelSharedMemoryReaderCallbacksTest, Visits_AllocateNothingAfterAThreadsFirst_WhereverTheValuesLie) {
     std::atomic<int> calls{0};
     sut.visitor(std::make_unique<CountingVisitor>(calls));
-    region.children(0, {2, 1});                                                       // not in order
-    region.raw().set<std::uint32_t>(qel::test::rawValue(11) + qel::test::mvNext, 13); // not side by side
+    region.children(0, {2, 1}); // not in order
+    region.raw().set<std::uint32_t>(qel::test::rawValue(11) + qel::test::field::valueNext,
+                                    13); // not side by side
     region.values(2, 20, {4});
     auto result = std::make_shared<shm::IQelVisitorResult>();
     sut.visit(result);
@@ -225,10 +212,11 @@ TEST_F(QelSharedMemoryReaderCallbacksTest, ValuesAnywhere_AreToldInTheOrderOfThe
                                           {12, 7, 13},
                                           {13, 8, 11},
                                           {11, 9, 8800}}) {
-        raw.set<std::uint16_t>(qel::test::rawValue(slot) + qel::test::mvKey, static_cast<std::uint16_t>(key));
-        raw.set<std::uint32_t>(qel::test::rawValue(slot) + qel::test::mvNext, next);
+        raw.set<std::uint16_t>(qel::test::rawValue(slot) + qel::test::field::valueKey,
+                               static_cast<std::uint16_t>(key));
+        raw.set<std::uint32_t>(qel::test::rawValue(slot) + qel::test::field::valueNext, next);
     }
-    raw.set<std::uint32_t>(qel::test::rawPoint(1) + qel::test::mpMvs, 8798);
+    raw.set<std::uint32_t>(qel::test::rawPoint(1) + qel::test::field::mvs, 8798);
     install("v");
     sut.visit(sut.mps(1, SensorType::Any).front(), 1);
     EXPECT_THAT(events,
@@ -239,12 +227,12 @@ TEST_F(QelSharedMemoryReaderCallbacksTest, CircularLists_EndAfterAsManyAsThereAr
     std::atomic<int> calls{0};
     sut.visitor(std::make_unique<CountingVisitor>(calls));
     auto const& raw = region.raw();
-    raw.set<std::uint32_t>(qel::test::rawValue(20) + qel::test::mvNext, 20);
+    raw.set<std::uint32_t>(qel::test::rawValue(20) + qel::test::field::valueNext, 20);
     sut.visit(sut.mps(2, SensorType::Any).front(), 1);
     EXPECT_EQ(1 + 8800, calls);
     region.values(2, 20, {});
     region.values(1, 10, {});
-    raw.set<std::uint32_t>(qel::test::rawPoint(2) + qel::test::mpNext, 1);
+    raw.set<std::uint32_t>(qel::test::rawPoint(2) + qel::test::field::next, 1);
     calls = 0;
     sut.visit();
     EXPECT_EQ(1 + 800, calls);

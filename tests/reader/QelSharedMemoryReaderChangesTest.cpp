@@ -5,6 +5,7 @@
 
 #include "reader/QelSharedMemoryReader.h"
 
+#include "format/ValueKeys.h"
 #include "reader/BaseQelShmVisitor.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/writer/WriterFixture.h"
@@ -24,6 +25,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using testing::ElementsAre;
 using testing::IsSupersetOf;
 
@@ -160,14 +162,14 @@ TEST_F(QelSharedMemoryReaderChangesTest,
         }
     }
     reader.syncPositions(true);
-    EXPECT_EQ(numberOf(socket(6) | 4), shown(socket(6) | 4));
-    EXPECT_EQ(-1, shown(socket(3) | 4));
+    EXPECT_EQ(numberOf(socket(6) | key::current), shown(socket(6) | key::current));
+    EXPECT_EQ(-1, shown(socket(3) | key::current));
 }
 
 TEST_F(QelSharedMemoryReaderChangesTest,
        Mval_AfterARestartWithOneValueFewer_BeforeTheSignal_IsNoOtherPointsValue) {
     layOut(writer, {{1, {1, 4, 19}}, {2, {19, 20}}});
-    shm::QelShmKeptMVal kept(socket(1) | 19);
+    shm::QelShmKeptMVal kept(socket(1) | key::activePower);
     ASSERT_EQ(numberOf(kept.svid()), shown(kept));
     ExposedWriter next;
     layOut(next, {{1, {1, 4}}, {2, {19, 20}}});
@@ -178,7 +180,7 @@ TEST_F(QelSharedMemoryReaderChangesTest,
 TEST_F(QelSharedMemoryReaderChangesTest,
        Mval_RemovedPointWhoseValueSlotsServeAnother_BeforeTheSignal_IsNull) {
     layOut(writer, {{1, {1, 4}}, {6, {1, 4}}});
-    shm::QelShmKeptMVal kept(socket(6) | 1);
+    shm::QelShmKeptMVal kept(socket(6) | key::voltage);
     ASSERT_EQ(numberOf(kept.svid()), shown(kept));
     useUpValues();
     keep({1});
@@ -187,14 +189,14 @@ TEST_F(QelSharedMemoryReaderChangesTest,
         << "the slot still bears the id, and its chain holds the other's values";
     EXPECT_EQ(-1, shown(kept));
     reader.syncPositions(true);
-    EXPECT_EQ(numberOf(socket(7) | 1), shown(socket(7) | 1));
+    EXPECT_EQ(numberOf(socket(7) | key::voltage), shown(socket(7) | key::voltage));
 }
 
 TEST_F(QelSharedMemoryReaderChangesTest, Mval_RemovedPoint_BeforeTheSignal_IsNull_AndItsNeighboursAreFound) {
     layOut(writer, {{1, {1}}, {2, {1}}, {3, {1}}});
     std::vector<shm::QelShmKeptMVal> kept;
     for (int number = 1; number <= 3; ++number) {
-        kept.emplace_back(socket(number) | 1);
+        kept.emplace_back(socket(number) | key::voltage);
         ASSERT_EQ(numberOf(kept.back().svid()), shown(kept.back()));
     }
     for (int const removed : {2, 1}) {
@@ -204,7 +206,7 @@ TEST_F(QelSharedMemoryReaderChangesTest, Mval_RemovedPoint_BeforeTheSignal_IsNul
         }
         keep(left);
         for (int number = 1; number <= 3; ++number) {
-            auto const svid = socket(number) | 1;
+            auto const svid = socket(number) | key::voltage;
             auto const expected = left.count(number) != 0 ? numberOf(svid) : -1;
             EXPECT_EQ(expected, shown(svid)) << number;
             EXPECT_EQ(expected, shown(kept[static_cast<std::size_t>(number - 1)])) << number;
@@ -214,12 +216,12 @@ TEST_F(QelSharedMemoryReaderChangesTest, Mval_RemovedPoint_BeforeTheSignal_IsNul
 
 TEST_F(QelSharedMemoryReaderChangesTest, Mval_PointThatIsAddedBefore_LeavesTheOthersFound) {
     layOut(writer, {{2, {1}}, {3, {1}}});
-    shm::QelShmKeptMVal kept(socket(2) | 1);
+    shm::QelShmKeptMVal kept(socket(2) | key::voltage);
     ASSERT_EQ(numberOf(kept.svid()), shown(kept));
     layOut(writer, {{1, {1}}});
     EXPECT_EQ(numberOf(kept.svid()), shown(kept));
-    EXPECT_EQ(numberOf(socket(3) | 1), shown(socket(3) | 1));
-    EXPECT_EQ(-1, shown(socket(1) | 1)) << "not announced yet";
+    EXPECT_EQ(numberOf(socket(3) | key::voltage), shown(socket(3) | key::voltage));
+    EXPECT_EQ(-1, shown(socket(1) | key::voltage)) << "not announced yet";
 }
 
 /// What the writer does within the callback of the first, of a middle or of the last socket.

@@ -5,6 +5,7 @@
 
 #include "reader/QelSharedMemoryReader.h"
 
+#include "format/ValueKeys.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/LogCapture.h"
@@ -42,13 +43,15 @@ class QelSharedMemoryReaderConditionTest : public testing::Test {
 protected:
     QelSharedMemoryReaderConditionTest() {
         region.point(5, 0x0100000000000000);
-        region.values(5, 7, {1});
+        region.values(5, 7, {shm::key::voltage});
         region.devices({5});
         region.activate();
         deliver(now());
     }
 
-    void deliver(std::uint64_t at) const { region.raw().set(qel::test::rawValue(7) + 8, at); }
+    void deliver(std::uint64_t at) const {
+        region.raw().set(qel::test::rawValue(7) + qel::test::field::valueAt, at);
+    }
 
     ForgedRegion region;
 };
@@ -77,7 +80,7 @@ TEST_F(QelSharedMemoryReaderConditionTest, OldDelivery_IsSilent_UntilTheNextOne)
     deliver(now() + 3'600'000);
     EXPECT_EQ(sut.condition(0ms), QelShmCondition::Active);
     deliver(0);
-    region.raw().set<std::uint64_t>(qel::test::rawPoint(5) + 32, 0);
+    region.raw().set<std::uint64_t>(qel::test::rawPoint(5) + qel::test::field::pointAt, 0);
     EXPECT_EQ(sut.condition(24h), QelShmCondition::Silent);
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
 }
@@ -90,7 +93,7 @@ TEST_F(QelSharedMemoryReaderConditionTest, LastDelivery_IsTheNewestTime) {
 
 TEST_F(QelSharedMemoryReaderConditionTest, VersionNotThatOfAnActiveRegion_IsInactive_AndBack) {
     MappedReader const sut;
-    region.raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
+    region.raw().set<std::uint8_t>(qel::test::field::version, 0xFF);
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Inactive);
     region.activate();
     EXPECT_EQ(sut.condition(ANY_AGE), QelShmCondition::Active);
@@ -146,7 +149,7 @@ TEST_F(QelSharedMemoryReaderConditionTest, ObjectLockedLater_IsGoneOnceItIsNot) 
         EXPECT_EQ(sut.condition(1min), QelShmCondition::Active);
     }
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Gone);
-    region.raw().set<std::uint8_t>(qel::test::rootVersion, 0xFF);
+    region.raw().set<std::uint8_t>(qel::test::field::version, 0xFF);
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Gone);
     ObjectLock const lock;
     EXPECT_EQ(sut.condition(1min), QelShmCondition::Inactive);

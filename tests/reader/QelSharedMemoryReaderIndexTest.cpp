@@ -3,6 +3,7 @@
 
 #include "reader/BaseQelShmVisitor.h"
 #include "reader/QelSharedMemoryReader.h"
+#include "tests/reader/CountingVisitor.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FakeHardwareManager.h"
@@ -28,6 +29,7 @@
 
 namespace {
 
+using qel::test::CountingVisitor;
 using qel::test::eventually;
 using qel::test::FakeHardwareManager;
 using qel::test::ForgedRegion;
@@ -89,7 +91,7 @@ protected:
     }
 
     void setPos(std::uint32_t slot, std::uint32_t pos) const {
-        region.raw().set<std::uint32_t>(qel::test::rawPoint(slot) + qel::test::mpPos, pos);
+        region.raw().set<std::uint32_t>(qel::test::rawPoint(slot) + qel::test::field::pos, pos);
     }
 
     ForgedRegion region;
@@ -193,18 +195,8 @@ TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_CounterAtZero_DoesNothing) 
 }
 
 TEST_F(QelSharedMemoryReaderIndexTest, SyncPositions_PutsTheClientsVisitorBack) {
-    class Counting : public shm::BaseQelShmVisitor {
-    public:
-        explicit Counting(int& points) : points_(points) {}
-        void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& /*result*/) override {
-            ++points_;
-        }
-
-    private:
-        int& points_;
-    };
-    int points = 0;
-    sut.visitor(std::make_unique<Counting>(points));
+    std::atomic<int> points{0};
+    sut.visitor(std::make_unique<CountingVisitor>(points));
     sut.syncPositions(true);
     EXPECT_EQ(points, 0) << "the rebuild is not the client's visit";
     sut.visit();
@@ -336,21 +328,11 @@ TEST_F(QelSharedMemoryReaderIndexTest, RegionMappedDuringAForcedRebuild_IsNotMis
 
 TEST_F(QelSharedMemoryReaderIndexTest,
        VisitorInstalledByAHookOfARebuild_Stays_AndTheRebuildCountsAsUnfinished) {
-    class Counting : public shm::BaseQelShmVisitor {
-    public:
-        explicit Counting(int& points) : points_(points) {}
-        void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& /*result*/) override {
-            ++points_;
-        }
-
-    private:
-        int& points_;
-    };
-    int former = 0;
-    int points = 0;
-    sut.visitor(std::make_unique<Counting>(former));
+    std::atomic<int> former{0};
+    std::atomic<int> points{0};
+    sut.visitor(std::make_unique<CountingVisitor>(former));
     sut.duringWalk = [&] {
-        sut.visitor(std::make_unique<Counting>(points));
+        sut.visitor(std::make_unique<CountingVisitor>(points));
     };
     sut.syncPositions(true);
     EXPECT_EQ(sut.modifications(), 1U);

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
+#include "format/ValueKeys.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/FailureSeams.h"
@@ -21,6 +22,7 @@
 
 namespace {
 
+namespace key = shm::key;
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
 
@@ -41,9 +43,9 @@ class QelSharedMemoryReaderKeptTest : public testing::Test {
 protected:
     QelSharedMemoryReaderKeptTest() {
         region.point(3, pointId);
-        region.values(3, 10, {1, 4, 0xFFFF});
+        region.values(3, 10, {key::voltage, key::current, 0xFFFF});
         region.point(4, otherId);
-        region.values(4, 20, {1});
+        region.values(4, 20, {key::voltage});
         region.devices({3, 4});
         for (std::uint32_t slot = 0; slot < 30; ++slot) {
             region.raw().set<double>(qel::test::rawValue(slot), slot);
@@ -59,42 +61,43 @@ protected:
 };
 
 TEST_F(QelSharedMemoryReaderKeptTest, Mval_FindsEachValueByItsSvid) {
-    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
-    EXPECT_EQ(11, numberOf(sut.mval(pointId | 4, false)));
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | key::voltage, false)));
+    EXPECT_EQ(11, numberOf(sut.mval(pointId | key::current, false)));
     EXPECT_EQ(12, numberOf(sut.mval(pointId | 0xFFFF, false)));
-    EXPECT_EQ(20, numberOf(sut.mval(otherId | 1, false)));
+    EXPECT_EQ(20, numberOf(sut.mval(otherId | key::voltage, false)));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Mval_UnknownPointOrKey_IsNull) {
-    EXPECT_FALSE(sut.mval(otherId | 4, false));
+    EXPECT_FALSE(sut.mval(otherId | key::current, false));
     EXPECT_FALSE(sut.mval(pointId, false));
     EXPECT_FALSE(sut.mval(1, false));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Mval_SeveralValuesOfAKey_GivesTheFirst) {
-    region.values(3, 10, {4, 1, 1});
-    EXPECT_EQ(11, numberOf(sut.mval(pointId | 1, false)));
+    region.values(3, 10, {key::current, key::voltage, key::voltage});
+    EXPECT_EQ(11, numberOf(sut.mval(pointId | key::voltage, false)));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Mval_Force_FollowsAnUnannouncedChange) {
-    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | key::voltage, false)));
     region.point(5, pointId);
-    region.values(5, 25, {1});
+    region.values(5, 25, {key::voltage});
     region.devices({5});
-    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false))) << "the tree does not hold the known slot any more";
-    EXPECT_EQ(25, numberOf(sut.mval(pointId | 1, true)));
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | key::voltage, false)))
+        << "the tree does not hold the known slot any more";
+    EXPECT_EQ(25, numberOf(sut.mval(pointId | key::voltage, true)));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_ShowsTheSlotsPresentNumber) {
-    shm::QelShmKeptMVal kept(pointId | 4);
-    EXPECT_EQ(pointId | 4, kept.svid());
+    shm::QelShmKeptMVal kept(pointId | key::current);
+    EXPECT_EQ(pointId | key::current, kept.svid());
     EXPECT_EQ(11, number(kept));
     region.raw().set<double>(qel::test::rawValue(11), 111);
     EXPECT_EQ(111, number(kept));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_WhileTheStructureStands_LooksNothingUp) {
-    shm::QelShmKeptMVal kept(pointId | 4);
+    shm::QelShmKeptMVal kept(pointId | key::current);
     EXPECT_EQ(11, number(kept));
     auto const before = qel::test::locks();
     EXPECT_EQ(11, number(kept));
@@ -102,59 +105,59 @@ TEST_F(QelSharedMemoryReaderKeptTest, Kept_WhileTheStructureStands_LooksNothingU
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_ChainThatLeadsElsewhere_IsFollowedUnannounced) {
-    shm::QelShmKeptMVal kept(pointId | 4);
+    shm::QelShmKeptMVal kept(pointId | key::current);
     EXPECT_EQ(11, number(kept));
-    region.values(3, 20, {4});
+    region.values(3, 20, {key::current});
     EXPECT_EQ(20, number(kept)) << "the slot still bears the key, the chain does not hold it";
     region.values(3, 20, {});
     EXPECT_EQ(-1, number(kept));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, SlotOfAnotherPoint_IsNotTaken) {
-    EXPECT_EQ(10, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(10, numberOf(sut.mval(pointId | key::voltage, false)));
     region.point(3, 0x0300FFFFFFFF0000);
-    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | key::voltage, false)));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, PointOutOfItsList_IsNotTaken) {
-    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
     EXPECT_EQ(10, number(kept));
     region.devices({4});
     EXPECT_EQ(-1, number(kept));
-    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 1, false)));
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | key::voltage, false)));
     region.devices({4, 3});
     EXPECT_EQ(10, number(kept));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, NeighbourBeingInserted_LeavesTheValueFound) {
-    shm::QelShmKeptMVal kept(otherId | 1);
+    shm::QelShmKeptMVal kept(otherId | key::voltage);
     EXPECT_EQ(20, number(kept));
     auto const& raw = region.raw();
     region.point(5, 0x0300FFFFFFFF0000);
-    raw.set<std::uint32_t>(qel::test::rawPoint(5) + qel::test::mpNext, 4);
-    raw.set<std::uint32_t>(qel::test::rawPoint(5) + qel::test::mpPrev, 3);
-    raw.set<std::uint32_t>(qel::test::rawPoint(3) + qel::test::mpNext,
+    raw.set<std::uint32_t>(qel::test::rawPoint(5) + qel::test::field::next, 4);
+    raw.set<std::uint32_t>(qel::test::rawPoint(5) + qel::test::field::prev, 3);
+    raw.set<std::uint32_t>(qel::test::rawPoint(3) + qel::test::field::next,
                            5); // the link back from 4 is still the old one
     EXPECT_EQ(20, number(kept));
-    EXPECT_EQ(20, numberOf(sut.mval(otherId | 1, false)));
+    EXPECT_EQ(20, numberOf(sut.mval(otherId | key::voltage, false)));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, CircularChain_WithoutTheKey_Ends) {
-    region.raw().set<std::uint32_t>(qel::test::rawValue(12) + qel::test::mvNext, 10);
-    EXPECT_EQ(-1, numberOf(sut.mval(pointId | 2, false)));
+    region.raw().set<std::uint32_t>(qel::test::rawValue(12) + qel::test::field::valueNext, 10);
+    EXPECT_EQ(-1, numberOf(sut.mval(pointId | key::peakVoltage, false)));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_AnnouncedChange_IsLookedUpAnew) {
-    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
     EXPECT_EQ(10, number(kept));
-    region.values(3, 22, {1});
+    region.values(3, 22, {key::voltage});
     announceChange();
     EXPECT_EQ(22, number(kept));
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_RemovedPointWhoseSlotStands_IsTold) {
-    shm::QelShmKeptMVal kept(pointId | 1);
-    shm::QelShmKeptMVal other(otherId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
+    shm::QelShmKeptMVal other(otherId | key::voltage);
     EXPECT_EQ(10, number(kept));
     EXPECT_EQ(20, number(other));
     region.devices({4});
@@ -167,7 +170,7 @@ TEST_F(QelSharedMemoryReaderKeptTest, Kept_RemovedPointWhoseSlotStands_IsTold) {
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_SlotOfAnotherPoint_IsNotTaken) {
-    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
     EXPECT_EQ(10, number(kept));
     region.point(3, otherId);
     EXPECT_NE(nullptr, sut.mpnt(pointId, false)) << "a look-up by the index takes it";
@@ -176,14 +179,14 @@ TEST_F(QelSharedMemoryReaderKeptTest, Kept_SlotOfAnotherPoint_IsNotTaken) {
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_SlotOfAnotherKey_IsLookedUpAnew) {
-    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
     EXPECT_EQ(10, number(kept));
-    region.values(3, 10, {7, 4, 1});
+    region.values(3, 10, {key::differentialCurrentAc, key::current, key::voltage});
     EXPECT_EQ(12, number(kept)) << "no announcement is needed for this";
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_RegionClosed_IsNull) {
-    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
     EXPECT_EQ(10, number(kept));
     sut.closeShm();
     EXPECT_EQ(-1, number(kept));
@@ -192,10 +195,10 @@ TEST_F(QelSharedMemoryReaderKeptTest, Kept_RegionClosed_IsNull) {
 }
 
 TEST_F(QelSharedMemoryReaderKeptTest, Kept_Copy_GoesItsOwnWay) {
-    shm::QelShmKeptMVal kept(pointId | 1);
+    shm::QelShmKeptMVal kept(pointId | key::voltage);
     EXPECT_EQ(10, number(kept));
     auto copy = kept;
-    kept = shm::QelShmKeptMVal(otherId | 1);
+    kept = shm::QelShmKeptMVal(otherId | key::voltage);
     EXPECT_EQ(20, number(kept));
     EXPECT_EQ(10, number(copy));
 }
@@ -212,8 +215,8 @@ TEST_F(QelSharedMemoryReaderKeptTest, Kept_InSeveralThreads_EachFindsItsOwn) {
         }
         return isRight;
     };
-    auto first = std::async(std::launch::async, readAll, pointId | 1, 10);
-    auto second = std::async(std::launch::async, readAll, otherId | 1, 20);
+    auto first = std::async(std::launch::async, readAll, pointId | key::voltage, 10);
+    auto second = std::async(std::launch::async, readAll, otherId | key::voltage, 20);
     EXPECT_TRUE(first.get());
     EXPECT_TRUE(second.get());
 }
@@ -227,7 +230,7 @@ TEST_F(QelSharedMemoryReaderKeptTest, Kept_BesideAThreadThatRebuilds_FindsItsOwn
         }
         isDone = true;
     });
-    shm::QelShmKeptMVal kept(pointId | 4);
+    shm::QelShmKeptMVal kept(pointId | key::current);
     int wrong = 0;
     while (!isDone) {
         wrong += number(kept) == 11 ? 0 : 1;

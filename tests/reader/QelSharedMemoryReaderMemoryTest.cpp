@@ -5,13 +5,16 @@
 
 #include "reader/QelSharedMemoryReader.h"
 
+#include "format/ValueKeys.h"
 #include "reader/BaseQelShmVisitor.h"
+#include "tests/reader/CountingVisitor.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -22,6 +25,8 @@
 
 namespace {
 
+namespace key = shm::key;
+using qel::test::CountingVisitor;
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
 using qel::test::MemoryRunsOut;
@@ -35,21 +40,6 @@ constexpr long long svid(int number) {
     return 0x0100000000000000 + number * 0x10000LL;
 }
 
-class CountingVisitor : public shm::BaseQelShmVisitor {
-public:
-    explicit CountingVisitor(int& calls) : calls_(calls) {}
-    void onMPnt(shm::QelShmMPnt const& /*point*/, unsigned int /*depth*/, Result& /*result*/) override {
-        ++calls_;
-    }
-    void onMVal(shm::QelShmMVal const& /*value*/, long long /*svid*/, unsigned int /*depth*/,
-                Result& /*result*/) override {
-        ++calls_;
-    }
-
-private:
-    int& calls_;
-};
-
 /// Point 0 with all others below it; the values of the last one lie scattered.
 class QelSharedMemoryReaderMemoryTest : public testing::Test {
 protected:
@@ -57,7 +47,7 @@ protected:
         std::vector<std::uint32_t> children;
         for (std::uint32_t pos = 0; pos < points; ++pos) {
             region.point(pos, svid(static_cast<int>(pos)));
-            region.values(pos, pos * valuesPerPoint, {1, 4, 5});
+            region.values(pos, pos * valuesPerPoint, {key::voltage, key::current, key::peakCurrent});
             if (pos != 0) {
                 children.push_back(pos);
             }
@@ -65,8 +55,8 @@ protected:
         region.devices({0});
         region.children(0, children);
         auto const scattered = (points - 1U) * valuesPerPoint;
-        region.raw().set<std::uint32_t>(qel::test::rawValue(scattered) + qel::test::mvNext, 8000);
-        region.raw().set<std::uint16_t>(qel::test::rawValue(8000) + qel::test::mvKey, 4);
+        region.raw().set<std::uint32_t>(qel::test::rawValue(scattered) + qel::test::field::valueNext, 8000);
+        region.raw().set<std::uint16_t>(qel::test::rawValue(8000) + qel::test::field::valueKey, 4);
         sut.syncPositions(true);
         sut.visitor(std::make_unique<CountingVisitor>(calls));
     }
@@ -100,7 +90,7 @@ protected:
             auto const point = sut.mpnt(svid(number), false);
             ASSERT_NE(nullptr, point) << number;
             EXPECT_EQ(svid(number), (*point)->guid);
-            EXPECT_TRUE(sut.mval(svid(number) | 4, false)) << number;
+            EXPECT_TRUE(sut.mval(svid(number) | key::current, false)) << number;
         }
         EXPECT_EQ(nullptr, sut.mpnt(svid(points), false));
         EXPECT_EQ(0U, sut.modifications());
@@ -108,7 +98,7 @@ protected:
 
     ForgedRegion region;
     MappedReader sut;
-    int calls = 0;
+    std::atomic<int> calls{0};
 };
 
 TEST_F(QelSharedMemoryReaderMemoryTest, SyncPositions_LeavesTheCounterRaisedAndTheVisitorInPlace) {
@@ -136,10 +126,10 @@ TEST_F(QelSharedMemoryReaderMemoryTest, Mpnt_ThrowsAndChangesNothing) {
 }
 
 TEST_F(QelSharedMemoryReaderMemoryTest, Mval_NeedsNone) {
-    shm::QelShmKeptMVal kept(svid(7) | 4);
+    shm::QelShmKeptMVal kept(svid(7) | key::current);
     EXPECT_EQ(0U, failEach(
                       [&] {
-                          EXPECT_TRUE(sut.mval(svid(7) | 4, false));
+                          EXPECT_TRUE(sut.mval(svid(7) | key::current, false));
                           EXPECT_TRUE(sut.mval(kept));
                           EXPECT_TRUE(sut.mval(kept));
                       },
@@ -148,12 +138,12 @@ TEST_F(QelSharedMemoryReaderMemoryTest, Mval_NeedsNone) {
 
 TEST_F(QelSharedMemoryReaderMemoryTest, Mval_Forced_LeavesTheNextLookUpRight) {
     auto const failures =
-        failEach([&] { EXPECT_TRUE(sut.mval(svid(7) | 4, true)); }, [&] { expectAllInPlace(); });
+        failEach([&] { EXPECT_TRUE(sut.mval(svid(7) | key::current, true)); }, [&] { expectAllInPlace(); });
     EXPECT_GE(failures, std::size_t{points});
 }
 
 TEST_F(QelSharedMemoryReaderMemoryTest, KeptValue_WhoseRebuildFails_IsFoundAfterwards) {
-    shm::QelShmKeptMVal kept(svid(7) | 4);
+    shm::QelShmKeptMVal kept(svid(7) | key::current);
     ASSERT_TRUE(sut.mval(kept));
     auto const* const slot = &*sut.mval(kept);
     {
@@ -186,7 +176,7 @@ TEST_F(QelSharedMemoryReaderMemoryTest, Lists_ThrowAndChangeNothing) {
 TEST_F(QelSharedMemoryReaderMemoryTest, VisitorTakenAwayInACallback_ThrowsAndStays) {
     class Leaving : public CountingVisitor {
     public:
-        Leaving(MappedReader& reader, int& calls) : CountingVisitor(calls), reader_(reader) {}
+        Leaving(MappedReader& reader, std::atomic<int>& calls) : CountingVisitor(calls), reader_(reader) {}
         void onMVal(shm::QelShmMVal const& value, long long id, unsigned int depth, Result& result) override {
             CountingVisitor::onMVal(value, id, depth, result);
             MemoryRunsOut const out(0);

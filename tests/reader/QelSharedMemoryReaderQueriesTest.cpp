@@ -3,6 +3,7 @@
 
 #include "reader/QelSharedMemoryReader.h"
 
+#include "format/ValueKeys.h"
 #include "tests/reader/MappedReader.h"
 #include "tests/support/ForgedRegion.h"
 
@@ -15,6 +16,7 @@
 
 namespace {
 
+namespace key = shm::key;
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
 using testing::ElementsAre;
@@ -80,7 +82,7 @@ TEST_F(QelSharedMemoryReaderQueriesTest, Mps_OutOfRange_EndsTheChain) {
     for (unsigned int const none : {800U, 801U, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         EXPECT_THAT(points(none, -2), IsEmpty()) << none;
         EXPECT_THAT(points(none, 0), IsEmpty()) << none;
-        region.raw().set<std::uint32_t>(qel::test::rawPoint(1) + qel::test::mpNext, none);
+        region.raw().set<std::uint32_t>(qel::test::rawPoint(1) + qel::test::field::next, none);
         EXPECT_THAT(points(1, -2), ElementsAre(1)) << none;
     }
 }
@@ -93,17 +95,17 @@ TEST_F(QelSharedMemoryReaderQueriesTest, Mps_HandlesShowTheSlotsInPlace) {
 }
 
 TEST_F(QelSharedMemoryReaderQueriesTest, Mvs_GivesTheChainInOrder) {
-    region.values(0, 8796, {9, 1, 0xFFFF, 1});
-    EXPECT_THAT(keys(8796), ElementsAre(9, 1, 0xFFFF, 1));
-    EXPECT_THAT(keys(8799), ElementsAre(1));
+    region.values(0, 8796, {key::neutralCurrent, key::voltage, 0xFFFF, key::voltage});
+    EXPECT_THAT(keys(8796), ElementsAre(key::neutralCurrent, key::voltage, 0xFFFF, key::voltage));
+    EXPECT_THAT(keys(8799), ElementsAre(key::voltage));
 }
 
 TEST_F(QelSharedMemoryReaderQueriesTest, Mvs_OutOfRange_EndsTheChain) {
     for (unsigned int const none : {8800U, 8801U, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         EXPECT_THAT(keys(none), IsEmpty()) << none;
-        region.values(0, 5, {4});
-        region.raw().set<std::uint32_t>(qel::test::rawValue(5) + qel::test::mvNext, none);
-        EXPECT_THAT(keys(5), ElementsAre(4)) << none;
+        region.values(0, 5, {key::current});
+        region.raw().set<std::uint32_t>(qel::test::rawValue(5) + qel::test::field::valueNext, none);
+        EXPECT_THAT(keys(5), ElementsAre(key::current)) << none;
     }
 }
 

@@ -296,10 +296,10 @@ TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Values_FeedsTheVisitorWithoutHook
 
 TEST_F(QelSharedMemoryReaderVisitsOfATreeTest, Visit_LinksOutOfRange_EndQuietly) {
     auto const& raw = region.raw();
-    raw.set<std::uint32_t>(qel::test::rootDevices, 800);
-    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpNext, 0x80000000);
-    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpChildren, 0x7FFFFFFF);
-    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::mpMvs, 8800);
+    raw.set<std::uint32_t>(qel::test::field::devices, 800);
+    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::field::next, 0x80000000);
+    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::field::children, 0x7FFFFFFF);
+    raw.set<std::uint32_t>(qel::test::rawPoint(7) + qel::test::field::mvs, 8800);
     sut.noteVisitor();
     sut.visit();
     EXPECT_THAT(sut.events, ElementsAre("root", "list", "up", "list", "point 7 at 1", "values of 7 at 1",

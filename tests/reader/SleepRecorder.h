@@ -13,6 +13,8 @@ namespace qel::test {
 /// While one lives, std::this_thread::sleep_for returns at once on every thread of this program and is only
 /// counted, so that waits of many minutes can be tested by their number. Without one the program sleeps as
 /// usual.
+///
+/// Threads: thread-safe; one object at a time.
 class SleepRecorder {
 public:
     SleepRecorder();

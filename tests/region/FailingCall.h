@@ -11,7 +11,9 @@ enum class Call { ShmOpen, ShmUnlink, Fstat, Ftruncate, PosixFallocate, Mmap, Mu
 
 /// Lets the next calls of one function fail, those of the library and of the test alike, for as long as it
 /// lives. One at a time; a program links qel-failing-calls for it. A close that fails has closed all the same, as
-/// Linux does. Threads: belongs to one thread.
+/// Linux does.
+///
+/// Threads: thread-bound to the thread that made it.
 class FailingCall {
 public:
     /// @param error what errno becomes, or the result of posix_fallocate; 0 for a shm_unlink that removes nothing and says

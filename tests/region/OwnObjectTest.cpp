@@ -10,15 +10,14 @@
 #include "tests/region/RegionObject.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/RawRegion.h"
+#include "tests/support/SocketFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <sys/fsuid.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -83,15 +82,6 @@ struct Foreign {
     friend std::ostream& operator<<(std::ostream& out, Foreign const& foreign) { return out << foreign.name; }
 };
 
-void makeSocket() {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, objectFile, sizeof address.sun_path - 1);
-    int const fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    EXPECT_EQ(0, ::bind(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address));
-    ::close(fd);
-}
-
 std::vector<Foreign> const& foreigners() {
     static auto const* const all = new std::vector<Foreign>{
         {"AnotherUser", [] { makeFileOf(nobody, 0644); }, "a file of user 0xfffe"},
@@ -120,7 +110,7 @@ std::vector<Foreign> const& foreigners() {
          "a symbolic link of user 0xfffe"},
         {"DanglingLink", [] { fs::create_symlink(linkedFile, objectFile); }, "a symbolic link of user 0"},
         {"Pipe", [] { ASSERT_EQ(0, ::mkfifo(objectFile, 0644)); }, "a named pipe of user 0"},
-        {"Socket", makeSocket, "a socket of user 0"},
+        {"Socket", [] { makeSocket(objectFile); }, "a socket of user 0"},
         {"Device", [] { ASSERT_EQ(0, ::mknod(objectFile, S_IFCHR | 0644U, 0)); }, "a device of user 0"},
     };
     return *all;

@@ -564,7 +564,7 @@ TEST_F(QelSharedMemoryAccessTest, ForkedChild_UnmapsAndLeavesTheNameToItsParent)
               }));
     EXPECT_TRUE(rawRegionExists());
     sut->region()->root.version = 32;
-    EXPECT_EQ(RawRegion().bytes()[rawRootOffset + 28], 32);
+    EXPECT_EQ(RawRegion().bytes()[field::version], 32);
     log.take();
     sut.reset();
     EXPECT_FALSE(rawRegionExists()) << "the parent removes it";
@@ -655,21 +655,29 @@ protected:
         raw->set<std::uint64_t>(rawRootOffset, 0xFF00FFFFFFFF0000ULL);
     }
 
-    void devices(std::uint32_t pos) const { raw->set(rawRootOffset + 16, pos); }
-    void groups(std::uint32_t pos) const { raw->set(rawRootOffset + 20, pos); }
+    void devices(std::uint32_t pos) const { raw->set(field::devices, pos); }
+    void groups(std::uint32_t pos) const { raw->set(field::groups, pos); }
 
     void point(std::uint32_t pos, std::uint64_t svid) const {
         raw->set(rawPoint(pos), pos);
-        raw->set(rawPoint(pos) + 24, svid);
+        raw->set(rawPoint(pos) + field::guid, svid);
     }
-    void next(std::uint32_t pos, std::uint32_t sibling) const { raw->set(rawPoint(pos) + 4, sibling); }
-    void prev(std::uint32_t pos, std::uint32_t sibling) const { raw->set(rawPoint(pos) + 8, sibling); }
-    void values(std::uint32_t pos, std::uint32_t first) const { raw->set(rawPoint(pos) + 12, first); }
-    void children(std::uint32_t pos, std::uint32_t child) const { raw->set(rawPoint(pos) + 16, child); }
-    void parent(std::uint32_t pos, std::uint32_t above) const { raw->set(rawPoint(pos) + 20, above); }
+    void next(std::uint32_t pos, std::uint32_t sibling) const {
+        raw->set(rawPoint(pos) + field::next, sibling);
+    }
+    void prev(std::uint32_t pos, std::uint32_t sibling) const {
+        raw->set(rawPoint(pos) + field::prev, sibling);
+    }
+    void values(std::uint32_t pos, std::uint32_t first) const { raw->set(rawPoint(pos) + field::mvs, first); }
+    void children(std::uint32_t pos, std::uint32_t child) const {
+        raw->set(rawPoint(pos) + field::children, child);
+    }
+    void parent(std::uint32_t pos, std::uint32_t above) const {
+        raw->set(rawPoint(pos) + field::parent, above);
+    }
     void value(std::uint32_t pos, std::uint16_t key, std::uint32_t following = rawNone) const {
-        raw->set(rawValue(pos) + 24, key);
-        raw->set(rawValue(pos) + 20, following);
+        raw->set(rawValue(pos) + field::valueKey, key);
+        raw->set(rawValue(pos) + field::valueNext, following);
     }
 
     Writer sut;

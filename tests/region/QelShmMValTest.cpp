@@ -3,6 +3,8 @@
 
 #include "region/QelShmMVal.h"
 
+#include "format/ValueKeys.h"
+
 #include <gtest/gtest.h>
 
 #include <type_traits>
@@ -27,10 +29,10 @@ TEST(QelShmMValTest, ShowsWhatTheSlotHoldsNow) {
     shm::record::QelShmMVal slot{};
     QelShmMVal const sut(&slot);
     auto const copy = sut;
-    slot.key = 7;
+    slot.key = shm::key::differentialCurrentAc;
     slot.value = 1.5;
     EXPECT_TRUE(sut);
-    EXPECT_EQ(sut->key, 7);
+    EXPECT_EQ(sut->key, shm::key::differentialCurrentAc);
     EXPECT_EQ((*copy).value, 1.5);
     EXPECT_EQ(&*sut, &slot);
 }

@@ -3,13 +3,17 @@
 
 #include "tests/support/ChangingUnit.h"
 
+#include "format/ValueKeys.h"
+
 namespace qel::test::changingUnit {
 
 namespace {
 
+namespace key = shm::key;
+
 template <typename IsPresent>
 std::unordered_set<long long> valuesOf(IsPresent const& isPresent) {
-    std::unordered_set<long long> svids{unit | 1, inlet | 1, circuit | 1};
+    std::unordered_set<long long> svids{unit | key::voltage, inlet | key::voltage, circuit | key::voltage};
     for (long long socket = 1; socket <= 120; ++socket) {
         if (isPresent()) {
             svids.insert(0x010001FF01000001 | socket << 16U);

@@ -10,7 +10,7 @@
 
 namespace qel::test {
 
-/// Waits until the condition holds.
+/// Waits until the condition holds. Reentrant.
 /// @return false on timeout
 template <typename Condition>
 bool eventually(Condition const& condition, std::chrono::milliseconds timeout = std::chrono::seconds(20)) {

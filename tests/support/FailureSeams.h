@@ -10,12 +10,15 @@
 namespace qel::test {
 
 /// Number of allocations by operator new in this thread so far, by the program's own code without shared libraries.
+/// Reentrant.
 std::size_t allocations();
 
-/// Number of mutexes locked in this thread so far, by the program's own code without shared libraries.
+/// Number of mutexes locked in this thread so far, by the program's own code without shared libraries. Reentrant.
 std::size_t locks();
 
 /// While the object exists, only so many allocations by operator new succeed in this thread.
+///
+/// Threads: thread-bound to the thread that made it.
 class MemoryRunsOut {
 public:
     explicit MemoryRunsOut(std::size_t allowed);
@@ -25,6 +28,8 @@ public:
 };
 
 /// While the object exists, no mutex can be locked in this thread.
+///
+/// Threads: thread-bound to the thread that made it.
 class MutexesFail {
 public:
     MutexesFail();
@@ -34,6 +39,8 @@ public:
 };
 
 /// While the object exists, converting a measured value in this thread throws something that is not a std::exception.
+///
+/// Threads: thread-bound to the thread that made it.
 class ConversionThrowsInt {
 public:
     ConversionThrowsInt();

@@ -6,17 +6,17 @@
 namespace qel::test {
 
 void ForgedRegion::point(std::uint32_t pos, long long svid) const {
-    raw_.set<std::uint32_t>(rawPoint(pos) + mpPos, pos);
-    raw_.set<std::int64_t>(rawPoint(pos) + mpGuid, svid);
+    raw_.set<std::uint32_t>(rawPoint(pos) + field::pos, pos);
+    raw_.set<std::int64_t>(rawPoint(pos) + field::guid, svid);
 }
 
 std::uint32_t ForgedRegion::siblings(std::vector<std::uint32_t> const& positions) const {
     auto next = rawNone;
     for (auto pos = positions.rbegin(); pos != positions.rend(); ++pos) {
-        raw_.set<std::uint32_t>(rawPoint(*pos) + mpNext, next);
-        raw_.set<std::uint32_t>(rawPoint(*pos) + mpPrev, rawNone);
+        raw_.set<std::uint32_t>(rawPoint(*pos) + field::next, next);
+        raw_.set<std::uint32_t>(rawPoint(*pos) + field::prev, rawNone);
         if (next != rawNone) {
-            raw_.set<std::uint32_t>(rawPoint(next) + mpPrev, *pos);
+            raw_.set<std::uint32_t>(rawPoint(next) + field::prev, *pos);
         }
         next = *pos;
     }
@@ -24,23 +24,23 @@ std::uint32_t ForgedRegion::siblings(std::vector<std::uint32_t> const& positions
 }
 
 void ForgedRegion::children(std::uint32_t parent, std::vector<std::uint32_t> const& positions) const {
-    raw_.set<std::uint32_t>(rawPoint(parent) + mpChildren, siblings(positions));
+    raw_.set<std::uint32_t>(rawPoint(parent) + field::children, siblings(positions));
     for (auto const pos : positions) {
-        raw_.set<std::uint32_t>(rawPoint(pos) + mpParent, parent);
+        raw_.set<std::uint32_t>(rawPoint(pos) + field::parent, parent);
     }
 }
 
 void ForgedRegion::devices(std::vector<std::uint32_t> const& positions) const {
-    raw_.set<std::uint32_t>(rootDevices, siblings(positions));
+    raw_.set<std::uint32_t>(field::devices, siblings(positions));
     for (auto const pos : positions) {
-        raw_.set<std::uint32_t>(rawPoint(pos) + mpParent, rawNone);
+        raw_.set<std::uint32_t>(rawPoint(pos) + field::parent, rawNone);
     }
 }
 
 void ForgedRegion::groups(std::vector<std::uint32_t> const& positions) const {
-    raw_.set<std::uint32_t>(rootGroups, siblings(positions));
+    raw_.set<std::uint32_t>(field::groups, siblings(positions));
     for (auto const pos : positions) {
-        raw_.set<std::uint32_t>(rawPoint(pos) + mpParent, rawNone);
+        raw_.set<std::uint32_t>(rawPoint(pos) + field::parent, rawNone);
     }
 }
 
@@ -48,15 +48,16 @@ void ForgedRegion::values(std::uint32_t pos, std::uint32_t first,
                           std::vector<std::uint16_t> const& keys) const {
     auto slot = first;
     for (auto const key : keys) {
-        raw_.set<std::uint16_t>(rawValue(slot) + mvKey, key);
-        raw_.set<std::uint32_t>(rawValue(slot) + mvNext, slot + 1 - first < keys.size() ? slot + 1 : rawNone);
+        raw_.set<std::uint16_t>(rawValue(slot) + field::valueKey, key);
+        raw_.set<std::uint32_t>(rawValue(slot) + field::valueNext,
+                                slot + 1 - first < keys.size() ? slot + 1 : rawNone);
         ++slot;
     }
-    raw_.set<std::uint32_t>(rawPoint(pos) + mpMvs, keys.empty() ? rawNone : first);
+    raw_.set<std::uint32_t>(rawPoint(pos) + field::mvs, keys.empty() ? rawNone : first);
 }
 
 void ForgedRegion::activate() const {
-    raw_.set<std::uint8_t>(rootVersion, 32);
+    raw_.set<std::uint8_t>(field::version, 32);
 }
 
 } // namespace qel::test

@@ -42,18 +42,4 @@ private:
     RawRegion raw_;
 };
 
-/// Offsets within a point's slot, a value's slot and the region; repeated on purpose, see RawRegion.h.
-constexpr std::size_t mpPos = 0;
-constexpr std::size_t mpNext = 4;
-constexpr std::size_t mpPrev = 8;
-constexpr std::size_t mpMvs = 12;
-constexpr std::size_t mpChildren = 16;
-constexpr std::size_t mpParent = 20;
-constexpr std::size_t mpGuid = 24;
-constexpr std::size_t mvNext = 20;
-constexpr std::size_t mvKey = 24;
-constexpr std::size_t rootDevices = rawRootOffset + 16;
-constexpr std::size_t rootGroups = rawRootOffset + 20;
-constexpr std::size_t rootVersion = rawRootOffset + 28;
-
 } // namespace qel::test

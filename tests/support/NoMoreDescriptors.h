@@ -15,7 +15,7 @@ namespace qel::test {
 
 /// While the object exists, the process can open no files: "Too many open files". Open ones keep working.
 ///
-/// Threads: reentrant; one object at a time.
+/// Threads: thread-bound to the thread that made it; one object at a time.
 class NoMoreDescriptors {
 public:
     NoMoreDescriptors() {

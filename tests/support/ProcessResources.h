@@ -10,7 +10,7 @@
 
 namespace qel::test {
 
-/// Counted before and after, to detect leaks.
+/// Counted before and after, to detect leaks. Reentrant.
 struct ProcessResources {
     std::size_t descriptors = 0; ///< open files
     std::size_t threads = 0;     ///< without the idle workers of GLib's pools

@@ -37,6 +37,7 @@ constexpr std::size_t guid = 24;
 constexpr std::size_t pointAt = 32;
 constexpr std::size_t pointState = 40;
 constexpr std::size_t pointType = 44;
+constexpr std::size_t number = 0;
 constexpr std::size_t valueAt = 8;
 constexpr std::size_t valueState = 16;
 constexpr std::size_t valueNext = 20;

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Which sanitizer the tests run under.
+/// Which sanitizer the tests run under. All of it is reentrant.
 #pragma once
 
 #include <gtest/gtest.h>

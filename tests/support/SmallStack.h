@@ -19,7 +19,7 @@ constexpr std::size_t stackWidening = underAddressSanitizer || underThreadSaniti
 constexpr std::size_t smallStack = stackWidening * 128 * 1024;
 
 /// Runs an action in a thread with a stack of smallStack bytes and waits for its end. A stack overflow hits the guard
-/// page and ends the process.
+/// page and ends the process. Reentrant.
 /// @throws std::system_error if the thread cannot be started
 void runOnSmallStack(std::function<void()> const& action);
 

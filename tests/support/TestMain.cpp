@@ -14,6 +14,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -46,10 +47,19 @@ void logToCaller() {
     log4cpp::Category::getRoot().addAppender(appender.release());
 }
 
+/// Lets each test begin without anything under the region's name, whatever the one before in this process has left.
+class FreeName : public testing::EmptyTestEventListener {
+    void OnTestStart(testing::TestInfo const& /*test*/) override {
+        ::shm_unlink("QelSharedMemory");
+        ::rmdir("/dev/shm/QelSharedMemory");
+    }
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    testing::UnitTest::GetInstance()->listeners().Append(std::make_unique<FreeName>().release());
     logToCaller();
     return RUN_ALL_TESTS();
 }

@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// How sensor ids travel in the lines between a test and its peers.
+/// The lines between a test and its peers.
 #pragma once
 
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -17,5 +18,14 @@ std::string idText(long long svid);
 long long idFrom(std::string const& text);
 
 std::vector<std::string> wordsOf(std::string const& line);
+
+/// Says "ready" on standard output, then answers each line of standard input, up to "quit".
+template <typename Peer>
+void serve(Peer& peer) {
+    std::cout << "ready" << std::endl;
+    for (std::string line; std::getline(std::cin, line) && line != "quit";) {
+        std::cout << peer.answerTo(wordsOf(line)) << std::endl;
+    }
+}
 
 } // namespace qel::test

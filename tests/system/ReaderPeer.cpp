@@ -264,10 +264,7 @@ private:
 
 int run(unsigned int seconds) {
     ReaderPeer peer(seconds);
-    std::cout << "ready" << std::endl;
-    for (std::string line; std::getline(std::cin, line) && line != "quit";) {
-        std::cout << peer.answerTo(wordsOf(line)) << std::endl;
-    }
+    serve(peer);
     return 0;
 }
 

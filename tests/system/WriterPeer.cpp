@@ -167,10 +167,7 @@ private:
 
 int run() {
     WriterPeer peer;
-    std::cout << "ready" << std::endl;
-    for (std::string line; std::getline(std::cin, line) && line != "quit";) {
-        std::cout << peer.answerTo(wordsOf(line)) << std::endl;
-    }
+    serve(peer);
     return 0;
 }
 

@@ -3,6 +3,7 @@
 
 #include "writer/MPDef.h"
 
+#include "format/ValueKeys.h"
 #include "region/LogLine.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScarceMemory.h"
@@ -18,6 +19,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using shm::MPDef;
 
 std::string print(MPDef const& definition) {
@@ -49,11 +51,11 @@ TEST(MPDefTest, Print_WithoutValues) {
 }
 
 TEST(MPDefTest, Print_OneValue) {
-    EXPECT_EQ("MPDef {pos = 0, mvs = [<GUID;3>]}", print(MPDef(0, {{0, 3}})));
+    EXPECT_EQ("MPDef {pos = 0, mvs = [<GUID;3>]}", print(MPDef(0, {{key::guid, 3}})));
 }
 
 TEST(MPDefTest, Print_ValuesInAscendingKeyOrder) {
-    MPDef const sut(7, {{4, 12}, {1, 10}, {0xFFFE, 11}});
+    MPDef const sut(7, {{key::current, 12}, {key::voltage, 10}, {key::voltageMeasuredAtSocketLevel, 11}});
 
     EXPECT_EQ("MPDef {pos = 7, mvs = [<Voltage;10>, <Current;12>, <Voltage measured at socket level;11>]}",
               print(sut));
@@ -62,7 +64,7 @@ TEST(MPDefTest, Print_ValuesInAscendingKeyOrder) {
 TEST(MPDefTest, Print_NumbersInTheStreamsBase) {
     std::ostringstream out;
 
-    out << std::hex << std::showbase << MPDef(0xFFFFFFFF, {{1, 31}}) << std::dec << std::noshowbase
+    out << std::hex << std::showbase << MPDef(0xFFFFFFFF, {{key::voltage, 31}}) << std::dec << std::noshowbase
         << MPDef(31, {});
 
     EXPECT_EQ("MPDef {pos = 0xffffffff, mvs = [<Voltage;0x1f>]}MPDef {pos = 31, mvs = []}", out.str());
@@ -73,7 +75,7 @@ TEST(MPDefTest, Print_KeyWithoutAName) {
 }
 
 TEST(MPDefTest, Copy_OfALockedDefinition_IsUnlocked) {
-    MPDef const original(7, {{1, 2}});
+    MPDef const original(7, {{key::voltage, 2}});
     std::lock_guard<std::mutex> const lock(original.mutex);
 
     MPDef const sut(original);
@@ -84,18 +86,18 @@ TEST(MPDefTest, Copy_OfALockedDefinition_IsUnlocked) {
 }
 
 TEST(MPDefTest, Move_OfALockedDefinition_IsUnlocked) {
-    MPDef original(7, {{1, 2}});
+    MPDef original(7, {{key::voltage, 2}});
     std::lock_guard<std::mutex> const lock(original.mutex);
 
     MPDef const sut(std::move(original));
 
     EXPECT_EQ(7U, sut.pos);
-    EXPECT_EQ((std::map<unsigned short, unsigned int>{{1, 2}}), sut.mvs);
+    EXPECT_EQ((std::map<unsigned short, unsigned int>{{key::voltage, 2}}), sut.mvs);
     EXPECT_TRUE(isUnlocked(sut));
 }
 
 TEST(MPDefTest, Assignment_TakesSlotAndValues_KeepsItsMutex) {
-    MPDef const original(7, {{1, 2}});
+    MPDef const original(7, {{key::voltage, 2}});
     MPDef sut(8, {{3, 4}});
     {
         std::lock_guard<std::mutex> const lock(original.mutex);
@@ -108,24 +110,24 @@ TEST(MPDefTest, Assignment_TakesSlotAndValues_KeepsItsMutex) {
 }
 
 TEST(MPDefTest, AssignmentToItself_ChangesNothing) {
-    MPDef sut(7, {{1, 2}});
+    MPDef sut(7, {{key::voltage, 2}});
     auto& same = sut;
 
     sut = same;
     sut = std::move(same);
 
     EXPECT_EQ(7U, sut.pos);
-    EXPECT_EQ((std::map<unsigned short, unsigned int>{{1, 2}}), sut.mvs);
+    EXPECT_EQ((std::map<unsigned short, unsigned int>{{key::voltage, 2}}), sut.mvs);
 }
 
 TEST(MPDefTest, MoveAssignment_TakesSlotAndValues) {
-    MPDef original(7, {{1, 2}});
+    MPDef original(7, {{key::voltage, 2}});
     MPDef sut(8, {{3, 4}});
 
     sut = std::move(original);
 
     EXPECT_EQ(7U, sut.pos);
-    EXPECT_EQ((std::map<unsigned short, unsigned int>{{1, 2}}), sut.mvs);
+    EXPECT_EQ((std::map<unsigned short, unsigned int>{{key::voltage, 2}}), sut.mvs);
     EXPECT_TRUE(isUnlocked(sut));
 }
 

@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/ForkedChild.h"
 #include "tests/support/LedFiles.h"
@@ -21,21 +22,23 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr long long device = pointId(1, 0);
 
 TEST(QelSharedMemoryWriterForkTest, OfStaticDuration_IsLeftAloneByTheExitOfAForkedChild) {
     QEL_SKIP_FORK_UNDER_ADDRESS_SANITIZER();
     static auto sut = std::make_unique<shm::QelSharedMemoryWriter>(); // destroyed at the child's exit
-    ASSERT_TRUE(sut->addStructure({{device, withKeys({1})}}));
+    ASSERT_TRUE(sut->addStructure({{device, withKeys({key::voltage})}}));
     sut->setActive();
 
     EXPECT_EQ(inForkedChild([]() -> int { std::exit(3); }), 3);
 
     EXPECT_TRUE(rawRegionExists());
     EXPECT_EQ(sut->root()->version, 32);
-    EXPECT_TRUE(sut->updateMV(device | 1, measured(230.5)));
+    EXPECT_TRUE(sut->updateMV(device | key::voltage, measured(230.5)));
     EXPECT_TRUE(shm::WriterLock().isOfAnotherWriter());
-    ASSERT_TRUE(sut->updateMV(device | 1, measured(0.0, 2, eStatus_HighAlarm)));
+    ASSERT_TRUE(sut->updateMV(device | key::voltage, measured(0.0, 2, eStatus_HighAlarm)));
     sut->propagateStates();
     EXPECT_TRUE(eventually([] { return ledContents() == "1/0/0"; })) << "the parent's thread goes on";
 

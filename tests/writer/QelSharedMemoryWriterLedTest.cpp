@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/reader/NoMoreThreads.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
@@ -23,6 +24,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using testing::ElementsAre;
 
 constexpr long long device = pointId(1, 0);
@@ -36,11 +38,13 @@ bool ledShows(std::string const& contents) {
 class QelSharedMemoryWriterLedTest : public WriterTest {
 protected:
     QelSharedMemoryWriterLedTest() {
-        sut.addStructure({{device, withKeys({1})}});
+        sut.addStructure({{device, withKeys({key::voltage})}});
         sut.setActive();
     }
 
-    void setValue(eStatus_Bits state) { ASSERT_TRUE(sut.updateMV(device | 1, measured(0.0, 1, state))); }
+    void setValue(eStatus_Bits state) {
+        ASSERT_TRUE(sut.updateMV(device | key::voltage, measured(0.0, 1, state)));
+    }
 };
 
 TEST_F(QelSharedMemoryWriterLedTest, Constructor_MakesTheLedGreen) {
@@ -122,8 +126,8 @@ TEST_F(QelSharedMemoryWriterLedTest, FailingMutexOfTheLedThread_IsSwallowed_TheR
 TEST(QelSharedMemoryWriterLedLifeTest, Destructor_LeavesTheLastColour_AndNothingWritesItAgain) {
     {
         shm::QelSharedMemoryWriter sut;
-        sut.addStructure({{device, withKeys({1})}});
-        sut.updateMV(device | 0x30, measured(0.0, 1, eStatus_DeviceIsUpdating)); // blinks
+        sut.addStructure({{device, withKeys({key::voltage})}});
+        sut.updateMV(device | key::fuseState, measured(0.0, 1, eStatus_DeviceIsUpdating)); // blinks
         sut.propagateStates();
         ASSERT_TRUE(ledShows("1/0/1"));
     }
@@ -139,8 +143,8 @@ TEST(QelSharedMemoryWriterLedLifeTest, Destructor_LeavesTheLastColour_AndNothing
 
 TEST(QelSharedMemoryWriterLedLifeTest, Destructor_DoesNotWaitForATick) {
     auto sut = std::make_unique<shm::QelSharedMemoryWriter>();
-    sut->addStructure({{device, withKeys({1})}});
-    sut->updateMV(device | 1, measured(0.0, 1, eStatus_HighAlarm));
+    sut->addStructure({{device, withKeys({key::voltage})}});
+    sut->updateMV(device | key::voltage, measured(0.0, 1, eStatus_HighAlarm));
     sut->propagateStates();
     ASSERT_TRUE(ledShows("1/0/0")); // the next tick is 500 ms away
 

@@ -6,6 +6,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/support/ScarceMemory.h"
 #include "tests/writer/PlainTree.h"
@@ -30,6 +31,8 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr long long device = pointId(1, 0);
 constexpr long long inlet = pointId(1, 0, 1);
 constexpr long long phase = pointId(1, 0, 1, 1);
@@ -43,9 +46,14 @@ constexpr long long socket(int number) {
 
 /// A unit with points of every kind; its point ids are in no particular order of slots.
 Definitions smallUnit() {
-    return {{device, withKeys({1, 4})}, {inlet, withKeys({1})},        {phase, withKeys({})},
-            {fuse, withKeys({19})},     {socket(1), withKeys({1, 4})}, {socket(3), withKeys({1, 4, 19})},
-            {sensor, withKeys({6, 7})}, {group, withKeys({19})}};
+    return {{device, withKeys({key::voltage, key::current})},
+            {inlet, withKeys({key::voltage})},
+            {phase, withKeys({})},
+            {fuse, withKeys({key::activePower})},
+            {socket(1), withKeys({key::voltage, key::current})},
+            {socket(3), withKeys({key::voltage, key::current, key::activePower})},
+            {sensor, withKeys({6, key::differentialCurrentAc})},
+            {group, withKeys({key::activePower})}};
 }
 
 /// One point with more values than one step of the index holds.
@@ -85,7 +93,7 @@ long long filler(int number) {
 Definitions fullUnit() {
     auto unit = smallUnit();
     for (int i = 0; unit.size() < 800; ++i) {
-        unit[filler(i)] = withKeys({1, 2, 3});
+        unit[filler(i)] = withKeys({key::voltage, key::peakVoltage, 3});
     }
     return unit;
 }
@@ -112,7 +120,7 @@ void layOutInFullTables(ExposedWriter& writer) {
 }
 
 std::vector<Case> cases() { // NOLINT(readability-function-size): a table, one row a case
-    Keys const twoKeys{{2, 0}, {19, 0}};
+    Keys const twoKeys{{key::peakVoltage, 0}, {key::activePower, 0}};
     return {
         {"AddMP_TopLevel", nothing,
          [=](auto& writer) {
@@ -163,12 +171,13 @@ std::vector<Case> cases() { // NOLINT(readability-function-size): a table, one r
          }},
         {"AddStructure_RecycledSlots", layOutInFullTables,
          [](auto& writer) {
-             writer.addStructure({{socket(5), withKeys({1, 2})}, {socket(6), withKeys({1, 2, 3})}});
+             writer.addStructure({{socket(5), withKeys({key::voltage, key::peakVoltage})},
+                                  {socket(6), withKeys({key::voltage, key::peakVoltage, 3})}});
          }},
         {"ModifyStructure_AddsAndRemoves", layOut,
          [](auto& writer) {
              auto unit = without(smallUnit(), {socket(1), sensor});
-             unit[socket(2)] = withKeys({1, 4});
+             unit[socket(2)] = withKeys({key::voltage, key::current});
              unit[device].mvs[50] = 0;
              writer.modifyStructure(svidsOf(unit));
          }},
@@ -369,8 +378,8 @@ TEST(QelSharedMemoryWriterMemoryHotPathTest, UpdatesAndPropagation_NeedNoMemory)
     auto const made = allocations() - before;
     {
         MemoryRunsOut const none(0);
-        EXPECT_TRUE(laid.writer.updateMV(device | 1, std::move(value)));
-        EXPECT_TRUE(laid.writer.updateMV(inlet | 0x30, std::move(own)));
+        EXPECT_TRUE(laid.writer.updateMV(device | key::voltage, std::move(value)));
+        EXPECT_TRUE(laid.writer.updateMV(inlet | key::fuseState, std::move(own)));
         laid.writer.propagateStates();
         laid.writer.setActive();
         laid.writer.propagateStates();
@@ -388,11 +397,11 @@ TEST(QelSharedMemoryWriterMemoryHotPathTest, UpdatesAndPropagationThatLog_DoTheS
         auto third = measured(1.0, 9);
         WriterLog const lines;
         auto const memory = limited();
-        EXPECT_TRUE(writer.updateMV(device | 1, std::move(value)));
-        EXPECT_TRUE(writer.updateMV(inlet | 0x30, std::move(own)));
+        EXPECT_TRUE(writer.updateMV(device | key::voltage, std::move(value)));
+        EXPECT_TRUE(writer.updateMV(inlet | key::fuseState, std::move(own)));
         {
             ConversionThrowsInt const isLogged;
-            EXPECT_FALSE(writer.updateMV(device | 4, std::move(third)));
+            EXPECT_FALSE(writer.updateMV(device | key::current, std::move(third)));
         }
         writer.propagateStates();
         writer.setActive();

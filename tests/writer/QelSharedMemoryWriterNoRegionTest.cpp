@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "region/Exceptions.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -22,6 +23,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using log4cpp::Priority;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -69,10 +71,10 @@ TEST(QelSharedMemoryWriterNoSpaceTest, EveryOperation_ReportsAndTouchesNothing) 
     ExposedWriter sut;
     WriterLog log(Priority::ERROR);
 
-    EXPECT_EQ(rawNone, sut.addMP(device, {{1, 0}}, rawNone));
+    EXPECT_EQ(rawNone, sut.addMP(device, {{key::voltage, 0}}, rawNone));
     EXPECT_THAT(log.take(), ElementsAre(notMapped("addMP")));
 
-    EXPECT_THROW(sut.addStructure({{device, withKeys({1})}}), ex::InvalidSensorIdException);
+    EXPECT_THROW(sut.addStructure({{device, withKeys({key::voltage})}}), ex::InvalidSensorIdException);
     EXPECT_THAT(log.take(),
                 ElementsAre(notMapped("addMP"),
                             writerLine(Priority::ERROR, "bailout: failed to handle MP 0x100ffffffff0000")));
@@ -89,7 +91,7 @@ TEST(QelSharedMemoryWriterNoSpaceTest, EveryOperation_ReportsAndTouchesNothing) 
     sut.propagateStates();
     EXPECT_THAT(log.take(), ElementsAre(notMapped("propagateStates")));
 
-    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, measured(1.0)));
     EXPECT_THAT(sut.injectTypes({{device, 1}}), IsEmpty());
     EXPECT_EQ("", sut.tree());
     EXPECT_THAT(log.take(), IsEmpty());
@@ -97,17 +99,17 @@ TEST(QelSharedMemoryWriterNoSpaceTest, EveryOperation_ReportsAndTouchesNothing) 
 
 TEST(QelSharedMemoryWriterClosedTest, AfterCloseShm_KnownPointsAreOutOfReach) {
     ExposedWriter sut;
-    sut.addStructure({{device, withKeys({1})}});
+    sut.addStructure({{device, withKeys({key::voltage})}});
     sut.closeShm();
     WriterLog log(Priority::WARN);
 
-    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
-    EXPECT_FALSE(sut.updateMV(device | 0x30, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::fuseState, measured(1.0)));
     EXPECT_THAT(sut.injectTypes({{device, 1}}), IsEmpty());
-    EXPECT_FALSE(sut.addStructure({{device, withKeys({1})}}));
+    EXPECT_FALSE(sut.addStructure({{device, withKeys({key::voltage})}}));
     EXPECT_THAT(log.take(), IsEmpty());
 
-    EXPECT_EQ(rawNone, sut.addMP(device, {{2, 0}}, rawNone));
+    EXPECT_EQ(rawNone, sut.addMP(device, {{key::peakVoltage, 0}}, rawNone));
     EXPECT_THAT(log.take(), ElementsAre(notMapped("addMP")));
 
     EXPECT_FALSE(sut.removeStructure({}));

@@ -7,6 +7,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/model/RandomSensors.h"
 #include "tests/model/ReferenceWriter.h"
 #include "tests/model/WriterCalls.h"
@@ -70,7 +71,8 @@ protected:
             mvs[key] = 0;
         }
         auto const ownChild = reference_.known().count(svid) == 0 ? parent : rawNone;
-        EXPECT_EQ(reference_.addMP(svid | 5, keys, ownChild), writer_.addMP(svid | 5, mvs, ownChild));
+        EXPECT_EQ(reference_.addMP(svid | shm::key::peakCurrent, keys, ownChild),
+                  writer_.addMP(svid | shm::key::peakCurrent, mvs, ownChild));
     }
 
     // The set of sensors that exist: most of the known ones, with their values, and a few new ones.

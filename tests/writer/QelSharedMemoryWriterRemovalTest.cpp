@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "region/Exceptions.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
@@ -22,6 +23,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using log4cpp::Priority;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -72,7 +74,7 @@ protected:
 // removeStructure: links
 
 TEST_F(QelSharedMemoryWriterRemovalTest, EveryPointDefined_UnlinksNothing_LogsNothing) {
-    sut.addStructure({{device, withKeys({1})}, {pointId(1, 0, 1), withKeys({2})}});
+    sut.addStructure({{device, withKeys({key::voltage})}, {pointId(1, 0, 1), withKeys({key::peakVoltage})}});
     auto const before = raw.copy();
     WriterLog const log;
 
@@ -158,7 +160,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, PointLinkedNowhere_ChangesNoHead) {
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, RemovedSlot_KeepsTheRestOfItsContent) {
-    sut.addStructure({{device, withKeys({1})}, {pointId(1, 0, 1), withKeys({})}});
+    sut.addStructure({{device, withKeys({key::voltage})}, {pointId(1, 0, 1), withKeys({})}});
     auto const values = raw.copy();
     auto expected = slot(0);
     std::fill_n(expected.begin() + field::parent, 4, std::uint8_t{0xFF});
@@ -178,7 +180,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ChildThatStaysWhileItsParentGoes_KeepsI
     EXPECT_THAT(devices(), IsEmpty());
     EXPECT_EQ(0U, pointField(1, field::parent));
     EXPECT_EQ(2U, pointField(1, field::next));
-    EXPECT_TRUE(sut.updateMV(pointId(1, 0, 1) | 0x30, measured(0.0))); // still known
+    EXPECT_TRUE(sut.updateMV(pointId(1, 0, 1) | key::fuseState, measured(0.0))); // still known
 
     // It goes by the same steps as any other: its parent's slot gives up the link.
     EXPECT_TRUE(sut.removeStructure(points({pointId(1, 0, 2)})));
@@ -189,11 +191,11 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ChildThatStaysWhileItsParentGoes_KeepsI
 // removeStructure: slots and svids
 
 TEST_F(QelSharedMemoryWriterRemovalTest, Subtree_IsFreedPointByPoint_EachOnce) {
-    sut.addStructure({{device, withKeys({1})},
-                      {pointId(1, 0, 1), withKeys({5, 6})},
+    sut.addStructure({{device, withKeys({key::voltage})},
+                      {pointId(1, 0, 1), withKeys({key::peakCurrent, 6})},
                       {pointId(1, 0, 1, 1), withKeys({})},
                       {pointId(1, 0, 1, 2), withKeys({3})},
-                      {pointId(2, 0), withKeys({1})}});
+                      {pointId(2, 0), withKeys({key::voltage})}});
     WriterLog log;
 
     EXPECT_TRUE(sut.removeStructure(points({device, pointId(2, 0)})));
@@ -219,15 +221,15 @@ TEST_F(QelSharedMemoryWriterRemovalTest, Subtree_IsFreedPointByPoint_EachOnce) {
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, RemovedPoint_IsUnknown_AndComesBackFresh) {
-    sut.addStructure({{device, withKeys({1})}});
-    sut.updateMV(device | 0x30, measured(0.0, 9, eStatus_Off));
+    sut.addStructure({{device, withKeys({key::voltage})}});
+    sut.updateMV(device | key::fuseState, measured(0.0, 9, eStatus_Off));
     sut.removeStructure({});
 
-    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
-    EXPECT_FALSE(sut.updateMV(device | 0x30, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::fuseState, measured(1.0)));
     EXPECT_THAT(sut.injectTypes({{device, 1}}), IsEmpty());
 
-    EXPECT_TRUE(sut.addStructure({{device, withKeys({1})}}));
+    EXPECT_TRUE(sut.addStructure({{device, withKeys({key::voltage})}}));
     EXPECT_THAT(devices(), ElementsAre(1));
     EXPECT_EQ(17, pointState(1));
     EXPECT_THAT(values(1), ElementsAre(1));
@@ -254,20 +256,20 @@ TEST_F(QelSharedMemoryWriterRemovalTest,
         keys[static_cast<unsigned short>(key)] = 0;
     }
     sut.addMP(device, keys, rawNone);
-    sut.addMP(pointId(2, 0), {{1, 0}}, rawNone);
+    sut.addMP(pointId(2, 0), {{key::voltage, 0}}, rawNone);
     sut.removeStructure(points({pointId(2, 0)}));
 
-    sut.addMP(pointId(2, 0), {{2, 0}, {3, 0}}, rawNone);
+    sut.addMP(pointId(2, 0), {{key::peakVoltage, 0}, {3, 0}}, rawNone);
     EXPECT_THAT(values(1), ElementsAre(8799, 0, 1));
 
-    sut.addMP(pointId(2, 0), {{4, 0}}, rawNone);
+    sut.addMP(pointId(2, 0), {{key::current, 0}}, rawNone);
     EXPECT_THAT(values(1), ElementsAre(8799, 2)); // the highest position counts as the tail
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ValuesThatAreNotDefined_Stay) {
-    sut.addStructure({{device, withKeys({1, 2})}});
+    sut.addStructure({{device, withKeys({key::voltage, key::peakVoltage})}});
 
-    EXPECT_FALSE(sut.removeStructure({{device, withKeys({1})}}));
+    EXPECT_FALSE(sut.removeStructure({{device, withKeys({key::voltage})}}));
 
     EXPECT_THAT(values(0), ElementsAre(0, 1));
 }
@@ -305,7 +307,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_Topnode_LeavesSiblingsAndChild
 TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_NoTopnode_FreesFollowingSiblingsThenChildrenThenThePoint) {
     sut.addStructure({{device, withKeys({})},
                       {pointId(1, 0, 1), withKeys({10})},
-                      {pointId(1, 0, 1, 1), withKeys({20})},
+                      {pointId(1, 0, 1, 1), withKeys({key::peakActivePower})},
                       {pointId(1, 0, 2), withKeys({40, 30})}});
     auto const before = raw.copy();
     std::unordered_set<long long> removed;
@@ -339,7 +341,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_FreesValuesInKeyOrder) {
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_SlotThatIsNotKnown_IsLogged_KeepsItsValues_AndIsFreed) {
-    sut.addStructure({{device, withKeys({1})}});
+    sut.addStructure({{device, withKeys({key::voltage})}});
     raw.set<std::int64_t>(field::guid, pointId(3, 0, 4));
     std::unordered_set<long long> removed;
     WriterLog log;
@@ -358,14 +360,14 @@ TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_SlotThatIsNotKnown_IsLogged_Ke
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, SlotThatBearsAnUnknownId_IsFreedOnce_AndItsPointComesBackFresh) {
-    sut.addStructure({{device, withKeys({1})}});
+    sut.addStructure({{device, withKeys({key::voltage})}});
     raw.set<std::int64_t>(field::guid, pointId(3, 0, 4));
 
     EXPECT_TRUE(sut.removeStructure({}));
     EXPECT_FALSE(sut.removeStructure({}));
 
-    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
-    EXPECT_TRUE(sut.addStructure({{device, withKeys({1})}}));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, measured(1.0)));
+    EXPECT_TRUE(sut.addStructure({{device, withKeys({key::voltage})}}));
     EXPECT_EQ(1U, raw.u32(field::devices));
     EXPECT_EQ(8798U, takeFreeValues().size()); // the former value's slot stays behind
     auto const free = takeFreePoints();
@@ -374,7 +376,8 @@ TEST_F(QelSharedMemoryWriterRemovalTest, SlotThatBearsAnUnknownId_IsFreedOnce_An
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, SlotThatBearsTheIdOfAnotherPoint_NoSlotIsFreedTwice) {
-    sut.addStructure({{device, withKeys({1})}, {pointId(2, 0), withKeys({1, 2})}});
+    sut.addStructure(
+        {{device, withKeys({key::voltage})}, {pointId(2, 0), withKeys({key::voltage, key::peakVoltage})}});
     raw.set<std::int64_t>(rawPoint(1) + field::guid, device);
 
     EXPECT_TRUE(sut.removeStructure({}));
@@ -388,7 +391,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, SlotThatBearsTheIdOfAnotherPoint_NoSlot
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_OfAFreeSlot_DoesNotFreeItAgain) {
-    sut.addStructure({{device, withKeys({1})}});
+    sut.addStructure({{device, withKeys({key::voltage})}});
     std::unordered_set<long long> removed;
 
     sut.unlinkMP(0, true, removed);
@@ -401,14 +404,14 @@ TEST_F(QelSharedMemoryWriterRemovalTest, UnlinkMP_OfAFreeSlot_DoesNotFreeItAgain
 
 TEST_F(QelSharedMemoryWriterRemovalTest, LaterRemovalThatFails_LeavesTheEarlierOnesDone) {
     WriterLog const withoutLines(log4cpp::Priority::WARN); // which would take memory, too
-    sut.addStructure({{device, withKeys({1})}, {pointId(2, 0), withKeys({1})}});
+    sut.addStructure({{device, withKeys({key::voltage})}, {pointId(2, 0), withKeys({key::voltage})}});
     {
         MemoryRunsOut const soon(2); // for the ids of removed points: its places, and one of them
         EXPECT_THROW(sut.removeStructure({}), std::bad_alloc);
     }
     EXPECT_THAT(devices(), ElementsAre(1));
-    EXPECT_FALSE(sut.updateMV(device | 1, measured(1.0)));
-    EXPECT_TRUE(sut.updateMV(pointId(2, 0) | 1, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, measured(1.0)));
+    EXPECT_TRUE(sut.updateMV(pointId(2, 0) | key::voltage, measured(1.0)));
 
     EXPECT_TRUE(sut.removeStructure({}));
 
@@ -420,8 +423,9 @@ TEST_F(QelSharedMemoryWriterRemovalTest, LaterRemovalThatFails_LeavesTheEarlierO
 // disconnectMP
 
 TEST_F(QelSharedMemoryWriterRemovalTest, DisconnectMP_ChangesItsNeighboursOnly) {
-    sut.addStructure(
-        {{device, withKeys({1})}, {pointId(1, 0, 1), withKeys({})}, {pointId(2, 0), withKeys({})}});
+    sut.addStructure({{device, withKeys({key::voltage})},
+                      {pointId(1, 0, 1), withKeys({})},
+                      {pointId(2, 0), withKeys({})}});
     auto expected = raw.copy();
     auto const put = [&](std::size_t offset, std::uint32_t number) {
         std::memcpy(&expected[offset], &number, 4);
@@ -464,7 +468,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, DisconnectMP_PositionsOutOfRange_ReadAs
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_BuildsPointsAndValuesFromSvids) {
     WriterLog log;
 
-    EXPECT_TRUE(sut.modifyStructure({device | 4, device | 1, pointId(1, 0, 1)}));
+    EXPECT_TRUE(sut.modifyStructure({device | key::current, device | key::voltage, pointId(1, 0, 1)}));
 
     EXPECT_EQ(writerLine(Priority::DEBUG, "modifyStructure: #svids = 0x3"), log.entries().front());
     EXPECT_TRUE(log.contains(writerLine(Priority::DEBUG,
@@ -477,7 +481,8 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_BuildsPointsAndValuesFr
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_SameSet_ChangesNothing) {
-    std::unordered_set<long long> const svids{device | 1, device | 0x30, pointId(1, 0, 1) | 2};
+    std::unordered_set<long long> const svids{device | key::voltage, device | key::fuseState,
+                                              pointId(1, 0, 1) | key::peakVoltage};
     sut.modifyStructure(svids);
     auto const before = raw.copy();
     WriterLog const log;
@@ -490,7 +495,9 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_SameSet_ChangesNothing)
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_PointStateKeys_MakeThePointButNoValue) {
     int number = 0;
-    for (int const key : {0x30, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B}) {
+    for (int const key :
+         {key::fuseState, key::socket, key::pduState, key::sensorState, key::circuitState, key::phaseState,
+          key::rcdState, key::socketGroupState, key::globalState, key::state}) {
         std::unordered_set<long long> svids;
         svids.insert(pointId(++number, 0) | key);
 
@@ -502,7 +509,8 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_PointStateKeys_MakeTheP
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_NeighboursOfPointStateKeys_AreValues) {
-    sut.modifyStructure({device | 0x2F, device | 0x31, device | 0x32, device | 0x3C, device | 0xFFFF});
+    sut.modifyStructure(
+        {device | 0x2F, device | key::orientation, device | key::usb, device | 0x3C, device | 0xFFFF});
 
     EXPECT_EQ(5U, values(0).size());
 }
@@ -518,7 +526,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_OnlyAdded_OnlyRemoved_B
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_EmptySet_RemovesEverything) {
-    sut.modifyStructure({device | 1, pointId(1, 0, 1) | 1, pointId(1, 2)});
+    sut.modifyStructure({device | key::voltage, pointId(1, 0, 1) | key::voltage, pointId(1, 2)});
     WriterLog const log(Priority::DEBUG);
 
     EXPECT_TRUE(sut.modifyStructure({}));
@@ -532,7 +540,7 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_EmptySet_RemovesEveryth
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_RootSvid_IsNoPoint) {
-    EXPECT_FALSE(sut.modifyStructure({rootSvid, rootSvid | 0x3A, rootSvid | 1}));
+    EXPECT_FALSE(sut.modifyStructure({rootSvid, rootSvid | key::globalState, rootSvid | key::voltage}));
 
     EXPECT_EQ(800U, takeFreePoints().size());
 }
@@ -565,22 +573,22 @@ TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_MissingParent_ThrowsAnd
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, ModifyStructure_FailingMutex_ThrowsSystemError) {
-    sut.modifyStructure({device | 1});
+    sut.modifyStructure({device | key::voltage});
     std::string thrown;
     try {
         MutexesFail const broken;
-        sut.modifyStructure({device | 1});
+        sut.modifyStructure({device | key::voltage});
     } catch (std::system_error const& failure) {
         thrown = failure.code().message();
     }
     EXPECT_EQ(std::make_error_code(std::errc::invalid_argument).message(), thrown);
-    EXPECT_FALSE(sut.modifyStructure({device | 1}));
+    EXPECT_FALSE(sut.modifyStructure({device | key::voltage}));
 }
 
 TEST_F(QelSharedMemoryWriterRemovalTest, PropagationAfterRemoval_ForgetsTheRemovedAlarm) {
-    sut.modifyStructure({device, pointId(1, 0, 1) | 1});
+    sut.modifyStructure({device, pointId(1, 0, 1) | key::voltage});
     sut.setActive();
-    sut.updateMV(pointId(1, 0, 1) | 1, measured(0.0, 1, eStatus_HighAlarm));
+    sut.updateMV(pointId(1, 0, 1) | key::voltage, measured(0.0, 1, eStatus_HighAlarm));
     sut.propagateStates();
     ASSERT_EQ(23, globalState());
 

@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/model/ReferenceStates.h"
 #include "tests/model/ReferenceWriter.h"
 #include "tests/model/WriterCalls.h"
@@ -25,10 +26,11 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using testing::ElementsAre;
 
 constexpr long long device = pointId(1, 0);
-constexpr unsigned short stateKey = 0x3B;
+constexpr unsigned short stateKey = key::state;
 
 } // namespace
 
@@ -57,7 +59,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, EmptyTree_LeavesTheGlobalStateAtOn) {
 
 TEST_F(QelSharedMemoryWriterStatesTest, HighAlarmOfOneValue_ReachesPointAndGlobalState) {
     sut.setActive();
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     setValue(0, 0, 1);
 
     sut.propagateStates();
@@ -72,7 +74,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, HighAlarmOfOneValue_ReachesPointAndGloba
 
 TEST_F(QelSharedMemoryWriterStatesTest, AlarmThatEnds_FallsBackToOn) {
     sut.setActive();
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     setValue(0, 0, 1);
     sut.propagateStates();
     setValue(0, 0, 0);
@@ -86,7 +88,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, AlarmThatEnds_FallsBackToOn) {
 TEST_F(QelSharedMemoryWriterStatesTest, GlobalState_TakesEachOfItsFiveValues) {
     sut.setActive();
     sut.addMP(device, {}, rawNone);
-    sut.addMP(pointId(1, 2), {{1, 0}}, rawNone);
+    sut.addMP(pointId(1, 2), {{key::voltage, 0}}, rawNone);
     for (auto const& [own, value, expected] : std::vector<std::array<int, 3>>{
              {17, 0, 17}, {17, 1, 23}, {17, 3, 24}, {34, 0, 34}, {35, 0, 35}, {17, -1, 17}, {18, 0, 17}}) {
         setPoint(1, own);
@@ -100,7 +102,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, GlobalState_TakesEachOfItsFiveValues) {
 
 TEST_F(QelSharedMemoryWriterStatesTest, GroupsCountAsDevicesDo) {
     sut.setActive();
-    sut.addMP(pointId(1, 2), {{1, 0}}, rawNone);
+    sut.addMP(pointId(1, 2), {{key::voltage, 0}}, rawNone);
     setValue(0, 0, 4);
 
     sut.propagateStates();
@@ -111,7 +113,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, GroupsCountAsDevicesDo) {
 
 TEST_F(QelSharedMemoryWriterStatesTest, PointLinkedNowhere_IsLeftOut) {
     sut.setActive();
-    sut.addMP(pointId(1, 4), {{1, 0}}, rawNone);
+    sut.addMP(pointId(1, 4), {{key::voltage, 0}}, rawNone);
     setValue(0, 0, 1);
 
     sut.propagateStates();
@@ -136,7 +138,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, ChildrenReachTheirParentInOneGo) {
     sut.addMP(device, {}, rawNone);
     sut.addMP(pointId(1, 0, 1), {}, 0);
     sut.addMP(pointId(1, 0, 1, 1), {}, 1);
-    sut.addMP(pointId(1, 0, 1, 2), {{1, 0}, {2, 0}}, 1);
+    sut.addMP(pointId(1, 0, 1, 2), {{key::voltage, 0}, {key::peakVoltage, 0}}, 1);
     setValue(3, 0, 3);
     setValue(3, 1, 2);
 
@@ -150,9 +152,9 @@ TEST_F(QelSharedMemoryWriterStatesTest, ChildrenReachTheirParentInOneGo) {
 }
 
 TEST_F(QelSharedMemoryWriterStatesTest, Propagation_LeavesTheTimesAlone) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     sut.updateMV(device | stateKey, measured(0.0, 1234, eStatus_Off));
-    sut.updateMV(device | 1, measured(0.0, 5678, eStatus_HighAlarm));
+    sut.updateMV(device | key::voltage, measured(0.0, 5678, eStatus_HighAlarm));
 
     sut.propagateStates();
 
@@ -198,7 +200,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, DefineState_ReportsThePointAndItsFollowi
     for (int const number : {1, 2, 3, 4}) {
         sut.addMP(pointId(number, 0), {}, rawNone);
     }
-    sut.addMP(pointId(2, 0, 1), {{1, 0}}, 1);
+    sut.addMP(pointId(2, 0, 1), {{key::voltage, 0}}, 1);
     setValue(4, 0, 1);
     setPoint(2, 18);
     setPoint(3, 6);
@@ -211,7 +213,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, DefineState_ReportsThePointAndItsFollowi
 }
 
 TEST_F(QelSharedMemoryWriterStatesTest, DefineState_StopsAtPositionsOutOfRange) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     raw.set<std::uint32_t>(field::next, 800);
     raw.set<std::uint32_t>(field::children, 0x80000000);
     raw.set<std::uint32_t>(rawValue(0) + field::valueNext, 8800);
@@ -296,7 +298,7 @@ TEST_F(QelSharedMemoryWriterStatesRandomTest, PropagateStates_LeavesTheBytesOfTh
 TEST_F(QelSharedMemoryWriterStatesTest, PropagateStates_NeedsNoMemory) {
     sut.setActive();
     sut.addMP(device, {}, rawNone);
-    sut.addMP(pointId(1, 0, 1), {{1, 0}}, 0);
+    sut.addMP(pointId(1, 0, 1), {{key::voltage, 0}}, 0);
     setValue(1, 0, 1);
     {
         MemoryRunsOut const noMemory(0);
@@ -316,7 +318,7 @@ TEST_F(QelSharedMemoryWriterStatesTest, NestingOf800Points_FitsASmallStack) {
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
         auto const parent = pos == 0 ? rawNone : pos - 1;
         auto const level = static_cast<int>(pos);
-        ASSERT_EQ(pos, sut.addMP(pointId(level / 256, 0, level % 256), {{1, 0}}, parent));
+        ASSERT_EQ(pos, sut.addMP(pointId(level / 256, 0, level % 256), {{key::voltage, 0}}, parent));
     }
     setValue(799, 0, 1);
 

@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "region/Exceptions.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -20,6 +21,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using log4cpp::Priority;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -148,7 +150,7 @@ TEST_F(QelSharedMemoryWriterTest, InitMP_LogsItsArguments) {
 TEST_F(QelSharedMemoryWriterTest, InitMV_WritesItsFields_AndLeavesTheRestAtFF) {
     raw.fill(0x55);
 
-    auto const& mv = sut.initMV(8799, 0x0102);
+    auto const& mv = sut.initMV(8799, key::input1);
 
     EXPECT_THAT(slotBytes(raw, 319968, 32), ElementsAre(0, 0, 0, 0, 0, 0, 0, 0,               // value
                                                         0, 0, 0, 0, 0, 0, 0, 0,               // at
@@ -164,7 +166,7 @@ TEST_F(QelSharedMemoryWriterTest, InitMV_WritesItsFields_AndLeavesTheRestAtFF) {
 TEST_F(QelSharedMemoryWriterTest, InitMV_LogsItsArguments) {
     WriterLog const log;
 
-    sut.initMV(0, 0xFFFE);
+    sut.initMV(0, key::voltageMeasuredAtSocketLevel);
 
     EXPECT_THAT(log.entries(), ElementsAre(writerLine(Priority::DEBUG, "initMV: pos = 0, key = 0xfffe")));
 }
@@ -172,8 +174,8 @@ TEST_F(QelSharedMemoryWriterTest, InitMV_LogsItsArguments) {
 // addMP, addMVs
 
 TEST_F(QelSharedMemoryWriterTest, AddMP_HandsOutPointsAndValuesLowestFirst) {
-    EXPECT_EQ(0U, sut.addMP(device, {{5, 77}, {1, 88}}, rawNone));
-    EXPECT_EQ(1U, sut.addMP(pointId(1, 0, 1), {{2, 0}}, 0));
+    EXPECT_EQ(0U, sut.addMP(device, {{key::peakCurrent, 77}, {key::voltage, 88}}, rawNone));
+    EXPECT_EQ(1U, sut.addMP(pointId(1, 0, 1), {{key::peakVoltage, 0}}, 0));
 
     EXPECT_THAT(values(0), ElementsAre(0, 1));
     EXPECT_THAT(values(1), ElementsAre(2));
@@ -198,9 +200,10 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_KeyInTheSvid_IsCleared) {
 
 TEST_F(QelSharedMemoryWriterTest, AddMP_KnownPoint_GetsTheMissingValuesAndKeepsItsParent) {
     sut.addMP(device, {}, rawNone);
-    sut.addMP(pointId(1, 0, 1), {{4, 0}}, 0);
+    sut.addMP(pointId(1, 0, 1), {{key::current, 0}}, 0);
 
-    EXPECT_EQ(1U, sut.addMP(pointId(1, 0, 1), {{1, 0}, {4, 0}, {9, 0}}, rawNone));
+    EXPECT_EQ(1U, sut.addMP(pointId(1, 0, 1),
+                            {{key::voltage, 0}, {key::current, 0}, {key::neutralCurrent, 0}}, rawNone));
 
     EXPECT_THAT(values(1), ElementsAre(0, 1, 2));
     EXPECT_EQ(0U, pointField(1, field::parent));
@@ -211,7 +214,7 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_KnownPoint_GetsTheMissingValuesAndKeepsI
 TEST_F(QelSharedMemoryWriterTest, AddMP_NewPoint_LogsEachStep) {
     WriterLog const log;
 
-    sut.addMP(device | 7, {{1, 0}}, rawNone);
+    sut.addMP(device | key::differentialCurrentAc, {{key::voltage, 0}}, rawNone);
 
     EXPECT_THAT(
         log.entries(),
@@ -224,10 +227,10 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_NewPoint_LogsEachStep) {
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddMP_KnownPoint_LogsEachKnownKey) {
-    sut.addMP(device, {{1, 0}, {0x20, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}, {key::apparentEnergy, 0}}, rawNone);
     WriterLog const log;
 
-    sut.addMP(device, {{1, 0}, {2, 0}, {0x20, 0}}, 5);
+    sut.addMP(device, {{key::voltage, 0}, {key::peakVoltage, 0}, {key::apparentEnergy, 0}}, 5);
 
     EXPECT_THAT(log.entries(),
                 ElementsAre(writerLine(Priority::INFO, "addMP: svid = 0x100ffffffff0000, ppos = 0x5"),
@@ -237,32 +240,32 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_KnownPoint_LogsEachKnownKey) {
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddMP_KnownKey_LeavesItsSlotUnchanged) {
-    sut.addMP(device, {{1, 0}}, rawNone);
-    sut.updateMV(device | 1, measured(2.5, 77, eStatus_LowAlarm));
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
+    sut.updateMV(device | key::voltage, measured(2.5, 77, eStatus_LowAlarm));
     auto const before = raw.copy();
 
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
 
     EXPECT_EQ(before, raw.copy());
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddMVs_HighestPositionCountsAsTail) {
     auto& mp = sut.initMP(0, device, rawNone);
-    auto& mv = sut.initMV(5000, 1);
+    auto& mv = sut.initMV(5000, key::voltage);
     mp.mvs = 5000;
-    shm::MPDef definition(0, {{1, 5000}});
+    shm::MPDef definition(0, {{key::voltage, 5000}});
 
-    sut.addMVs(mp, definition, {{2, 0}, {3, 0}});
+    sut.addMVs(mp, definition, {{key::peakVoltage, 0}, {3, 0}});
 
     EXPECT_THAT(values(0), ElementsAre(5000, 0, 1));
-    EXPECT_EQ((Keys{{1, 5000}, {2, 0}, {3, 1}}), definition.mvs);
+    EXPECT_EQ((Keys{{key::voltage, 5000}, {key::peakVoltage, 0}, {3, 1}}), definition.mvs);
 
     // The chain ends at 1, yet the next value goes behind 5000, and 0 and 1 drop out.
-    sut.addMVs(mp, definition, {{4, 0}});
+    sut.addMVs(mp, definition, {{key::current, 0}});
 
     EXPECT_EQ(2U, mv.next);
     EXPECT_THAT(values(0), ElementsAre(5000, 2));
-    EXPECT_EQ((Keys{{1, 5000}, {2, 0}, {3, 1}, {4, 2}}), definition.mvs);
+    EXPECT_EQ((Keys{{key::voltage, 5000}, {key::peakVoltage, 0}, {3, 1}, {key::current, 2}}), definition.mvs);
 }
 
 // The limits
@@ -275,21 +278,22 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_801stPoint_IsRefused) {
     auto const before = raw.copy();
     WriterLog const log(Priority::WARN);
 
-    EXPECT_EQ(rawNone, sut.addMP(pointId(9, 2) | 3, {{1, 0}}, rawNone));
+    EXPECT_EQ(rawNone, sut.addMP(pointId(9, 2) | 3, {{key::voltage, 0}}, rawNone));
 
     EXPECT_THAT(log.entries(),
                 ElementsAre(writerLine(Priority::WARN, "addMP: no free measurement points left, cannot add "
                                                        "0x902ffffffff0000")));
     EXPECT_EQ(before, raw.copy());
     EXPECT_EQ(800U, groups().size());
-    EXPECT_EQ(5U, sut.addMP(pointId(1, 2, 0, 5), {{1, 0}}, rawNone)); // known points still get values
+    EXPECT_EQ(5U,
+              sut.addMP(pointId(1, 2, 0, 5), {{key::voltage, 0}}, rawNone)); // known points still get values
     EXPECT_THAT(values(5), ElementsAre(0));
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_801stPoint_Throws_AndThePointsBeforeItStay) {
     Definitions definitions;
     for (int i = 0; i < 801; ++i) {
-        definitions[pointId(1 + i / 100, 2, -1, i % 100)] = withKeys({1});
+        definitions[pointId(1 + i / 100, 2, -1, i % 100)] = withKeys({key::voltage});
     }
     WriterLog const log(Priority::WARN);
 
@@ -314,7 +318,9 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_ValuesBeyond8800_AreRefusedOneByOne) {
     sut.addMP(device, withKeys(firstKeys(8799)).mvs, rawNone);
     WriterLog const log(Priority::WARN);
 
-    EXPECT_EQ(1U, sut.addMP(pointId(2, 0), {{0x30, 0}, {0x3C, 0}, {0xFFFC, 0}}, rawNone));
+    EXPECT_EQ(1U, sut.addMP(pointId(2, 0),
+                            {{key::fuseState, 0}, {0x3C, 0}, {key::activeEnergyResettableDeltaBaseValue, 0}},
+                            rawNone));
 
     EXPECT_THAT(
         log.entries(),
@@ -330,9 +336,9 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_ValuesBeyond8800_AreRefusedOneByOne) {
 
 TEST_F(QelSharedMemoryWriterTest, AddMP_RefusedValue_CannotBeUpdated_TheOthersCan) {
     sut.addMP(device, withKeys(firstKeys(8800)).mvs, rawNone);
-    sut.addMP(pointId(2, 0), {{1, 0}}, rawNone);
+    sut.addMP(pointId(2, 0), {{key::voltage, 0}}, rawNone);
 
-    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | 1, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | key::voltage, measured(1.0)));
     EXPECT_TRUE(sut.updateMV(device | 8799, measured(4.25)));
     EXPECT_EQ(rawNone, pointField(1, field::mvs));
     EXPECT_EQ(4.25, number(8799));
@@ -356,11 +362,11 @@ TEST_F(QelSharedMemoryWriterTest, AddMP_KnownAndRefusedKeys_AreToldApart) {
 // addStructure
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_BuildsTheTree_ParentsFirst) {
-    Definitions const definitions{{pointId(1, 0, 1, 1, 1, 1), withKeys({1})},
+    Definitions const definitions{{pointId(1, 0, 1, 1, 1, 1), withKeys({key::voltage})},
                                   {pointId(1, 0, 1, 1, 1), withKeys({})},
-                                  {pointId(1, 0, 1, 1), withKeys({2, 3})},
+                                  {pointId(1, 0, 1, 1), withKeys({key::peakVoltage, 3})},
                                   {pointId(1, 0, 1), withKeys({})},
-                                  {device, withKeys({0x48})},
+                                  {device, withKeys({key::type})},
                                   {pointId(1, 2, -1, 4), withKeys({})}};
 
     EXPECT_TRUE(sut.addStructure(definitions));
@@ -379,7 +385,8 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_BuildsTheTree_ParentsFirst) {
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_SecondTimeAddsNothing) {
-    Definitions const definitions{{device, withKeys({1, 2})}, {pointId(1, 0, 1), withKeys({})}};
+    Definitions const definitions{{device, withKeys({key::voltage, key::peakVoltage})},
+                                  {pointId(1, 0, 1), withKeys({})}};
     EXPECT_TRUE(sut.addStructure(definitions));
     auto const before = raw.copy();
     WriterLog const log;
@@ -391,46 +398,46 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_SecondTimeAddsNothing) {
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_FewerKeysThanKnown_AddsNothing) {
-    sut.addStructure({{device, withKeys({1, 2})}});
+    sut.addStructure({{device, withKeys({key::voltage, key::peakVoltage})}});
 
-    EXPECT_FALSE(sut.addStructure({{device, withKeys({2})}}));
+    EXPECT_FALSE(sut.addStructure({{device, withKeys({key::peakVoltage})}}));
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_OneNewKeyOfAKnownPoint_AddsOneValueAtTheEnd) {
-    sut.addStructure({{device, withKeys({1, 5})}});
+    sut.addStructure({{device, withKeys({key::voltage, key::peakCurrent})}});
     WriterLog const log(Priority::WARN);
 
-    EXPECT_TRUE(sut.addStructure({{device, withKeys({1, 3, 5})}}));
+    EXPECT_TRUE(sut.addStructure({{device, withKeys({key::voltage, 3, key::peakCurrent})}}));
 
     EXPECT_THAT(values(0), ElementsAre(0, 1, 2));
     EXPECT_EQ(3, raw.get<std::uint16_t>(rawValue(2) + field::valueKey));
     EXPECT_THAT(log.entries(),
                 ElementsAre(writerLine(Priority::WARN, "addMVs: Ignoring known key 0x1, pos = 0"),
                             writerLine(Priority::WARN, "addMVs: Ignoring known key 0x5, pos = 0x1")));
-    EXPECT_EQ(3U, sut.addMP(pointId(3, 0), {{1, 0}}, rawNone) + 2); // one point so far
-    EXPECT_THAT(values(1), ElementsAre(3));                         // three values so far
+    EXPECT_EQ(3U, sut.addMP(pointId(3, 0), {{key::voltage, 0}}, rawNone) + 2); // one point so far
+    EXPECT_THAT(values(1), ElementsAre(3));                                    // three values so far
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddMP_RootsId_TakesNoSlot) {
-    for (auto const svid : {rootSvid, rootSvid | 1}) {
+    for (auto const svid : {rootSvid, rootSvid | key::voltage}) {
         auto const before = raw.copy();
         WriterLog log;
 
-        EXPECT_EQ(rawNone, sut.addMP(svid, {{1, 0}}, rawNone));
+        EXPECT_EQ(rawNone, sut.addMP(svid, {{key::voltage, 0}}, rawNone));
 
         EXPECT_THAT(log.take(), ElementsAre(writerLine(Priority::INFO, "addMP: svid = " + hex(svid) +
                                                                            ", ppos = 0xffffffff")));
         EXPECT_EQ(before, raw.copy());
     }
     EXPECT_EQ(0U, sut.addMP(device, {}, rawNone)); // the first slot is still there
-    EXPECT_FALSE(sut.updateMV(rootSvid | 1, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(rootSvid | key::voltage, measured(1.0)));
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_RootSvid_IsSkipped) {
     auto const before = raw.copy();
     WriterLog const log;
 
-    EXPECT_FALSE(sut.addStructure({{rootSvid, withKeys({1})}}));
+    EXPECT_FALSE(sut.addStructure({{rootSvid, withKeys({key::voltage})}}));
 
     EXPECT_EQ(before, raw.copy());
     EXPECT_THAT(log.entries(), IsEmpty());
@@ -439,7 +446,8 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_RootSvid_IsSkipped) {
 TEST_F(QelSharedMemoryWriterTest, AddStructure_RootSvidWithAKey_IsSkipped) {
     auto const before = raw.copy();
 
-    EXPECT_FALSE(sut.addStructure({{rootSvid | 1, withKeys({1})}, {rootSvid | 0xFFFE, {}}}));
+    EXPECT_FALSE(sut.addStructure({{rootSvid | key::voltage, withKeys({key::voltage})},
+                                   {rootSvid | key::voltageMeasuredAtSocketLevel, {}}}));
 
     EXPECT_EQ(before, raw.copy());
 }
@@ -449,7 +457,7 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_EmptyMap_AddsNothing) {
 }
 
 TEST_F(QelSharedMemoryWriterTest, AddStructure_PositionsInTheDefinitions_AreIgnored) {
-    sut.addStructure({{device, shm::MPDef(99, {{1, 4711}})}});
+    sut.addStructure({{device, shm::MPDef(99, {{key::voltage, 4711}})}});
 
     EXPECT_THAT(devices(), ElementsAre(0));
     EXPECT_THAT(values(0), ElementsAre(0));
@@ -459,7 +467,9 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_LogsANewPointWithItsDefinition) {
     sut.addStructure({{device, withKeys({})}});
     WriterLog const log;
 
-    sut.addStructure({{device, withKeys({})}, {pointId(1, 0, 1), shm::MPDef(0xFFFFFFFF, {{1, 31}, {2, 0}})}});
+    sut.addStructure(
+        {{device, withKeys({})},
+         {pointId(1, 0, 1), shm::MPDef(0xFFFFFFFF, {{key::voltage, 31}, {key::peakVoltage, 0}})}});
 
     auto const entries = log.entries();
     ASSERT_LE(2U, entries.size());
@@ -474,7 +484,7 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_NewKeysOfAKnownPoint_AreAddedWith
     sut.addStructure({{device, withKeys({})}, {pointId(1, 0, 1), withKeys({})}});
     WriterLog const log;
 
-    sut.addStructure({{pointId(1, 0, 1), withKeys({1})}});
+    sut.addStructure({{pointId(1, 0, 1), withKeys({key::voltage})}});
 
     EXPECT_THAT(log.entries(),
                 ElementsAre(writerLine(Priority::INFO, "addMP: svid = 0x10001ffffff0000, ppos = 0xffffffff"),
@@ -485,7 +495,7 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_NewKeysOfAKnownPoint_AreAddedWith
 TEST_F(QelSharedMemoryWriterTest, AddStructure_MissingParent_Throws_AndWritesNothingOfThatPoint) {
     WriterLog const log(Priority::ERROR);
     Definitions const definitions{
-        {device, withKeys({})}, {pointId(2, 0, 1), withKeys({1})}, {pointId(3, 0), withKeys({})}};
+        {device, withKeys({})}, {pointId(2, 0, 1), withKeys({key::voltage})}, {pointId(3, 0), withKeys({})}};
 
     EXPECT_THROW(sut.addStructure(definitions), ex::InvalidSensorIdException);
 
@@ -501,7 +511,7 @@ TEST_F(QelSharedMemoryWriterTest, AddStructure_MissingParent_Throws_AndWritesNot
 TEST_F(QelSharedMemoryWriterTest, AddStructure_WhileActive_LeavesTheRootsStampsAlone) {
     sut.setActive();
 
-    sut.addStructure({{device, withKeys({1})}});
+    sut.addStructure({{device, withKeys({key::voltage})}});
 
     EXPECT_EQ(rootSvid, raw.get<std::int64_t>(rawRootOffset));
     EXPECT_EQ(32, raw.bytes()[field::version]);
@@ -516,16 +526,16 @@ TEST_F(QelSharedMemoryWriterTest, InjectTypes_StoresTheLow8Bits_AndGivesTheSvids
     sut.addMP(pointId(3, 0), {}, rawNone);
 
     auto const applied = sut.injectTypes(
-        {{device, 7}, {pointId(2, 0) | 0x46, 0x1FE}, {pointId(3, 0), -2}, {pointId(4, 0), 1}});
+        {{device, 7}, {pointId(2, 0) | key::pduType, 0x1FE}, {pointId(3, 0), -2}, {pointId(4, 0), 1}});
 
-    EXPECT_EQ((std::unordered_set<long long>{device, pointId(2, 0) | 0x46, pointId(3, 0)}), applied);
+    EXPECT_EQ((std::unordered_set<long long>{device, pointId(2, 0) | key::pduType, pointId(3, 0)}), applied);
     EXPECT_EQ(7, raw.bytes()[rawPoint(0) + field::pointType]);
     EXPECT_EQ(0xFE, raw.bytes()[rawPoint(1) + field::pointType]);
     EXPECT_EQ(0xFE, raw.bytes()[rawPoint(2) + field::pointType]);
 }
 
 TEST_F(QelSharedMemoryWriterTest, InjectTypes_ChangesNothingButTheType) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     auto expected = raw.copy();
     expected[field::pointType] = 9;
 
@@ -537,7 +547,7 @@ TEST_F(QelSharedMemoryWriterTest, InjectTypes_ChangesNothingButTheType) {
 TEST_F(QelSharedMemoryWriterTest, InjectTypes_LogsTheNumberAndEachEntry) {
     WriterLog const log;
 
-    sut.injectTypes({{device | 0x46, 0x12}});
+    sut.injectTypes({{device | key::pduType, 0x12}});
     sut.injectTypes({});
 
     EXPECT_THAT(log.entries(),

@@ -5,6 +5,7 @@
 
 #include "writer/QelSharedMemoryWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/model/ReferenceSvid.h"
 #include "tests/support/Eventually.h"
 #include "tests/support/FailureSeams.h"
@@ -22,6 +23,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using log4cpp::Priority;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -76,7 +78,7 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, SetActive_LogsTheVersion) {
 // updateMV: values
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_StoresTimeStateAndNumber) {
-    sut.addMP(device, {{1, 0}, {2, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}, {key::peakVoltage, 0}}, rawNone);
     auto expected = raw.copy();
     std::vector<std::uint8_t> const slot{
         0,    0,    0,    0,    0,    0,    0xF8, 0x3F, // 1.5
@@ -85,17 +87,18 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_StoresTimeStateAndNumber) {
     };
     std::copy(slot.begin(), slot.end(), expected.begin() + 38400 + 32);
 
-    EXPECT_TRUE(sut.updateMV(device | 2, measured(1.5, time1, eStatus_HighAlarm)));
+    EXPECT_TRUE(sut.updateMV(device | key::peakVoltage, measured(1.5, time1, eStatus_HighAlarm)));
 
     EXPECT_EQ(expected, raw.copy());
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_EnergyIsStoredInUnits_OthersAsDelivered) {
-    sut.addMP(device, {{32, 0}, {39, 0}, {0xFFFC, 0}}, rawNone);
+    sut.addMP(device, {{key::apparentEnergy, 0}, {39, 0}, {key::activeEnergyResettableDeltaBaseValue, 0}},
+              rawNone);
 
-    EXPECT_TRUE(sut.updateMV(device | 32, measured(1234.0)));
+    EXPECT_TRUE(sut.updateMV(device | key::apparentEnergy, measured(1234.0)));
     EXPECT_TRUE(sut.updateMV(device | 39, measured(1234.0)));
-    EXPECT_TRUE(sut.updateMV(device | 0xFFFC, measured(1234.0)));
+    EXPECT_TRUE(sut.updateMV(device | key::activeEnergyResettableDeltaBaseValue, measured(1234.0)));
 
     EXPECT_EQ(1.234, number(0));
     EXPECT_EQ(1234.0, number(1));
@@ -141,7 +144,7 @@ TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
 INSTANTIATE_TEST_SUITE_P(AllKeys, QelSharedMemoryWriterKeysTest, testing::Range(0, 8));
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_NumbersOfEveryType_AreConverted) {
-    sut.addMP(device, {{1, 0}, {32, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}, {key::apparentEnergy, 0}}, rawNone);
     auto const stored = [&](auto value, long long key) {
         EXPECT_TRUE(
             sut.updateMV(device | key, std::make_unique<measval::MeasureValue>(value, 1, eStatus_NoError)));
@@ -158,10 +161,10 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_NumbersOfEveryType_AreConverte
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_Text_ReturnsFalse_YetTimeAndStateAreNew) {
-    sut.addMP(device, {{1, 0}}, rawNone);
-    sut.updateMV(device | 1, measured(5.5, 1, eStatus_NoError));
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
+    sut.updateMV(device | key::voltage, measured(5.5, 1, eStatus_NoError));
 
-    EXPECT_FALSE(sut.updateMV(device | 1, text("12")));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, text("12")));
 
     EXPECT_EQ(time1, valueTime(0));
     EXPECT_EQ(eStatus_HighWarning, valueState(0));
@@ -169,10 +172,10 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_Text_ReturnsFalse_YetTimeAndSt
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_DoesNotPropagateStates) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     sut.setActive();
 
-    sut.updateMV(device | 1, measured(1.0, 1, eStatus_HighAlarm));
+    sut.updateMV(device | key::voltage, measured(1.0, 1, eStatus_HighAlarm));
 
     EXPECT_EQ(17, pointState(0));
     EXPECT_EQ(17, globalState());
@@ -181,9 +184,11 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_DoesNotPropagateStates) {
 // updateMV: the point's own state
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_WritesOnlyTimeAndStateOfThePoint) {
-    for (int const key : {0x30, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39, 0x3A, 0x3B}) {
+    for (int const key :
+         {key::fuseState, key::socket, key::pduState, key::sensorState, key::circuitState, key::phaseState,
+          key::rcdState, key::socketGroupState, key::globalState, key::state}) {
         auto const svid = pointId(key, 0);
-        auto const pos = sut.addMP(svid, {{1, 0}, {static_cast<unsigned short>(key), 0}}, rawNone);
+        auto const pos = sut.addMP(svid, {{key::voltage, 0}, {static_cast<unsigned short>(key), 0}}, rawNone);
         auto expected = raw.copy();
         for (std::size_t i = 0; i < 8; ++i) {
             expected[rawPoint(pos) + 32 + i] = static_cast<std::uint8_t>(time1 >> (8 * i));
@@ -199,7 +204,7 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_WritesOnlyTimeAn
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_NeedsNoValueOfThatKey) {
     sut.addMP(device, {}, rawNone);
 
-    EXPECT_TRUE(sut.updateMV(device | 0x30, measured(0.0, 3, eStatus_OffIdentify)));
+    EXPECT_TRUE(sut.updateMV(device | key::fuseState, measured(0.0, 3, eStatus_OffIdentify)));
 
     EXPECT_EQ(16, pointState(0));
     EXPECT_EQ(3U, raw.get<std::uint64_t>(field::pointAt));
@@ -209,7 +214,7 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_TakesAnyTypeAndN
     sut.addMP(device, {}, rawNone);
     MutexesFail const broken;
 
-    EXPECT_TRUE(sut.updateMV(device | 0x34, text("on")));
+    EXPECT_TRUE(sut.updateMV(device | key::pduState, text("on")));
 
     EXPECT_EQ(eStatus_HighWarning, pointState(0));
 }
@@ -217,52 +222,52 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_PointStateKey_TakesAnyTypeAndN
 // updateMV: failures
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_UnknownPointOrKey_ReturnsFalse_WritesAndLogsNothing) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     auto const before = raw.copy();
     WriterLog const log;
 
-    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | 1, measured(1.0)));
-    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | 0x30, measured(1.0)));
-    EXPECT_FALSE(sut.updateMV(device | 2, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | key::voltage, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(pointId(2, 0) | key::fuseState, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(device | key::peakVoltage, measured(1.0)));
     EXPECT_FALSE(sut.updateMV(device, measured(1.0)));
-    EXPECT_FALSE(sut.updateMV(rootSvid | 0x3A, measured(1.0)));
+    EXPECT_FALSE(sut.updateMV(rootSvid | key::globalState, measured(1.0)));
 
     EXPECT_EQ(before, raw.copy());
     EXPECT_THAT(log.entries(), IsEmpty());
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_WithoutAValue_ReturnsFalse) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     auto const before = raw.copy();
 
-    EXPECT_FALSE(sut.updateMV(device | 1, nullptr));
-    EXPECT_FALSE(sut.updateMV(device | 0x30, nullptr));
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, nullptr));
+    EXPECT_FALSE(sut.updateMV(device | key::fuseState, nullptr));
 
     EXPECT_EQ(before, raw.copy());
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_FailingMutex_ReturnsFalse_WritesAndLogsNothing) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     auto const before = raw.copy();
     bool updated = true;
     WriterLog const log;
     {
         MutexesFail const broken;
-        updated = sut.updateMV(device | 1, measured(1.0));
+        updated = sut.updateMV(device | key::voltage, measured(1.0));
     }
     EXPECT_FALSE(updated);
     EXPECT_EQ(before, raw.copy());
     EXPECT_THAT(log.entries(), IsEmpty());
-    EXPECT_TRUE(sut.updateMV(device | 1, measured(1.0)));
+    EXPECT_TRUE(sut.updateMV(device | key::voltage, measured(1.0)));
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_ExceptionOfNoStandardType_IsLogged_AndGivesFalse) {
-    sut.addMP(device, {{1, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}}, rawNone);
     WriterLog const log;
     bool updated = true;
     {
         ConversionThrowsInt const broken;
-        updated = sut.updateMV(device | 1, measured(1.0));
+        updated = sut.updateMV(device | key::voltage, measured(1.0));
     }
     EXPECT_FALSE(updated);
     EXPECT_THAT(log.entries(),
@@ -271,15 +276,15 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_ExceptionOfNoStandardType_IsLo
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_WhileItsPointGetsMoreValues_StoresEachTime) {
     WriterLog const silence(log4cpp::Priority::EMERG);
-    sut.addMP(pointId(7, 0), {{0x100, 0}}, rawNone);
+    sut.addMP(pointId(7, 0), {{key::temperature, 0}}, rawNone);
     std::atomic<bool> stop{false};
     std::atomic<unsigned int> stored{0};
     std::atomic<unsigned int> refused{0};
     std::thread updating([&] {
         for (std::uint64_t time = 1; !stop; ++time) {
-            ++(sut.updateMV(pointId(7, 0) | 0x100, measured(1.0, time)) ? stored : refused);
+            ++(sut.updateMV(pointId(7, 0) | key::temperature, measured(1.0, time)) ? stored : refused);
             sut.updateMV(pointId(7, 0) | (0x100 + static_cast<long long>(time % 600)), measured(2.0, time));
-            sut.updateMV(pointId(7, 0) | 0x30, measured(0.0, time));
+            sut.updateMV(pointId(7, 0) | key::fuseState, measured(0.0, time));
         }
     });
     for (unsigned int key = 0x101; key < 0x101 + 500; ++key) {
@@ -296,16 +301,16 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_WhileItsPointGetsMoreValues_St
 }
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_Success_NeitherLogsNorAllocates) {
-    sut.addMP(device, {{1, 0}, {32, 0}}, rawNone);
+    sut.addMP(device, {{key::voltage, 0}, {key::apparentEnergy, 0}}, rawNone);
     auto plain = measured(1.0);
     auto energy = measured(2.0);
     auto state = measured(3.0);
     WriterLog const log;
     auto const before = allocations();
 
-    sut.updateMV(device | 1, std::move(plain));
-    sut.updateMV(device | 32, std::move(energy));
-    sut.updateMV(device | 0x30, std::move(state));
+    sut.updateMV(device | key::voltage, std::move(plain));
+    sut.updateMV(device | key::apparentEnergy, std::move(energy));
+    sut.updateMV(device | key::fuseState, std::move(state));
 
     EXPECT_EQ(before, allocations());
     EXPECT_THAT(log.entries(), IsEmpty());

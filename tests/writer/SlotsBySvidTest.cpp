@@ -3,6 +3,7 @@
 
 #include "writer/SlotsBySvid.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -17,6 +18,8 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr std::size_t values = 8800; // positions from here on are none
 
 } // namespace
@@ -29,16 +32,16 @@ TEST(SlotsBySvidTest, NewIndex_KnowsNoPoint) {
 
 TEST(SlotsBySvidTest, ValuePosition_FindsEachKeyAndNoOther) {
     shm::SlotsBySvid sut;
-    shm::MPDef definition(799, {{0, 7}, {1, 8799}, {0x100, 3}, {0xFFFF, 4}});
+    shm::MPDef definition(799, {{key::guid, 7}, {key::voltage, 8799}, {key::temperature, 3}, {0xFFFF, 4}});
     sut.add(1, definition);
     auto const* const point = sut.find(1);
     ASSERT_NE(nullptr, point);
-    EXPECT_EQ(7U, point->valuePosition(0));
-    EXPECT_EQ(8799U, point->valuePosition(1));
-    EXPECT_GE(point->valuePosition(2), values);
-    EXPECT_EQ(3U, point->valuePosition(0x100));
+    EXPECT_EQ(7U, point->valuePosition(key::guid));
+    EXPECT_EQ(8799U, point->valuePosition(key::voltage));
+    EXPECT_GE(point->valuePosition(key::peakVoltage), values);
+    EXPECT_EQ(3U, point->valuePosition(key::temperature));
     EXPECT_EQ(4U, point->valuePosition(0xFFFF));
-    EXPECT_GE(point->valuePosition(0xFFFE), values);
+    EXPECT_GE(point->valuePosition(key::voltageMeasuredAtSocketLevel), values);
 }
 
 TEST(SlotsBySvidTest, ValuePosition_OfAPointWithoutValues_IsNone) {
@@ -79,15 +82,15 @@ TEST(SlotsBySvidTest, ValuePosition_AgreesWithAMapForRandomKeys) {
 
 TEST(SlotsBySvidTest, InsertedValue_IsFound_BesideThoseBefore) {
     shm::SlotsBySvid sut;
-    shm::MPDef const definition(5, {{1, 10}});
+    shm::MPDef const definition(5, {{key::voltage, 10}});
     sut.add(1, definition);
-    EXPECT_GE(sut.find(1)->valuePosition(4), values);
+    EXPECT_GE(sut.find(1)->valuePosition(key::current), values);
 
     sut.pointOf(definition)->reserve(2);
     sut.pointOf(definition)->insert(4, 11);
 
-    EXPECT_EQ(11U, sut.find(1)->valuePosition(4));
-    EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
+    EXPECT_EQ(11U, sut.find(1)->valuePosition(key::current));
+    EXPECT_EQ(10U, sut.find(1)->valuePosition(key::voltage));
 }
 
 TEST(SlotsBySvidTest, RoomOnceMade_NeedsNoMemoryLater) {
@@ -105,20 +108,20 @@ TEST(SlotsBySvidTest, RoomOnceMade_NeedsNoMemoryLater) {
 
 TEST(SlotsBySvidTest, Reserve_WithoutMemory_LeavesTheValuesAsTheyAre) {
     shm::SlotsBySvid sut;
-    shm::MPDef const definition(5, {{1, 10}, {0x101, 11}});
+    shm::MPDef const definition(5, {{key::voltage, 10}, {key::humidity, 11}});
     sut.add(1, definition);
     {
         MemoryRunsOut const none(0);
         EXPECT_THROW(sut.pointOf(definition)->reserve(1000), std::bad_alloc);
     }
-    EXPECT_EQ(10U, sut.find(1)->valuePosition(1));
-    EXPECT_EQ(11U, sut.find(1)->valuePosition(0x101));
-    EXPECT_GE(sut.find(1)->valuePosition(2), values);
+    EXPECT_EQ(10U, sut.find(1)->valuePosition(key::voltage));
+    EXPECT_EQ(11U, sut.find(1)->valuePosition(key::humidity));
+    EXPECT_GE(sut.find(1)->valuePosition(key::peakVoltage), values);
 }
 
 TEST(SlotsBySvidTest, Add_WithoutMemory_DoesNotKnowThePoint) {
     shm::SlotsBySvid sut;
-    shm::MPDef const definition(5, {{1, 10}});
+    shm::MPDef const definition(5, {{key::voltage, 10}});
     {
         MemoryRunsOut const none(0);
         EXPECT_THROW(sut.add(1, definition), std::bad_alloc);
@@ -159,7 +162,8 @@ TEST(SlotsBySvidTest, RandomAddsAndRemoves_AgreeWithAMap) {
         auto const known = expected.find(svid);
         if (known == expected.end()) {
             auto& definition = expected[svid];
-            definition = shm::MPDef(pos, {{1, pos}, {static_cast<std::uint16_t>(pos + 2), pos + 1000}});
+            definition =
+                shm::MPDef(pos, {{key::voltage, pos}, {static_cast<std::uint16_t>(pos + 2), pos + 1000}});
             sut.add(svid, definition);
         } else {
             sut.remove(svid);
@@ -172,7 +176,7 @@ TEST(SlotsBySvidTest, RandomAddsAndRemoves_AgreeWithAMap) {
         ASSERT_NE(nullptr, found);
         EXPECT_EQ(definition.pos, found->pos());
         EXPECT_EQ(&definition.mutex, &found->mutex());
-        EXPECT_EQ(definition.pos, found->valuePosition(1));
+        EXPECT_EQ(definition.pos, found->valuePosition(key::voltage));
         EXPECT_EQ(definition.pos + 1000,
                   found->valuePosition(static_cast<std::uint16_t>(definition.pos + 2)));
     }

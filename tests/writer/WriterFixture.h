@@ -86,6 +86,8 @@ public:
 };
 
 /// A writer, and its region as plain bytes.
+///
+/// Threads: thread-bound to the test's main thread.
 class WriterTest : public testing::Test {
 protected:
     std::uint32_t pointField(std::uint32_t pos, std::size_t offset) const {

@@ -3,6 +3,7 @@
 
 #include "writer/WriterLock.h"
 
+#include "format/ValueKeys.h"
 #include "tests/writer/WriterFixture.h"
 #include "writer/QelSharedMemoryWriter.h"
 
@@ -225,9 +226,9 @@ TEST_F(WriterLockTest, SecondWriterOfTheSameProcess_SaysThatOneIsAlive_AndWorksA
     EXPECT_THAT(log.entries(), IsEmpty());
     shm::QelSharedMemoryWriter second;
     EXPECT_THAT(log.take(), ElementsAre(anotherWriter()));
-    EXPECT_TRUE(second.addStructure({{pointId(1, 0), withKeys({1})}}));
+    EXPECT_TRUE(second.addStructure({{pointId(1, 0), withKeys({shm::key::voltage})}}));
     second.setActive();
-    EXPECT_TRUE(second.updateMV(pointId(1, 0) | 1, measured(230.5)));
+    EXPECT_TRUE(second.updateMV(pointId(1, 0) | shm::key::voltage, measured(230.5)));
     EXPECT_EQ(32, first.root()->version) << "both have the same object";
 }
 

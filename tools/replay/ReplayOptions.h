@@ -20,6 +20,7 @@ class App;
 
 namespace qel::tools {
 
+/// What the arguments say. Reentrant.
 struct ReplayOptions {
     std::vector<std::string> files;
     std::string capture; ///< file to play instead; empty for none

@@ -5,6 +5,7 @@
 
 #include "inspect/check/RegionCheck.h"
 
+#include "format/ValueKeys.h"
 #include "tests/inspect/SampleUnit.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -262,8 +263,8 @@ Mutation const valueMutations[] = {
      "value 6 of point 3", "next", value(6, 20), "28", "a value of the point, or none"},
     {"KeyLost", [](Region& r) { r.values[6].key = 0xFFFF; }, "key-missing", "value 6 of point 3", "key",
      value(6, 24), "0xffff", "0x0000 to 0xfffe"},
-    {"KeyOfTheValueBefore", [](Region& r) { r.values[6].key = 1; }, "key-not-unique", "value 6 of point 3",
-     "key", value(6, 24), "0x0001", "a key that no other value of the point has"},
+    {"KeyOfTheValueBefore", [](Region& r) { r.values[6].key = shm::key::voltage; }, "key-not-unique",
+     "value 6 of point 3", "key", value(6, 24), "0x0001", "a key that no other value of the point has"},
     {"NumberNaN", [](Region& r) { r.values[6].value = notANumber; }, "number-not-finite",
      "value 6 of point 3", "value", value(6, 0), "nan", "a finite number"},
     {"NumberInfinite", [](Region& r) { r.values[6].value = -infinite; }, "number-not-finite",

@@ -3,6 +3,7 @@
 
 #include "inspect/check/RegionCheck.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 #include "inspect/image/PointTree.h"
 #include "tests/inspect/Lengths.h"
@@ -21,6 +22,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using shm::record::Region;
 using test::pointId;
 using test::withKeys;
@@ -103,8 +105,9 @@ TEST_F(RegionCheckTest, WipedRegion_HasNoFinding) {
 
 TEST_F(RegionCheckTest, RegionInBuilding_HasNoFinding) {
     test::ExposedWriter writer;
-    writer.addStructure({{pointId(1, 0), withKeys({1})}, {pointId(1, 0, 1), withKeys({4})}});
-    writer.updateMV(pointId(1, 0) | 1, test::measured(1.0, 1, eStatus_HighAlarm));
+    writer.addStructure(
+        {{pointId(1, 0), withKeys({key::voltage})}, {pointId(1, 0, 1), withKeys({key::current})}});
+    writer.updateMV(pointId(1, 0) | key::voltage, test::measured(1.0, 1, eStatus_HighAlarm));
     EXPECT_THAT(namesOf(checkRegion(LiveRegion().copy())), IsEmpty());
 
     writer.setActive();
@@ -151,10 +154,10 @@ TEST_F(RegionCheckTest, ValuesThatDroppedOutOfTheirChain_AreNoFinding) {
         keys[key] = 0;
     }
     writer.addMP(pointId(1, 0), keys, test::rawNone);
-    writer.addMP(pointId(2, 0), {{1, 0}}, test::rawNone);
+    writer.addMP(pointId(2, 0), {{key::voltage, 0}}, test::rawNone);
     writer.removeStructure({{pointId(2, 0), {}}});
-    writer.addMP(pointId(2, 0), {{2, 0}, {3, 0}}, test::rawNone);
-    writer.addMP(pointId(2, 0), {{4, 0}}, test::rawNone);
+    writer.addMP(pointId(2, 0), {{key::peakVoltage, 0}, {3, 0}}, test::rawNone);
+    writer.addMP(pointId(2, 0), {{key::current, 0}}, test::rawNone);
     EXPECT_THAT(namesOf(checkRegion(LiveRegion().copy())), IsEmpty());
 }
 
@@ -305,7 +308,7 @@ TEST_F(RegionCheckTest, Confirmed_GivesWhatTheSecondCopyStillHas_WithItsValues) 
     region->values[6].key = 0xFFFF;
     region->root.unused = 1;
     auto const first = imageOf(*region);
-    region->values[6].key = 4;
+    region->values[6].key = key::current;
     region->root.unused = 2;
     region->points[8].reserved[0] = 0;
 

@@ -3,6 +3,7 @@
 
 #include "inspect/compare/Difference.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 
 #include "tests/support/ForgedRegion.h"
@@ -21,6 +22,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -59,7 +61,8 @@ std::vector<std::string> textsOf(std::vector<Difference> const& differences) {
 class DifferenceTest : public testing::Test {
 protected:
     DifferenceTest() {
-        writer_.addStructure({{unit, test::withKeys({1})}, {inlet, test::withKeys({1, 19})}});
+        writer_.addStructure({{unit, test::withKeys({key::voltage})},
+                              {inlet, test::withKeys({key::voltage, key::activePower})}});
         writer_.setActive();
     }
 
@@ -84,7 +87,7 @@ TEST_F(DifferenceTest, EqualImagesHaveNone) {
 
 TEST_F(DifferenceTest, NumberStatePointStateAndGlobalState) {
     EXPECT_THAT(after([&] {
-                    writer_.updateMV(inlet | 19, test::measured(2300.5, 7, eStatus_HighAlarm));
+                    writer_.updateMV(inlet | key::activePower, test::measured(2300.5, 7, eStatus_HighAlarm));
                     writer_.propagateStates();
                 }),
                 ElementsAre(" global state s17 s23", "unit1 state s17 s23", "unit1/inlet1 state s17 s9",
@@ -92,16 +95,17 @@ TEST_F(DifferenceTest, NumberStatePointStateAndGlobalState) {
 }
 
 TEST_F(DifferenceTest, TimeAloneIsNone) {
-    writer_.updateMV(inlet | 19, test::measured(1, 7));
-    EXPECT_THAT(after([&] { writer_.updateMV(inlet | 19, test::measured(1, 8)); }), IsEmpty());
+    writer_.updateMV(inlet | key::activePower, test::measured(1, 7));
+    EXPECT_THAT(after([&] { writer_.updateMV(inlet | key::activePower, test::measured(1, 8)); }), IsEmpty());
 }
 
 TEST_F(DifferenceTest, NumbersAreComparedByTheirBits) {
     auto const nan = std::numeric_limits<double>::quiet_NaN();
-    writer_.updateMV(inlet | 19, test::measured(nan, 7));
-    EXPECT_THAT(after([&] { writer_.updateMV(inlet | 19, test::measured(nan, 8)); }), IsEmpty());
-    writer_.updateMV(inlet | 19, test::measured(0.0, 8));
-    EXPECT_THAT(after([&] { writer_.updateMV(inlet | 19, test::measured(-0.0, 8)); }),
+    writer_.updateMV(inlet | key::activePower, test::measured(nan, 7));
+    EXPECT_THAT(after([&] { writer_.updateMV(inlet | key::activePower, test::measured(nan, 8)); }),
+                IsEmpty());
+    writer_.updateMV(inlet | key::activePower, test::measured(0.0, 8));
+    EXPECT_THAT(after([&] { writer_.updateMV(inlet | key::activePower, test::measured(-0.0, 8)); }),
                 ElementsAre("unit1/inlet1#19 number 0 -0"));
 }
 
@@ -111,8 +115,8 @@ TEST_F(DifferenceTest, TypeOfAPoint) {
 
 TEST_F(DifferenceTest, AddedPointsStandWhereTheyAreNow) {
     EXPECT_THAT(after([&] {
-                    writer_.addStructure({{otherInlet, test::withKeys({1})},
-                                          {sensor, test::withKeys({256})},
+                    writer_.addStructure({{otherInlet, test::withKeys({key::voltage})},
+                                          {sensor, test::withKeys({key::temperature})},
                                           {group, test::withKeys({})}});
                 }),
                 ElementsAre("unit1/inlet2 point added - 2", "unit1/sensor1.1 point added - 3",
@@ -120,7 +124,7 @@ TEST_F(DifferenceTest, AddedPointsStandWhereTheyAreNow) {
 }
 
 TEST_F(DifferenceTest, RemovedPointsStandBehindWhatCameBeforeThem) {
-    writer_.addStructure({{otherInlet, test::withKeys({1})}, {group, test::withKeys({})}});
+    writer_.addStructure({{otherInlet, test::withKeys({key::voltage})}, {group, test::withKeys({})}});
     EXPECT_THAT(
         after([&] {
             writer_.modifyStructure({unit, otherInlet, sensor, group});
@@ -138,17 +142,18 @@ TEST_F(DifferenceTest, FirstPointThatWasRemovedStandsFirst) {
 TEST_F(DifferenceTest, PointThatWentAndCameBackHasAnotherSlot) {
     EXPECT_THAT(after([&] {
                     writer_.modifyStructure({unit});
-                    writer_.modifyStructure({unit, inlet, inlet | 19});
+                    writer_.modifyStructure({unit, inlet, inlet | key::activePower});
                 }),
                 ElementsAre("unit1/inlet1 slot 1 2", "unit1/inlet1#1 value removed 0 -"));
 }
 
 TEST_F(DifferenceTest, KeysThatAreNew) {
-    EXPECT_THAT(after([&] {
-                    writer_.addStructure({{inlet, test::withKeys({1, 4, 19})}});
-                    writer_.updateMV(inlet | 4, test::measured(2.5));
-                }),
-                ElementsAre("unit1/inlet1#4 value added - 2.5"));
+    EXPECT_THAT(
+        after([&] {
+            writer_.addStructure({{inlet, test::withKeys({key::voltage, key::current, key::activePower})}});
+            writer_.updateMV(inlet | key::current, test::measured(2.5));
+        }),
+        ElementsAre("unit1/inlet1#4 value added - 2.5"));
 }
 
 TEST_F(DifferenceTest, EmptyImageHasNothing) {
@@ -163,12 +168,12 @@ TEST_F(DifferenceTest, EmptyImageHasNothing) {
 
 TEST_F(DifferenceTest, SidesCarryIdsAndKinds) {
     auto const before = LiveRegion().copy();
-    writer_.updateMV(inlet | 19, test::measured(1.5, 7, eStatus_ExpectedValue));
+    writer_.updateMV(inlet | key::activePower, test::measured(1.5, 7, eStatus_ExpectedValue));
     auto const found = differences(before, LiveRegion().copy());
     ASSERT_EQ(1U, found.size());
     EXPECT_EQ(DifferenceKind::ValueNumber, found[0].kind);
     EXPECT_EQ(inlet, found[0].svid);
-    EXPECT_EQ(19, found[0].key);
+    EXPECT_EQ(key::activePower, found[0].key);
     EXPECT_EQ(DifferenceSide(1.5), found[0].after);
 }
 
@@ -189,7 +194,7 @@ TEST(DifferenceOfForgedRegionsTest, PointUnderAnotherParent) {
 TEST(DifferenceOfForgedRegionsTest, VersionThatSaysMoreThanActive) {
     test::ForgedRegion const region;
     auto const before = LiveRegion().copy();
-    region.raw().set<std::uint8_t>(test::rootVersion, 7);
+    region.raw().set<std::uint8_t>(test::field::version, 7);
     auto const other = LiveRegion().copy();
     EXPECT_THAT(textsOf(differences(before, other)), ElementsAre(" version 255 7"));
     region.activate();
@@ -203,7 +208,7 @@ TEST(DifferenceOfForgedRegionsTest, SeveralOfOneIdAreMatchedInTheirOrder) {
     region.point(1, unit);
     region.point(2, unit);
     region.devices({1, 2});
-    region.values(2, 7, {1, 1});
+    region.values(2, 7, {key::voltage, key::voltage});
     for (std::uint32_t const slot : {7U, 8U}) {
         region.raw().set<double>(test::rawValue(slot), 1.0);
     }

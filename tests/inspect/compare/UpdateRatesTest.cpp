@@ -3,6 +3,7 @@
 
 #include "inspect/compare/UpdateRates.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 
 #include "tests/support/ForgedRegion.h"
@@ -18,6 +19,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using std::chrono::milliseconds;
 
 constexpr long long inlet = test::pointId(1, 0, 1);
@@ -29,7 +31,7 @@ protected:
     UpdateRatesTest() {
         region_.point(5, inlet);
         region_.devices({5});
-        region_.values(5, 7, {1, 2});
+        region_.values(5, 7, {key::voltage, key::peakVoltage});
         for (auto const value : {slot, test::rawValue(8)}) {
             region_.raw().set<std::uint64_t>(value + test::field::valueAt, 0);
         }
@@ -59,8 +61,8 @@ TEST_F(UpdateRatesTest, OneImageShowsNoUpdate) {
     deliver(99);
     takeAt(0);
     ASSERT_EQ(2U, sut_.rates().size());
-    EXPECT_EQ(inlet | 1, first().svid);
-    EXPECT_EQ(inlet | 2, sut_.rates()[1].svid);
+    EXPECT_EQ(inlet | key::voltage, first().svid);
+    EXPECT_EQ(inlet | key::peakVoltage, sut_.rates()[1].svid);
     EXPECT_EQ(0U, first().count);
     EXPECT_EQ(99U, first().lastAt);
     EXPECT_EQ(0, first().observed.count());
@@ -138,9 +140,9 @@ TEST_F(UpdateRatesTest, UpdateCaughtHalfWayCountsOnce) {
 }
 
 TEST_F(UpdateRatesTest, ValueThatComesLaterIsTimedFromThere) {
-    region_.values(5, 7, {1});
+    region_.values(5, 7, {key::voltage});
     takeAt(0);
-    region_.values(5, 7, {1, 3});
+    region_.values(5, 7, {key::voltage, 3});
     takeAt(1000);
     region_.raw().set<std::uint64_t>(test::rawValue(8) + test::field::valueAt, 77);
     takeAt(1500);
@@ -156,7 +158,7 @@ TEST_F(UpdateRatesTest, ValueThatGoesKeepsWhatWasSeen) {
     deliver(1);
     takeAt(500);
     region_.devices({});
-    region_.raw().set(test::rootDevices, test::rawNone);
+    region_.raw().set(test::field::devices, test::rawNone);
     takeAt(1000);
     EXPECT_EQ(1U, first().count);
     EXPECT_EQ(milliseconds(500), first().observed);
@@ -164,7 +166,7 @@ TEST_F(UpdateRatesTest, ValueThatGoesKeepsWhatWasSeen) {
 }
 
 TEST_F(UpdateRatesTest, OfTwoValuesOfOneKeyTheFirstCounts) {
-    region_.values(5, 7, {1, 1});
+    region_.values(5, 7, {key::voltage, key::voltage});
     takeAt(0);
     region_.raw().set<std::uint64_t>(test::rawValue(8) + test::field::valueAt, 77);
     takeAt(10);

@@ -3,6 +3,7 @@
 
 #include "inspect/image/LiveRegion.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/PointTree.h"
 
 #include "tests/support/RawRegion.h"
@@ -52,6 +53,8 @@ int __wrap_shm_open(char const* name, int flags, mode_t mode) {
 namespace qel::inspect {
 
 namespace {
+
+namespace key = shm::key;
 
 constexpr char objectName[] = "QelSharedMemory";
 constexpr char objectPath[] = "/dev/shm/QelSharedMemory";
@@ -113,9 +116,9 @@ TEST_F(LiveRegionTest, WithoutAnObjectItIsAbsentAndNoneIsMade) {
 
 TEST_F(LiveRegionTest, CopiesWhatAWriterWrote) {
     shm::QelSharedMemoryWriter writer;
-    writer.addStructure({{test::pointId(1, 0), test::withKeys({1, 2})}});
+    writer.addStructure({{test::pointId(1, 0), test::withKeys({key::voltage, key::peakVoltage})}});
     writer.setActive();
-    writer.updateMV(test::pointId(1, 0) | 1, test::measured(230.5));
+    writer.updateMV(test::pointId(1, 0) | key::voltage, test::measured(230.5));
     LiveRegion const live;
     ASSERT_EQ(Opening::Opened, live.source().opening);
     EXPECT_EQ("", openingProblem(live.source()));
@@ -125,7 +128,7 @@ TEST_F(LiveRegionTest, CopiesWhatAWriterWrote) {
     EXPECT_TRUE(image.isActive());
     EXPECT_EQ(bytesOf(test::RawRegion()), image.bytes());
 
-    writer.updateMV(test::pointId(1, 0) | 1, test::measured(231.5));
+    writer.updateMV(test::pointId(1, 0) | key::voltage, test::measured(231.5));
     EXPECT_EQ(230.5, image.value(0)->value);
     EXPECT_EQ(231.5, live.copy().value(0)->value);
 }
@@ -278,16 +281,17 @@ TEST_F(LiveRegionTest, NamedPipeThatComesBetweenLookAndOpening_HoldsNobodyUp) {
 TEST_F(LiveRegionTest, CopiesWhileAWriterIsAtWork) {
     shm::QelSharedMemoryWriter writer;
     auto const base = test::pointId(1, 0);
-    test::Definitions large{{base, test::withKeys({1})}};
+    test::Definitions large{{base, test::withKeys({key::voltage})}};
     for (int inlet = 1; inlet <= 100; ++inlet) {
-        large.emplace(test::pointId(1, 0, inlet), test::withKeys({1, 2, 4}));
+        large.emplace(test::pointId(1, 0, inlet),
+                      test::withKeys({key::voltage, key::peakVoltage, key::current}));
     }
     writer.addStructure(large);
     writer.setActive();
 
     std::atomic<bool> stop{false};
     std::thread work([&] {
-        test::Definitions const small{{base, test::withKeys({1})}};
+        test::Definitions const small{{base, test::withKeys({key::voltage})}};
         while (!stop) {
             writer.removeStructure(small);
             writer.addStructure(large);

@@ -3,6 +3,7 @@
 
 #include "inspect/image/PointTree.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 
 #include "tests/support/ForgedRegion.h"
@@ -23,6 +24,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -91,7 +93,7 @@ protected:
         region.raw().set<std::uint32_t>(test::rawPoint(pos) + field, into);
     }
     void linkValue(std::uint32_t pos, std::uint32_t into) const {
-        region.raw().set<std::uint32_t>(test::rawValue(pos) + test::mvNext, into);
+        region.raw().set<std::uint32_t>(test::rawValue(pos) + test::field::valueNext, into);
     }
     void linkRoot(std::size_t offset, std::uint32_t into) const {
         region.raw().set<std::uint32_t>(offset, into);
@@ -142,8 +144,8 @@ TEST_F(PointTreeTest, ListsDevicesThenGroupsEachWithItsChildrenBehindIt) {
     region.children(10, {11, 12});
     region.children(12, {13});
     region.children(20, {21});
-    region.values(12, 5, {1, 2, 3});
-    region.values(30, 100, {7});
+    region.values(12, 5, {key::voltage, key::peakVoltage, 3});
+    region.values(30, 100, {key::differentialCurrentAc});
 
     auto const walked = tree();
     EXPECT_THAT(positionsOf(walked), ElementsAre(10, 11, 12, 13, 20, 21, 30));
@@ -166,11 +168,11 @@ TEST_F(PointTreeTest, ListsDevicesThenGroupsEachWithItsChildrenBehindIt) {
 
 TEST_F(PointTreeTest, PositionsOutOfRangeEndLists) {
     region.devices({799});
-    region.values(799, 8799, {1});
-    link(799, test::mpNext, 800);
-    link(799, test::mpChildren, 0xFFFFFFFE);
+    region.values(799, 8799, {key::voltage});
+    link(799, test::field::next, 800);
+    link(799, test::field::children, 0xFFFFFFFE);
     linkValue(8799, 8800);
-    linkRoot(test::rootGroups, 0x80000000);
+    linkRoot(test::field::groups, 0x80000000);
     auto const walked = tree();
     EXPECT_THAT(positionsOf(walked), ElementsAre(799));
     EXPECT_THAT(walked.values(), ElementsAre(8799));
@@ -179,21 +181,21 @@ TEST_F(PointTreeTest, PositionsOutOfRangeEndLists) {
 
 TEST_F(PointTreeTest, APointThatIsItsOwnSiblingIsNotFollowed) {
     region.devices({4});
-    link(4, test::mpNext, 4);
+    link(4, test::field::next, 4);
     EXPECT_THAT(positionsOf(tree()), ElementsAre(4));
     EXPECT_THAT(skippedOf(tree()), ElementsAre(LinkFacts{SlotKind::Point, 4, LinkField::Next, 4}));
 }
 
 TEST_F(PointTreeTest, ASiblingListThatLeadsBackIsNotFollowed) {
     region.devices({4, 5, 6});
-    link(6, test::mpNext, 5);
+    link(6, test::field::next, 5);
     EXPECT_THAT(positionsOf(tree()), ElementsAre(4, 5, 6));
     EXPECT_THAT(skippedOf(tree()), ElementsAre(LinkFacts{SlotKind::Point, 6, LinkField::Next, 5}));
 }
 
 TEST_F(PointTreeTest, APointThatIsItsOwnChildIsNotFollowed) {
     region.devices({4, 5});
-    link(4, test::mpChildren, 4);
+    link(4, test::field::children, 4);
     EXPECT_THAT(positionsOf(tree()), ElementsAre(4, 5));
     EXPECT_THAT(skippedOf(tree()), ElementsAre(LinkFacts{SlotKind::Point, 4, LinkField::Children, 4}));
 }
@@ -202,7 +204,7 @@ TEST_F(PointTreeTest, ChildrenThatLeadToAnAncestorAreNotFollowed) {
     region.devices({1});
     region.children(1, {2});
     region.children(2, {3});
-    link(3, test::mpChildren, 1);
+    link(3, test::field::children, 1);
     EXPECT_THAT(positionsOf(tree()), ElementsAre(1, 2, 3));
     EXPECT_THAT(skippedOf(tree()), ElementsAre(LinkFacts{SlotKind::Point, 3, LinkField::Children, 1}));
 }
@@ -210,7 +212,7 @@ TEST_F(PointTreeTest, ChildrenThatLeadToAnAncestorAreNotFollowed) {
 TEST_F(PointTreeTest, AChildOfTwoParentsBelongsToTheFirst) {
     region.devices({1, 2});
     region.children(1, {3});
-    link(2, test::mpChildren, 3);
+    link(2, test::field::children, 3);
     auto const walked = tree();
     EXPECT_THAT(positionsOf(walked), ElementsAre(1, 3, 2));
     EXPECT_EQ(nodeOf(walked, 1), walked.nodes().at(nodeOf(walked, 3)).parent);
@@ -219,14 +221,14 @@ TEST_F(PointTreeTest, AChildOfTwoParentsBelongsToTheFirst) {
 
 TEST_F(PointTreeTest, BothListsOfTheRootMayLeadToOnePoint) {
     region.devices({1});
-    linkRoot(test::rootGroups, 1);
+    linkRoot(test::field::groups, 1);
     EXPECT_THAT(positionsOf(tree()), ElementsAre(1));
     EXPECT_THAT(skippedOf(tree()), ElementsAre(LinkFacts{SlotKind::Root, 0, LinkField::Groups, 1}));
 }
 
 TEST_F(PointTreeTest, AValueChainThatLeadsBackIsNotFollowed) {
     region.devices({1});
-    region.values(1, 10, {1, 2, 3});
+    region.values(1, 10, {key::voltage, key::peakVoltage, 3});
     linkValue(12, 11);
     EXPECT_THAT(tree().values(), ElementsAre(10, 11, 12));
     EXPECT_THAT(skippedOf(tree()), ElementsAre(LinkFacts{SlotKind::Value, 12, LinkField::Next, 11}));
@@ -237,8 +239,8 @@ TEST_F(PointTreeTest, AValueChainThatLeadsBackIsNotFollowed) {
 
 TEST_F(PointTreeTest, AValueChainOfTwoPointsBelongsToTheFirst) {
     region.devices({1, 2, 3});
-    region.values(1, 10, {1, 2});
-    link(2, test::mpMvs, 10);
+    region.values(1, 10, {key::voltage, key::peakVoltage});
+    link(2, test::field::mvs, 10);
     region.values(3, 20, {3});
     linkValue(20, 11);
     auto const walked = tree();
@@ -281,15 +283,15 @@ TEST_F(PointTreeTest, AnyLinksGiveASoundTree) {
         std::uniform_int_distribution<std::uint32_t> point(0, points);
         std::uniform_int_distribution<std::uint32_t> value(0, points * 11);
         for (std::uint32_t pos = 0; pos < 800; ++pos) {
-            link(pos, test::mpNext, point(random));
-            link(pos, test::mpChildren, point(random));
-            link(pos, test::mpMvs, value(random));
+            link(pos, test::field::next, point(random));
+            link(pos, test::field::children, point(random));
+            link(pos, test::field::mvs, value(random));
         }
         for (std::uint32_t pos = 0; pos < 8800; ++pos) {
             linkValue(pos, value(random));
         }
-        linkRoot(test::rootDevices, point(random));
-        linkRoot(test::rootGroups, point(random));
+        linkRoot(test::field::devices, point(random));
+        linkRoot(test::field::groups, point(random));
         expectSound(tree());
     }
 }
@@ -299,7 +301,7 @@ TEST(PointTreeWriterTest, EqualsTheLibrarysWalkOfRandomStructures) {
     std::uniform_int_distribution<int> level(1, 4);
     shm::QelSharedMemoryWriter writer;
     for (int round = 0; round < 40; ++round) {
-        test::Definitions definitions{{test::pointId(1, 0), test::withKeys({1})}};
+        test::Definitions definitions{{test::pointId(1, 0), test::withKeys({key::voltage})}};
         auto const add = [&](long long svid) {
             std::set<unsigned short> keys;
             for (int count = level(random); count > 0; --count) {

@@ -3,6 +3,7 @@
 
 #include "inspect/image/RegionStatus.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/writer/WriterFixture.h"
 
@@ -19,6 +20,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using std::chrono::milliseconds;
 
 constexpr std::uint64_t now = 1'700'000'000'000;
@@ -31,11 +33,13 @@ Image imageDeliveredAt(std::uint64_t at) {
     region.point(5, test::pointId(1, 0, 1));
     region.devices({3});
     region.children(3, {5});
-    region.values(5, 7, {1, 2});
-    for (auto const offset : {test::rawPoint(3) + 32, test::rawPoint(5) + 32, test::rawValue(7) + 8}) {
+    region.values(5, 7, {key::voltage, key::peakVoltage});
+    for (auto const offset :
+         {test::rawPoint(3) + test::field::pointAt, test::rawPoint(5) + test::field::pointAt,
+          test::rawValue(7) + test::field::valueAt}) {
         region.raw().set<std::uint64_t>(offset, 0);
     }
-    region.raw().set<std::uint64_t>(test::rawValue(8) + 8, at);
+    region.raw().set<std::uint64_t>(test::rawValue(8) + test::field::valueAt, at);
     region.raw().set<std::int32_t>(test::field::rootState, 23);
     region.activate();
     return LiveRegion().copy();
@@ -70,15 +74,15 @@ TEST(RegionStatusTest, AnActiveRegionShowsItsContent) {
 
 TEST(RegionStatusTest, ADeliveredPointStateCountsAsADelivery) {
     imageDeliveredAt(now - 5);
-    test::RawRegion().set<std::uint64_t>(test::rawPoint(5) + 32, now - 3);
+    test::RawRegion().set<std::uint64_t>(test::rawPoint(5) + test::field::pointAt, now - 3);
     EXPECT_EQ(now - 3, regionStatus({}, LiveRegion().copy(), now, minute).newest);
 }
 
 TEST(RegionStatusTest, FreeSlotsDoNotCount) {
     imageDeliveredAt(now - 5);
     test::RawRegion const raw;
-    raw.set<std::uint64_t>(test::rawPoint(100) + 32, now);
-    raw.set<std::uint64_t>(test::rawValue(100) + 8, now);
+    raw.set<std::uint64_t>(test::rawPoint(100) + test::field::pointAt, now);
+    raw.set<std::uint64_t>(test::rawValue(100) + test::field::valueAt, now);
     auto const status = regionStatus({}, LiveRegion().copy(), now, minute);
     EXPECT_EQ(now - 5, status.newest);
     EXPECT_EQ(2U, status.pointsUsed);
@@ -160,10 +164,10 @@ TEST(RegionStatusTest, FollowsTheLifeOfAUnit) {
     auto writer = std::make_unique<shm::QelSharedMemoryWriter>();
     LiveRegion const live;
     EXPECT_EQ(Condition::Inactive, condition(live));
-    writer->addStructure({{test::pointId(1, 0), test::withKeys({1})}});
+    writer->addStructure({{test::pointId(1, 0), test::withKeys({key::voltage})}});
     writer->setActive();
     EXPECT_EQ(Condition::Silent, condition(live));
-    writer->updateMV(test::pointId(1, 0) | 1, test::measured(230, now - 1));
+    writer->updateMV(test::pointId(1, 0) | key::voltage, test::measured(230, now - 1));
     EXPECT_EQ(Condition::Active, condition(live));
     EXPECT_EQ(0644U, regionStatus(live.source(), live.copy(), now, minute).source.object->mode);
     writer.reset();

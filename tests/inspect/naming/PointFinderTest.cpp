@@ -3,6 +3,7 @@
 
 #include "inspect/naming/PointFinder.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 
 #include "tests/support/ForgedRegion.h"
@@ -17,6 +18,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using test::pointId;
 
 template <typename Action>
@@ -41,7 +43,7 @@ protected:
         region.devices({0});
         region.children(0, {1, 2});
         region.groups({3});
-        region.values(2, 10, {0x01, 0x13, 0x03, 0x24});
+        region.values(2, 10, {key::voltage, key::activePower, 0x03, key::activeEnergy});
         image = LiveRegion().copy();
         tree = PointTree(image);
     }
@@ -68,7 +70,7 @@ TEST_F(PointFinderTest, FindsPointsByPathAndById) {
 
 TEST_F(PointFinderTest, FindsNodesByNumber) {
     EXPECT_EQ(finder.point("unit1/inlet2"), finder.node(pointId(1, 0, 2)));
-    EXPECT_EQ(finder.point("unit1/inlet2"), finder.node(pointId(1, 0, 2) | 0x13));
+    EXPECT_EQ(finder.point("unit1/inlet2"), finder.node(pointId(1, 0, 2) | key::activePower));
     EXPECT_EQ(std::nullopt, finder.node(pointId(1, 0, 3)));
 }
 
@@ -107,8 +109,8 @@ TEST_F(PointFinderTest, FindsValuesByNumberAndByName) {
     EXPECT_EQ(11U, finder.value(node, "Active Power"));
     EXPECT_EQ(11U, finder.value(node, "active power"));
     EXPECT_EQ(12U, finder.value(node, "key_idx_0x3"));
-    EXPECT_EQ(13U, finder.value(node, static_cast<unsigned short>(0x24)));
-    EXPECT_EQ(std::nullopt, finder.value(node, static_cast<unsigned short>(0x25)));
+    EXPECT_EQ(13U, finder.value(node, key::activeEnergy));
+    EXPECT_EQ(std::nullopt, finder.value(node, key::activeEnergyDelta));
 }
 
 TEST_F(PointFinderTest, NamesWhatAPointHasInsteadOfAMissingValue) {
@@ -134,8 +136,8 @@ TEST_F(PointFinderTest, NamesTwentyValuesAtMost) {
 }
 
 TEST(KeyInTextTest, OnlyTheIdOfAValueCarriesOne) {
-    EXPECT_EQ(0x13, keyInText("0x010002FFFFFF0013"));
-    EXPECT_EQ(0x13, keyInText("19"));
+    EXPECT_EQ(key::activePower, keyInText("0x010002FFFFFF0013"));
+    EXPECT_EQ(key::activePower, keyInText("19"));
     EXPECT_EQ(std::nullopt, keyInText("0x010002FFFFFF0000"));
     EXPECT_EQ(std::nullopt, keyInText("unit1/inlet2"));
     EXPECT_EQ(std::nullopt, keyInText(""));

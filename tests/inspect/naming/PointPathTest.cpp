@@ -3,6 +3,7 @@
 
 #include "inspect/naming/PointPath.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/naming/Svid.h"
 
 #include "tests/writer/WriterFixture.h"
@@ -78,8 +79,8 @@ INSTANTIATE_TEST_SUITE_P(Others, PointPathOfTest,
                                          Named{0, "unit0/inlet0/phase0/circuit0/socket0"}));
 
 TEST(PointPathTest, TheKeyIsNotLookedAt) {
-    EXPECT_EQ("unit1/inlet1", pointPath(pointId(1, 0, 1) | 0x13));
-    EXPECT_EQ("0x0103ffffffff0000", pointPath(pointId(1, 3) | 0x13));
+    EXPECT_EQ("unit1/inlet1", pointPath(pointId(1, 0, 1) | shm::key::activePower));
+    EXPECT_EQ("0x0103ffffffff0000", pointPath(pointId(1, 3) | shm::key::activePower));
     EXPECT_EQ(pointId(1, 3), parsePath("0x0103ffffffff0013"));
 }
 

@@ -33,8 +33,8 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t now = 1'700'000'000'000;
 constexpr unsigned short ownKey = shm::key::fuseState;
-constexpr unsigned short voltage = 1;
-constexpr unsigned short power = 19;
+constexpr unsigned short voltage = shm::key::voltage;
+constexpr unsigned short power = shm::key::activePower;
 
 constexpr long long unit = test::pointId(1, 0);
 constexpr long long inlet = test::pointId(1, 0, 1);
@@ -306,7 +306,6 @@ public:
         return image().point(tree().nodes().at(node).pos)->state;
     }
     std::uint32_t anyNode() { return static_cast<std::uint32_t>(random_() % tree().nodes().size()); }
-    std::size_t anyOf(std::size_t count) { return random_() % count; }
 
     void clear(Cause const& cause) {
         if (cause.key) {
@@ -314,6 +313,19 @@ public:
         } else {
             deliver(cause.svid | ownKey, eStatus_On);
         }
+    }
+
+    /// Clears all of them but one, and propagates.
+    /// @return the one that is left
+    Cause const& clearAllButOne(std::vector<Cause> const& causes) {
+        auto const kept = random_() % causes.size();
+        for (std::size_t index = 0; index < causes.size(); ++index) {
+            if (index != kept) {
+                clear(causes[index]);
+            }
+        }
+        propagate();
+        return causes[kept];
     }
 
 private:
@@ -414,15 +426,8 @@ TEST(CausesOfRandomTreesTest, Global_EachOfThemAloneKeepsItFromBeingOn) {
         if (causes.empty()) {
             continue;
         }
-        auto const kept = trees.anyOf(causes.size());
-        for (std::size_t index = 0; index < causes.size(); ++index) {
-            if (index != kept) {
-                trees.clear(causes[index]);
-            }
-        }
-        trees.propagate();
-        ASSERT_NE(eStatus_On, trees.image().root().state)
-            << "round " << round << ": " << nameOf(causes[kept]);
+        auto const& left = trees.clearAllButOne(causes);
+        ASSERT_NE(eStatus_On, trees.image().root().state) << "round " << round << ": " << nameOf(left);
         ++tried;
     }
     EXPECT_GT(tried, treesEach / 10);
@@ -484,14 +489,8 @@ TEST(CausesOfRandomTreesTest, Point_EachOfThemAloneKeepsItFromBeingOn) {
         if (causes.empty()) {
             continue;
         }
-        auto const kept = trees.anyOf(causes.size());
-        for (std::size_t index = 0; index < causes.size(); ++index) {
-            if (index != kept) {
-                trees.clear(causes[index]);
-            }
-        }
-        trees.propagate();
-        ASSERT_NE(eStatus_On, trees.stateAt(node)) << "round " << round << ": " << nameOf(causes[kept]);
+        auto const& left = trees.clearAllButOne(causes);
+        ASSERT_NE(eStatus_On, trees.stateAt(node)) << "round " << round << ": " << nameOf(left);
         ++tried;
     }
     EXPECT_GT(tried, treesEach / 10);

@@ -3,6 +3,7 @@
 
 #include "inspect/why/FoldedStates.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 #include "states/StateRules.h"
 #include "tests/inspect/RandomUnit.h"
@@ -14,6 +15,7 @@ namespace qel::inspect {
 
 namespace {
 
+namespace key = shm::key;
 using test::pointId;
 using test::withKeys;
 
@@ -26,10 +28,13 @@ constexpr long long socket = pointId(1, 0, 1, -1, 1, 1);
 
 TEST(FoldedStatesTest, TellHowEachStateComesAbout) {
     test::ExposedWriter writer;
-    writer.addStructure({{unit, {}}, {inlet, withKeys({1})}, {circuit, {}}, {socket, withKeys({1, 4})}});
-    writer.updateMV(inlet | 1, test::measured(1, 1, eStatus_LowWarning));
-    writer.updateMV(socket | 4, test::measured(1, 1, eStatus_HighAlarm));
-    writer.updateMV(socket | 0x30, test::measured(1, 1, eStatus_Off));
+    writer.addStructure({{unit, {}},
+                         {inlet, withKeys({key::voltage})},
+                         {circuit, {}},
+                         {socket, withKeys({key::voltage, key::current})}});
+    writer.updateMV(inlet | key::voltage, test::measured(1, 1, eStatus_LowWarning));
+    writer.updateMV(socket | key::current, test::measured(1, 1, eStatus_HighAlarm));
+    writer.updateMV(socket | key::fuseState, test::measured(1, 1, eStatus_Off));
     auto const image = LiveRegion().copy();
     PointTree const tree(image);
     FoldedStates const folded(image, tree);
@@ -52,7 +57,7 @@ TEST(FoldedStatesTest, TellHowEachStateComesAbout) {
 TEST(FoldedStatesTest, SwitchedOffCircuit_ReportsAnAlarm_AndShowsOff) {
     test::ExposedWriter writer;
     writer.addStructure({{unit, {}}, {inlet, {}}, {circuit, {}}, {socket, {}}});
-    writer.updateMV(circuit | 0x30, test::measured(1, 1, eStatus_Off));
+    writer.updateMV(circuit | key::fuseState, test::measured(1, 1, eStatus_Off));
     auto const image = LiveRegion().copy();
     PointTree const tree(image);
     FoldedStates const folded(image, tree);

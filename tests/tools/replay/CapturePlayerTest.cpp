@@ -3,6 +3,7 @@
 
 #include "tools/replay/CapturePlayer.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
 #include "tools/replay/RecordingPlayer.h"
 
@@ -23,6 +24,8 @@ namespace qel::tools {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr long long unit = test::pointId(1, 0);
 constexpr long long inlet = test::pointId(1, 0, 1);
 constexpr long long sensor = test::pointId(1, 1, 1, 1);
@@ -37,16 +40,18 @@ protected:
             images.push_back(inspect::LiveRegion().copy());
         };
         take();
-        writer.addStructure({{unit, test::withKeys({1})}, {inlet, test::withKeys({1, 19})}});
+        writer.addStructure({{unit, test::withKeys({key::voltage})},
+                             {inlet, test::withKeys({key::voltage, key::activePower})}});
         take();
         writer.setActive();
         take();
-        writer.updateMV(inlet | 19, test::measured(2500.0, 1000, eStatus_HighAlarm));
+        writer.updateMV(inlet | key::activePower, test::measured(2500.0, 1000, eStatus_HighAlarm));
         writer.propagateStates();
         take();
-        writer.modifyStructure({unit, unit | 1, inlet, inlet | 1, inlet | 19, sensor, sensor | 256});
+        writer.modifyStructure({unit, unit | key::voltage, inlet, inlet | key::voltage,
+                                inlet | key::activePower, sensor, sensor | key::temperature});
         take();
-        writer.updateMV(inlet | 19, test::measured(1500.0, 2000, eStatus_NoError));
+        writer.updateMV(inlet | key::activePower, test::measured(1500.0, 2000, eStatus_NoError));
         writer.propagateStates();
         take();
         return images;

@@ -4,6 +4,7 @@
 #include "inspect/image/LiveRegion.h"
 #include "tools/replay/CapturePlayer.h"
 
+#include "format/ValueKeys.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/inspect/capture/CaptureFixture.h"
 #include "tests/support/ChildProcess.h"
@@ -29,6 +30,8 @@
 namespace qel::test {
 
 namespace {
+
+namespace key = shm::key;
 
 constexpr long long inletVoltage = 0x010001FFFFFF0001;
 constexpr long long sensor = 0x01010101FFFF0000;
@@ -133,7 +136,7 @@ TEST(QelReplayTest, FromAndUntil_CutTheRecording) {
     // Row 7470 of the outlets is 7469 s after 2023-06-09T07:34:38Z; rows 7470, 5 (of the other file) and
     // 7471.
     EXPECT_EQ(1686296078000U + 7470000U, region.value(inletVoltage)->time);
-    EXPECT_NEAR(23.754, region.value(sensor | 256)->number, 0.2);
+    EXPECT_NEAR(23.754, region.value(sensor | key::temperature)->number, 0.2);
 }
 
 TEST(QelReplayTest, WholeRecordings_HavePlaceForEveryValue) {
@@ -179,10 +182,10 @@ TEST(QelReplayTest, SensorAndGroup_ComeAndGo) {
     RawUnit const region;
     EXPECT_EQ(2U, region.typeOf(sensor));
     EXPECT_EQ(1U, region.typeOf(group));
-    EXPECT_NEAR(23.7, region.value(sensor | 256)->number, 0.2);
-    EXPECT_NEAR(26.2, region.value(sensor | 257)->number, 0.3);
-    EXPECT_NEAR(3.2, region.value(sensor | 266)->number, 0.3);
-    EXPECT_EQ(0, region.value(sensor | 266)->state);
+    EXPECT_NEAR(23.7, region.value(sensor | key::temperature)->number, 0.2);
+    EXPECT_NEAR(26.2, region.value(sensor | key::humidity)->number, 0.3);
+    EXPECT_NEAR(3.2, region.value(sensor | key::dewPoint)->number, 0.3);
+    EXPECT_EQ(0, region.value(sensor | key::dewPoint)->state);
 }
 
 TEST(QelReplayTest, SecondReplay_LeavesTheFirstAlone) {

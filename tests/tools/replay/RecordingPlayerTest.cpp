@@ -3,6 +3,7 @@
 
 #include "tools/replay/RecordingPlayer.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
 
 #include "tests/support/TempFile.h"
@@ -16,6 +17,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 constexpr std::uint64_t time0 = 1686296070000; // 2023-06-09T07:34:30Z
 constexpr PointId inlet{PointKind::Inlet, 1};
@@ -78,7 +81,7 @@ TEST_F(RecordingPlayerTest, Begin_PublishesTheUnitWithoutReadings) {
     test::RawUnit const region;
     EXPECT_EQ(32U, region.version());
     EXPECT_EQ((std::set<long long>{pointSvid(unitPoint), pointSvid(inlet)}), region.points());
-    EXPECT_EQ(eStatus_ExpectedValue, region.value(pointSvid(inlet) | 19)->state);
+    EXPECT_EQ(eStatus_ExpectedValue, region.value(pointSvid(inlet) | key::activePower)->state);
     EXPECT_EQ(time0, region.timeOf(pointSvid(unitPoint)));
     EXPECT_EQ("qel-replay: region active: 2 points, 3 values; 1 recording, 3 rows\n", out_.str());
 }
@@ -90,17 +93,17 @@ TEST_F(RecordingPlayerTest, Steps_BringTheRowsIntoTheRegion) {
     EXPECT_EQ(0U, sut->due());
     sut->step();
     test::RawUnit const region;
-    EXPECT_EQ(1000.0, region.value(pointSvid(inlet) | 19)->number);
-    EXPECT_EQ(time0, region.value(pointSvid(inlet) | 19)->time);
+    EXPECT_EQ(1000.0, region.value(pointSvid(inlet) | key::activePower)->number);
+    EXPECT_EQ(time0, region.value(pointSvid(inlet) | key::activePower)->time);
     EXPECT_EQ(1000U, sut->due());
     sut->step();
-    EXPECT_EQ(eStatus_Lost, region.value(pointSvid(inlet) | 1)->state);
-    EXPECT_EQ(230.0, region.value(pointSvid(inlet) | 1)->number);
-    EXPECT_EQ(time0 + 1000, region.value(pointSvid(inlet) | 1)->time);
+    EXPECT_EQ(eStatus_Lost, region.value(pointSvid(inlet) | key::voltage)->state);
+    EXPECT_EQ(230.0, region.value(pointSvid(inlet) | key::voltage)->number);
+    EXPECT_EQ(time0 + 1000, region.value(pointSvid(inlet) | key::voltage)->time);
     sut->step();
-    EXPECT_EQ(231.0, region.value(pointSvid(inlet) | 1)->number);
+    EXPECT_EQ(231.0, region.value(pointSvid(inlet) | key::voltage)->number);
     // 1000 W to 3000 W to 1000 W, a second each.
-    EXPECT_NEAR(4000.0 / 3600.0 / 1000.0, region.value(pointSvid(inlet) | 36)->number, 1e-12);
+    EXPECT_NEAR(4000.0 / 3600.0 / 1000.0, region.value(pointSvid(inlet) | key::activeEnergy)->number, 1e-12);
     EXPECT_EQ(std::nullopt, sut->due());
 }
 
@@ -124,7 +127,7 @@ TEST_F(RecordingPlayerTest, CrossedLimit_IsLoggedAndFoldedUp) {
     stepTo(*sut, 1000);
 
     test::RawUnit const region;
-    EXPECT_EQ(eStatus_HighAlarm, region.value(pointSvid(inlet) | 19)->state);
+    EXPECT_EQ(eStatus_HighAlarm, region.value(pointSvid(inlet) | key::activePower)->state);
     EXPECT_EQ(eStatus_OnAlarm, region.stateOf(pointSvid(inlet)));
     EXPECT_EQ(eStatus_ChildAlarm, region.globalState());
     EXPECT_EQ(eStatus_ChildAlarm, sut->globalState());
@@ -156,7 +159,7 @@ TEST_F(RecordingPlayerTest, Sensor_ComesAndGoesBySchedule) {
     EXPECT_EQ(0, announced_);
     stepTo(*sut, 1000);
     EXPECT_EQ(1U, region.points().count(pointSvid(sensorPoint)));
-    EXPECT_EQ(21.0, region.value(pointSvid(sensorPoint) | 256)->number)
+    EXPECT_EQ(21.0, region.value(pointSvid(sensorPoint) | key::temperature)->number)
         << "it gets the readings of its moment";
     EXPECT_EQ(1, announced_);
     stepTo(*sut, 1500);
@@ -215,7 +218,7 @@ TEST_F(RecordingPlayerTest, Group_IsThereOnlyBySchedule) {
     EXPECT_EQ(0U, region.points().count(pointSvid(socketGroup)));
     stepTo(*sut, 1000);
     EXPECT_EQ(1U, region.points().count(pointSvid(socketGroup)));
-    EXPECT_EQ(15.0, region.value(pointSvid(socketGroup) | 19)->number);
+    EXPECT_EQ(15.0, region.value(pointSvid(socketGroup) | key::activePower)->number);
     EXPECT_EQ(eStatus_On, region.stateOf(pointSvid(socketGroup)));
     stepTo(*sut, 2000);
     EXPECT_EQ(0U, region.points().count(pointSvid(socketGroup)));

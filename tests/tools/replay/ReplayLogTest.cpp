@@ -3,6 +3,7 @@
 
 #include "tools/replay/ReplayLog.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/unit/Structure.h"
 #include "tools/replay/unit/Topology.h"
 
@@ -13,6 +14,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 constexpr std::uint64_t time0 = 1686296078000;
 constexpr PointId socket6{PointKind::Socket, 6};
@@ -36,7 +39,7 @@ TEST_F(ReplayLogTest, Start_TellsWhatIsReplayed) {
 TEST_F(ReplayLogTest, Crossing_TellsTimeColumnNumberAndStates) {
     sut_.crossed({"outlet6_active_power_W",
                   eStatus_NoError,
-                  {valueSvid({socket6, 19}), time0, 2310.9, eStatus_HighWarning}});
+                  {valueSvid({socket6, key::activePower}), time0, 2310.9, eStatus_HighWarning}});
     EXPECT_EQ("2023-06-09T07:34:38Z  limit      outlet6_active_power_W  2310.9 W  No Error => High Warning\n",
               out_.str());
 }
@@ -44,7 +47,7 @@ TEST_F(ReplayLogTest, Crossing_TellsTimeColumnNumberAndStates) {
 TEST_F(ReplayLogTest, CrossingOfAnEnergy_IsToldInTheUnitOfTheRegion) {
     sut_.crossed({"outlet6_active_energy_Wh",
                   eStatus_NoError,
-                  {valueSvid({socket6, 36}), time0, 1500.0, eStatus_HighAlarm}});
+                  {valueSvid({socket6, key::activeEnergy}), time0, 1500.0, eStatus_HighAlarm}});
     EXPECT_EQ("2023-06-09T07:34:38Z  limit      outlet6_active_energy_Wh  1.5 kWh  No Error => High Alarm\n",
               out_.str());
 }
@@ -73,8 +76,9 @@ TEST_F(ReplayLogTest, Hold_TellsThatTheRegionStays) {
 }
 
 TEST_F(ReplayLogTest, End_SumsUpWhatWasCounted) {
-    sut_.crossed(
-        {"outlet6_active_power_W", eStatus_NoError, {valueSvid({socket6, 19}), time0, 1, eStatus_HighAlarm}});
+    sut_.crossed({"outlet6_active_power_W",
+                  eStatus_NoError,
+                  {valueSvid({socket6, key::activePower}), time0, 1, eStatus_HighAlarm}});
     sut_.changed(time0, {0, sensorPoint, true}, 16, 105);
     sut_.changed(time0, {0, sensorPoint, false}, 16, 105);
     sut_.countStep();

@@ -16,14 +16,14 @@ namespace qel::tools {
 /// Name of the first column of every recording.
 constexpr std::string_view timestampColumn = "timestamp_utc";
 
-/// A column of readings, and the value that it feeds.
+/// A column of readings, and the value that it feeds. Reentrant.
 struct Column {
     std::string name;
     PointId point;
     unsigned short key;
 };
 
-/// The column of a name such as "outlet6_active_power_W"; nothing if the name is unknown.
+/// The column of a name such as "outlet6_active_power_W"; nothing if the name is unknown. Reentrant.
 std::optional<Column> parseColumn(std::string_view name);
 
 /// Examples of column names, for messages.

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Reports input that cannot be used, and where it is.
+/// Reports input that cannot be used, and where it is. All classes and functions are reentrant.
 #pragma once
 
 #include <cstddef>

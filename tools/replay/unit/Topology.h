@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// The points of the unit: how they are connected, and their sensor ids.
+/// The points of the unit: how they are connected, and their sensor ids. All functions are reentrant.
 #pragma once
 
 #include <array>

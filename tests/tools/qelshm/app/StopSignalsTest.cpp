@@ -9,6 +9,7 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 
 namespace qel::tools {
 
@@ -41,7 +42,7 @@ class EachStopSignalTest : public StopSignalsTest, public testing::WithParamInte
 
 TEST_P(EachStopSignalTest, Signal_EndsTheWaitNotTheProgram) {
     StopSignals const sut;
-    ASSERT_EQ(0, ::kill(::getpid(), GetParam()));
+    ASSERT_EQ(0, ::raise(GetParam()));
     EXPECT_TRUE(sut.waitForInput(late(), pipe_[0]));
 }
 
@@ -60,7 +61,7 @@ TEST_F(StopSignalsTest, MomentThatHasPassed_IsNotWaitedFor) {
 
 TEST_F(StopSignalsTest, Signal_EndsAWaitUntilAMoment) {
     StopSignals const sut;
-    ASSERT_EQ(0, ::kill(::getpid(), SIGTERM));
+    ASSERT_EQ(0, ::raise(SIGTERM));
     EXPECT_TRUE(sut.waitUntil(Clock::now() + std::chrono::hours(1)));
 }
 
@@ -98,7 +99,7 @@ TEST_F(StopSignalsTest, Afterwards_SignalsAreAsBeforeAndForgotten) {
     pthread_sigmask(SIG_BLOCK, nullptr, &before);
     {
         StopSignals const sut;
-        ASSERT_EQ(0, ::kill(::getpid(), SIGTERM)); // would end this program if it were still to come
+        ASSERT_EQ(0, ::raise(SIGTERM)); // would end this program if it were still to come
     }
     pthread_sigmask(SIG_BLOCK, nullptr, &after);
     for (int const number : {SIGINT, SIGTERM, SIGHUP}) {

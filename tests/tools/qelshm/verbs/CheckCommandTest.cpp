@@ -66,7 +66,7 @@ TEST(CheckCommandTest, LiveObjectOfSomebodyElse_IsNamedBeforeTheDamageOfTheRegio
     ForgedRegion const region;
     region.point(0, sample::unit);
     region.devices({0});
-    region.raw().set<std::uint32_t>(mpPos, 7);
+    region.raw().set<std::uint32_t>(field::pos, 7);
     ASSERT_EQ(0, ::chmod(objectFile, 0664));
     if (::chown(objectFile, 3999999999, 3999999999) != 0) {
         GTEST_SKIP() << "there is no other user";

@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/verbs/PointFacts.h"
 
+#include "format/ValueKeys.h"
 #include "tests/tools/qelshm/SampleImages.h"
 
 #include "inspect/naming/PointFinder.h"
@@ -50,7 +51,7 @@ TEST(PointFactsTest, Value_HasNameNumberAndUnit) {
     Sample const sample("healthy");
     auto const values = sample.values(test::sample::sensor);
     ASSERT_EQ(2U, values.size());
-    EXPECT_EQ(test::sample::sensor | 0x100, values[0].svid);
+    EXPECT_EQ(test::sample::sensor | shm::key::temperature, values[0].svid);
     EXPECT_EQ("Temperature", values[0].name);
     EXPECT_EQ("21.5 \u00B0C", values[0].text);
     EXPECT_EQ(21.5, values[0].number);

@@ -20,7 +20,7 @@ constexpr long long inletId = 0x010001FFFFFF0000;
 constexpr long long socket2Id = 0x010001FFFF020000;
 constexpr long long socket10Id = 0x010001FFFF0A0000;
 
-constexpr std::uint16_t voltage = 1;
+constexpr std::uint16_t voltage = shm::key::voltage;
 constexpr std::uint16_t activePower = shm::key::activePower;
 
 /// Builds a region's records by hand; active and without a point at first. Reentrant.

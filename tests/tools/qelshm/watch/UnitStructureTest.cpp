@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/watch/UnitStructure.h"
 
+#include "format/ValueKeys.h"
 #include "tests/tools/qelshm/watch/TestUnit.h"
 
 #include <gtest/gtest.h>
@@ -49,7 +50,7 @@ TEST_F(UnitStructureTest, Values_AreInChainOrder) {
     auto const& socket2 = sut.points()[3];
     EXPECT_EQ(2U, socket2.valueCount);
     auto const& second = sut.values()[socket2.firstValue + 1];
-    EXPECT_EQ(test::socket2Id | 1, second.svid);
+    EXPECT_EQ(test::socket2Id | shm::key::voltage, second.svid);
     EXPECT_EQ(unit.socket2Voltage, second.pos);
     EXPECT_EQ(3U, second.point);
     EXPECT_EQ(test::voltage, second.key);

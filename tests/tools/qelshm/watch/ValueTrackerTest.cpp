@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/watch/ValueTracker.h"
 
+#include "format/ValueKeys.h"
 #include "tests/tools/qelshm/watch/TestUnit.h"
 
 #include <gtest/gtest.h>
@@ -93,7 +94,7 @@ TEST_F(ValueTrackerTest, ValueThatComesBack_IsTakenAsItIs) {
 
 TEST_F(ValueTrackerTest, SlotWithAnotherValue_IsTakenAsItIs) {
     update(0);
-    unit.region().values[unit.inletPower].key = 4;
+    unit.region().values[unit.inletPower].key = shm::key::current;
     unit.deliver(unit.inletPower, 7.0, 1000);
     EXPECT_TRUE(update(250).empty());
 }

@@ -3,12 +3,14 @@
 
 #include "tools/qelshm/watch/WatchedNames.h"
 
+#include "format/ValueKeys.h"
 #include "tests/tools/qelshm/watch/TestUnit.h"
 
 #include <gtest/gtest.h>
 
 namespace qel::watch {
 
+namespace key = shm::key;
 using test::inletId;
 using test::unitId;
 
@@ -16,7 +18,7 @@ TEST(WatchedNamesTest, NoNames_AreEverything) {
     WatchedNames const sut({});
     EXPECT_TRUE(sut.isEverything());
     EXPECT_TRUE(sut.hasPoint(inletId));
-    EXPECT_TRUE(sut.hasValue(inletId, 1));
+    EXPECT_TRUE(sut.hasValue(inletId, key::voltage));
 }
 
 TEST(WatchedNamesTest, Point_StandsForAllItsValues) {
@@ -24,17 +26,17 @@ TEST(WatchedNamesTest, Point_StandsForAllItsValues) {
         WatchedNames const sut({name});
         EXPECT_FALSE(sut.isEverything());
         EXPECT_TRUE(sut.hasPoint(inletId)) << name;
-        EXPECT_TRUE(sut.hasValue(inletId, 1)) << name;
+        EXPECT_TRUE(sut.hasValue(inletId, key::voltage)) << name;
         EXPECT_FALSE(sut.hasPoint(unitId)) << name;
-        EXPECT_FALSE(sut.hasValue(unitId, 1)) << name;
+        EXPECT_FALSE(sut.hasValue(unitId, key::voltage)) << name;
     }
 }
 
 TEST(WatchedNamesTest, Value_StandsForItself) {
     WatchedNames const sut({"0x010001ffffff0013"});
     EXPECT_FALSE(sut.hasPoint(inletId));
-    EXPECT_TRUE(sut.hasValue(inletId, 0x13));
-    EXPECT_FALSE(sut.hasValue(inletId, 1));
+    EXPECT_TRUE(sut.hasValue(inletId, key::activePower));
+    EXPECT_FALSE(sut.hasValue(inletId, key::voltage));
 }
 
 TEST(WatchedNamesTest, IsName_TakesIdsAndPaths) {

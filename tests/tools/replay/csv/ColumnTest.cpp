@@ -3,6 +3,7 @@
 
 #include "tools/replay/csv/Column.h"
 
+#include "format/ValueKeys.h"
 #include "tests/tools/replay/ShippedRecordings.h"
 
 #include <gtest/gtest.h>
@@ -15,15 +16,21 @@ namespace qel::tools {
 
 namespace {
 
+namespace key = shm::key;
+
 struct Quantity {
     std::string name;
     unsigned short key;
 };
 
 // Written from the headers of the recordings: what each kind of point has, with its key.
-std::vector<Quantity> const measured{
-    {"active_energy_Wh", 36}, {"active_power_W", 19},     {"apparent_power_VA", 18}, {"current_A", 4},
-    {"power_factor", 17},     {"reactive_power_var", 22}, {"voltage_V", 1}};
+std::vector<Quantity> const measured{{"active_energy_Wh", key::activeEnergy},
+                                     {"active_power_W", key::activePower},
+                                     {"apparent_power_VA", key::apparentPower},
+                                     {"current_A", key::current},
+                                     {"power_factor", key::powerFactor},
+                                     {"reactive_power_var", key::reactivePower},
+                                     {"voltage_V", key::voltage}};
 
 std::map<std::string, Column> allColumns() {
     std::map<std::string, Column> columns;
@@ -39,20 +46,20 @@ std::map<std::string, Column> allColumns() {
         for (unsigned phase = 1; phase <= 3; ++phase) {
             add("phase" + std::to_string(phase) + '_' + quantity.name, PointKind::Phase, phase, quantity.key);
         }
-        if (quantity.key != 1 && quantity.key != 4) {
+        if (quantity.key != key::voltage && quantity.key != key::current) {
             add("total_" + quantity.name, PointKind::Inlet, 2, quantity.key);
         }
     }
-    add("inlet1_frequency_Hz", PointKind::Inlet, 1, 23);
+    add("inlet1_frequency_Hz", PointKind::Inlet, 1, key::frequency);
     for (unsigned outlet = 1; outlet <= 10; ++outlet) {
-        add("outlet" + std::to_string(outlet) + "_frequency_Hz", PointKind::Socket, outlet, 23);
+        add("outlet" + std::to_string(outlet) + "_frequency_Hz", PointKind::Socket, outlet, key::frequency);
     }
-    add("frequency_Hz", PointKind::Inlet, 2, 23);
-    add("phase12_voltage_V", PointKind::Inlet, 2, 80);
-    add("phase23_voltage_V", PointKind::Inlet, 2, 81);
-    add("phase31_voltage_V", PointKind::Inlet, 2, 82);
-    add("sensor1_temperature_degC", PointKind::Sensor, 1, 256);
-    add("sensor1_relative_humidity_percent", PointKind::Sensor, 1, 257);
+    add("frequency_Hz", PointKind::Inlet, 2, key::frequency);
+    add("phase12_voltage_V", PointKind::Inlet, 2, key::deltaVoltage12);
+    add("phase23_voltage_V", PointKind::Inlet, 2, key::deltaVoltage23);
+    add("phase31_voltage_V", PointKind::Inlet, 2, key::deltaVoltage31);
+    add("sensor1_temperature_degC", PointKind::Sensor, 1, key::temperature);
+    add("sensor1_relative_humidity_percent", PointKind::Sensor, 1, key::humidity);
     return columns;
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/replay/csv/ComputedValues.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/csv/Recording.h"
 
 #include "tests/tools/replay/ShippedRecordings.h"
@@ -62,8 +63,8 @@ protected:
     double cell(std::size_t row, unsigned short key) const {
         return recording_.cell(row, recording_.find({PointKind::Inlet, 2}, key).value()).value();
     }
-    double power(std::size_t row) const { return cell(row, 19); }
-    double counter(std::size_t row) const { return cell(row, 36); }
+    double power(std::size_t row) const { return cell(row, shm::key::activePower); }
+    double counter(std::size_t row) const { return cell(row, shm::key::activeEnergy); }
 
     Recording const recording_ = Recording::read(test::threePhaseFile);
 };

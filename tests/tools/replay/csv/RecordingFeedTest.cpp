@@ -3,6 +3,7 @@
 
 #include "tools/replay/csv/RecordingFeed.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/csv/ComputedValues.h"
 #include "tools/replay/unit/Topology.h"
 
@@ -17,6 +18,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 constexpr std::uint64_t hour = 3600000;
 
@@ -73,18 +76,19 @@ TEST(RecordingFeedTest, Columns_FeedTheirValuesWithTheTimeOfTheRow) {
 
     auto const row = sut->convert({1234, {230.5, 0.9}});
 
-    EXPECT_EQ((std::set<long long>{svid(PointKind::Inlet, 1, 1), svid(PointKind::Socket, 6, 17)}),
+    EXPECT_EQ((std::set<long long>{svid(PointKind::Inlet, 1, key::voltage),
+                                   svid(PointKind::Socket, 6, key::powerFactor)}),
               svidsOf(*sut));
     ASSERT_EQ(2U, row.readings.size());
-    expectReading(230.5, eStatus_NoError, 1234, readingOf(row, svid(PointKind::Inlet, 1, 1)));
-    expectReading(0.9, eStatus_NoError, 1234, readingOf(row, svid(PointKind::Socket, 6, 17)));
+    expectReading(230.5, eStatus_NoError, 1234, readingOf(row, svid(PointKind::Inlet, 1, key::voltage)));
+    expectReading(0.9, eStatus_NoError, 1234, readingOf(row, svid(PointKind::Socket, 6, key::powerFactor)));
     EXPECT_EQ(0U, row.missing);
     EXPECT_TRUE(row.crossings.empty());
 }
 
 TEST(RecordingFeedTest, EmptyCell_KeepsTheLastNumberAsLost) {
     Feed sut("inlet1_voltage_V,inlet1_current_A");
-    auto const voltage = svid(PointKind::Inlet, 1, 1);
+    auto const voltage = svid(PointKind::Inlet, 1, key::voltage);
 
     auto row = sut->convert({1000, {std::nullopt, 1.0}});
     expectReading(0.0, eStatus_Lost, 1000, readingOf(row, voltage));
@@ -100,8 +104,8 @@ TEST(RecordingFeedTest, EmptyCell_KeepsTheLastNumberAsLost) {
 
 TEST(RecordingFeedTest, Powers_AreIntegratedToEnergies) {
     Feed sut("outlet1_active_power_W,outlet1_apparent_power_VA");
-    auto const active = svid(PointKind::Socket, 1, 36);
-    auto const apparent = svid(PointKind::Socket, 1, 32);
+    auto const active = svid(PointKind::Socket, 1, key::activeEnergy);
+    auto const apparent = svid(PointKind::Socket, 1, key::apparentEnergy);
 
     auto row = sut->convert({0, {1000.0, 2000.0}});
     expectReading(0.0, eStatus_NoError, 0, readingOf(row, active));
@@ -112,7 +116,7 @@ TEST(RecordingFeedTest, Powers_AreIntegratedToEnergies) {
 
 TEST(RecordingFeedTest, EnergyWithoutPower_IsLostAndBridgesTheGapLater) {
     Feed sut("outlet1_active_power_W");
-    auto const energy = svid(PointKind::Socket, 1, 36);
+    auto const energy = svid(PointKind::Socket, 1, key::activeEnergy);
 
     sut->convert({0, {1000.0}});
     sut->convert({hour, {1000.0}});
@@ -124,7 +128,7 @@ TEST(RecordingFeedTest, EnergyWithoutPower_IsLostAndBridgesTheGapLater) {
 
 TEST(RecordingFeedTest, RecordedCounter_IsUsedInsteadOfAnIntegral) {
     Feed sut("total_active_power_W,total_apparent_power_VA,total_active_energy_Wh");
-    auto const active = svid(PointKind::Inlet, 2, 36);
+    auto const active = svid(PointKind::Inlet, 2, key::activeEnergy);
 
     sut->convert({0, {1000.0, 1000.0, 43632670.0}});
     auto const row = sut->convert({hour, {1000.0, 1000.0, 43638050.0}});
@@ -132,7 +136,8 @@ TEST(RecordingFeedTest, RecordedCounter_IsUsedInsteadOfAnIntegral) {
     EXPECT_EQ(4U, svidsOf(*sut).size());
     ASSERT_EQ(4U, row.readings.size());
     expectReading(43638050.0, eStatus_NoError, hour, readingOf(row, active));
-    expectReading(1000.0, eStatus_NoError, hour, readingOf(row, svid(PointKind::Inlet, 2, 32)));
+    expectReading(1000.0, eStatus_NoError, hour,
+                  readingOf(row, svid(PointKind::Inlet, 2, key::apparentEnergy)));
 }
 
 TEST(RecordingFeedTest, RecordedCounterInAnotherFile_IsUsedToo) {
@@ -142,12 +147,12 @@ TEST(RecordingFeedTest, RecordedCounterInAnotherFile_IsUsedToo) {
 
     RecordingFeed const sut(recordings.all()[0], recordings, {});
 
-    EXPECT_EQ((std::set<long long>{svid(PointKind::Inlet, 2, 19)}), svidsOf(sut));
+    EXPECT_EQ((std::set<long long>{svid(PointKind::Inlet, 2, key::activePower)}), svidsOf(sut));
 }
 
 TEST(RecordingFeedTest, CircuitWithAllItsOutlets_HasTheirSummedPower) {
     Feed sut("outlet3_active_power_W,outlet6_active_power_W,outlet1_active_power_W");
-    auto const circuit = svid(PointKind::Circuit, 1, 19);
+    auto const circuit = svid(PointKind::Circuit, 1, key::activePower);
 
     auto row = sut->convert({1000, {40.0, 2000.5, 7.0}});
     expectReading(2040.5, eStatus_NoError, 1000, readingOf(row, circuit));
@@ -163,12 +168,12 @@ TEST(RecordingFeedTest, GroupedOutlets_HaveTheirSummedPower) {
     auto const row = sut->convert({1000, {1.0, 2.0, 4.5}});
 
     EXPECT_TRUE(sut->feeds(socketGroup));
-    expectReading(7.5, eStatus_NoError, 1000, readingOf(row, svid(PointKind::Group, 1, 19)));
+    expectReading(7.5, eStatus_NoError, 1000, readingOf(row, svid(PointKind::Group, 1, key::activePower)));
 }
 
 TEST(RecordingFeedTest, SensorWithBothReadings_HasADewPoint) {
     Feed sut("sensor1_temperature_degC,sensor1_relative_humidity_percent");
-    auto const dew = svid(PointKind::Sensor, 1, 266);
+    auto const dew = svid(PointKind::Sensor, 1, key::dewPoint);
 
     auto row = sut->convert({1000, {20.0, 50.0}});
     double const number = dewPoint(20.0, 50.0).value();
@@ -181,14 +186,14 @@ TEST(RecordingFeedTest, SensorWithBothReadings_HasADewPoint) {
 
 TEST(RecordingFeedTest, SensorWithOneReading_HasNoDewPoint) {
     Feed sut("sensor1_temperature_degC");
-    EXPECT_EQ((std::set<long long>{svid(PointKind::Sensor, 1, 256)}), svidsOf(*sut));
+    EXPECT_EQ((std::set<long long>{svid(PointKind::Sensor, 1, key::temperature)}), svidsOf(*sut));
 }
 
 TEST(RecordingFeedTest, LimitedColumn_TakesTheStateOfItsLimit) {
     LimitSet limits;
     limits.add("outlet6_active_power_W:high-warning=2000,high-alarm=2400,hysteresis=10", {"--limit"});
     Feed sut("outlet6_active_power_W", limits);
-    auto const power = svid(PointKind::Socket, 6, 19);
+    auto const power = svid(PointKind::Socket, 6, key::activePower);
 
     auto row = sut->convert({1000, {1999.0}});
     expectReading(1999.0, eStatus_NoError, 1000, readingOf(row, power));

@@ -3,6 +3,7 @@
 
 #include "tools/replay/csv/Recording.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/TempFile.h"
 #include "tests/tools/replay/InputFailure.h"
 #include "tests/tools/replay/ShippedRecordings.h"
@@ -15,6 +16,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 Recording recordingOf(std::string const& text) {
     test::TempFile const file(text);
@@ -60,9 +63,9 @@ TEST(RecordingTest, Read_KeepsEmptyCellsEmpty) {
 TEST(RecordingTest, Find_GivesThePositionOfAColumn) {
     auto const sut = recordingOf(header + "2023-06-09T07:34:38Z,1,2\n");
 
-    EXPECT_EQ(1U, sut.find({PointKind::Inlet, 1}, 4));
-    EXPECT_EQ(std::nullopt, sut.find({PointKind::Inlet, 2}, 4));
-    EXPECT_EQ(std::nullopt, sut.find({PointKind::Inlet, 1}, 19));
+    EXPECT_EQ(1U, sut.find({PointKind::Inlet, 1}, key::current));
+    EXPECT_EQ(std::nullopt, sut.find({PointKind::Inlet, 2}, key::current));
+    EXPECT_EQ(std::nullopt, sut.find({PointKind::Inlet, 1}, key::activePower));
 }
 
 struct ShippedRecording {
@@ -189,9 +192,9 @@ TEST(RecordingsTest, Read_KeepsTheOrderOfTheFiles) {
     EXPECT_EQ(inlet.path(), sut.all()[0].path());
     EXPECT_EQ(outlet.path(), sut.all()[1].path());
     EXPECT_EQ(3U, sut.rowCount());
-    EXPECT_TRUE(sut.has({PointKind::Inlet, 1}, 1));
-    EXPECT_TRUE(sut.has({PointKind::Socket, 1}, 1));
-    EXPECT_FALSE(sut.has({PointKind::Socket, 2}, 1));
+    EXPECT_TRUE(sut.has({PointKind::Inlet, 1}, key::voltage));
+    EXPECT_TRUE(sut.has({PointKind::Socket, 1}, key::voltage));
+    EXPECT_FALSE(sut.has({PointKind::Socket, 2}, key::voltage));
 }
 
 TEST(RecordingsTest, ColumnInTwoFiles_IsRefused) {

@@ -3,6 +3,7 @@
 
 #include "tools/replay/unit/LiveUnit.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
 
 #include "tests/tools/replay/RawUnit.h"
@@ -13,6 +14,8 @@ namespace qel::tools {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr PointId inlet{PointKind::Inlet, 1};
 constexpr PointId circuit{PointKind::Circuit, 1};
 constexpr PointId socket6{PointKind::Socket, 6};
@@ -20,11 +23,15 @@ constexpr std::uint64_t time0 = 1686296078000;
 constexpr eStatus_Bits expected = eStatus_ExpectedValue;
 
 Structure base() {
-    return Structure({{inlet, 1}, {socket6, 1}, {socket6, 36}});
+    return Structure({{inlet, key::voltage}, {socket6, key::voltage}, {socket6, key::activeEnergy}});
 }
 
 Structure withSensorAndGroup() {
-    return Structure({{inlet, 1}, {socket6, 1}, {socket6, 36}, {sensorPoint, 256}, {socketGroup, 19}});
+    return Structure({{inlet, key::voltage},
+                      {socket6, key::voltage},
+                      {socket6, key::activeEnergy},
+                      {sensorPoint, key::temperature},
+                      {socketGroup, key::activePower}});
 }
 
 } // namespace
@@ -47,7 +54,8 @@ TEST(LiveUnitTest, Build_LaysOutPointsWithTypesAndStates) {
     EXPECT_EQ(
         (std::set<long long>{pointSvid(unitPoint), pointSvid(inlet), pointSvid(circuit), pointSvid(socket6)}),
         region.points());
-    EXPECT_EQ((std::set<long long>{pointSvid(inlet) | 1, pointSvid(socket6) | 1, pointSvid(socket6) | 36}),
+    EXPECT_EQ((std::set<long long>{pointSvid(inlet) | key::voltage, pointSvid(socket6) | key::voltage,
+                                   pointSvid(socket6) | key::activeEnergy}),
               region.values());
     auto const structure = base();
     for (auto const& point : structure.points()) {
@@ -55,16 +63,16 @@ TEST(LiveUnitTest, Build_LaysOutPointsWithTypesAndStates) {
         EXPECT_EQ(eStatus_On, region.stateOf(pointSvid(point)));
         EXPECT_EQ(time0, region.timeOf(pointSvid(point)));
     }
-    EXPECT_EQ(expected, region.value(pointSvid(inlet) | 1)->state);
+    EXPECT_EQ(expected, region.value(pointSvid(inlet) | key::voltage)->state);
 }
 
 TEST(LiveUnitTest, Deliver_StoresAReading) {
     LiveUnit sut;
     sut.build(base(), time0);
 
-    EXPECT_TRUE(sut.deliver({pointSvid(socket6) | 1, time0 + 1, 230.5, eStatus_HighWarning}));
+    EXPECT_TRUE(sut.deliver({pointSvid(socket6) | key::voltage, time0 + 1, 230.5, eStatus_HighWarning}));
 
-    auto const stored = test::RawUnit().value(pointSvid(socket6) | 1);
+    auto const stored = test::RawUnit().value(pointSvid(socket6) | key::voltage);
     ASSERT_TRUE(stored);
     EXPECT_EQ(230.5, stored->number);
     EXPECT_EQ(time0 + 1, stored->time);
@@ -75,17 +83,17 @@ TEST(LiveUnitTest, Deliver_StoresWattHoursAsKilowattHours) {
     LiveUnit sut;
     sut.build(base(), time0);
 
-    EXPECT_TRUE(sut.deliver({pointSvid(socket6) | 36, time0, 1500.0, eStatus_NoError}));
+    EXPECT_TRUE(sut.deliver({pointSvid(socket6) | key::activeEnergy, time0, 1500.0, eStatus_NoError}));
 
-    EXPECT_EQ(1.5, test::RawUnit().value(pointSvid(socket6) | 36)->number);
+    EXPECT_EQ(1.5, test::RawUnit().value(pointSvid(socket6) | key::activeEnergy)->number);
 }
 
 TEST(LiveUnitTest, Deliver_RefusesWhatHasNoPlace) {
     LiveUnit sut;
     sut.build(base(), time0);
 
-    EXPECT_FALSE(sut.deliver({pointSvid(socket6) | 4, time0, 1.0, eStatus_NoError}));
-    EXPECT_FALSE(sut.deliver({pointSvid(sensorPoint) | 256, time0, 1.0, eStatus_NoError}));
+    EXPECT_FALSE(sut.deliver({pointSvid(socket6) | key::current, time0, 1.0, eStatus_NoError}));
+    EXPECT_FALSE(sut.deliver({pointSvid(sensorPoint) | key::temperature, time0, 1.0, eStatus_NoError}));
 }
 
 TEST(LiveUnitTest, Propagate_FoldsStatesUpToTheGlobalOne) {
@@ -93,7 +101,7 @@ TEST(LiveUnitTest, Propagate_FoldsStatesUpToTheGlobalOne) {
     sut.build(base(), time0);
     EXPECT_EQ(eStatus_On, sut.propagate());
 
-    sut.deliver({pointSvid(socket6) | 1, time0, 300.0, eStatus_HighAlarm});
+    sut.deliver({pointSvid(socket6) | key::voltage, time0, 300.0, eStatus_HighAlarm});
     EXPECT_EQ(eStatus_ChildAlarm, sut.propagate());
 
     test::RawUnit const region;
@@ -105,7 +113,7 @@ TEST(LiveUnitTest, Propagate_FoldsStatesUpToTheGlobalOne) {
 TEST(LiveUnitTest, Change_AddsPointsWithTypesAndStates) {
     LiveUnit sut;
     sut.build(base(), time0);
-    sut.deliver({pointSvid(inlet) | 1, time0, 230.0, eStatus_NoError});
+    sut.deliver({pointSvid(inlet) | key::voltage, time0, 230.0, eStatus_NoError});
 
     EXPECT_TRUE(sut.change(withSensorAndGroup(), time0 + 5));
 
@@ -116,8 +124,8 @@ TEST(LiveUnitTest, Change_AddsPointsWithTypesAndStates) {
     EXPECT_EQ(eStatus_On, region.stateOf(pointSvid(sensorPoint)));
     EXPECT_EQ(time0 + 5, region.timeOf(pointSvid(sensorPoint)));
     EXPECT_EQ(time0, region.timeOf(pointSvid(inlet))) << "known points are left alone";
-    EXPECT_EQ(230.0, region.value(pointSvid(inlet) | 1)->number);
-    EXPECT_TRUE(sut.deliver({pointSvid(sensorPoint) | 256, time0, 21.0, eStatus_NoError}));
+    EXPECT_EQ(230.0, region.value(pointSvid(inlet) | key::voltage)->number);
+    EXPECT_TRUE(sut.deliver({pointSvid(sensorPoint) | key::temperature, time0, 21.0, eStatus_NoError}));
 }
 
 TEST(LiveUnitTest, Change_RemovesPoints) {
@@ -130,7 +138,7 @@ TEST(LiveUnitTest, Change_RemovesPoints) {
     EXPECT_EQ(
         (std::set<long long>{pointSvid(unitPoint), pointSvid(inlet), pointSvid(circuit), pointSvid(socket6)}),
         test::RawUnit().points());
-    EXPECT_FALSE(sut.deliver({pointSvid(sensorPoint) | 256, time0, 21.0, eStatus_NoError}));
+    EXPECT_FALSE(sut.deliver({pointSvid(sensorPoint) | key::temperature, time0, 21.0, eStatus_NoError}));
     EXPECT_FALSE(sut.structure().has(sensorPoint));
 }
 

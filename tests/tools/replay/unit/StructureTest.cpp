@@ -3,6 +3,7 @@
 
 #include "tools/replay/unit/Structure.h"
 
+#include "format/ValueKeys.h"
 #include "tools/replay/unit/Topology.h"
 
 #include <gtest/gtest.h>
@@ -11,12 +12,14 @@ namespace qel::tools {
 
 namespace {
 
+namespace key = shm::key;
+
 constexpr PointId inlet{PointKind::Inlet, 1};
 constexpr PointId circuit{PointKind::Circuit, 1};
 constexpr PointId socket6{PointKind::Socket, 6};
 
 Structure sample() {
-    return Structure({{socket6, 19}, {socket6, 1}, {inlet, 1}});
+    return Structure({{socket6, key::activePower}, {socket6, key::voltage}, {inlet, key::voltage}});
 }
 
 } // namespace
@@ -26,7 +29,7 @@ TEST(StructureTest, Empty_IsTheUnit) {
     ASSERT_EQ(1U, sut.points().size());
     EXPECT_TRUE(sut.has(unitPoint));
     EXPECT_EQ(0U, sut.valueCount());
-    EXPECT_EQ((std::unordered_set<long long>{pointSvid(unitPoint) | 0x34}), sut.svids());
+    EXPECT_EQ((std::unordered_set<long long>{pointSvid(unitPoint) | key::pduState}), sut.svids());
 }
 
 TEST(StructureTest, Points_AreThoseOfTheValuesAndAllAbove) {
@@ -41,13 +44,14 @@ TEST(StructureTest, Points_AreThoseOfTheValuesAndAllAbove) {
 TEST(StructureTest, Svids_AreValuesAndOwnStates) {
     auto const sut = sample();
     EXPECT_EQ(3U, sut.valueCount());
-    EXPECT_EQ((std::unordered_set<long long>{pointSvid(unitPoint) | 0x34, pointSvid(inlet) | 0x3B,
-                                             pointSvid(inlet) | 1, pointSvid(circuit) | 0x36,
-                                             pointSvid(socket6) | 0x33, pointSvid(socket6) | 1,
-                                             pointSvid(socket6) | 19}),
+    EXPECT_EQ((std::unordered_set<long long>{
+                  pointSvid(unitPoint) | key::pduState, pointSvid(inlet) | key::state,
+                  pointSvid(inlet) | key::voltage, pointSvid(circuit) | key::circuitState,
+                  pointSvid(socket6) | key::socket, pointSvid(socket6) | key::voltage,
+                  pointSvid(socket6) | key::activePower}),
               sut.svids());
-    EXPECT_TRUE(sut.has(pointSvid(socket6) | 19));
-    EXPECT_FALSE(sut.has(pointSvid(socket6) | 4));
+    EXPECT_TRUE(sut.has(pointSvid(socket6) | key::activePower));
+    EXPECT_FALSE(sut.has(pointSvid(socket6) | key::current));
 }
 
 TEST(StructureTest, Definitions_HaveTheKeysOfTheValuesOnly) {
@@ -55,15 +59,15 @@ TEST(StructureTest, Definitions_HaveTheKeysOfTheValuesOnly) {
     ASSERT_EQ(4U, definitions.size());
     EXPECT_TRUE(definitions.at(pointSvid(unitPoint)).mvs.empty());
     EXPECT_TRUE(definitions.at(pointSvid(circuit)).mvs.empty());
-    EXPECT_EQ(1U, definitions.at(pointSvid(inlet)).mvs.count(1));
+    EXPECT_EQ(1U, definitions.at(pointSvid(inlet)).mvs.count(key::voltage));
     auto const& values = definitions.at(pointSvid(socket6)).mvs;
     EXPECT_EQ(2U, values.size());
-    EXPECT_EQ(1U, values.count(1));
-    EXPECT_EQ(1U, values.count(19));
+    EXPECT_EQ(1U, values.count(key::voltage));
+    EXPECT_EQ(1U, values.count(key::activePower));
 }
 
 TEST(StructureTest, PointsMissingInAnother_AreTheNewOnes) {
-    auto const missing = sample().pointsMissingIn(Structure({{inlet, 1}}));
+    auto const missing = sample().pointsMissingIn(Structure({{inlet, key::voltage}}));
     ASSERT_EQ(2U, missing.size());
     for (auto const& point : missing) {
         EXPECT_TRUE(point == circuit || point == socket6);

@@ -3,6 +3,7 @@
 
 #include "tools/replay/unit/Topology.h"
 
+#include "format/ValueKeys.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmRecords.h"
 
@@ -17,6 +18,8 @@
 namespace qel::tools {
 
 namespace {
+
+namespace key = shm::key;
 
 long long id(unsigned long long bits) {
     return static_cast<long long>(bits);
@@ -97,13 +100,13 @@ TEST(TopologyTest, TypeCodes_HaveTheTextsOfWhatIsBuilt) {
 }
 
 TEST(TopologyTest, StateKeys_AreThePointLevelKeysOfEachKind) {
-    EXPECT_EQ(0x34, stateKey(PointKind::Unit));
-    EXPECT_EQ(0x3B, stateKey(PointKind::Inlet));
-    EXPECT_EQ(0x36, stateKey(PointKind::Circuit));
-    EXPECT_EQ(0x37, stateKey(PointKind::Phase));
-    EXPECT_EQ(0x33, stateKey(PointKind::Socket));
-    EXPECT_EQ(0x35, stateKey(PointKind::Sensor));
-    EXPECT_EQ(0x39, stateKey(PointKind::Group));
+    EXPECT_EQ(key::pduState, stateKey(PointKind::Unit));
+    EXPECT_EQ(key::state, stateKey(PointKind::Inlet));
+    EXPECT_EQ(key::circuitState, stateKey(PointKind::Circuit));
+    EXPECT_EQ(key::phaseState, stateKey(PointKind::Phase));
+    EXPECT_EQ(key::socket, stateKey(PointKind::Socket));
+    EXPECT_EQ(key::sensorState, stateKey(PointKind::Sensor));
+    EXPECT_EQ(key::socketGroupState, stateKey(PointKind::Group));
 }
 
 } // namespace qel::tools
