@@ -17,7 +17,7 @@ from dataclasses import dataclass, field
 
 _FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 _HEADING = re.compile(r"^##? +(.+?) *$", re.MULTILINE)
-_COMMENT = re.compile(r"<!-- readme: *(.*?) *-->\n+\Z", re.DOTALL)
+_COMMENT = re.compile(r"<!-- readme: *((?:(?!-->).)*?) *-->\n+\Z", re.DOTALL)
 _WHEN = re.compile(r"when (.+) press (\S+)")
 
 
