@@ -5,6 +5,8 @@
 
 #include "inspect/image/ImageFile.h"
 
+#include "region/ObjectLock.h"
+
 #include <fcntl.h>
 #include <grp.h>
 #include <pwd.h>
@@ -152,6 +154,10 @@ bool LiveRegion::isReplaced() const {
     auto const mine = factsOf(descriptor_);
     auto const named = factsOf(openName(O_RDONLY | O_PATH));
     return !mine || !named || !isSameObject(*mine, *named);
+}
+
+bool LiveRegion::isLocked() const {
+    return isOpen() && shm::wholeFileLock(descriptor_.number(), F_OFD_GETLK, F_RDLCK) == F_WRLCK;
 }
 
 RegionSource LiveRegion::source() const {

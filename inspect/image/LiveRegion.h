@@ -90,6 +90,10 @@ public:
     /// Whether the name now leads to another object than the open one, or to none. False if none is open.
     bool isReplaced() const;
 
+    /// Whether a writer has locked the open object: writers do so from their start to their end. False if none is
+    /// open, and for a writer of a version that locks nothing.
+    bool isLocked() const;
+
     /// How the opening went, isReplaced() and object().
     RegionSource source() const;
 

@@ -19,9 +19,17 @@ constexpr char busName[] = "org.qel.HardwareManager";
 constexpr char objectPath[] = "/";
 
 void throwIf(GError* failure) {
-    if (shm::GErrorPtr const error{failure}) {
-        throw std::runtime_error(std::string("cannot use the system bus: ") + error->message);
+    shm::GErrorPtr const error(failure);
+    if (!error) {
+        return;
     }
+    if (g_error_matches(error.get(), G_DBUS_ERROR, G_DBUS_ERROR_ACCESS_DENIED) != FALSE) {
+        throw std::runtime_error(std::string("the policy of the system bus does not let user ") +
+                                 g_get_user_name() + " own " + busName + "; name the user in " + busName +
+                                 ".conf in /etc/dbus-1/system.d and reload the bus");
+    }
+    throw std::runtime_error(std::string("cannot use the system bus: ") + error->message +
+                             "; start it, or name another one in DBUS_SYSTEM_BUS_ADDRESS");
 }
 
 shm::GObjectPtr<GDBusConnection> connect() {
@@ -61,7 +69,8 @@ void HardwareManagerService::ownName() {
     constexpr unsigned alreadyOwner = 4;
     auto const reply = callBus("RequestName", g_variant_new("(su)", busName, doNotQueue));
     if (reply != primaryOwner && reply != alreadyOwner) {
-        throw std::runtime_error(std::string("another process owns ") + busName + " on the system bus");
+        throw std::runtime_error(std::string("another process owns ") + busName +
+                                 " on the system bus; end it first, since a unit has one hardware manager");
     }
 }
 

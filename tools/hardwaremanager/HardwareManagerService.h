@@ -39,7 +39,8 @@ public:
     HardwareManagerService& operator=(HardwareManagerService const&) = delete;
 
     /// Takes the name; owned when the call returns.
-    /// @throws std::runtime_error if another process owns it, or the bus does not answer
+    /// @throws std::runtime_error if another process owns it, the policy of the bus refuses it, or the bus does not
+    ///         answer; the text says what to do
     void ownName();
 
     /// Gives the name up.

@@ -3,8 +3,6 @@
 
 #include "tools/replay/ReplayApp.h"
 
-#include <glib-unix.h>
-
 #include <algorithm>
 #include <csignal>
 #include <exception>
@@ -20,20 +18,11 @@ ReplayApp::ReplayApp(MakePlayer const& makePlayer, ReplayLog& log, double speed,
     service_.emplace([this] { return isInitialized_ ? 1 : 0; },
                      [this] { fail("the connection to the system bus is lost"); });
     for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
-        signals_.push_back(g_unix_signal_add(
-            number,
-            [](gpointer self) -> gboolean {
-                static_cast<ReplayApp*>(self)->isOver_ = true;
-                return G_SOURCE_CONTINUE;
-            },
-            this));
+        signals_.emplace_back(number, [this] { isOver_ = true; });
     }
 }
 
 ReplayApp::~ReplayApp() {
-    for (auto const signal : signals_) {
-        g_source_remove(signal);
-    }
     if (timer_ != 0) {
         g_source_remove(timer_);
     }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "tools/hardwaremanager/HardwareManagerService.h"
+#include "tools/hardwaremanager/SignalSource.h"
 #include "tools/replay/IPlayer.h"
 #include "tools/replay/ReplayLog.h"
 
@@ -13,10 +14,10 @@
 
 #include <chrono>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace qel::tools {
 
@@ -57,7 +58,7 @@ private:
     bool isOver_ = false;
     std::unique_ptr<IPlayer> player_;
     std::optional<HardwareManagerService> service_;
-    std::vector<guint> signals_;
+    std::list<SignalSource> signals_;
     guint timer_ = 0; // 0: not armed
     Clock::time_point start_;
     std::string reason_ = "ended by a signal"; // until no step is left

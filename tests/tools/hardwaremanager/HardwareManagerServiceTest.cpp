@@ -132,7 +132,10 @@ TEST(HardwareManagerServiceTest, TakenName_IsRefused) {
         sut.ownName();
         FAIL() << "owned";
     } catch (std::runtime_error const& error) {
-        EXPECT_STREQ("another process owns org.qel.HardwareManager on the system bus", error.what());
+        EXPECT_STREQ("another process owns org.qel.HardwareManager on the system bus; end it first, since a "
+                     "unit has one "
+                     "hardware manager",
+                     error.what());
     }
     other.releaseName();
     EXPECT_NO_THROW(sut.ownName());

@@ -193,7 +193,10 @@ TEST(QelReplayTest, SecondReplay_LeavesTheFirstAlone) {
     auto const second = outcomeOf(QelReplayProcess::command({file.path()}));
 
     EXPECT_EQ(1, second.status);
-    EXPECT_EQ("qel-replay: another process owns org.qel.HardwareManager on the system bus\n", second.output);
+    EXPECT_EQ("qel-replay: another process owns org.qel.HardwareManager on the system bus; end it first, "
+              "since a unit has "
+              "one hardware manager\n",
+              second.output);
     EXPECT_EQ(232.0, RawUnit().value(inletVoltage)->number);
 }
 
@@ -205,7 +208,9 @@ TEST(QelReplayTest, NoBus_IsAFailureAndPublishesNothing) {
         outcomeOf({"env", "DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nowhere", QEL_REPLAY, file.path()});
 
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qel-replay: cannot use the system bus: Could not connect: No such file or directory\n",
+    EXPECT_EQ("qel-replay: cannot use the system bus: Could not connect: No such file or directory; start "
+              "it, or name "
+              "another one in DBUS_SYSTEM_BUS_ADDRESS\n",
               outcome.output);
     EXPECT_TRUE(created.names().empty());
 }

@@ -13,20 +13,6 @@ namespace qel::watch {
 
 namespace {
 
-std::vector<std::int64_t> fingerprintOf(inspect::Image const& image, inspect::PointTree const& tree) {
-    std::vector<std::int64_t> numbers;
-    numbers.reserve(tree.nodes().size() * 4 + tree.values().size() * 2);
-    auto const& region = image.region();
-    for (auto const& node : tree.nodes()) {
-        auto const& slot = region.points[node.pos];
-        numbers.insert(numbers.end(), {slot.guid, node.pos, node.depth, slot.type});
-        for (auto const pos : tree.valuesOf(node)) {
-            numbers.insert(numbers.end(), {pos, region.values[pos].key});
-        }
-    }
-    return numbers;
-}
-
 /// What a path adds to its parent's; all of it if it does not continue that one.
 std::string nameWithin(std::string const& parent, std::string const& path) {
     auto const prefix = parent + '/';
@@ -38,7 +24,7 @@ std::string nameWithin(std::string const& parent, std::string const& path) {
 bool UnitStructure::update(inspect::Image const& image) {
     auto const source = image.isWhole() && image.isActive() ? image : inspect::Image();
     inspect::PointTree const tree(source);
-    auto fingerprint = fingerprintOf(source, tree);
+    inspect::StructureFingerprint fingerprint(source, tree);
     if (fingerprint == fingerprint_) {
         return false;
     }

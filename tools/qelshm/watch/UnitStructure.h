@@ -9,6 +9,7 @@
 
 #include "inspect/image/Image.h"
 #include "inspect/image/PointTree.h"
+#include "inspect/image/StructureFingerprint.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -64,7 +65,7 @@ private:
                   inspect::PointNode const& node);
 
     WatchedNames names_;
-    std::vector<std::int64_t> fingerprint_; ///< all that names and order are made from
+    inspect::StructureFingerprint fingerprint_; ///< names and order are made from nothing else
     std::vector<UnitPoint> points_;
     std::vector<UnitValue> values_;
 };
