@@ -8,9 +8,10 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <CLI/Validators.hpp>
 
+#include <charconv>
 #include <string>
+#include <system_error>
 
 namespace qel::tools {
 
@@ -42,7 +43,10 @@ Examples:
 
 /// @return what is wrong with the text, "" for nothing
 std::string intervalProblem(std::string const& text) {
-    bool const isValid = CLI::Range(0.01, 3600.0)(text).empty() || CLI::Range(0.0, 0.0)(text).empty();
+    double seconds = -1.0;
+    auto const read = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    bool const isNumber = read.ec == std::errc() && read.ptr == text.data() + text.size();
+    bool const isValid = isNumber && (seconds == 0.0 || (seconds >= 0.01 && seconds <= 3600.0));
     return isValid ? "" : "expected 0.01 to 3600, or 0; not " + text;
 }
 

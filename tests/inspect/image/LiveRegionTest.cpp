@@ -130,6 +130,17 @@ TEST_F(LiveRegionTest, CopiesWhatAWriterWrote) {
     EXPECT_EQ(231.5, live.copy().value(0)->value);
 }
 
+TEST_F(LiveRegionTest, IsLockedWhileItsWriterLives) {
+    EXPECT_FALSE(LiveRegion().isLocked()) << "no object";
+    auto writer = std::make_unique<shm::QelSharedMemoryWriter>();
+    LiveRegion const live;
+    EXPECT_TRUE(live.isLocked());
+    writer.reset();
+    EXPECT_FALSE(live.isLocked());
+    createObject(static_cast<off_t>(shm::REGION_SIZE));
+    EXPECT_FALSE(LiveRegion().isLocked()) << "no writer";
+}
+
 TEST_F(LiveRegionTest, ItsDescriptorIsReadOnlyAndNotInherited) {
     createObject(100);
     struct stat object = {};

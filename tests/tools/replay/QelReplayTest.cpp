@@ -194,8 +194,7 @@ TEST(QelReplayTest, SecondReplay_LeavesTheFirstAlone) {
 
     EXPECT_EQ(1, second.status);
     EXPECT_EQ("qel-replay: another process owns org.qel.HardwareManager on the system bus; end it first, "
-              "since a unit has "
-              "one hardware manager\n",
+              "since a unit has one hardware manager\n",
               second.output);
     EXPECT_EQ(232.0, RawUnit().value(inletVoltage)->number);
 }
@@ -209,8 +208,7 @@ TEST(QelReplayTest, NoBus_IsAFailureAndPublishesNothing) {
 
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ("qel-replay: cannot use the system bus: Could not connect: No such file or directory; start "
-              "it, or name "
-              "another one in DBUS_SYSTEM_BUS_ADDRESS\n",
+              "it, or name another one in DBUS_SYSTEM_BUS_ADDRESS\n",
               outcome.output);
     EXPECT_TRUE(created.names().empty());
 }
