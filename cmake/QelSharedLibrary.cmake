@@ -35,6 +35,7 @@ target_link_options(QelSharedMemory PRIVATE "LINKER:--version-script=${PROJECT_S
 target_link_options(QelSharedMemory PRIVATE LINKER:-z,nodelete)
 set_property(TARGET QelSharedMemory APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
 
+qel_install_runpath(QelSharedMemory "${CMAKE_INSTALL_FULL_LIBDIR}")
 install(TARGETS QelSharedMemory EXPORT QelSharedMemoryTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
 install(FILES "${QEL_GENERATED_INCLUDE_DIR}/region/QelExport.h"
@@ -47,6 +48,11 @@ configure_package_config_file(cmake/QelSharedMemoryConfig.cmake.in QelSharedMemo
 write_basic_package_version_file(QelSharedMemoryConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 # The .pc file finds the prefix from its own place, so the installed tree can be moved.
 file(RELATIVE_PATH QEL_PREFIX_FROM_PC "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+# A program that is linked by it finds the library where it was found for linking.
+set(QEL_PC_RUNPATH "")
+if(QEL_INSTALL_RUNPATH)
+  set(QEL_PC_RUNPATH " -Wl,-rpath,\${libdir}")
+endif()
 configure_file(cmake/qelsharedmemory.pc.in qelsharedmemory.pc @ONLY)
 install(FILES
   "${CMAKE_CURRENT_BINARY_DIR}/QelSharedMemoryConfig.cmake"

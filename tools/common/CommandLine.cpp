@@ -29,6 +29,9 @@ std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* 
     } catch (CLI::CallForVersion const& version) {
         std::cout << version.what() << std::endl;
         return exitSuccess;
+    } catch (CLI::Success const& printed) { // --completion
+        std::cout << printed.what() << std::flush;
+        return std::cout ? exitSuccess : exitFailure;
     } catch (CLI::ParseError const& error) {
         // An unknown argument is reported rather than a missing one.
         bool const isUnknown = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) &&

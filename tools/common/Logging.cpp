@@ -3,11 +3,14 @@
 
 #include "tools/common/Logging.h"
 
+#include "tools/common/Choices.h"
+
 #include "domain/Logger.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <CLI/Validators.hpp>
 #include <log4cpp/Category.hh>
 #include <log4cpp/OstreamAppender.hh>
 #include <log4cpp/PatternLayout.hh>
@@ -44,7 +47,7 @@ void addLogOption(CLI::App& app, std::string& level) {
         names.emplace_back(known.name);
     }
     app.add_option("--log-level", level, "Write the library's log to standard error, from this level up")
-        ->transform(CLI::IsMember(names, CLI::ignore_case).description(""))
+        ->transform(oneOf(names, LetterCase::Ignored))
         ->type_name("crit|error|warn|info|debug");
 }
 

@@ -5,6 +5,7 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/Logging.h"
+#include "tools/common/completion/Completion.h"
 #include "tools/replay/csv/InputError.h"
 
 #include "inspect/capture/CaptureReader.h"
@@ -214,6 +215,7 @@ void defineOptions(CLI::App& app, ReplayOptions& options) {
     defineStructure(app, options);
     app.add_flag("--quiet", options.isQuiet, "Write nothing but errors");
     addLogOption(app, options.logLevel);
+    addCompletionOption(app);
     addVersionOption(app);
 }
 

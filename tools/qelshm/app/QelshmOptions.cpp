@@ -3,14 +3,13 @@
 
 #include "tools/qelshm/app/QelshmOptions.h"
 
+#include "tools/common/Choices.h"
 #include "tools/common/CommandLine.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
-
-#include <set>
 
 namespace qel::tools {
 
@@ -57,7 +56,7 @@ OptionalOptions defineQelshmOptions(CLI::App& app, QelshmOptions& options) {
                         ->excludes(optional.image);
     optional.json = app.add_flag("--json", options.isJson, "Print JSON");
     app.add_option("--color", options.color, "Colour states: auto (on a terminal), always or never")
-        ->check(CLI::IsMember(std::set<std::string>{"auto", "always", "never"}).description(""))
+        ->check(oneOf({"always", "auto", "never"}))
         ->type_name("WHEN")
         ->capture_default_str();
     app.add_option("--now", options.now, "Reference time of ages, in ms since 1970 UTC")

@@ -11,7 +11,7 @@
 
 namespace qel::tools {
 
-/// Prints a script that completes verbs, options, files and the points of the live unit in a shell.
+/// Prints a script that completes verbs, options, files, keys and the points of the unit in a shell.
 ///
 /// Threads: thread-bound to the main thread.
 class CompletionCommand : public ICommand {
@@ -20,7 +20,7 @@ public:
     int run(CommandContext const& context) override;
 
 private:
-    CLI::App const* app_ = nullptr;
+    CLI::App* app_ = nullptr;
     std::string shell_;
 };
 

@@ -71,8 +71,15 @@ TEST(CompletionCommandTest, Options_AreThoseOfTheProgramAndTheVerb) {
 
 TEST(CompletionCommandTest, ValueOfAnOption_IsNotAVerb) {
     EXPECT_THAT(completions({"tree", "--depth", ""}), IsEmpty());
-    EXPECT_THAT(completions({"--color", "a"}), ElementsAre("auto", "always"));
-    EXPECT_THAT(completions({"completion", ""}), ElementsAre("bash"));
+    EXPECT_THAT(completions({"--color", "a"}), ElementsAre("always", "auto"));
+    EXPECT_THAT(completions({"completion", ""}), ElementsAre("bash", "fish", "zsh"));
+}
+
+TEST(CompletionCommandTest, Keys_AreQuotedUnlessAQuotationIsOpen) {
+    EXPECT_THAT(completions({"get", "unit1", "active\\ p"}), ElementsAre("active\\ power"));
+    EXPECT_THAT(completions({"get", "unit1", "\"active p"}), ElementsAre("active power"));
+    EXPECT_THAT(completions({"get", "unit1", "active\\ power", ""}), IsEmpty())
+        << "there is no third argument";
 }
 
 TEST(CompletionCommandTest, Points_AreThoseOfTheLiveUnit) {
@@ -87,6 +94,8 @@ TEST(CompletionCommandTest, Points_AreThoseOfTheImageOnTheLine) {
     ImageFolder const folder;
     auto const file = folder.add("healthy");
     EXPECT_THAT(completions({"--image", file, "get", "unit1/s"}), ElementsAre("unit1/sensor1.1"));
+    EXPECT_THAT(completions({"get", "--image", "=", file, "unit1/s"}), ElementsAre("unit1/sensor1.1"))
+        << "with an equals sign";
     EXPECT_THAT(completions({"get", "unit1/s"}), IsEmpty()) << "there is no live unit";
 }
 
