@@ -4,6 +4,7 @@
 #include "tools/hardwaremanager/HardwareManagerOptions.h"
 
 #include "tools/common/CommandLine.h"
+#include "tools/common/completion/Completion.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -62,6 +63,7 @@ void defineOptions(CLI::App& app, HardwareManagerOptions& options) {
         ->capture_default_str();
     app.add_flag("--quiet", options.isQuiet, "Write nothing but errors");
     addVersionOption(app);
+    addCompletionOption(app);
 }
 
 } // namespace qel::tools
