@@ -13,13 +13,31 @@ flags=$3
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 prefix=$scratch/prefix
+version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")$/\1/p' "$build/QelSharedMemoryConfigVersion.cmake")
 
 installPackage() {
     cmake --install "$build" --prefix "$prefix" >"$scratch/install.log" || { cat "$scratch/install.log"; exit 1; }
     libraries=$(dirname "$(find "$prefix" -name 'libQelSharedMemory.so.1')")
 }
 
-runConsumer() { # PROGRAM
-    LD_LIBRARY_PATH=$libraries "$here/../../tools/surroundings" "$1" >"$scratch/output" || exit $?
+# The next two build $here/consumer with the installed package.
+buildByPkgConfig() {
+    local package compilerFlags
+    export PKG_CONFIG_PATH=$libraries/pkgconfig
+    [ "$(pkg-config --modversion qelsharedmemory)" = "$version" ]
+    eval "package=($(pkg-config --cflags --libs qelsharedmemory))" # quoted where it must be
+    read -ra compilerFlags <<<"$flags"
+    "$compiler" -std=c++17 "${compilerFlags[@]}" "$here/consumer/consumer.cpp" "${package[@]}" -o "$scratch/by-pkg-config"
+}
+
+buildByCMake() {
+    cmake -G Ninja -S "$here/consumer" -B "$scratch/by-cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" >"$scratch/log" 2>&1 &&
+        cmake --build "$scratch/by-cmake" >>"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
+}
+
+# Of the consumer.
+runBuilt() { # PROGRAM
+    "$here/../../tools/surroundings" "$1" >"$scratch/output" || exit $?
     diff -u "$here/consumer/expected-output.txt" "$scratch/output"
 }
