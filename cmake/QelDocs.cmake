@@ -4,8 +4,7 @@
 # The target "docs": HTML of the installed headers in docs/html of the build, and the check that each exported
 # function is documented. Not part of the default build. Without Doxygen there is no such target.
 find_package(Doxygen QUIET OPTIONAL_COMPONENTS dot)
-find_package(Python3 QUIET COMPONENTS Interpreter)
-if(NOT DOXYGEN_FOUND OR NOT Python3_FOUND)
+if(NOT DOXYGEN_FOUND)
   return()
 endif()
 
@@ -35,7 +34,7 @@ configure_file(docs/doxygen/Doxyfile-xml.in docs/Doxyfile-xml @ONLY)
 add_custom_target(docs
   COMMAND Doxygen::doxygen "${QEL_DOCS_DIR}/Doxyfile"
   COMMAND Doxygen::doxygen "${QEL_DOCS_DIR}/Doxyfile-xml"
-  COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/docs/doxygen/check-documented"
+  COMMAND "${PROJECT_SOURCE_DIR}/docs/doxygen/check-documented"
           "${PROJECT_SOURCE_DIR}/tests/package/exported-symbols.txt" "${QEL_DOCS_DIR}/xml"
   COMMENT "HTML of the installed headers: ${QEL_DOCS_DIR}/html/index.html"
   VERBATIM)
