@@ -150,6 +150,15 @@ TEST(RegionObserverTest, RegionOfAKilledWriter_IsNotActiveUntilTheNextWriterActi
     EXPECT_EQ(Change::Activated, sut.observe());
 }
 
+TEST(RegionObserverTest, NextObjectThatNobodyLocks_IsActive) {
+    RegionObserver sut;
+    auto writer = activeUnit();
+    ASSERT_TRUE(sut.isActive());
+    writer.reset();
+    ActiveObject const object;
+    EXPECT_TRUE(sut.isActive()) << "the former one was locked";
+}
+
 TEST(RegionObserverTest, RegionThatNobodyWasSeenToLock_IsActive) {
     ActiveObject const object;
     RegionObserver sut;
