@@ -3,8 +3,8 @@
 
 """The shell commands of a Markdown page, with what its comments say about playing them.
 
-Commands stand in ```sh blocks, one a line; a backslash at the end of a line joins the next one. A comment directly
-before a block applies to it:
+Commands stand in ```sh blocks, one a line; a backslash at the end of a line joins the next one. Each must exit with 0;
+one whose comment says "exits with 1" may exit with that, too. An HTML comment directly before a block applies to it:
 
   <!-- readme: skip REASON -->             nobody plays this block
   <!-- readme: when TEXT press KEYS -->    its command needs a terminal: once it shows TEXT, type KEYS
@@ -18,7 +18,17 @@ from dataclasses import dataclass, field
 _FENCE = re.compile(r"^```(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 _HEADING = re.compile(r"^##? +(.+?) *$", re.MULTILINE)
 _COMMENT = re.compile(r"<!-- readme: *((?:(?!-->).)*?) *-->\n+\Z", re.DOTALL)
+_REMARK = re.compile(r"(?:^|\s)#\s(.*)")
+_STATUS = re.compile(r"\bexits with (\d+)")
 _WHEN = re.compile(r"when (.+) press (\S+)")
+
+
+@dataclass(frozen=True)
+class Command:
+    """What is typed, and the exit statuses that are right."""
+
+    text: str
+    statuses: frozenset
 
 
 @dataclass
@@ -59,9 +69,12 @@ class Block:
 
 
 def _commands(text):
-    joined = text.replace("\\\n", " ")
-    lines = (re.sub(r"(?:^|\s)#\s.*", "", line).strip() for line in joined.splitlines())
-    return [line for line in lines if line]
+    for line in text.replace("\\\n", " ").splitlines():
+        remark = _REMARK.search(line)
+        command = (line[:remark.start()] if remark else line).strip()
+        if command:
+            statuses = _STATUS.findall(remark.group(1)) if remark else []
+            yield Command(command, frozenset({0, *map(int, statuses)}))
 
 
 def blocks_of(page):
@@ -74,6 +87,6 @@ def blocks_of(page):
         block = Block(fence.group(1), headings[-1] if headings else "", before.count("\n") + 1, fence.group(2),
                       " ".join(comment.group(1).split()) if comment else "")
         if block.language == "sh":
-            block.commands = _commands(block.text)
+            block.commands = list(_commands(block.text))
         found.append(block)
     return found
