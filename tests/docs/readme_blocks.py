@@ -8,8 +8,7 @@ one whose comment says "exits with 1" may exit with that, too. An HTML comment d
 
   <!-- readme: skip REASON -->             nobody plays this block
   <!-- readme: when TEXT press KEYS -->    its command needs a terminal: once it shows TEXT, type KEYS
-  <!-- readme: prints -->                  before a ```text block: the commands before it print its lines, in this
-                                           order; "..." stands for anything
+  <!-- readme: COMMAND prints -->          before a ```text block: COMMAND prints lines like these, with other numbers
 """
 
 import re
@@ -54,8 +53,9 @@ class Block:
         return found.groups() if found else None
 
     @property
-    def is_printed(self):
-        return self.language == "text" and self.directive == "prints"
+    def printer(self):
+        """The command that prints the block's lines, or None."""
+        return self.directive[:-len(" prints")] if self.directive.endswith(" prints") else None
 
     def problem(self):
         """What is wrong with the comment before the block, or None."""
@@ -63,9 +63,8 @@ class Block:
             return f"'{self.language}' is no language of this page; commands stand in sh blocks, output in text blocks"
         if self.reason == "":
             return "'skip' gives no reason"
-        if self.directive and not (self.reason or self.is_printed or (self.keys and self.language == "sh")):
-            return f"'{self.directive}' is no comment for this block"
-        return None
+        fitting = self.reason or self.keys if self.language == "sh" else self.printer if self.language == "text" else None
+        return f"'{self.directive}' is no comment for this block" if self.directive and not fitting else None
 
 
 def _commands(text):
