@@ -31,9 +31,11 @@ buildByPkgConfig() {
 }
 
 buildByCMake() {
-    cmake -G Ninja -S "$here/consumer" -B "$scratch/by-cmake" -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" >"$scratch/log" 2>&1 &&
-        cmake --build "$scratch/by-cmake" >>"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
+    {
+        cmake -G Ninja -S "$here/consumer" -B "$scratch/by-cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+            -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$flags" &&
+            cmake --build "$scratch/by-cmake"
+    } >"$scratch/log" 2>&1 || { cat "$scratch/log"; exit 1; }
 }
 
 # Of the consumer.

@@ -65,17 +65,18 @@ TEST(StructureFingerprintTest, IdsKeysTypesAndLinks_Count) {
     EXPECT_NE(sample, fingerprintAfter([](auto& region) { region.values[26].key = 2; }));
     EXPECT_NE(sample, fingerprintAfter([](auto& region) { region.values[26].next = 27; }));
     EXPECT_NE(sample, fingerprintAfter([](auto& region) { region.points[6].next = 20; }));
-    EXPECT_NE(sample, fingerprintAfter([](auto& region) { region.points[18].mvs = shm::NO_POSITION; }));
+    EXPECT_NE(sample, fingerprintAfter([](auto& region) { region.points[17].mvs = shm::NO_POSITION; }));
 }
 
-TEST(StructureFingerprintTest, ValueInAnotherSlot_Counts) {
-    EXPECT_NE(fingerprintOfTheSample(), fingerprintAfter([](shm::record::Region& region) {
-                  for (auto& point : region.points) {
-                      if (point.mvs == 26) {
-                          region.values[27] = region.values[26];
-                          point.mvs = 27;
-                      }
-                  }
+TEST(StructureFingerprintTest, PointOrValueInAnotherSlot_Counts) {
+    auto const sample = fingerprintOfTheSample();
+    EXPECT_NE(sample, fingerprintAfter([](shm::record::Region& region) {
+                  region.points[20] = region.points[19];
+                  region.points[17].next = 20;
+              }));
+    EXPECT_NE(sample, fingerprintAfter([](shm::record::Region& region) {
+                  region.values[27] = region.values[26];
+                  region.points[17].mvs = 27;
               }));
 }
 

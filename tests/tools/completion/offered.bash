@@ -17,6 +17,7 @@ while IFS= read -r line; do
     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
     COMPREPLY=()
     program=${COMP_WORDS[0]}
+    # shellcheck disable=SC1090 # of the build
     source "$SCRIPTS/$program"
     words=$(complete -p "$program")
     words=${words#*-F }
