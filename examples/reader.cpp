@@ -159,6 +159,7 @@ void follow(unsigned int seconds, unsigned long lines) {
                 listPoints(*reader);
                 isListed = true;
             }
+            // [kept]
             auto const value = reader->mval(power); // null while the unit has no such value
             if (value && value->at != last) {
                 last = value->at;
@@ -166,6 +167,7 @@ void follow(unsigned int seconds, unsigned long lines) {
                 std::cout << "socket 1: " << tav::ValueFormatter::str(value)
                           << (value->state == eStatus_NoError ? "" : ", outside its limits") << '\n';
             }
+            // [/kept]
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }

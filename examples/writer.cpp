@@ -95,12 +95,14 @@ std::uint64_t millisecondsSince1970() {
 }
 
 void deliver(shm::QelSharedMemoryWriter& writer, Meters const& meters) {
+    // [store]
     auto const now = millisecondsSince1970();
     auto const store = [&](long long svid, double number, eStatus_Bits state) {
         return writer.updateMV(svid, std::make_unique<measval::MeasureValue>(number, now, state));
     };
     store(inlet | shm::key::voltage, meters.voltage(), eStatus_NoError);
     store(inlet | shm::key::frequency, 50.0, eStatus_NoError);
+    // [/store]
     std::size_t index = 0;
     for (auto const socket : {socket1, socket2}) {
         auto const power = meters.power(index);

@@ -503,8 +503,8 @@ TEST_F(QelSharedMemoryFollowerTest, ConnectionClosed_AnotherReaderHearsAgain) {
     EXPECT_TRUE(eventually([&] { return sut->reader()->modifications() > before; }));
 }
 
-/// As the README shows it.
-TEST_F(QelSharedMemoryFollowerTest, ExampleOfTheReadme_Works) {
+/// As examples/reader.cpp uses it.
+TEST_F(QelSharedMemoryFollowerTest, UseOfTheExample_Works) {
     auto const first = activeRegion(21.5);
     std::ostringstream out;
     shm::QelSharedMemoryFollower unit(60, ANY_AGE, [&](shm::QelShmCondition now) {
