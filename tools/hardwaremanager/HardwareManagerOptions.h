@@ -17,6 +17,7 @@ struct HardwareManagerOptions {
 };
 
 /// Adds the program's description and options to the app.
+/// Threads: reentrant.
 /// @param options receives the arguments; must outlive app
 void defineOptions(CLI::App& app, HardwareManagerOptions& options);
 
