@@ -49,9 +49,7 @@ TEST_F(CompletionTest, Option_PrintsTheScriptAlthoughArgumentsAreMissing) {
     for (auto const& shell : completionShells()) {
         auto const [status, script] = parse(shell.c_str());
         EXPECT_EQ(exitSuccess, status);
-        EXPECT_THAT(script,
-                    HasSubstr(shell + " completion for odd-program; made by \"odd-program --completion " +
-                              shell + "\"\n"));
+        EXPECT_THAT(script, HasSubstr("made by \"odd-program --completion " + shell + "\"\n"));
         EXPECT_THAT(script, testing::Not(testing::ContainsRegex("@[A-Za-z]+@"))) << "a placeholder";
     }
 }
