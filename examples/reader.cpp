@@ -26,6 +26,7 @@
 #include <charconv>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <iostream>
@@ -93,12 +94,13 @@ class Lister : public shm::BaseQelShmVisitor {
 public:
     void onMPnt(shm::QelShmMPnt const& point, unsigned int depth,
                 std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
-        std::cout << std::string(2 * depth, ' ') << SensorIdentifier::explain(point->guid) << '\n';
+        std::cout << std::string(std::size_t{2} * depth, ' ') << SensorIdentifier::explain(point->guid)
+                  << '\n';
     }
 
     void onMVal(shm::QelShmMVal const& value, long long /*svid*/, unsigned int depth,
                 std::shared_ptr<shm::IQelVisitorResult>& /*result*/) override {
-        std::cout << std::string(2 * depth + 2, ' ') << shm::keyName(value->key) << ' '
+        std::cout << std::string(std::size_t{2} * (depth + 1), ' ') << shm::keyName(value->key) << ' '
                   << tav::ValueFormatter::str(value) << '\n';
     }
 };
@@ -226,7 +228,7 @@ int run(int argc, char** argv) {
         return 1;
     }
     for (int const number : {SIGINT, SIGTERM}) {
-        std::signal(number, [](int) { isOver = 1; });
+        static_cast<void>(std::signal(number, [](int) { isOver = 1; }));
     }
     follow(options->seconds, options->lines);
     return 0;

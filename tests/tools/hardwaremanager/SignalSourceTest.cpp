@@ -30,12 +30,12 @@ TEST(SignalSourceTest, EachArrival_CallsTheFunctionOfItsSignal) {
     SignalSource const one(SIGUSR1, [&] { ++first; });
     SignalSource const other(SIGUSR2, [&] { ++second; });
 
-    std::raise(SIGUSR1);
+    ASSERT_EQ(0, std::raise(SIGUSR1));
     EXPECT_TRUE(runUntil([&] { return first == 1; }));
-    std::raise(SIGUSR1);
+    ASSERT_EQ(0, std::raise(SIGUSR1));
     EXPECT_TRUE(runUntil([&] { return first == 2; }));
     EXPECT_EQ(0, second);
-    std::raise(SIGUSR2);
+    ASSERT_EQ(0, std::raise(SIGUSR2));
     EXPECT_TRUE(runUntil([&] { return second == 1; }));
     EXPECT_EQ(2, first);
 }
@@ -47,7 +47,7 @@ TEST(SignalSourceTest, Destroyed_CallsNoMore) {
     SignalSource const other(SIGUSR1, [&] { ++kept; });
 
     source.reset();
-    std::raise(SIGUSR1);
+    ASSERT_EQ(0, std::raise(SIGUSR1));
 
     EXPECT_TRUE(runUntil([&] { return kept == 1; }));
     EXPECT_EQ(0, removed);
