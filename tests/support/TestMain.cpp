@@ -47,6 +47,12 @@ void logToCaller() {
     log4cpp::Category::getRoot().addAppender(appender.release());
 }
 
+/// Whether tools/surroundings started the program: then the region's name is the program's own.
+bool isInSurroundings() {
+    char const* const bus = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
+    return bus != nullptr && std::string(bus) == "unix:path=/sys/bus";
+}
+
 /// Lets each test begin without anything under the region's name, whatever the one before in this process has left.
 class FreeName : public testing::EmptyTestEventListener {
     void OnTestStart(testing::TestInfo const& /*test*/) override {
@@ -59,7 +65,9 @@ class FreeName : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    testing::UnitTest::GetInstance()->listeners().Append(std::make_unique<FreeName>().release());
+    if (isInSurroundings()) {
+        testing::UnitTest::GetInstance()->listeners().Append(std::make_unique<FreeName>().release());
+    }
     logToCaller();
     return RUN_ALL_TESTS();
 }
