@@ -214,6 +214,7 @@ TEST(QelHardwareManagerTest, RegionThatCannotBeReadAtTheStart_IsAFailure) {
 TEST(QelHardwareManagerTest, RegionThatCannotBeReadLater_IsTheSameFailure) {
     ChildProcess sut(withoutReading(), ChildProcess::Errors::IntoOutput);
     ASSERT_TRUE(sut.readUntil("serves org.qel.HardwareManager"));
+    ASSERT_EQ(0, Client().initialized()) << "the first look is over";
     Writer const writer;
     EXPECT_EQ(cannotRead, sut.readAll());
     EXPECT_EQ(1, sut.wait());
