@@ -5,6 +5,7 @@
 
 #include "tests/model/ReferenceWriter.h"
 
+#include "format/ValueKeys.h"
 #include "tests/support/RawRegion.h"
 
 #include <gmock/gmock.h>
@@ -22,6 +23,7 @@ namespace qel::test {
 
 namespace {
 
+namespace key = shm::key;
 using reference::svidOf;
 using testing::ElementsAre;
 
@@ -73,7 +75,7 @@ TEST_F(ReferenceWriterTest, SetActive_StampsTheRoot) {
 }
 
 TEST_F(ReferenceWriterTest, AddedDevice_HasItsValuesChained) {
-    EXPECT_EQ(Outcome::Changed, sut.addStructure({{device, {1, 4}}}));
+    EXPECT_EQ(Outcome::Changed, sut.addStructure({{device, {key::voltage, key::current}}}));
 
     EXPECT_EQ("00 00 00 00 FF FF FF FF FF FF FF FF " // pos, next, prev
               "00 00 00 00 FF FF FF FF FF FF FF FF " // mvs, children, parent
@@ -88,7 +90,7 @@ TEST_F(ReferenceWriterTest, AddedDevice_HasItsValuesChained) {
               "FE FF FF FF FF FF FF FF 04 00 FF FF FF FF FF FF",
               valueBytes(1));
     EXPECT_EQ("00 00 00 00 FF FF FF FF", bytes(field::devices, 8));
-    EXPECT_EQ(Outcome::Nothing, sut.addStructure({{device, {4}}}));
+    EXPECT_EQ(Outcome::Nothing, sut.addStructure({{device, {key::current}}}));
 }
 
 TEST_F(ReferenceWriterTest, SocketGroupAndMonitor_HaveTypeOne_AndOnlyTheGroupAList) {
@@ -114,7 +116,7 @@ TEST_F(ReferenceWriterTest, Siblings_AreLinkedBothWays) {
 
 TEST_F(ReferenceWriterTest, RemovedPoint_KeepsItsPrev_AndItsSlotIsTakenLast) {
     for (int const number : {1, 2, 3}) {
-        sut.addMP(svidOf({number, 0}), {1}, rawNone);
+        sut.addMP(svidOf({number, 0}), {key::voltage}, rawNone);
     }
     EXPECT_TRUE(sut.removeStructure({{svidOf({1, 0}), {}}, {svidOf({3, 0}), {}}}));
 
@@ -139,7 +141,8 @@ TEST_F(ReferenceWriterTest, RemovedFirstChild_LosesNextAndParent_AndTheNextOneIs
 
 TEST_F(ReferenceWriterTest, AddStructure_SkipsTheRoot_AndThrowsWithoutParentOrSlot) {
     EXPECT_EQ(Outcome::Nothing,
-              sut.addStructure({{reference::rootSvid, {1}}, {reference::rootSvid | 7, {1}}}));
+              sut.addStructure({{reference::rootSvid, {key::voltage}},
+                                {reference::rootSvid | key::differentialCurrentAc, {key::voltage}}}));
     EXPECT_EQ(Outcome::Thrown, sut.addStructure({{svidOf({1, 0, 1}), {}}}));
     for (int i = 0; i < 800; ++i) {
         ASSERT_EQ(static_cast<std::uint32_t>(i), sut.addMP(svidOf({1, 3, i % 100, i / 100}), {}, rawNone));
@@ -148,19 +151,22 @@ TEST_F(ReferenceWriterTest, AddStructure_SkipsTheRoot_AndThrowsWithoutParentOrSl
 }
 
 TEST_F(ReferenceWriterTest, ModifyStructure_AddsFirst_AndKeysOfThePointsStateNeedNoValue) {
-    sut.modifyStructure({device | 1});
-    EXPECT_EQ(Outcome::Changed, sut.modifyStructure({svidOf({2, 0}) | 0x30, svidOf({2, 0}) | 2}));
+    sut.modifyStructure({device | key::voltage});
+    EXPECT_EQ(Outcome::Changed,
+              sut.modifyStructure({svidOf({2, 0}) | key::fuseState, svidOf({2, 0}) | key::peakVoltage}));
 
     ASSERT_EQ(1U, sut.known().size());
     EXPECT_EQ(1U, sut.known().at(svidOf({2, 0})).pos);
-    EXPECT_EQ((std::map<std::uint16_t, std::uint32_t>{{2, 1}}), sut.known().at(svidOf({2, 0})).values);
+    EXPECT_EQ((std::map<std::uint16_t, std::uint32_t>{{key::peakVoltage, 1}}),
+              sut.known().at(svidOf({2, 0})).values);
     EXPECT_EQ(0U, sut.freePoints().back());
 }
 
 TEST_F(ReferenceWriterTest, AddedLater_ValueIsChainedBehindTheHighestPosition) {
-    sut.addMP(device, {1, 2}, rawNone);
-    sut.addMP(svidOf({2, 0}), {1}, rawNone);
-    sut.addMP(device | 9, {2, 3}, rawNone); // of a known point the key in the id is ignored
+    sut.addMP(device, {key::voltage, key::peakVoltage}, rawNone);
+    sut.addMP(svidOf({2, 0}), {key::voltage}, rawNone);
+    // Of a known point the key in the id is ignored.
+    sut.addMP(device | key::neutralCurrent, {key::peakVoltage, 3}, rawNone);
 
     EXPECT_EQ("03 00 00 00", bytes(rawValue(1) + field::valueNext, 4));
     EXPECT_EQ("03 00", bytes(rawValue(3) + field::valueKey, 2));
@@ -168,48 +174,52 @@ TEST_F(ReferenceWriterTest, AddedLater_ValueIsChainedBehindTheHighestPosition) {
 
 TEST_F(ReferenceWriterTest, InjectTypes_StoresTheLowByte) {
     sut.addMP(device, {}, rawNone);
-    EXPECT_THAT(sut.injectTypes({{device | 1, -2}, {svidOf({2, 0}), 3}}), ElementsAre(device | 1));
+    EXPECT_THAT(sut.injectTypes({{device | key::voltage, -2}, {svidOf({2, 0}), 3}}),
+                ElementsAre(device | key::voltage));
 
     EXPECT_EQ("FE", bytes(field::pointType, 1));
 }
 
 TEST_F(ReferenceWriterTest, UpdateMV_StoresTimeStateAndNumber) {
-    sut.addMP(device, {1, 32}, rawNone);
+    sut.addMP(device, {key::voltage, key::apparentEnergy}, rawNone);
 
-    EXPECT_TRUE(sut.updateMV(device | 1, 230.1, 0x1122334455667788, 3));
-    EXPECT_TRUE(sut.updateMV(device | 32, 1500.0, 1, 0)); // stored as 1.5
+    EXPECT_TRUE(sut.updateMV(device | key::voltage, 230.1, 0x1122334455667788, 3));
+    EXPECT_TRUE(sut.updateMV(device | key::apparentEnergy, 1500.0, 1, 0)); // stored as 1.5
     EXPECT_EQ("33 33 33 33 33 C3 6C 40 88 77 66 55 44 33 22 11 03 00 00 00 01 00 00 00",
               bytes(rawValue(0), 24));
     EXPECT_EQ("00 00 00 00 00 00 F8 3F 01 00 00 00 00 00 00 00 00 00 00 00 FF FF FF FF",
               bytes(rawValue(1), 24));
 
-    EXPECT_FALSE(sut.updateMV(device | 1, std::nullopt, 2, 4)); // a text leaves its time and state
+    EXPECT_FALSE(sut.updateMV(device | key::voltage, std::nullopt, 2, 4)); // a text leaves its time and state
     EXPECT_EQ("33 33 33 33 33 C3 6C 40 02 00 00 00 00 00 00 00 04 00 00 00", bytes(rawValue(0), 20));
 }
 
 TEST_F(ReferenceWriterTest, UpdateMV_OfThePointsState_GoesToThePoint) {
-    sut.addMP(device, {0x30}, rawNone);
+    sut.addMP(device, {key::fuseState}, rawNone);
     auto const value = valueBytes(0);
 
-    EXPECT_TRUE(sut.updateMV(device | 0x30, 9.0, 0x0102, 18));
+    EXPECT_TRUE(sut.updateMV(device | key::fuseState, 9.0, 0x0102, 18));
 
     EXPECT_EQ("02 01 00 00 00 00 00 00 12 00 00 00", bytes(field::pointAt, 12));
     EXPECT_EQ(value, valueBytes(0));
 }
 
 TEST_F(ReferenceWriterTest, UpdateMV_OfWhatIsUnknown_StoresNothing) {
-    sut.addMP(device, {1}, rawNone);
+    sut.addMP(device, {key::voltage}, rawNone);
     auto const before = sut.image();
 
-    EXPECT_FALSE(sut.updateMV(device | 2, 1.0, 1, 1));
-    EXPECT_FALSE(sut.updateMV(svidOf({2, 0}) | 1, 1.0, 1, 1));
+    EXPECT_FALSE(sut.updateMV(device | key::peakVoltage, 1.0, 1, 1));
+    EXPECT_FALSE(sut.updateMV(svidOf({2, 0}) | key::voltage, 1.0, 1, 1));
     EXPECT_EQ(before, sut.image());
 }
 
 TEST_F(ReferenceWriterTest, PropagateStates_CarriesAnAlarmUp) {
     auto const circuit = svidOf({1, 0, 1, 1, 1});
-    sut.addStructure({{device, {}}, {svidOf({1, 0, 1}), {1}}, {svidOf({1, 0, 1, 1}), {}}, {circuit, {1}}});
-    sut.updateMV(circuit | 1, 1.0, 1, 2);
+    sut.addStructure({{device, {}},
+                      {svidOf({1, 0, 1}), {key::voltage}},
+                      {svidOf({1, 0, 1, 1}), {}},
+                      {circuit, {key::voltage}}});
+    sut.updateMV(circuit | key::voltage, 1.0, 1, 2);
 
     sut.propagateStates();
 
@@ -218,15 +228,15 @@ TEST_F(ReferenceWriterTest, PropagateStates_CarriesAnAlarmUp) {
     EXPECT_EQ(23, stateOf(0));
     EXPECT_EQ(23, globalState());
 
-    sut.updateMV(circuit | 1, 1.0, 1, 0);
-    sut.updateMV(circuit | 0x30, 1.0, 1, 18); // switched off
+    sut.updateMV(circuit | key::voltage, 1.0, 1, 0);
+    sut.updateMV(circuit | key::fuseState, 1.0, 1, 18); // switched off
     sut.propagateStates();
 
     EXPECT_EQ(18, stateOf(3));
     EXPECT_EQ(23, stateOf(2));
 
-    sut.updateMV(circuit | 0x30, 1.0, 1, 17);
-    sut.updateMV(svidOf({1, 0, 1}) | 1, 1.0, 1, 3);
+    sut.updateMV(circuit | key::fuseState, 1.0, 1, 17);
+    sut.updateMV(svidOf({1, 0, 1}) | key::voltage, 1.0, 1, 3);
     sut.propagateStates();
 
     EXPECT_EQ(13, stateOf(1));

@@ -45,11 +45,11 @@ void HardwareManagerApp::run() {
     tell("serves org.qel.HardwareManager");
     if (options_.interval > 0.0) {
         constexpr double msPerSecond = 1000.0;
-        observe();
+        look();
         timer_ = g_timeout_add(
             static_cast<guint>(std::lround(options_.interval * msPerSecond)),
             [](gpointer self) -> gboolean {
-                static_cast<HardwareManagerApp*>(self)->onTimer();
+                static_cast<HardwareManagerApp*>(self)->look();
                 return G_SOURCE_CONTINUE;
             },
             this);
@@ -63,8 +63,8 @@ void HardwareManagerApp::run() {
     tell("ended by a signal");
 }
 
-// Called from C: no exception may leave.
-void HardwareManagerApp::onTimer() {
+// Also called from C: no exception may leave.
+void HardwareManagerApp::look() {
     try {
         observe();
     } catch (std::exception const& error) {

@@ -19,12 +19,12 @@
 
 namespace qel::tools {
 
-/// Answers readers while the region is active, and tells them of changes.
+/// Answers readers while the region is active, and announces changes.
 ///
 /// Threads: thread-bound to the main thread.
 class HardwareManagerApp {
 public:
-    /// @param out receives a line per change; null for none; must outlive the object
+    /// @param out receives the lines that the help describes; null for none; must outlive the object
     /// @throws std::runtime_error if there is no system bus
     HardwareManagerApp(HardwareManagerOptions const& options, std::ostream* out);
     ~HardwareManagerApp();
@@ -37,7 +37,7 @@ public:
     void run();
 
 private:
-    void onTimer();
+    void look();
     void observe();
     void announce();
     void tell(std::string const& line) const;

@@ -31,11 +31,12 @@ constexpr char const* footer = R"(Signals:
   SIGINT, SIGTERM, SIGHUP   end the program
 
 Output:
-  Standard output: one line per change of the region and per request. Standard error: errors.
+  Standard output: one line when the program begins to serve, per change of the region, per request, and when a signal
+  ends the program. With --interval 0 it sees no changes and writes no lines for them. Standard error: errors.
 
 Exit status:
   0  ended by a signal
-  1  no system bus, the name is taken or its policy refuses it, or the bus was lost
+  1  no system bus, the name is taken or the bus policy refuses it, the bus was lost, or the region cannot be read
   2  wrong arguments
 
 Examples:

@@ -77,6 +77,17 @@ public:
     }
 };
 
+/// The program, which the system lets open the object but not read it.
+std::vector<std::string> withoutReading() {
+    // A leak check would trace the program, and only one can.
+    return {"sh", "-c",
+            "ASAN_OPTIONS=detect_leaks=0 exec strace -f -qq -o /dev/null -P /dev/shm/QelSharedMemory "
+            "-e inject=pread64:error=EIO " QEL_HARDWARE_MANAGER};
+}
+
+constexpr char cannotRead[] =
+    "qel-hardware-manager: cannot read the shared memory: read: Input/output error\n";
+
 } // namespace
 
 TEST(QelHardwareManagerTest, Initialized_FollowsTheRegion) {
@@ -189,6 +200,23 @@ TEST(QelHardwareManagerTest, BusThatEnds_IsAFailure) {
     bus.signal(SIGKILL);
 
     EXPECT_EQ("qel-hardware-manager: the connection to the system bus is lost\n", sut.readAll());
+    EXPECT_EQ(1, sut.wait());
+}
+
+TEST(QelHardwareManagerTest, RegionThatCannotBeReadAtTheStart_IsAFailure) {
+    Writer const writer;
+    auto const outcome = outcomeOf(withoutReading());
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(std::string("qel-hardware-manager: serves org.qel.HardwareManager\n") + cannotRead,
+              outcome.output);
+}
+
+TEST(QelHardwareManagerTest, RegionThatCannotBeReadLater_IsTheSameFailure) {
+    ChildProcess sut(withoutReading(), ChildProcess::Errors::IntoOutput);
+    ASSERT_TRUE(sut.readUntil("serves org.qel.HardwareManager"));
+    ASSERT_EQ(0, Client().initialized()) << "the first look is over";
+    Writer const writer;
+    EXPECT_EQ(cannotRead, sut.readAll());
     EXPECT_EQ(1, sut.wait());
 }
 

@@ -3,6 +3,7 @@
 
 #include "tools/hardwaremanager/RegionObserver.h"
 
+#include "format/ValueKeys.h"
 #include "inspect/image/FileDescriptor.h"
 
 #include "tests/writer/WriterFixture.h"
@@ -21,6 +22,7 @@ namespace qel::tools {
 
 namespace {
 
+namespace key = shm::key;
 using Change = RegionObserver::Change;
 using Writer = shm::QelSharedMemoryWriter;
 
@@ -28,7 +30,7 @@ constexpr long long unitId = test::pointId(1, 0);
 constexpr long long inletId = test::pointId(1, 0, 1);
 
 test::Definitions unitAndInlet() {
-    return {{unitId, {}}, {inletId, test::withKeys({1, 4})}};
+    return {{unitId, {}}, {inletId, test::withKeys({key::voltage, key::current})}};
 }
 
 std::unique_ptr<Writer> activeUnit() {
@@ -93,11 +95,11 @@ TEST(RegionObserverTest, Structure_IsThatOfPointsAndValues) {
     auto const writer = activeUnit();
     sut.observe();
 
-    writer->updateMV(inletId | 1, test::measured(230.0));
+    writer->updateMV(inletId | key::voltage, test::measured(230.0));
     writer->propagateStates();
     EXPECT_EQ(Change::None, sut.observe());
 
-    writer->addMP(inletId, {{19, 0}}, 0);
+    writer->addMP(inletId, {{key::activePower, 0}}, 0);
     EXPECT_EQ(Change::StructureChanged, sut.observe());
     EXPECT_EQ(3U, sut.valueCount());
     EXPECT_EQ(Change::None, sut.observe());
