@@ -16,9 +16,16 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
 namespace {
+
+struct Service {
+    GDBusNodeInfo* node;
+    GMainLoop* loop;
+    int status;
+};
 
 // [serve]
 constexpr char name[] = "org.qel.HardwareManager"; // of the service and of its interface
@@ -38,43 +45,49 @@ bool isActive() {
 // "initialized" is the only method.
 void answer(GDBusConnection*, char const*, char const*, char const*, char const*, GVariant*,
             GDBusMethodInvocation* invocation, void*) {
-    g_dbus_method_invocation_return_value(invocation, g_variant_new("(i)", isActive() ? 1 : 0));
+    try {
+        g_dbus_method_invocation_return_value(invocation, g_variant_new("(i)", isActive() ? 1 : 0));
+    } catch (std::exception const& error) { // must not pass through GLib
+        g_dbus_method_invocation_return_dbus_error(invocation, "org.qel.Error", error.what());
+    }
 }
 
 // Before the name is owned, so that no call comes too early.
-void serve(GDBusConnection* bus, char const*, void* node) {
+void serve(GDBusConnection* bus, char const*, void* service) {
     static GDBusInterfaceVTable const operations{answer, nullptr, nullptr, {}};
-    g_dbus_connection_register_object(bus, "/", static_cast<GDBusNodeInfo*>(node)->interfaces[0], &operations,
-                                      nullptr, nullptr, nullptr);
+    g_dbus_connection_register_object(bus, "/", static_cast<Service*>(service)->node->interfaces[0],
+                                      &operations, nullptr, nullptr, nullptr);
 }
 // [/serve]
 
-void fail(GDBusConnection* bus, char const*, void*) {
+// Also when the bus ends.
+void fail(GDBusConnection* bus, char const*, void* service) {
     std::cerr << "hardware_manager: "
               << (bus == nullptr ? "there is no system bus" : "the name is taken, or its policy refuses it")
               << '\n';
-    std::exit(EXIT_FAILURE);
+    static_cast<Service*>(service)->status = EXIT_FAILURE;
+    g_main_loop_quit(static_cast<Service*>(service)->loop);
 }
 
 } // namespace
 
 int main() {
-    GMainLoop* const loop = g_main_loop_new(nullptr, FALSE);
-    GDBusNodeInfo* const node = g_dbus_node_info_new_for_xml(description, nullptr);
+    Service service{g_dbus_node_info_new_for_xml(description, nullptr), g_main_loop_new(nullptr, FALSE),
+                    EXIT_SUCCESS};
     auto const end = [](void* running) -> gboolean {
         g_main_loop_quit(static_cast<GMainLoop*>(running));
         return G_SOURCE_CONTINUE;
     };
-    g_unix_signal_add(SIGINT, end, loop);
-    g_unix_signal_add(SIGTERM, end, loop);
+    g_unix_signal_add(SIGINT, end, service.loop);
+    g_unix_signal_add(SIGTERM, end, service.loop);
     auto const greet = [](GDBusConnection*, char const*, void*) {
         std::cout << "hardware_manager: serves\n" << std::flush;
     };
     guint const owner = g_bus_own_name(G_BUS_TYPE_SYSTEM, name, G_BUS_NAME_OWNER_FLAGS_DO_NOT_QUEUE, serve,
-                                       greet, fail, node, nullptr);
-    g_main_loop_run(loop);
+                                       greet, fail, &service, nullptr);
+    g_main_loop_run(service.loop);
     g_bus_unown_name(owner);
-    g_dbus_node_info_unref(node);
-    g_main_loop_unref(loop);
-    return 0;
+    g_dbus_node_info_unref(service.node);
+    g_main_loop_unref(service.loop);
+    return service.status;
 }

@@ -33,6 +33,7 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -67,26 +68,30 @@ std::string whyNothing(shm::QelSharedMemoryReader const& reader) {
     if (!hasHardwareManager()) {
         return "no hardware manager: nobody owns org.qel.HardwareManager on the system bus";
     }
-    if (reader.condition(shm::ANY_AGE) == shm::QelShmCondition::Gone) {
+    if (!reader.root() && reader.condition(shm::ANY_AGE) == shm::QelShmCondition::Gone) {
         return "no region: there is no /dev/shm/QelSharedMemory; does the writing process run?";
     }
-    return "the region is not ready: the writing process has not activated it yet";
+    return "the region is not ready: its writing process has not activated it yet, or was killed";
 }
 // [/why]
 
-// [lookup]
-void showSocket(shm::QelSharedMemoryReader& reader) {
-    auto const point = reader.mpnt(socket1, false);
-    if (!point) {
+// Waits for the unit and shows one socket. Throws if there is no unit.
+void showSocket(unsigned int seconds) {
+    // [lookup]
+    shm::QelSharedMemoryReader reader(seconds, true); // returns once the unit is ready, or the time is over
+    if (reader.condition(shm::ANY_AGE) != shm::QelShmCondition::Active) {
+        throw std::runtime_error(whyNothing(reader));
+    }
+    if (auto const point = reader.mpnt(socket1, false)) {
+        for (auto const& value : reader.mvs((*point)->mvs)) {
+            std::cout << "socket 1: " << shm::keyName(value->key) << ' ' << tav::ValueFormatter::str(value)
+                      << '\n';
+        }
+    } else {
         std::cout << "socket 1: not in this unit\n";
-        return;
     }
-    for (auto const& value : reader.mvs((*point)->mvs)) {
-        std::cout << "socket 1: " << shm::keyName(value->key) << ' ' << tav::ValueFormatter::str(value)
-                  << '\n';
-    }
+    // [/lookup]
 }
-// [/lookup]
 
 // [visitor]
 // Prints each point with its values.
@@ -107,34 +112,16 @@ public:
 
 void listPoints(shm::QelSharedMemoryReader& reader) {
     std::cout << "structure:\n";
-    reader.syncPositions(false); // the announced changes are known from here on
+    reader.syncPositions(
+        false); // updates the index; modifications() is 0 again, unless a change arrived meanwhile
     reader.visitor(std::make_unique<Lister>());
     reader.visit();
 }
 // [/visitor]
 
-// [once]
-// Returns whether there is a unit.
-bool showUnit(unsigned int seconds) {
-    try {
-        shm::QelSharedMemoryReader reader(
-            seconds, true); // returns once the region is active, or after so many seconds
-        if (reader.condition(shm::ANY_AGE) != shm::QelShmCondition::Active) {
-            std::cerr << "reader: " << whyNothing(reader) << '\n';
-            return false;
-        }
-        showSocket(reader);
-        return true;
-    } catch (ex::TAVSimpleException const& error) {
-        std::cerr << "reader: no system bus: " << error.what() << '\n';
-        return false;
-    }
-}
-// [/once]
-
 volatile std::sig_atomic_t isOver = 0;
 
-// By default GLib ends the process when the bus ends. The process has one connection at a time.
+// By default GLib ends the process by SIGTERM when the bus ends. The process has one connection at a time.
 void outliveTheBus() {
     if (GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, nullptr)) {
         g_dbus_connection_set_exit_on_close(bus, FALSE);
@@ -143,36 +130,45 @@ void outliveTheBus() {
 }
 
 // [follow]
+// Runs the main context of this thread: delivers shmStructureChanged, and that the bus has ended.
+void receiveSignals() {
+    outliveTheBus(); // each time, since the follower may have made another connection
+    while (g_main_context_iteration(nullptr, FALSE)) {
+    }
+}
+
+// Lists the points at first, and after each change of the structure.
+void listAnew(shm::QelSharedMemoryReader* reader, bool& isListed) {
+    if (reader != nullptr && (!isListed || reader->modifications() != 0)) {
+        listPoints(*reader);
+        isListed = true;
+    }
+}
+
 // Prints the active power of socket 1 whenever it was delivered anew, also after the writing process was restarted.
 void follow(unsigned int seconds, unsigned long lines) {
     bool isListed = false;
-    shm::QelSharedMemoryFollower unit(seconds, std::chrono::seconds(10), [&](shm::QelShmCondition now) {
+    auto const voided = [&](shm::QelShmCondition now) {
         std::cout << "unit: " << now << "; handles are void\n"; // "gone", "silent", "inactive", "replaced"
         isListed = false;
-    });
+    };
+    // [kept]
+    shm::QelSharedMemoryFollower unit(seconds, std::chrono::seconds(10), voided); // current: at most 10 s old
     shm::QelShmKeptMVal power(socket1 | shm::key::activePower); // looked up once, read again in nanoseconds
     std::uint64_t last = 0;
     while (isOver == 0 && lines > 0) {
-        while (g_main_context_iteration(nullptr, FALSE)) { // delivers shmStructureChanged
-        }
-        if (auto* const reader = unit.reader()) { // null while there are no current values
-            if (!isListed || reader->modifications() != 0) {
-                outliveTheBus();
-                listPoints(*reader);
-                isListed = true;
-            }
-            // [kept]
-            auto const value = reader->mval(power); // null while the unit has no such value
-            if (value && value->at != last) {
-                last = value->at;
-                --lines;
-                std::cout << "socket 1: " << tav::ValueFormatter::str(value)
-                          << (value->state == eStatus_NoError ? "" : ", outside its limits") << '\n';
-            }
-            // [/kept]
+        receiveSignals();
+        listAnew(unit.reader(), isListed);   // null while there are no current values
+        auto const value = unit.mval(power); // null then, and while the unit has no such value
+        if (value && value->at != last) {
+            last = value->at;
+            --lines;
+            std::cout << "socket 1: " << tav::ValueFormatter::str(value)
+                      << (value->state == eStatus_NoError ? "" : ", outside its limits") << '\n';
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
+    // [/kept]
 }
 // [/follow]
 
@@ -224,9 +220,7 @@ int run(int argc, char** argv) {
         return 2;
     }
     // The thread that makes a reader must run its thread-default main context, here the global one: see follow().
-    if (!showUnit(options->seconds)) {
-        return 1;
-    }
+    showSocket(options->seconds);
     for (int const number : {SIGINT, SIGTERM}) {
         static_cast<void>(std::signal(number, [](int) { isOver = 1; }));
     }
@@ -240,6 +234,9 @@ int main(int argc, char** argv) {
     std::cout << std::unitbuf; // each line at once, also into a pipe
     try {
         return run(argc, argv);
+    } catch (ex::TAVSimpleException const& error) {
+        std::cerr << "reader: no system bus: " << error.what() << '\n';
+        return 1;
     } catch (std::exception const& error) {
         std::cerr << "reader: " << error.what() << '\n';
         return 1;

@@ -27,10 +27,10 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <stdexcept>
 
 namespace {
 
-// [layout]
 // A sensor id names, from its highest byte down: device, kind, inlet, phase, circuit, socket. 0xFF: no such level.
 constexpr long long unit = 0x0100FFFFFFFF0000;
 constexpr long long inlet = 0x010001FFFFFF0000;
@@ -39,21 +39,6 @@ constexpr long long circuit = 0x0100010101FF0000;
 constexpr long long socket1 = 0x0100010101010000;
 constexpr long long socket2 = 0x0100010101020000;
 constexpr long long sensor = 0x01010101FFFF0000; // kind 1: on the sensor bus
-
-// Each point with the keys of its values. A point needs its parent; a value's number is not used here.
-shm::QelSharedMemoryWriter::Definitions layOut() {
-    shm::QelSharedMemoryWriter::Definitions points;
-    points[unit];
-    points[inlet].mvs = {{shm::key::voltage, 0}, {shm::key::frequency, 0}};
-    points[phase];
-    points[circuit];
-    for (auto const socket : {socket1, socket2}) {
-        points[socket].mvs = {
-            {shm::key::current, 0}, {shm::key::activePower, 0}, {shm::key::activeEnergy, 0}};
-    }
-    return points;
-}
-// [/layout]
 
 // Stands in for the meters of the unit.
 class Meters {
@@ -94,15 +79,8 @@ std::uint64_t millisecondsSince1970() {
     return static_cast<std::uint64_t>(std::chrono::duration_cast<milliseconds>(passed).count());
 }
 
-void deliver(shm::QelSharedMemoryWriter& writer, Meters const& meters) {
-    // [store]
-    auto const now = millisecondsSince1970();
-    auto const store = [&](long long svid, double number, eStatus_Bits state) {
-        return writer.updateMV(svid, std::make_unique<measval::MeasureValue>(number, now, state));
-    };
-    store(inlet | shm::key::voltage, meters.voltage(), eStatus_NoError);
-    store(inlet | shm::key::frequency, 50.0, eStatus_NoError);
-    // [/store]
+template <typename Store>
+void storeSockets(Store const& store, Meters const& meters) {
     std::size_t index = 0;
     for (auto const socket : {socket1, socket2}) {
         auto const power = meters.power(index);
@@ -111,9 +89,20 @@ void deliver(shm::QelSharedMemoryWriter& writer, Meters const& meters) {
         store(socket | shm::key::activeEnergy, meters.energy(index), eStatus_NoError); // Wh; stored in kWh
         ++index;
     }
-    store(sensor | shm::key::temperature, meters.temperature(),
-          eStatus_NoError);   // false while it is not plugged in
+}
+
+void deliver(shm::QelSharedMemoryWriter& writer, Meters const& meters) {
+    // [store]
+    auto const now = millisecondsSince1970();
+    auto const store = [&](long long svid, double number, eStatus_Bits state) {
+        return writer.updateMV(svid, std::make_unique<measval::MeasureValue>(number, now, state));
+    };
+    store(inlet | shm::key::voltage, meters.voltage(), eStatus_NoError);
+    store(inlet | shm::key::frequency, 50.0, eStatus_NoError);
+    storeSockets(store, meters);
+    store(sensor | shm::key::temperature, meters.temperature(), eStatus_NoError); // false while unplugged
     writer.propagateStates(); // after each batch: points, the whole unit, the status LED
+    // [/store]
 }
 // [/deliver]
 
@@ -123,9 +112,10 @@ void announceStructure() {
     GError* failure = nullptr;
     GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SYSTEM, nullptr, &failure);
     if (bus != nullptr) {
-        g_dbus_connection_emit_signal(bus, nullptr, "/", "org.qel.HardwareManager", "shmStructureChanged",
-                                      nullptr, &failure);
-        g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+        if (g_dbus_connection_emit_signal(bus, nullptr, "/", "org.qel.HardwareManager", "shmStructureChanged",
+                                          nullptr, &failure) != FALSE) {
+            g_dbus_connection_flush_sync(bus, nullptr, &failure);
+        }
         g_object_unref(bus);
     }
     if (failure != nullptr) {
@@ -136,6 +126,7 @@ void announceStructure() {
 // [/announce]
 
 // [change]
+// Call it in the thread that delivers: no other call may run while the structure changes.
 void togglePlug(shm::QelSharedMemoryWriter& writer, shm::QelSharedMemoryWriter::Definitions& points) {
     if (points.erase(sensor) == 0) {
         points[sensor].mvs = {{shm::key::temperature, 0}};
@@ -143,7 +134,6 @@ void togglePlug(shm::QelSharedMemoryWriter& writer, shm::QelSharedMemoryWriter::
     } else {
         writer.removeStructure(points); // removes what has no definition
     }
-    announceStructure();
     std::cout << "writer: sensor " << (points.count(sensor) != 0 ? "plugged in" : "unplugged") << '\n';
 }
 // [/change]
@@ -162,26 +152,32 @@ sigset_t blockSignals() {
     for (int const number : {SIGINT, SIGTERM, SIGUSR1}) {
         sigaddset(&signals, number);
     }
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return signals;
 }
 
-int run() {
+void run() {
     auto const signals = blockSignals();
     logWarnings();
     // [start]
     shm::QelSharedMemoryWriter writer; // creates the region; readers see it inactive
     if (!writer.root()) {
-        std::cerr << "writer: there is no region; the log above says why\n";
-        return 1;
+        throw std::runtime_error("there is no region; the log above says why");
     }
-    auto points = layOut();
+    shm::QelSharedMemoryWriter::Definitions points; // with the keys of their values; a point needs its parent
+    points[unit];
+    points[inlet].mvs = {{shm::key::voltage, 0}, {shm::key::frequency, 0}};
+    points[phase];
+    points[circuit];
+    for (auto const id : {socket1, socket2}) {
+        points[id].mvs = {{shm::key::current, 0}, {shm::key::activePower, 0}, {shm::key::activeEnergy, 0}};
+    }
     writer.addStructure(points);
     writer.setActive(); // readers may begin
     // [/start]
-    announceStructure(); // to readers that have the region of a killed writer mapped
     Meters meters;
     deliver(writer, meters);
+    announceStructure(); // to readers that have the region of a killed writer mapped
     std::cout << "writer: region active\n";
 
     std::timespec const period{1, 0};
@@ -192,12 +188,14 @@ int run() {
         }
         if (signal == SIGUSR1) {
             togglePlug(writer, points);
+            deliver(writer, meters); // what is new has a value before readers hear of it
+            announceStructure();
+        } else {
+            meters.measure();
+            deliver(writer, meters);
         }
-        meters.measure();
-        deliver(writer, meters);
     }
     std::cout << "writer: ends and removes the region\n";
-    return 0;
 }
 
 } // namespace
@@ -205,7 +203,8 @@ int run() {
 int main() {
     std::cout << std::unitbuf; // each line at once, also into a pipe
     try {
-        return run();
+        run();
+        return 0;
     } catch (std::exception const& error) {
         std::cerr << "writer: " << error.what() << '\n';
         return 1;
