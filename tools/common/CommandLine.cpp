@@ -4,6 +4,7 @@
 #include "tools/common/CommandLine.h"
 
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Output.h"
 #include "tools/common/SafeText.h"
 
 #include <CLI/App.hpp>
@@ -25,13 +26,13 @@ std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* 
         return std::nullopt;
     } catch (CLI::CallForHelp const&) {
         std::cout << app.help() << std::flush;
-        return exitSuccess;
+        return statusOfOutput(app);
     } catch (CLI::CallForVersion const& version) {
         std::cout << version.what() << std::endl;
-        return exitSuccess;
+        return statusOfOutput(app);
     } catch (CLI::Success const& printed) { // --completion
         std::cout << printed.what() << std::flush;
-        return std::cout ? exitSuccess : exitFailure;
+        return statusOfOutput(app);
     } catch (CLI::ParseError const& error) {
         // An unknown argument is reported rather than a missing one.
         bool const isUnknown = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) &&
