@@ -3,6 +3,8 @@
 
 #include "inspect/image/ImageFile.h"
 
+#include "inspect/image/InputFile.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,12 +30,6 @@ constexpr char sharedMemoryDirectory[] = "/dev/shm";
 
 [[noreturn]] void cannot(char const* what, std::string const& path, int error) {
     cannot(what, path, std::generic_category().message(error));
-}
-
-std::uint64_t regularSize(int fd) {
-    struct stat status = {};
-    return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size)
-                                                                : 0;
 }
 
 /// A new file beside the target. It is removed unless takeName() succeeded.
@@ -89,14 +85,14 @@ void writeDirectly(Image const& image, std::string const& path) {
 } // namespace
 
 Image readImage(std::string const& path) {
-    FileDescriptor const fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!fd) {
+    InputFile const file(path);
+    if (!file) {
         cannot("read", path, errno);
     }
     try {
-        return imageOf([&](void* bytes, std::size_t count,
-                           off_t /*offset*/) { return ::read(fd.number(), bytes, count); },
-                       [&] { return regularSize(fd.number()); });
+        return imageOf(
+            [&](void* bytes, std::size_t count, off_t /*offset*/) { return file.read(bytes, count); },
+            [&] { return file.regularSize(); });
     } catch (std::system_error const& error) {
         cannot("read", path, error.code().value());
     }

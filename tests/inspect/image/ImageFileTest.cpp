@@ -110,6 +110,12 @@ TEST_F(ImageFileTest, Read_TakesWhatAPipeDelivers) {
     EXPECT_EQ(source, image.bytes());
 }
 
+TEST_F(ImageFileTest, Read_OfAPipeThatNobodyWritesToEnds) {
+    ASSERT_EQ(0, ::mkfifo(path("pipe").c_str(), 0600));
+    EXPECT_EQ("cannot read " + path("pipe") + ": No data available",
+              problemOf([&] { readImage(path("pipe")); }));
+}
+
 TEST_F(ImageFileTest, Read_OfAnEndlessDeviceEnds) {
     EXPECT_EQ(test::rawRegionSize, readImage("/dev/zero").size());
 }
