@@ -80,7 +80,7 @@ constexpr bool areByCode() {
             return false;
         }
     }
-    return findingKinds.back().code == FindingCode::NameNotUnique;
+    return findingKinds.back().code == FindingCode::TimeAhead;
 }
 static_assert(areByCode());
 

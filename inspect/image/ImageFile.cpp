@@ -35,12 +35,16 @@ constexpr char sharedMemoryDirectory[] = "/dev/shm";
 /// A new file beside the target. It is removed unless takeName() succeeded.
 class NewFile {
 public:
-    explicit NewFile(std::string const& target) : target_(target), path_(target + ".new-") {
+    /// @param name the target as the user calls it
+    NewFile(std::string const& target, std::string name)
+        : target_(target),
+          name_(std::move(name)),
+          path_(target + ".new-") {
         constexpr mode_t anyone = 0666; // less the umask
         path_ += std::to_string(::getpid());
         fd_ = FileDescriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anyone));
         if (!fd_) {
-            cannot("write", path_, errno);
+            cannot("write", name_, errno);
         }
     }
     NewFile(NewFile const&) = delete;
@@ -57,28 +61,29 @@ public:
             error = errno;
         }
         if (error != 0) {
-            cannot("write", target_, error);
+            cannot("write", name_, error);
         }
     }
 
     void takeName() {
         if (::rename(path_.c_str(), target_.c_str()) != 0) {
-            cannot("write", target_, errno);
+            cannot("write", name_, errno);
         }
         fd_ = FileDescriptor();
     }
 
 private:
     std::string target_;
+    std::string name_;
     std::string path_;
     FileDescriptor fd_;
 };
 
-void writeDirectly(Image const& image, std::string const& path) {
+void writeDirectly(Image const& image, std::string const& path, std::string const& name) {
     FileDescriptor const fd(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     int const error = fd ? writeAll(fd.number(), image.bytes()) : errno;
     if (error != 0) {
-        cannot("write", path, error);
+        cannot("write", name, error);
     }
 }
 
@@ -114,10 +119,10 @@ void writeImage(Image const& image, std::string const& path) {
     }
     struct stat status = {};
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        writeDirectly(image, target.string());
+        writeDirectly(image, target.string(), path);
         return;
     }
-    NewFile file(target.string());
+    NewFile file(target.string(), path);
     file.write(image.bytes());
     file.takeName();
 }

@@ -81,9 +81,13 @@ TEST_F(PointFinderTest, NamesTheNearestPathInsteadOfAMissingPoint) {
               problemOf([&] { finder.point("Group2"); }));
     EXPECT_EQ("there is no point \"unit1/inlet3\"; the nearest one is unit1/inlet1",
               problemOf([&] { finder.point("unit1/inlet3"); }));
-    EXPECT_EQ("there is no point \"0x010003ffffff0000\"; the nearest one is unit1/inlet1",
-              problemOf([&] { finder.point("0x010003ffffff0000"); }));
     EXPECT_EQ("there is no point \"\"; the nearest one is unit1", problemOf([&] { finder.point(""); }));
+}
+
+TEST_F(PointFinderTest, NamesNoPointInsteadOfAMissingId) {
+    EXPECT_EQ("there is no point \"0x010003ffffff0000\"",
+              problemOf([&] { finder.point("0x010003ffffff0000"); }));
+    EXPECT_EQ("there is no point \"17\"", problemOf([&] { finder.point("17"); }));
 }
 
 TEST_F(PointFinderTest, SaysThatThereAreNoPointsAtAll) {

@@ -3,6 +3,7 @@
 
 #include "tools/common/Durations.h"
 
+#include <CLI/Option.hpp>
 #include <CLI/Validators.hpp>
 #include <gtest/gtest.h>
 

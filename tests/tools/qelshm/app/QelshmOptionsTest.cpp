@@ -74,7 +74,13 @@ INSTANTIATE_TEST_SUITE_P(
     All, QelshmUsageTest,
     testing::Values(
         Usage{"NoCommand", {}, "A subcommand is required"},
-        Usage{"UnknownCommand", {"show"}, "The following argument was not expected: show"},
+        Usage{"UnknownCommand", {"display"}, "there is no verb \"display\"; qelshm --help lists the verbs"},
+        Usage{"MistypedCommand",
+              {"statsu", "--max-age", "5"},
+              "there is no verb \"statsu\"; did you mean status?"},
+        Usage{"MistypedCommandBehindOptions",
+              {"--wait", "3", "lits"},
+              "there is no verb \"lits\"; did you mean list?"},
         Usage{"UnknownOption", {"list", "--fast"}, "The following argument was not expected: --fast"},
         Usage{"GetWithoutPoint", {"get"}, "POINT is required"},
         Usage{"FindWithoutText", {"find"}, "TEXT is required"},
@@ -88,11 +94,13 @@ INSTANTIATE_TEST_SUITE_P(
         Usage{"PathsAsJson", {"tree", "--paths", "--json"}, "--json excludes --paths"},
         Usage{"NegativeAge",
               {"status", "--max-age", "-1"},
-              "--max-age: Value -1 not in range 0.000000 to 1000000000.000000"},
+              "--max-age: \"-1\" is not a number from 0 to 1000000000"},
         Usage{"WatchAsJson", {"watch", "--json"}, "watch excludes --json"},
         Usage{"WatchOfAnImage", {"watch", "--image", "x"}, "watch excludes --image"},
         Usage{"UnknownShell", {"completion", "tcsh"}, "SHELL: tcsh not in {bash,fish,zsh}"},
-        Usage{"ControlCharacters", {"\x1b[2J"}, "The following argument was not expected: \\x1B[2J"}),
+        Usage{"ControlCharacters",
+              {"\x1b[2J"},
+              "there is no verb \"\\x1B[2J\"; qelshm --help lists the verbs"}),
     [](testing::TestParamInfo<Usage> const& tested) { return tested.param.name; });
 
 } // namespace qel::test
