@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 
 namespace qel::inspect {
@@ -21,28 +22,28 @@ namespace key = shm::key;
 using std::chrono::milliseconds;
 
 constexpr std::uint64_t now = 1'700'000'000'000;
-constexpr long long inlet = test::pointId(1, 0, 1);
+constexpr long long summedInlet = test::pointId(1, 0, 1);
 
 /// The unit with one value, and an inlet with three; all delivered now, without error.
 class ValueSummaryTest : public testing::Test {
 protected:
     ValueSummaryTest() {
         region_.point(0, test::pointId(1, 0));
-        region_.point(1, inlet);
+        region_.point(1, summedInlet);
         region_.devices({0});
         region_.children(0, {1});
         region_.values(0, 4, {key::voltage});
         region_.values(1, 5, {key::voltage, key::current, key::activePower});
-        for (std::size_t slot = 4; slot <= 7; ++slot) {
+        for (std::uint32_t slot = 4; slot <= 7; ++slot) {
             state(slot, eStatus_NoError);
             at(slot, now);
         }
     }
 
-    void state(std::size_t slot, std::int32_t state) const {
+    void state(std::uint32_t slot, std::int32_t state) const {
         region_.raw().set<std::int32_t>(test::rawValue(slot) + test::field::valueState, state);
     }
-    void at(std::size_t slot, std::uint64_t time) const {
+    void at(std::uint32_t slot, std::uint64_t time) const {
         region_.raw().set<std::uint64_t>(test::rawValue(slot) + test::field::valueAt, time);
     }
 
@@ -88,7 +89,7 @@ TEST_F(ValueSummaryTest, OneOldValueAmongFreshOnes_IsStaleAndTheOldest) {
     at(6, now - fiveHours);
     EXPECT_EQ(1U, sut().stale);
     ASSERT_TRUE(sut().oldest);
-    EXPECT_EQ(inlet, sut().oldest->point);
+    EXPECT_EQ(summedInlet, sut().oldest->point);
     EXPECT_EQ(key::current, sut().oldest->key);
     EXPECT_EQ(now - fiveHours, sut().oldest->at);
 }
@@ -106,7 +107,7 @@ TEST_F(ValueSummaryTest, ValueAheadOfTheClock_MakesNoOtherStale) {
 }
 
 TEST_F(ValueSummaryTest, WithoutDeliveries_ThereIsNoOldestValue) {
-    for (std::size_t slot = 4; slot <= 7; ++slot) {
+    for (std::uint32_t slot = 4; slot <= 7; ++slot) {
         at(slot, 0);
     }
     EXPECT_EQ(4U, sut().never);

@@ -23,8 +23,8 @@ TEST(DurationsTest, ParseDuration_TakesSecondsAndUnits) {
 }
 
 TEST(DurationsTest, ParseDuration_RefusesOtherTexts) {
-    for (auto const* const text : {"", "s", "10 s", "10x", "-1", "-0", "nan", "inf", "infs", "1e3", "+5", "5mm",
-                                   "1000000000000000d", "0x10"}) {
+    for (auto const* const text : {"", "s", "10 s", "10x", "-1", "-0", "nan", "inf", "infs", "1e3", "+5",
+                                   "5mm", "1000000000000000d", "0x10"}) {
         EXPECT_EQ(std::nullopt, parseDuration(text)) << text;
     }
 }

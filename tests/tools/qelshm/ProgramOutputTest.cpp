@@ -25,16 +25,16 @@ namespace qel::test {
 
 namespace {
 
-std::string const rows =
+std::string const outputRows =
     "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,231\n";
 
 /// Status and standard error of a line for the shell.
-struct Outcome {
+struct ShellOutcome {
     std::optional<int> status;
     std::string errors;
 };
 
-Outcome outcomeOf(std::string const& line) {
+ShellOutcome shellOutcome(std::string const& line) {
     ChildProcess shell({"bash", "-c", line}, ChildProcess::Errors::IntoOutput);
     shell.closeInput();
     auto errors = shell.readAll();
@@ -45,7 +45,7 @@ Outcome outcomeOf(std::string const& line) {
 void expectFailure(std::string const& program, std::string const& arguments, std::string const& path) {
     for (std::string const output : {" >/dev/full", " >&-"}) {
         auto const line = path + ' ' + arguments;
-        auto const outcome = outcomeOf(line + output);
+        auto const outcome = shellOutcome(line + output);
         EXPECT_EQ(1, outcome.status) << arguments << output;
         EXPECT_EQ(program + ": the output cannot be written\n", outcome.errors) << arguments << output;
     }
@@ -85,7 +85,7 @@ protected:
     ProgramOutputTest() { EXPECT_TRUE(replay_.readUntil("region active")); }
 
     ImageFolder const folder_;
-    TempFile const file_{rows};
+    TempFile const file_{outputRows};
     QelReplayProcess replay_{{"--speed", "10", "--loop", file_.path()}};
 };
 
@@ -101,9 +101,9 @@ TEST_F(ProgramOutputTest, EveryVerb_TellsThatItCannotBeWritten) {
 }
 
 TEST_F(ProgramOutputTest, ClosedDescriptors_DoNotGetIntoFiles) {
-    EXPECT_EQ(0, outcomeOf(QELSHM " dump saved.img <&- >&- 2>&-").status) << "it prints nothing";
+    EXPECT_EQ(0, shellOutcome(QELSHM " dump saved.img <&- >&- 2>&-").status) << "it prints nothing";
     EXPECT_EQ(shm::REGION_SIZE, inspect::readImage("saved.img").size());
-    EXPECT_EQ(1, outcomeOf(QELSHM " record saved.rec --count 3 --interval 0.05 <&- >&- 2>&-").status);
+    EXPECT_EQ(1, shellOutcome(QELSHM " record saved.rec --count 3 --interval 0.05 <&- >&- 2>&-").status);
     inspect::CaptureReader capture("saved.rec");
     while (capture.next()) {
     }
@@ -111,7 +111,9 @@ TEST_F(ProgramOutputTest, ClosedDescriptors_DoNotGetIntoFiles) {
 }
 
 TEST_F(ProgramOutputTest, ReaderThatIsGone_EndsAVerbByASignal) {
-    EXPECT_EQ("141\n", outcomeOf("{ sleep 0.2; " QELSHM " list; echo $? >&2; } | true").errors);
+    EXPECT_EQ(
+        "141\n",
+        shellOutcome("{ sleep 0.2; env --default-signal=PIPE " QELSHM " list; echo $? >&2; } | true").errors);
 }
 
 TEST(ProgramOutputHelpTest, HelpVersionAndCompletion_TellThatTheyCannotBeWritten) {
@@ -125,12 +127,12 @@ TEST(ProgramOutputHelpTest, HelpVersionAndCompletion_TellThatTheyCannotBeWritten
 }
 
 TEST(ProgramOutputReplayTest, Replay_IsPlayedToItsEndAndFails) {
-    TempFile const file(rows);
+    TempFile const file(outputRows);
     expectFailure("qel-replay", "--speed 0 " + file.path(), QEL_REPLAY);
-    EXPECT_EQ(1, outcomeOf(QEL_REPLAY " --speed 0 " + file.path() + " <&- >&- 2>&-").status);
-    EXPECT_EQ(0, outcomeOf(QEL_REPLAY " --quiet --speed 0 " + file.path() + " >/dev/full").status);
+    EXPECT_EQ(1, shellOutcome(QEL_REPLAY " --speed 0 " + file.path() + " <&- >&- 2>&-").status);
+    EXPECT_EQ(0, shellOutcome(QEL_REPLAY " --quiet --speed 0 " + file.path() + " >/dev/full").status);
     auto const piped =
-        outcomeOf("{ sleep 0.2; " QEL_REPLAY " --speed 0 " + file.path() + "; echo $? >&2; } | true");
+        shellOutcome("{ sleep 0.2; " QEL_REPLAY " --speed 0 " + file.path() + "; echo $? >&2; } | true");
     EXPECT_EQ("0\n", piped.errors) << "the reader is gone, the region was not needed less";
 }
 
@@ -139,8 +141,8 @@ TEST(ProgramOutputManagerTest, HardwareManager_ServesOnAndFailsInTheEnd) {
     std::string const ask = "gdbus call --system --dest org.qel.HardwareManager --object-path / --method "
                             "org.qel.HardwareManager.initialized >&2 2>/dev/null";
     for (std::string const output : {">/dev/full", ">&-", "<&- >&- 2>&-"}) {
-        auto const outcome = outcomeOf(QEL_HARDWARE_MANAGER " " + output + " & for try in {1..100}; do " +
-                                       ask + " && break; sleep 0.1; done; kill $!; wait $!");
+        auto const outcome = shellOutcome(QEL_HARDWARE_MANAGER " " + output + " & for try in {1..100}; do " +
+                                          ask + " && break; sleep 0.1; done; kill $!; wait $!");
         EXPECT_EQ(1, outcome.status) << output;
         EXPECT_THAT(outcome.errors, testing::StartsWith("(0,)\n")) << output;
         bool const isTold = output.find("2>") == std::string::npos;

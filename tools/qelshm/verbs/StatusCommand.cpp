@@ -140,12 +140,9 @@ Json jsonObject(inspect::RegionStatus const& status, inspect::Findings const& fi
 
 Json jsonStates(Report const& report) {
     auto const& values = report.values;
-    return {{"alarm", values.alarm},
-            {"warning", values.warning},
-            {"lost", values.lost},
-            {"never", values.never},
-            {"stale", values.stale},
-            {"staleAfterMs", report.staleAfter.count()},
+    return {{"alarm", values.alarm},       {"warning", values.warning},
+            {"lost", values.lost},         {"never", values.never},
+            {"stale", values.stale},       {"staleAfterMs", report.staleAfter.count()},
             {"ahead", report.status.ahead}};
 }
 

@@ -147,7 +147,8 @@ TEST(StatusCommandTest, Values_AreCountedByState) {
                 HasSubstr("\nvalue states   1 alarm, 0 warning, 0 lost, 3 never delivered, 0 stale\n"));
     EXPECT_THAT(runQelshm({"status", "--image", folder.add("warning"), "--now", soon}).output,
                 HasSubstr("\nvalue states   0 alarm, 1 warning, 0 lost, "));
-    auto const file = folder.add("lost.img", withValue([](shm::record::QelShmMVal& value) { value.state = eStatus_Lost; }));
+    auto const file =
+        folder.add("lost.img", withValue([](shm::record::QelShmMVal& value) { value.state = eStatus_Lost; }));
     EXPECT_THAT(runQelshm({"status", "--image", file, "--color", "always"}).output,
                 HasSubstr("\x1b[31m0 alarm, 0 warning, 1 lost, 3 never delivered, 0 stale\x1b[0m\n"));
     auto const states = contentOf(runQelshm({"status", "--json", "--image", file})).at("valueStates");
@@ -157,7 +158,8 @@ TEST(StatusCommandTest, Values_AreCountedByState) {
 
 TEST(StatusCommandTest, OneOldValueAmongFreshOnes_IsNamedWithItsAge) {
     ImageFolder const folder;
-    auto const file = folder.add("old.img", withValue([](shm::record::QelShmMVal& value) { value.at -= 18000000; }));
+    auto const file =
+        folder.add("old.img", withValue([](shm::record::QelShmMVal& value) { value.at -= 18000000; }));
     auto const text = runQelshm({"status", "--image", file, "--now", soon}).output;
     EXPECT_THAT(text, HasSubstr(" 1 stale\n"));
     EXPECT_THAT(text, HasSubstr("\noldest value   unit1/inlet1:voltage, 5 h 0 min ago\n"));
@@ -169,7 +171,8 @@ TEST(StatusCommandTest, OneOldValueAmongFreshOnes_IsNamedWithItsAge) {
 
 TEST(StatusCommandTest, MaxAge_IsNotDeceivedByADeliveryAheadOfTheClock) {
     ImageFolder const folder;
-    auto const file = folder.add("ahead.img", withValue([](shm::record::QelShmMVal& value) { value.at += 3600000; }));
+    auto const file =
+        folder.add("ahead.img", withValue([](shm::record::QelShmMVal& value) { value.at += 3600000; }));
     auto const silent = runQelshm({"status", "--max-age", "60", "--image", file, "--now", late});
     EXPECT_EQ(1, silent.status);
     EXPECT_THAT(silent.output, HasSubstr("condition      silent\n"));

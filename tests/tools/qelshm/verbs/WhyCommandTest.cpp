@@ -33,7 +33,8 @@ TEST(WhyCommandTest, LostValues_AreCountedAlthoughTheyAreNoCause) {
     auto const image = sampleImage("healthy");
     auto region = std::make_unique<shm::record::Region>(image.region());
     region->values[0].state = eStatus_Lost; // of the inlet
-    auto const one = folder.add("one.img", inspect::Image(std::make_unique<shm::record::Region>(*region), image.size()));
+    auto const one =
+        folder.add("one.img", inspect::Image(std::make_unique<shm::record::Region>(*region), image.size()));
     region->values[1].state = eStatus_Lost;
     auto const two = folder.add("two.img", inspect::Image(std::move(region), image.size()));
     auto const outcome = runQelshm({"why", "--image", two});
