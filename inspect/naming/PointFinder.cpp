@@ -6,6 +6,7 @@
 #include "inspect/naming/Nearest.h"
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/Svid.h"
+#include "inspect/naming/ValuePath.h"
 
 #include "domain/SensorIdentifier.h"
 #include "format/Names.h"
@@ -74,10 +75,10 @@ std::optional<std::uint32_t> PointFinder::node(long long svid) const {
 
 std::uint32_t PointFinder::value(std::uint32_t node, std::string_view key) const {
     auto const& point = tree_.nodes().at(node);
-    auto const number = parseSvid(key);
+    auto const number = parseKey(key);
     for (auto const pos : tree_.valuesOf(point)) {
         auto const candidate = image_.region().values[pos].key;
-        if (number ? *number == candidate : isSameWord(key, shm::keyName(candidate))) {
+        if (number == candidate || isSameWord(key, shm::keyName(candidate))) {
             return pos;
         }
     }

@@ -46,7 +46,7 @@ public:
     std::optional<std::uint32_t> node(long long svid) const;
 
     /// Finds the position of a node's value.
-    /// @param key number in decimal or hexadecimal (0x), or name in upper or lower case ("active power")
+    /// @param key number in decimal or hexadecimal (0x), or name in upper or lower case ("active power", "active-power")
     /// @throws NotFoundError
     std::uint32_t value(std::uint32_t node, std::string_view key) const;
 

@@ -112,6 +112,7 @@ TEST_F(PointFinderTest, FindsValuesByNumberAndByName) {
     EXPECT_EQ(11U, finder.value(node, "0X0013"));
     EXPECT_EQ(11U, finder.value(node, "Active Power"));
     EXPECT_EQ(11U, finder.value(node, "active power"));
+    EXPECT_EQ(11U, finder.value(node, "active-power"));
     EXPECT_EQ(12U, finder.value(node, "key_idx_0x3"));
     EXPECT_EQ(13U, finder.value(node, key::activeEnergy));
     EXPECT_EQ(std::nullopt, finder.value(node, key::activeEnergyDelta));
