@@ -56,13 +56,14 @@ bool selectsAnything(ValuePattern const& pattern, inspect::Image const& image,
             nearest.add(inspect::valuePath(point, key));
             return false;
         });
-    }
-    for (auto const& node : tree.nodes()) {
-        nearest.add(inspect::pointPath(image.region().points[node.pos].guid));
+    } else {
+        for (auto const& node : tree.nodes()) {
+            nearest.add(inspect::pointPath(image.region().points[node.pos].guid));
+        }
     }
     throw inspect::NotFoundError("nothing matches \"" + name + "\"" +
                                  (nearest.candidate().empty()
-                                      ? "; there are no points at all"
+                                      ? "; there is nothing to match"
                                       : "; the nearest name is " + nearest.candidate()));
 }
 
@@ -100,6 +101,10 @@ NameSelection::NameSelection(std::vector<std::string> const& names, inspect::Ima
         if (!hasWildcards(name)) {
             patterns_.push_back(literalPattern(name, image, tree));
             continue;
+        }
+        auto const key = partsOf(name).key;
+        if (key && !hasWildcards(*key) && !inspect::parseKey(*key)) {
+            nothingMatches(name, image, tree); // there is no such key at all
         }
         ValuePattern pattern(name);
         if (!selectsAnything(pattern, image, tree)) {

@@ -71,9 +71,10 @@ TEST_F(FindCommandTest, NameWithWildcardsOrAKey_SelectsPointsAndValues) {
                       {"0x01010101ffff0100", "name"},
                       {"0x01010101ffff0101", "name"}}),
               places("unit1/s*"));
-    auto const outcome = find({"unit1/**:curr*"});
+    auto const outcome = find({"unit1/**:voltag"});
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: nothing matches \"unit1/**:curr*\"; the nearest name is unit1\n", outcome.errors);
+    EXPECT_EQ("qelshm: nothing matches \"unit1/**:voltag\"; the nearest name is unit1/inlet1:voltage\n",
+              outcome.errors);
 }
 
 TEST_F(FindCommandTest, OlderThan_LeavesOnlyOldValues) {

@@ -188,7 +188,7 @@ TEST_F(ListCommandGetTest, WildcardsThatMatchNothing_NameTheNearestName) {
     EXPECT_EQ("qelshm: nothing matches \"unit1/inlt*\"; the nearest name is unit1/inlet1\n", points.errors);
     EXPECT_EQ(
         "qelshm: nothing matches \"unit1/sensor*:humi\"; the nearest name is unit1/sensor1.1:humidity\n",
-        get({"unit1/sensor*:[h]umi"}).errors.replace(28, 7, "humi"));
+        get({"unit1/sensor*:humi"}).errors);
     EXPECT_EQ("qelshm: unit1/sensor1.1 has no value \"humid\"; it has Temperature, Humidity\n",
               get({"unit1/sensor1.1:humid"}).errors);
     EXPECT_EQ("qelshm: \"unit1:state\" names a value already; \"1\" is one too many\n",
