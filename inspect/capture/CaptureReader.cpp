@@ -3,9 +3,6 @@
 
 #include "inspect/capture/CaptureReader.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <limits>
 #include <stdexcept>
@@ -14,9 +11,7 @@
 
 namespace qel::inspect {
 
-CaptureReader::CaptureReader(std::string path)
-    : path_(std::move(path)),
-      file_(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY)) {
+CaptureReader::CaptureReader(std::string path) : path_(std::move(path)), file_(path_) {
     if (!file_) {
         fail(std::generic_category().message(errno));
     }
@@ -67,9 +62,9 @@ std::optional<CaptureSample> CaptureReader::next() {
 std::string CaptureReader::take(std::size_t count) const {
     std::string bytes(count, '\0');
     try {
-        bytes.resize(readAll([this](void* buffer, std::size_t size,
-                                    off_t /*offset*/) { return ::read(file_.number(), buffer, size); },
-                             bytes.data(), count));
+        bytes.resize(readAll(
+            [this](void* buffer, std::size_t size, off_t /*offset*/) { return file_.read(buffer, size); },
+            bytes.data(), count));
     } catch (std::system_error const& error) {
         fail(error.code().message());
     }

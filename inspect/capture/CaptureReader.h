@@ -6,7 +6,7 @@
 #pragma once
 
 #include "inspect/capture/CaptureFormat.h"
-#include "inspect/image/FileDescriptor.h"
+#include "inspect/image/InputFile.h"
 #include "inspect/image/Image.h"
 
 #include <cstddef>
@@ -52,7 +52,7 @@ private:
     [[noreturn]] void failInSample(std::string const& problem);
 
     std::string path_;
-    FileDescriptor file_;
+    InputFile file_;
     std::uint64_t startTime_ = 0;
     std::uint64_t offset_ = 0;
     std::uint64_t samples_ = 0;

@@ -15,7 +15,7 @@ constexpr bool note = false;
 
 } // namespace
 
-constexpr std::array<FindingKind, 30> findingKinds{{
+constexpr std::array<FindingKind, 32> findingKinds{{
     {FindingCode::RegionTooShort, "region-too-short", damage,
      "the object is shorter than the region; nothing else was checked"},
     {FindingCode::RegionTooLong, "region-too-long", damage, "the object is longer than the region"},
@@ -67,6 +67,9 @@ constexpr std::array<FindingKind, 30> findingKinds{{
      "the object's group or others may write to it and forge its content"},
     {FindingCode::NameNotUnique, "name-not-unique", damage,
      "the object has another name, a hard link, by which others may reach it"},
+    {FindingCode::TimeOutOfRange, "time-out-of-range", damage, "a time of delivery is after the year 9999"},
+    {FindingCode::TimeAhead, "time-ahead", note,
+     "a time of delivery is ahead of this machine's clock; one of the clocks is wrong"},
 }};
 
 namespace {
@@ -77,7 +80,7 @@ constexpr bool areByCode() {
             return false;
         }
     }
-    return findingKinds.back().code == FindingCode::NameNotUnique;
+    return findingKinds.back().code == FindingCode::TimeAhead;
 }
 static_assert(areByCode());
 

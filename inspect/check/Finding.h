@@ -49,6 +49,8 @@ enum class FindingCode : std::uint8_t {
     OwnerNotExpected,
     ModeTooLoose,
     NameNotUnique,
+    TimeOutOfRange,
+    TimeAhead,
 };
 
 /// What a code means.
@@ -60,7 +62,7 @@ struct FindingKind {
 };
 
 /// All kinds, by code.
-extern std::array<FindingKind, 30> const findingKinds;
+extern std::array<FindingKind, 32> const findingKinds;
 
 /// The kind of a code. Reentrant.
 FindingKind const& kindOf(FindingCode code);

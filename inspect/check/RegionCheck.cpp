@@ -7,6 +7,7 @@
 #include "inspect/check/LinkCheck.h"
 #include "inspect/image/PointTree.h"
 #include "inspect/image/RecordBytes.h"
+#include "inspect/image/RegionStatus.h"
 #include "inspect/why/FoldedStates.h"
 
 #include <algorithm>
@@ -45,12 +46,35 @@ void checkRoot(Image const& image, FindingList& findings) {
     findings.checkReserved(field::rootReserved, 0, shm::NO_POSITION, root.reserved);
 }
 
-void checkSlot(Image const& image, std::uint32_t pos, FindingList& findings) {
+/// Checks times of delivery.
+class TimeCheck {
+public:
+    TimeCheck(std::optional<std::uint64_t> now, FindingList& findings) : now_(now), findings_(findings) {}
+
+    /// @param pos, point see Finding
+    void run(RegionField const& field, std::uint32_t pos, std::uint32_t point, std::uint64_t at) const {
+        constexpr std::uint64_t firstOfYear10000 = 253402300800000;
+        if (at >= firstOfYear10000) {
+            findings_.addToSlot(FindingCode::TimeOutOfRange, field, pos, point, FieldValue::count(at),
+                                FieldValue::words("ms since 1970, or 0 for never"));
+        } else if (now_ && isAhead(at, *now_)) {
+            findings_.addToSlot(FindingCode::TimeAhead, field, pos, point, FieldValue::count(at),
+                                FieldValue::words("ms since 1970 up to now, or 0 for never"));
+        }
+    }
+
+private:
+    std::optional<std::uint64_t> now_;
+    FindingList& findings_;
+};
+
+void checkSlot(Image const& image, std::uint32_t pos, TimeCheck const& times, FindingList& findings) {
     auto const& point = image.region().points[pos];
     if (point.pos != pos) {
         findings.addToPoint(FindingCode::PosMismatch, field::pos, pos, FieldValue::position(point.pos),
                             FieldValue::position(pos));
     }
+    times.run(field::pointAt, pos, pos, point.at);
     findings.checkState(field::pointState, pos, pos, point.state);
     findings.checkReserved(field::pointReserved, pos, pos, point.reserved);
 }
@@ -60,7 +84,10 @@ void checkSlot(Image const& image, std::uint32_t pos, FindingList& findings) {
 /// shared values is unknown.
 class ValueChainCheck {
 public:
-    ValueChainCheck(Image const& image, FindingList& findings) : image_(image), findings_(findings) {}
+    ValueChainCheck(Image const& image, TimeCheck const& times, FindingList& findings)
+        : image_(image),
+          times_(times),
+          findings_(findings) {}
 
     void run(std::vector<PlacedPoint> const& points);
 
@@ -80,6 +107,7 @@ private:
     void checkValue(std::uint32_t point, std::uint32_t pos);
 
     Image const& image_;
+    TimeCheck const& times_;
     FindingList& findings_;
     std::bitset<shm::MV_COUNT> reached_;
     std::bitset<shm::MV_COUNT> linkedTwice_;
@@ -164,6 +192,7 @@ void ValueChainCheck::checkValue(std::uint32_t point, std::uint32_t pos) {
         findings_.addToSlot(FindingCode::NumberNotFinite, field::number, pos, point,
                             FieldValue::number(value.value), FieldValue::words("a finite number"));
     }
+    times_.run(field::valueAt, pos, point, value.at);
     findings_.checkState(field::valueState, pos, point, value.state);
     findings_.checkReserved(field::valueReserved, pos, point, value.reserved);
 }
@@ -187,8 +216,9 @@ void checkStates(Image const& image, PointTree const& tree, FindingList& finding
 
 } // namespace
 
-Findings checkRegion(Image const& image) {
+Findings checkRegion(Image const& image, std::optional<std::uint64_t> now) {
     FindingList findings;
+    TimeCheck const times(now, findings);
     checkSize(image, findings);
     if (!image.isWhole()) {
         return findings.take(); // the root is at the end, and everything is reached from it
@@ -197,19 +227,20 @@ Findings checkRegion(Image const& image) {
     PointTree const tree(image);
     LinkCheck const links(image, tree, findings);
     for (auto const& point : links.points()) {
-        checkSlot(image, point.pos, findings);
+        checkSlot(image, point.pos, times, findings);
     }
     checkIds(image, links.points(), findings);
-    ValueChainCheck(image, findings).run(links.points());
+    ValueChainCheck(image, times, findings).run(links.points());
     if (image.isActive() && !hasDamage(findings.findings())) {
         checkStates(image, tree, findings);
     }
     return findings.take();
 }
 
-Findings confirmedFindings(Image const& first, std::function<Image()> const& secondCopy) {
-    auto const found = checkRegion(first);
-    return found.empty() ? found : findingsInBoth(found, checkRegion(secondCopy()));
+Findings confirmedFindings(Image const& first, std::function<Image()> const& secondCopy,
+                           std::optional<std::uint64_t> now) {
+    auto const found = checkRegion(first, now);
+    return found.empty() ? found : findingsInBoth(found, checkRegion(secondCopy(), now));
 }
 
 } // namespace qel::inspect

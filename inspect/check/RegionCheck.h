@@ -8,7 +8,9 @@
 #include "inspect/check/Finding.h"
 #include "inspect/image/Image.h"
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace qel::inspect {
 
@@ -27,16 +29,20 @@ namespace qel::inspect {
 /// - A top-level list that lost its last point, or its only one, is not found: that point looks like a freed slot.
 /// - States are compared with those that values and children lead to if the region is active and nothing is damaged.
 ///   Differences are notes.
+/// - Times of delivery that no calendar has are damage. Times ahead of the clock are notes.
 ///
 /// A region that was copied while it was being written may show findings that vanish; see confirmedFindings().
 ///
 /// Reentrant.
-Findings checkRegion(Image const& image);
+/// @param now this machine's clock, ms since 1970 UTC; none: times are not compared with it
+Findings checkRegion(Image const& image, std::optional<std::uint64_t> now = std::nullopt);
 
 /// Finds what two copies of a region have in common, for a region that is being written. Reentrant.
 /// @param secondCopy makes the second copy; called only if the first one has findings
+/// @param now        as for checkRegion()
 /// @return the findings of the second copy that the first one has, too
 /// @throws what secondCopy throws
-Findings confirmedFindings(Image const& first, std::function<Image()> const& secondCopy);
+Findings confirmedFindings(Image const& first, std::function<Image()> const& secondCopy,
+                           std::optional<std::uint64_t> now = std::nullopt);
 
 } // namespace qel::inspect

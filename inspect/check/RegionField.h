@@ -60,10 +60,12 @@ inline constexpr RegionField mvs{Place::Point, "mvs", offsetof(QelShmMP, mvs)};
 inline constexpr RegionField children{Place::Point, "children", offsetof(QelShmMP, children)};
 inline constexpr RegionField parent{Place::Point, "parent", offsetof(QelShmMP, parent)};
 inline constexpr RegionField guid{Place::Point, "guid", offsetof(QelShmMP, guid)};
+inline constexpr RegionField pointAt{Place::Point, "at", offsetof(QelShmMP, at)};
 inline constexpr RegionField pointState{Place::Point, "state", offsetof(QelShmMP, state)};
 inline constexpr RegionField pointReserved{Place::Point, "reserved", offsetof(QelShmMP, reserved)};
 
 inline constexpr RegionField number{Place::Value, "value", offsetof(QelShmMVal, value)};
+inline constexpr RegionField valueAt{Place::Value, "at", offsetof(QelShmMVal, at)};
 inline constexpr RegionField valueState{Place::Value, "state", offsetof(QelShmMVal, state)};
 inline constexpr RegionField valueNext{Place::Value, "next", offsetof(QelShmMVal, next)};
 inline constexpr RegionField key{Place::Value, "key", offsetof(QelShmMVal, key)};

@@ -25,6 +25,13 @@ bool hasSameContent(QelShmMVal const& left, QelShmMVal const& right) {
 
 } // namespace
 
+bool mayBeHigher(UpdateRate const& rate) {
+    constexpr std::uint64_t fewLooks = 10; // tell nothing
+    constexpr std::uint64_t percent = 100;
+    constexpr std::uint64_t nearly = 80;
+    return rate.looks >= fewLooks && rate.count * percent >= rate.looks * nearly;
+}
+
 void UpdateRates::add(Image const& image, Time time) {
     if (images_ != 0 && time < newest_) {
         throw std::invalid_argument("an image is older than the one before");
@@ -43,7 +50,7 @@ void UpdateRates::add(Image const& image, Time time) {
 void UpdateRates::take(long long svid, QelShmMVal const& value, Time time) {
     auto const [entry, isNew] = trackOf_.emplace(svid, tracks_.size());
     if (isNew) {
-        tracks_.push_back({svid, value, time, time, images_, false, 0, {}, {}, {}});
+        tracks_.push_back({svid, value, time, time, images_, false, 0, 0, {}, {}, {}});
         return;
     }
     auto& track = tracks_[entry->second];
@@ -61,6 +68,7 @@ void UpdateRates::take(long long svid, QelShmMVal const& value, Time time) {
         track.lastUpdate = time;
         ++track.count;
     }
+    ++track.looks;
     track.isTimeNew = isTimeNew;
     track.last = value;
     track.newest = time;
@@ -76,8 +84,8 @@ std::vector<UpdateRate> UpdateRates::rates() const {
         if (observed.count() > 0) {
             perSecond = static_cast<double>(track.count) / std::chrono::duration<double>(observed).count();
         }
-        rates.push_back({track.svid, track.count, track.last.at, observed, perSecond, track.shortest,
-                         track.longest, track.newestImage == images_});
+        rates.push_back({track.svid, track.count, track.last.at, track.looks, observed, perSecond,
+                         track.shortest, track.longest, track.newestImage == images_});
     }
     return rates;
 }

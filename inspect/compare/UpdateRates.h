@@ -20,6 +20,7 @@ struct UpdateRate {
     long long svid;                    ///< of the value, its key included
     std::uint64_t count;               ///< updates seen
     std::uint64_t lastAt;              ///< time of the newest delivery, ms since 1970 UTC; 0 for never
+    std::uint64_t looks;               ///< images with the value after the first one
     std::chrono::nanoseconds observed; ///< from the first image with the value to the last one
     std::optional<double> perSecond;   ///< count over that time; none if it is zero
     std::optional<std::chrono::nanoseconds>
@@ -27,6 +28,9 @@ struct UpdateRate {
     std::optional<std::chrono::nanoseconds> longest; ///< likewise
     bool isPresent;                                  ///< in the last image
 };
+
+/// Whether nearly every look saw an update, so that the true rate may be higher. Reentrant.
+bool mayBeHigher(UpdateRate const& rate);
 
 /// Counts updates in successive images. An update is a change of a value's time, state or number from one image to the
 /// next. If images are taken more often than a value is updated, the count is exact. If not, updates are missed, so
@@ -58,6 +62,7 @@ private:
         std::uint64_t newestImage = 0; ///< number of the newest image with the value
         bool isTimeNew = false;        ///< the newest image changed the time of delivery
         std::uint64_t count = 0;
+        std::uint64_t looks = 0;
         std::optional<Time> lastUpdate;
         std::optional<std::chrono::nanoseconds> shortest;
         std::optional<std::chrono::nanoseconds> longest;

@@ -3,6 +3,8 @@
 
 #include "inspect/image/ImageFile.h"
 
+#include "inspect/image/InputFile.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -30,21 +32,19 @@ constexpr char sharedMemoryDirectory[] = "/dev/shm";
     cannot(what, path, std::generic_category().message(error));
 }
 
-std::uint64_t regularSize(int fd) {
-    struct stat status = {};
-    return ::fstat(fd, &status) == 0 && S_ISREG(status.st_mode) ? static_cast<std::uint64_t>(status.st_size)
-                                                                : 0;
-}
-
 /// A new file beside the target. It is removed unless takeName() succeeded.
 class NewFile {
 public:
-    explicit NewFile(std::string const& target) : target_(target), path_(target + ".new-") {
+    /// @param name the target as the user calls it
+    NewFile(std::string const& target, std::string name)
+        : target_(target),
+          name_(std::move(name)),
+          path_(target + ".new-") {
         constexpr mode_t anyone = 0666; // less the umask
         path_ += std::to_string(::getpid());
         fd_ = FileDescriptor(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anyone));
         if (!fd_) {
-            cannot("write", path_, errno);
+            cannot("write", name_, errno);
         }
     }
     NewFile(NewFile const&) = delete;
@@ -61,42 +61,43 @@ public:
             error = errno;
         }
         if (error != 0) {
-            cannot("write", target_, error);
+            cannot("write", name_, error);
         }
     }
 
     void takeName() {
         if (::rename(path_.c_str(), target_.c_str()) != 0) {
-            cannot("write", target_, errno);
+            cannot("write", name_, errno);
         }
         fd_ = FileDescriptor();
     }
 
 private:
     std::string target_;
+    std::string name_;
     std::string path_;
     FileDescriptor fd_;
 };
 
-void writeDirectly(Image const& image, std::string const& path) {
+void writeDirectly(Image const& image, std::string const& path, std::string const& name) {
     FileDescriptor const fd(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     int const error = fd ? writeAll(fd.number(), image.bytes()) : errno;
     if (error != 0) {
-        cannot("write", path, error);
+        cannot("write", name, error);
     }
 }
 
 } // namespace
 
 Image readImage(std::string const& path) {
-    FileDescriptor const fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!fd) {
+    InputFile const file(path);
+    if (!file) {
         cannot("read", path, errno);
     }
     try {
-        return imageOf([&](void* bytes, std::size_t count,
-                           off_t /*offset*/) { return ::read(fd.number(), bytes, count); },
-                       [&] { return regularSize(fd.number()); });
+        return imageOf(
+            [&](void* bytes, std::size_t count, off_t /*offset*/) { return file.read(bytes, count); },
+            [&] { return file.regularSize(); });
     } catch (std::system_error const& error) {
         cannot("read", path, error.code().value());
     }
@@ -118,10 +119,10 @@ void writeImage(Image const& image, std::string const& path) {
     }
     struct stat status = {};
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        writeDirectly(image, target.string());
+        writeDirectly(image, target.string(), path);
         return;
     }
-    NewFile file(target.string());
+    NewFile file(target.string(), path);
     file.write(image.bytes());
     file.takeName();
 }

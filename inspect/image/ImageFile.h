@@ -23,7 +23,7 @@ public:
 };
 
 /// Reads an image from a file of any size or from a pipe. Bytes behind the region are not read from a pipe and do not
-/// count in the image's size. Reentrant.
+/// count in the image's size. A pipe that nobody writes to is given up, see InputFile. Reentrant.
 /// @throws ImageFileError
 Image readImage(std::string const& path);
 

@@ -14,16 +14,24 @@ namespace qel::inspect {
 namespace {
 
 /// Counts the points and values in the tree and finds the newest delivery.
-void addContent(RegionStatus& status, Image const& image) {
+void addContent(RegionStatus& status, Image const& image, std::uint64_t now) {
     PointTree const tree(image);
     status.pointsUsed = tree.nodes().size();
     status.valuesUsed = tree.values().size();
     auto const& region = image.region();
+    auto const take = [&](std::uint64_t at) {
+        status.newest = std::max(status.newest, at);
+        if (isAhead(at, now)) {
+            ++status.ahead;
+        } else {
+            status.newestKnown = std::max(status.newestKnown, at);
+        }
+    };
     for (auto const& node : tree.nodes()) {
-        status.newest = std::max(status.newest, region.points[node.pos].at);
+        take(region.points[node.pos].at);
     }
     for (auto const pos : tree.values()) {
-        status.newest = std::max(status.newest, region.values[pos].at);
+        take(region.values[pos].at);
     }
 }
 
@@ -40,7 +48,7 @@ Condition conditionOf(RegionStatus const& status, Image const& image, std::uint6
     facts.isNamed = true; // perhaps it is not: the source does not distinguish "gone" from "replaced"
     facts.isSame = !status.source.isReplaced;
     facts.isActive = image.isActive();
-    facts.newest = status.newest;
+    facts.newest = status.newestKnown;
     facts.now = now;
     constexpr auto greatest = shm::ANY_AGE - std::chrono::milliseconds(1);
     auto const condition = shm::conditionOf(facts, maxAge ? std::min(*maxAge, greatest) : shm::ANY_AGE);
@@ -90,7 +98,7 @@ RegionStatus regionStatus(RegionSource const& source, Image const& image, std::u
     status.size = image.size();
     status.version = image.root().version;
     status.globalState = image.root().state;
-    addContent(status, image);
+    addContent(status, image, now);
     status.condition = conditionOf(status, image, now, maxAge);
     return status;
 }

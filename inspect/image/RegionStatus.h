@@ -31,6 +31,16 @@ enum class Condition : std::uint8_t {
 /// "absent", "unreadable", "replaced", "too short", "inactive", "silent", "active". Reentrant.
 char const* conditionName(Condition condition);
 
+/// How far a time of delivery may be ahead of this machine's clock: clocks differ, and a value may come between the copy
+/// and the look at the clock.
+constexpr std::chrono::milliseconds CLOCK_TOLERANCE{60000};
+
+/// Whether a time is so far ahead of the clock that it tells nothing of the age. Reentrant.
+/// @param at, now ms since 1970 UTC
+constexpr bool isAhead(std::uint64_t at, std::uint64_t now) {
+    return at > now && at - now > static_cast<std::uint64_t>(CLOCK_TOLERANCE.count());
+}
+
 /// The condition of a region and what is in it.
 struct RegionStatus {
     Condition condition = Condition::Absent;
@@ -41,13 +51,15 @@ struct RegionStatus {
     std::size_t valuesUsed = 0;  ///< values of those points, at most MV_COUNT
     eStatus_Bits globalState = eStatus_UndefinedValue;
     std::uint64_t newest = 0; ///< time of the newest delivery to any of them, ms since 1970 UTC; 0 for never
+    std::uint64_t newestKnown = 0; ///< likewise, without those ahead of the clock
+    std::size_t ahead = 0;         ///< deliveries to any of them that are ahead of the clock, see isAhead()
 };
 
 /// Determines the status of a region. Reentrant.
 /// @param image  the copy; an empty one if the source could not be opened
 /// @param now    ms since 1970 UTC
 /// @param maxAge the newest delivery counts as current up to this age, not negative; none: a region is never silent.
-///               A delivery in the future is current. A region without any delivery is silent at every age.
+///               A delivery ahead of the clock does not count. A region without any delivery is silent at every age.
 RegionStatus regionStatus(RegionSource const& source, Image const& image, std::uint64_t now,
                           std::optional<std::chrono::milliseconds> maxAge);
 

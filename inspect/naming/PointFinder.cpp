@@ -3,8 +3,10 @@
 
 #include "inspect/naming/PointFinder.h"
 
+#include "inspect/naming/Nearest.h"
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/Svid.h"
+#include "inspect/naming/ValuePath.h"
 
 #include "domain/SensorIdentifier.h"
 #include "format/Names.h"
@@ -13,10 +15,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
-#include <limits>
-#include <numeric>
-#include <utility>
-#include <vector>
 
 namespace qel::inspect {
 
@@ -33,21 +31,6 @@ bool isSameWord(std::string_view left, std::string_view right) {
                       [](char a, char b) { return lowerCase(a) == lowerCase(b); });
 }
 
-/// The Levenshtein distance of two texts, ignoring case.
-std::size_t distance(std::string_view from, std::string_view into) {
-    std::vector<std::size_t> row(into.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        auto diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < into.size(); ++j) {
-            auto const changed = diagonal + (lowerCase(from[i]) == lowerCase(into[j]) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, diagonal + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
-
 std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
@@ -61,9 +44,22 @@ std::uint32_t PointFinder::point(std::string_view text) const {
     if (found) {
         return *found;
     }
-    auto const nearest = nearestPath(svid ? pointPath(*svid) : std::string(text));
-    auto const advice = nearest.empty() ? "; there are no points at all" : "; the nearest one is " + nearest;
-    throw NotFoundError("there is no point " + quoted(text) + advice);
+    throw noPoint(text);
+}
+
+NotFoundError PointFinder::noPoint(std::string_view text) const {
+    auto const problem = "there is no point " + quoted(text);
+    if (tree_.nodes().empty()) {
+        return NotFoundError(problem + "; there are no points at all");
+    }
+    if (parseSvid(text)) {
+        return NotFoundError(problem); // ids that look alike belong to points that have nothing in common
+    }
+    Nearest nearest(text);
+    for (auto const& candidate : tree_.nodes()) {
+        nearest.add(pointPath(svidOf(candidate)));
+    }
+    return NotFoundError(problem + "; the nearest one is " + nearest.candidate());
 }
 
 std::optional<std::uint32_t> PointFinder::node(long long svid) const {
@@ -79,10 +75,10 @@ std::optional<std::uint32_t> PointFinder::node(long long svid) const {
 
 std::uint32_t PointFinder::value(std::uint32_t node, std::string_view key) const {
     auto const& point = tree_.nodes().at(node);
-    auto const number = parseSvid(key);
+    auto const number = parseKey(key);
     for (auto const pos : tree_.valuesOf(point)) {
         auto const candidate = image_.region().values[pos].key;
-        if (number ? *number == candidate : isSameWord(key, shm::keyName(candidate))) {
+        if (number == candidate || isSameWord(key, shm::keyName(candidate))) {
             return pos;
         }
     }
@@ -96,20 +92,6 @@ std::optional<std::uint32_t> PointFinder::value(std::uint32_t node, unsigned sho
         return image_.region().values[pos].key == key;
     });
     return found == positions.end() ? std::nullopt : std::optional(*found);
-}
-
-std::string PointFinder::nearestPath(std::string_view path) const {
-    std::string nearest;
-    auto shortest = std::numeric_limits<std::size_t>::max();
-    for (auto const& candidate : tree_.nodes()) {
-        auto candidatePath = pointPath(svidOf(candidate));
-        auto const away = distance(path, candidatePath);
-        if (away < shortest) {
-            shortest = away;
-            nearest = std::move(candidatePath);
-        }
-    }
-    return nearest;
 }
 
 std::string PointFinder::keysOf(PointNode const& node) const {

@@ -16,8 +16,8 @@
 
 namespace qel::inspect {
 
-/// A point or value does not exist. The text is one line for the user and names alternatives: the nearest path, or the
-/// keys of the point's values.
+/// A point or value does not exist. The text is one line for the user and names alternatives: the path nearest to one that
+/// was typed, or the keys of the point's values.
 class NotFoundError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -38,12 +38,15 @@ public:
     /// @throws NotFoundError
     std::uint32_t point(std::string_view text) const;
 
+    /// What to tell somebody who asked for a point that does not exist.
+    NotFoundError noPoint(std::string_view text) const;
+
     /// Finds the node with an id. The key in the id is ignored.
     /// @return none if there is no such node
     std::optional<std::uint32_t> node(long long svid) const;
 
     /// Finds the position of a node's value.
-    /// @param key number in decimal or hexadecimal (0x), or name in upper or lower case ("active power")
+    /// @param key number in decimal or hexadecimal (0x), or name in upper or lower case ("active power", "active-power")
     /// @throws NotFoundError
     std::uint32_t value(std::uint32_t node, std::string_view key) const;
 
@@ -52,7 +55,6 @@ public:
     std::optional<std::uint32_t> value(std::uint32_t node, unsigned short key) const;
 
 private:
-    std::string nearestPath(std::string_view path) const;
     std::string keysOf(PointNode const& node) const;
     long long svidOf(PointNode const& node) const { return image_.region().points[node.pos].guid; }
 

@@ -3,6 +3,7 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Output.h"
 #include "tools/hardwaremanager/HardwareManagerApp.h"
 #include "tools/hardwaremanager/HardwareManagerOptions.h"
 
@@ -29,7 +30,7 @@ int serve(int argc, char const* const* argv) {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
         HardwareManagerApp(options, options.isQuiet ? nullptr : &std::cout).run();
-        return exitSuccess;
+        return statusOfOutput(app);
     } catch (std::exception const& error) {
         tellError(app, error.what());
         return exitFailure;
@@ -42,6 +43,7 @@ int serve(int argc, char const* const* argv) {
 
 int main(int argc, char** argv) {
     try {
+        qel::tools::openStandardDescriptors();
         return qel::tools::serve(argc, argv);
     } catch (...) {
         return qel::tools::exitFailure; // not even the error could be reported

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Output.h"
 #include "tools/qelshm/app/QelshmApp.h"
 #include "tools/qelshm/verbs/Commands.h"
 
@@ -9,8 +10,9 @@
 
 int main(int argc, char** argv) {
     try {
+        qel::tools::openStandardDescriptors();
         return qel::tools::runQelshm(argc, argv, std::cout, qel::tools::allCommands());
     } catch (...) {
-        return qel::tools::exitFailure; // the error message could not be written either
+        return qel::tools::exitFailure; // not even the error could be reported
     }
 }

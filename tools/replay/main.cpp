@@ -4,6 +4,7 @@
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Logging.h"
+#include "tools/common/Output.h"
 #include "tools/replay/ReplayApp.h"
 #include "tools/replay/ReplayLog.h"
 #include "tools/replay/ReplayOptions.h"
@@ -50,7 +51,7 @@ int replay(int argc, char const* const* argv) {
         ReplayLog log(options.isQuiet ? nullptr : &std::cout,
                       options.capture.empty() ? ReplaySteps::Rows : ReplaySteps::Samples);
         ReplayApp(playerMaker(options, log), log, options.speed, options.isHeld).run();
-        return exitSuccess;
+        return statusOfOutput(app);
     } catch (InputError const& error) {
         tellError(app, error.what());
         return exitUsage;
@@ -66,6 +67,7 @@ int replay(int argc, char const* const* argv) {
 
 int main(int argc, char** argv) {
     try {
+        qel::tools::openStandardDescriptors();
         return qel::tools::replay(argc, argv);
     } catch (...) {
         return qel::tools::exitFailure; // not even the error could be reported

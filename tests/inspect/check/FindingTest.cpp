@@ -34,10 +34,11 @@ TEST(FindingCodeTest, NamesAreThoseThatScriptsKnow) {
                     "point-linked-twice", "value-linked-twice", "pos-mismatch", "id-has-key", "id-of-root",
                     "id-not-unique", "kind-not-of-list", "order-broken", "key-missing", "key-not-unique",
                     "state-out-of-range", "number-not-finite", "child-not-listed", "state-not-folded",
-                    "global-state-not-folded", "owner-not-expected", "mode-too-loose", "name-not-unique"));
+                    "global-state-not-folded", "owner-not-expected", "mode-too-loose", "name-not-unique",
+                    "time-out-of-range", "time-ahead"));
 }
 
-TEST(FindingCodeTest, EachHasOneLineOfExplanation_AndOnlyThreeAreNotes) {
+TEST(FindingCodeTest, EachHasOneLineOfExplanation_AndOnlyFourAreNotes) {
     std::set<std::string_view> explanations;
     int notes = 0;
     for (auto const& kind : findingKinds) {
@@ -48,10 +49,11 @@ TEST(FindingCodeTest, EachHasOneLineOfExplanation_AndOnlyThreeAreNotes) {
         EXPECT_NE('.', kind.explanation.back());
         notes += kind.isDamage ? 0 : 1;
     }
-    EXPECT_EQ(3, notes);
+    EXPECT_EQ(4, notes);
     EXPECT_FALSE(kindOf(FindingCode::ChildNotListed).isDamage);
     EXPECT_FALSE(kindOf(FindingCode::StateNotFolded).isDamage);
     EXPECT_FALSE(kindOf(FindingCode::GlobalStateNotFolded).isDamage);
+    EXPECT_FALSE(kindOf(FindingCode::TimeAhead).isDamage);
 }
 
 TEST(FindingTest, PlaceText_NamesSlotAndOwner) {

@@ -89,6 +89,32 @@ TEST_F(UpdateRatesTest, CountsChangesOfTheTime) {
     EXPECT_EQ(std::nullopt, other.shortest);
 }
 
+TEST_F(UpdateRatesTest, UpdatesInNearlyEveryImage_MayBeMore) {
+    for (int image = 0; image <= 20; ++image) {
+        deliver(static_cast<std::uint64_t>(image)); // how many were missed in between is unknown
+        takeAt(image * 100);
+    }
+    EXPECT_EQ(20U, first().looks);
+    EXPECT_TRUE(mayBeHigher(first()));
+    EXPECT_FALSE(mayBeHigher(sut_.rates()[1]));
+}
+
+TEST_F(UpdateRatesTest, UpdatesInEverySecondImage_AreAllThereAre) {
+    for (int image = 0; image <= 20; ++image) {
+        deliver(static_cast<std::uint64_t>(image / 2));
+        takeAt(image * 100);
+    }
+    EXPECT_FALSE(mayBeHigher(first()));
+}
+
+TEST_F(UpdateRatesTest, FewImages_SayNothingOfARate) {
+    for (int image = 0; image < 10; ++image) {
+        deliver(static_cast<std::uint64_t>(image));
+        takeAt(image * 100);
+    }
+    EXPECT_FALSE(mayBeHigher(first()));
+}
+
 TEST_F(UpdateRatesTest, GapsAreTakenBetweenUpdates) {
     takeAt(0);
     for (int const time : {100, 350, 400}) {

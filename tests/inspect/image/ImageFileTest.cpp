@@ -110,6 +110,12 @@ TEST_F(ImageFileTest, Read_TakesWhatAPipeDelivers) {
     EXPECT_EQ(source, image.bytes());
 }
 
+TEST_F(ImageFileTest, Read_OfAPipeThatNobodyWritesToEnds) {
+    ASSERT_EQ(0, ::mkfifo(path("pipe").c_str(), 0600));
+    EXPECT_EQ("cannot read " + path("pipe") + ": No data available",
+              problemOf([&] { readImage(path("pipe")); }));
+}
+
 TEST_F(ImageFileTest, Read_OfAnEndlessDeviceEnds) {
     EXPECT_EQ(test::rawRegionSize, readImage("/dev/zero").size());
 }
@@ -119,6 +125,16 @@ TEST_F(ImageFileTest, Write_ReplacesAFile) {
     writeImage(imageOfLength(1000), path("image"));
     EXPECT_EQ(sourceBytes(1000), content(path("image")));
     EXPECT_THAT(names(), testing::ElementsAre("image"));
+}
+
+TEST_F(ImageFileTest, Write_NamesTheFileAsTheCallerDoes) {
+    auto const inNoFolder = path("none") + "/image";
+    EXPECT_EQ("cannot write " + inNoFolder + ": No such file or directory",
+              problemOf([&] { writeImage(imageOfLength(1), inNoFolder); }));
+    fs::create_directory(path("folder"));
+    fs::create_symlink("folder", path("link"));
+    EXPECT_EQ("cannot write " + path("link") + ": Is a directory",
+              problemOf([&] { writeImage(imageOfLength(1), path("link")); }));
 }
 
 TEST_F(ImageFileTest, Write_KeepsALinkAndReplacesWhatItLeadsTo) {
@@ -144,7 +160,7 @@ TEST_F(ImageFileTest, Write_SaysWhyAFileCannotBeWritten) {
     auto const image = imageOfLength(1000);
     EXPECT_THAT(problemOf([&] { writeImage(image, path("none/image")); }),
                 HasSubstr("No such file or directory"));
-    EXPECT_EQ("cannot write " + path("").substr(0, path("").size() - 1) + ": Is a directory",
+    EXPECT_EQ("cannot write " + path("") + ": Is a directory",
               problemOf([&] { writeImage(image, path("")); }));
     EXPECT_EQ("cannot write /dev/full: No space left on device",
               problemOf([&] { writeImage(image, "/dev/full"); }));

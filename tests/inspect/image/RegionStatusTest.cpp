@@ -103,9 +103,27 @@ TEST(RegionStatusTest, IsSilentWhenNothingWasEverDelivered) {
     EXPECT_EQ(Condition::Active, conditionAt(0, std::nullopt));
 }
 
-TEST(RegionStatusTest, ADeliveryFromTheFutureIsCurrent) {
+TEST(RegionStatusTest, ADeliveryThatIsALittleAheadOfTheClockIsCurrent) {
     EXPECT_EQ(Condition::Active, conditionAt(now + 1, milliseconds(0)));
-    EXPECT_EQ(Condition::Active, conditionAt(std::numeric_limits<std::uint64_t>::max(), milliseconds(0)));
+    EXPECT_EQ(Condition::Active, conditionAt(now + 60'000, milliseconds(0)));
+}
+
+TEST(RegionStatusTest, ADeliveryFarAheadOfTheClockIsNoSignOfLife) {
+    EXPECT_EQ(Condition::Silent, conditionAt(now + 60'001, minute));
+    EXPECT_EQ(Condition::Silent, conditionAt(std::numeric_limits<std::uint64_t>::max(), milliseconds::max()));
+    EXPECT_EQ(Condition::Active, conditionAt(now + 3'600'000, std::nullopt));
+    auto const status = regionStatus({}, imageDeliveredAt(now + 3'600'000), now, minute);
+    EXPECT_EQ(1U, status.ahead);
+    EXPECT_EQ(now + 3'600'000, status.newest);
+    EXPECT_EQ(0U, status.newestKnown);
+}
+
+TEST(RegionStatusTest, ADeliveryAheadOfTheClockDoesNotHideACurrentOne) {
+    imageDeliveredAt(now + 3'600'000);
+    test::RawRegion().set<std::uint64_t>(test::rawPoint(5) + test::field::pointAt, now - 3);
+    auto const status = regionStatus({}, LiveRegion().copy(), now, minute);
+    EXPECT_EQ(Condition::Active, status.condition);
+    EXPECT_EQ(now - 3, status.newestKnown);
 }
 
 TEST(RegionStatusTest, EveryVersionButTheActiveOneIsInactive) {

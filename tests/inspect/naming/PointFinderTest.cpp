@@ -81,9 +81,13 @@ TEST_F(PointFinderTest, NamesTheNearestPathInsteadOfAMissingPoint) {
               problemOf([&] { finder.point("Group2"); }));
     EXPECT_EQ("there is no point \"unit1/inlet3\"; the nearest one is unit1/inlet1",
               problemOf([&] { finder.point("unit1/inlet3"); }));
-    EXPECT_EQ("there is no point \"0x010003ffffff0000\"; the nearest one is unit1/inlet1",
-              problemOf([&] { finder.point("0x010003ffffff0000"); }));
     EXPECT_EQ("there is no point \"\"; the nearest one is unit1", problemOf([&] { finder.point(""); }));
+}
+
+TEST_F(PointFinderTest, NamesNoPointInsteadOfAMissingId) {
+    EXPECT_EQ("there is no point \"0x010003ffffff0000\"",
+              problemOf([&] { finder.point("0x010003ffffff0000"); }));
+    EXPECT_EQ("there is no point \"17\"", problemOf([&] { finder.point("17"); }));
 }
 
 TEST_F(PointFinderTest, SaysThatThereAreNoPointsAtAll) {
@@ -108,6 +112,7 @@ TEST_F(PointFinderTest, FindsValuesByNumberAndByName) {
     EXPECT_EQ(11U, finder.value(node, "0X0013"));
     EXPECT_EQ(11U, finder.value(node, "Active Power"));
     EXPECT_EQ(11U, finder.value(node, "active power"));
+    EXPECT_EQ(11U, finder.value(node, "active-power"));
     EXPECT_EQ(12U, finder.value(node, "key_idx_0x3"));
     EXPECT_EQ(13U, finder.value(node, key::activeEnergy));
     EXPECT_EQ(std::nullopt, finder.value(node, key::activeEnergyDelta));

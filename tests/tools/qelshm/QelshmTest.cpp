@@ -127,12 +127,6 @@ TEST_F(QelshmTest, NoVerb_NeedsABus) {
     }
 }
 
-TEST_F(QelshmTest, FullOutput_IsAFailure) {
-    auto const outcome = outcomeWithErrors({"sh", "-c", QELSHM " tree >/dev/full"});
-    EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("qelshm: cannot write the output\n", outcome.output);
-}
-
 TEST_F(QelshmWatchTest, Count_WritesSoManyLines) {
     auto const outcome = outcomeOf(qelshm({"--wait", longWait, "watch", "--count", "7"}));
 

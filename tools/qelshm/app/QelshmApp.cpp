@@ -5,6 +5,7 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Output.h"
 #include "tools/qelshm/terminal/Style.h"
 
 #include <CLI/App.hpp>
@@ -37,7 +38,12 @@ int runQelshm(int argc, char const* const* argv, std::ostream& out,
     try {
         for (std::size_t index = 0; index < verbs.size(); ++index) {
             if (verbs[index]->parsed()) {
-                return commands[index]->run({options, out, mayColour(options.color, STDOUT_FILENO), tell});
+                auto const status =
+                    commands[index]->run({options, out, mayColour(options.color, STDOUT_FILENO), tell});
+                if (hasOutputFailed(out)) {
+                    throw OutputError();
+                }
+                return status;
             }
         }
     } catch (std::exception const& error) {

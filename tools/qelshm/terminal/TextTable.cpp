@@ -8,16 +8,8 @@
 
 #include <algorithm>
 #include <ostream>
-#include <stdexcept>
 
 namespace qel::tools {
-
-void writeOutput(std::ostream& out, std::string_view text) {
-    out << text << std::flush;
-    if (!out) {
-        throw std::runtime_error("cannot write the output");
-    }
-}
 
 void TextTable::add(std::size_t layout, std::vector<Cell> cells) {
     widths_.resize(std::max(widths_.size(), layout + 1));

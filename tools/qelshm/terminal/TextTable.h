@@ -5,6 +5,7 @@
 /// Lines of text in columns.
 #pragma once
 
+#include "tools/common/Output.h"
 #include "tools/qelshm/terminal/Style.h"
 
 #include <cstddef>
@@ -29,10 +30,6 @@ struct Cell {
     Style style = Style::Plain;
 };
 
-/// Writes a text and flushes. Reentrant.
-/// @throws std::runtime_error when it cannot be written
-void writeOutput(std::ostream& out, std::string_view text);
-
 /// Rows of several layouts; the columns of each layout are as wide as its longest texts.
 ///
 /// Threads: reentrant.
@@ -43,7 +40,7 @@ public:
     void add(std::size_t layout, std::vector<Cell> cells);
 
     /// Writes the rows with two blanks between columns and none at the end of a line.
-    /// @throws std::runtime_error when they cannot be written
+    /// @throws OutputError
     void print(std::ostream& out, bool isColoured) const;
 
 private:

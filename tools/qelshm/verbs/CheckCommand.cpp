@@ -62,9 +62,9 @@ int CheckCommand::run(CommandContext const& context) {
     auto const input = openInput(context.options, context.tell);
     requireOpened(input);
     auto findings = objectFindings(input);
-    auto const ofRegion = input.file.empty()
-                              ? inspect::confirmedFindings(input.image, [] { return liveInput().image; })
-                              : inspect::checkRegion(input.image);
+    auto const ofRegion = input.file.empty() ? inspect::confirmedFindings(
+                                                   input.image, [] { return liveInput().image; }, input.now)
+                                             : inspect::checkRegion(input.image, input.now);
     findings.insert(findings.end(), ofRegion.begin(), ofRegion.end());
     if (context.options.isJson) {
         auto document = jsonDocument("check", input, {});

@@ -7,6 +7,9 @@
 
 #include "tools/qelshm/app/ICommand.h"
 
+#include <string>
+#include <vector>
+
 namespace qel::tools {
 
 /// Measures how often the values of the live region are updated.
@@ -16,12 +19,13 @@ class HzCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// @throws NothingThereError
+    /// @throws NothingThereError, inspect::NotFoundError, inspect::PatternError
     int run(CommandContext const& context) override;
 
 private:
-    double interval_ = 0.02; ///< s between two samples
-    double duration_ = 5;    ///< s
+    std::vector<std::string> names_;
+    double interval_ = 0.004; ///< s between two samples
+    double duration_ = 5;     ///< s
 };
 
 } // namespace qel::tools

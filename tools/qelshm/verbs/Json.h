@@ -50,7 +50,7 @@ Json jsonValues(std::vector<ValueFacts> const& values, std::uint64_t now);
 Json jsonFindings(inspect::Findings const& findings);
 
 /// Writes a document indented, in ASCII, with a line end.
-/// @throws std::runtime_error when it cannot be written
+/// @throws OutputError
 void printJson(std::ostream& out, Json const& document);
 
 } // namespace qel::tools

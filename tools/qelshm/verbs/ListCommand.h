@@ -9,18 +9,19 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace qel::tools {
 
-/// Prints points with their values: every point in the order of the tree, one point, or one value.
+/// Prints points with their values in the order of the tree: every point, or what names select.
 ///
 /// Threads: thread-bound to the main thread.
 class ListCommand : public ImageCommand {
 public:
     /// Which verb it is.
     enum class Verb : std::uint8_t {
-        List, ///< every point
-        Get,  ///< what the arguments name
+        List, ///< every point, or those that are named
+        Get,  ///< what one name selects
     };
 
     explicit ListCommand(Verb verb) : verb_(verb) {}
@@ -28,15 +29,18 @@ public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
 protected:
-    /// @throws inspect::NotFoundError
+    /// @throws inspect::NotFoundError, inspect::PatternError
     int show(RegionView const& view, CommandContext const& context) override;
 
 private:
     void list(RegionView const& view, CommandContext const& context) const;
     void get(RegionView const& view, CommandContext const& context) const;
 
+    std::string nameToGet() const;
+
     Verb verb_;
-    std::string point_;
+    std::vector<std::string> names_; ///< to list
+    std::string name_;               ///< to get
     std::string key_;
 };
 

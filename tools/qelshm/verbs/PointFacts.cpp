@@ -3,6 +3,8 @@
 
 #include "tools/qelshm/verbs/PointFacts.h"
 
+#include "tools/qelshm/verbs/NameSelection.h"
+
 #include "format/KeyTable.h"
 #include "format/Names.h"
 #include "format/ValueFormatter.h"
@@ -11,6 +13,7 @@
 #include "region/QelShmMVal.h"
 #include "region/SvidParts.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace qel::tools {
@@ -57,6 +60,17 @@ std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree
     for (auto const pos : tree.valuesOf(node)) {
         values.push_back(valueFacts(image, node, pos));
     }
+    return values;
+}
+
+std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree const& tree,
+                                 inspect::PointNode const& node, NameSelection const& selection) {
+    auto values = valuesOf(image, tree, node);
+    auto const point = image.region().points[node.pos].guid;
+    auto const isOther = [&](ValueFacts const& value) {
+        return !selection.hasValue(point, value.key);
+    };
+    values.erase(std::remove_if(values.begin(), values.end(), isOther), values.end());
     return values;
 }
 

@@ -17,6 +17,8 @@
 
 namespace qel::tools {
 
+class NameSelection;
+
 /// A value. Reentrant.
 struct ValueFacts {
     long long svid;
@@ -53,5 +55,9 @@ ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& nod
 /// Lists the values of a node in the order of its chain.
 std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree const& tree,
                                  inspect::PointNode const& node);
+
+/// Lists those of them that are selected.
+std::vector<ValueFacts> valuesOf(inspect::Image const& image, inspect::PointTree const& tree,
+                                 inspect::PointNode const& node, NameSelection const& selection);
 
 } // namespace qel::tools

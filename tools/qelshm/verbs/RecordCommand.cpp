@@ -4,6 +4,7 @@
 #include "tools/qelshm/verbs/RecordCommand.h"
 
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Numbers.h"
 #include "tools/common/SafeText.h"
 #include "tools/qelshm/app/RegionInput.h"
 #include "tools/qelshm/app/StopSignals.h"
@@ -24,11 +25,11 @@ CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) 
         ->required()
         ->type_name("");
     verb.add_option("--interval", interval_, "Sampling interval, 0.001 to 3600")
-        ->check(CLI::Range(0.001, 3600.0).description(""))
+        ->check(finiteBetween(0.001, 3600.0))
         ->type_name("SECONDS")
         ->capture_default_str();
     verb.add_option("--duration", duration_, "Stop after this time")
-        ->check(CLI::Range(0.0, longest).description(""))
+        ->check(finiteBetween(0.0, longest))
         ->type_name("SECONDS");
     verb.add_option("--count", count_, "Stop after this number of samples")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1000000000000}).description(""))

@@ -4,14 +4,18 @@
 #include "tools/qelshm/verbs/StatusCommand.h"
 
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Numbers.h"
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
 
+#include "format/HexText.h"
 #include "format/StateName.h"
 #include "inspect/image/RegionStatus.h"
 #include "inspect/naming/LedText.h"
+#include "inspect/naming/ValuePath.h"
+#include "inspect/why/ValueSummary.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -48,9 +52,40 @@ std::string findingText(inspect::Finding const& finding) {
            finding.expected.text();
 }
 
-/// @param findings of the object
-void printText(inspect::RegionStatus const& status, RegionInput const& input,
-               inspect::Findings const& findings, CommandContext const& context) {
+std::string statesText(inspect::ValueSummary const& values) {
+    return std::to_string(values.alarm) + " alarm, " + std::to_string(values.warning) + " warning, " +
+           std::to_string(values.lost) + " lost, " + std::to_string(values.never) + " never delivered, " +
+           std::to_string(values.stale) + " stale";
+}
+
+Style statesStyle(inspect::ValueSummary const& values) {
+    if (values.alarm + values.lost != 0) {
+        return Style::Alarm;
+    }
+    return values.warning + values.stale != 0 ? Style::Warning : Style::Plain;
+}
+
+std::string aheadText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " value has" : " values have") +
+           " a time ahead of this machine's clock";
+}
+
+std::string oldestText(inspect::OldValue const& oldest, std::uint64_t now) {
+    auto const age = ageOf(oldest.at, now);
+    return inspect::valuePath(oldest.point, oldest.key) + ", " + ageText(oldest.at, now) +
+           (age && *age >= 0 ? " ago" : "");
+}
+
+/// What is known of a region.
+struct Report {
+    inspect::RegionStatus status;
+    inspect::Findings findings; ///< of the object
+    inspect::ValueSummary values;
+    std::chrono::milliseconds staleAfter;
+};
+
+void printText(Report const& report, RegionInput const& input, CommandContext const& context) {
+    auto const& status = report.status;
     TextTable table;
     auto const add = [&](char const* name, Cell const& cell) {
         table.add(0, {name, cell});
@@ -65,7 +100,7 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input,
         add("owner", {inspect::userName(object->uid) + ':' + inspect::groupName(object->gid)});
         add("mode", {inspect::modeText(object->mode)});
     }
-    for (auto const& finding : findings) {
+    for (auto const& finding : report.findings) {
         add("finding", {findingText(finding), Style::Alarm});
     }
     if (hasContent(status)) {
@@ -73,9 +108,16 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input,
         add("version", {std::to_string(status.version)});
         add("points", {usedOf(status.pointsUsed, shm::MP_COUNT)});
         add("values", {usedOf(status.valuesUsed, shm::MV_COUNT)});
+        add("value states", {statesText(report.values), statesStyle(report.values)});
         add("global state", {shm::stateName(status.globalState), stateStyle(status.globalState)});
         add("status LED", {inspect::ledText(status.globalState)});
         add("last delivery", {newestText(status, input.now)});
+        if (report.values.oldest) {
+            add("oldest value", {oldestText(*report.values.oldest, input.now)});
+        }
+        if (status.ahead != 0) {
+            add("clock", {aheadText(status.ahead), Style::Warning});
+        }
     }
     table.print(context.out, context.isColoured);
 }
@@ -96,8 +138,27 @@ Json jsonObject(inspect::RegionStatus const& status, inspect::Findings const& fi
             {"findings", jsonFindings(findings)}};
 }
 
+Json jsonStates(Report const& report) {
+    auto const& values = report.values;
+    return {{"alarm", values.alarm},       {"warning", values.warning},
+            {"lost", values.lost},         {"never", values.never},
+            {"stale", values.stale},       {"staleAfterMs", report.staleAfter.count()},
+            {"ahead", report.status.ahead}};
+}
+
+Json jsonOldest(inspect::ValueSummary const& values, std::uint64_t now) {
+    if (!values.oldest) {
+        return nullptr;
+    }
+    auto const& oldest = *values.oldest;
+    return {{"svid", shm::svidText(oldest.point | oldest.key)},
+            {"path", inspect::valuePath(oldest.point, oldest.key)},
+            {"at", jsonMoment(oldest.at, now)}};
+}
+
 /// The members of the content; null when there is none.
-Json jsonContent(inspect::RegionStatus const& status, std::uint64_t now) {
+Json jsonContent(Report const& report, std::uint64_t now) {
+    auto const& status = report.status;
     if (!hasContent(status)) {
         return nullptr;
     }
@@ -107,7 +168,9 @@ Json jsonContent(inspect::RegionStatus const& status, std::uint64_t now) {
             {"values", jsonUse(status.valuesUsed, shm::MV_COUNT)},
             {"globalState", jsonState(status.globalState)},
             {"led", inspect::ledText(status.globalState)},
-            {"lastDelivery", jsonMoment(status.newest, now)}};
+            {"lastDelivery", jsonMoment(status.newest, now)},
+            {"valueStates", jsonStates(report)},
+            {"oldestValue", jsonOldest(report.values, now)}};
 }
 
 } // namespace
@@ -116,7 +179,7 @@ CLI::App& StatusCommand::define(CLI::App& app, OptionalOptions const& /*optional
     constexpr double longestAge = 1e9;
     auto& verb = *app.add_subcommand("status", "Print the condition and use of the region");
     verb.add_option("--max-age", maxAge_, "Report the region as silent if its newest delivery is older")
-        ->check(CLI::Range(0.0, longestAge).description(""))
+        ->check(finiteBetween(0.0, longestAge))
         ->type_name("SECONDS");
     return verb;
 }
@@ -127,9 +190,13 @@ int StatusCommand::run(CommandContext const& context) {
     if (maxAge_) {
         maxAge = secondsAs<std::chrono::milliseconds>(*maxAge_);
     }
-    auto const status = inspect::regionStatus(input.source, input.image, input.now, maxAge);
-    auto const findings = objectFindings(input);
-    auto const problems = treeProblems(input.image, inspect::PointTree(input.image));
+    auto const staleAfter = maxAge.value_or(inspect::STALE_AFTER);
+    inspect::PointTree const tree(input.image);
+    Report const report{inspect::regionStatus(input.source, input.image, input.now, maxAge),
+                        objectFindings(input),
+                        inspect::valueSummary(input.image, tree, input.now, staleAfter), staleAfter};
+    auto const& status = report.status;
+    auto const problems = treeProblems(input.image, tree);
     for (auto const& problem : problems) {
         context.tell("warning: " + problem);
     }
@@ -137,14 +204,14 @@ int StatusCommand::run(CommandContext const& context) {
         auto document = jsonDocument("status", input, problems);
         document["condition"] = inspect::conditionName(status.condition);
         document["problem"] = textOrNull(inspect::openingProblem(status.source));
-        document["object"] = jsonObject(status, findings);
-        document["content"] = jsonContent(status, input.now);
+        document["object"] = jsonObject(status, report.findings);
+        document["content"] = jsonContent(report, input.now);
         printJson(context.out, document);
     } else {
-        printText(status, input, findings, context);
+        printText(report, input, context);
     }
     bool const isWell =
-        status.condition == inspect::Condition::Active && problems.empty() && findings.empty();
+        status.condition == inspect::Condition::Active && problems.empty() && report.findings.empty();
     return isWell ? exitSuccess : exitFailure;
 }
 

@@ -7,6 +7,7 @@
 #include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/terminal/TextTable.h"
 #include "tools/qelshm/verbs/Json.h"
+#include "tools/qelshm/verbs/NameSelection.h"
 
 #include "format/StateName.h"
 #include "inspect/naming/PointPath.h"
@@ -41,10 +42,20 @@ void addValue(TextTable& table, ValueFacts const& value, std::uint32_t depth, st
                           ageText(value.at, now)});
 }
 
+/// @param values of the node, that are selected
+bool isShown(inspect::Image const& image, inspect::PointNode const& node,
+             std::vector<ValueFacts> const& values, NameSelection const& selection) {
+    return !values.empty() || selection.hasPoint(image.region().points[node.pos].guid);
+}
+
 } // namespace
 
 CLI::App& TreeCommand::define(CLI::App& app, OptionalOptions const& optional) {
     auto& verb = *app.add_subcommand("tree", "Print the points as a tree");
+    verb.footer("Examples:\n"
+                "  qelshm tree --values --depth 2\n"
+                "  qelshm tree 'unit1/inlet1/**' --values");
+    verb.add_option("NAME", names_, "Points and values to print; everything by default")->type_name("");
     auto* const values = verb.add_flag("--values", hasValues_, "Print the values, too");
     verb.add_option("--depth", depth_, "Maximum depth, 1 to 800")
         ->check(CLI::Range(1U, shm::MP_COUNT).description(""))
@@ -64,9 +75,11 @@ int TreeCommand::show(RegionView const& view, CommandContext const& context) {
 
 void TreeCommand::printText(RegionView const& view, CommandContext const& context) const {
     auto const& image = view.input.image;
+    NameSelection const selection(names_, image, view.tree);
     TextTable table;
     for (auto const& node : view.tree.nodes()) {
-        if (node.depth > depth_) {
+        auto const values = valuesOf(image, view.tree, node, selection);
+        if (node.depth > depth_ || !isShown(image, node, values, selection)) {
             continue;
         }
         auto const point = pointFacts(image, view.tree, node);
@@ -75,9 +88,9 @@ void TreeCommand::printText(RegionView const& view, CommandContext const& contex
             continue;
         }
         addPoint(table, point);
-        for (auto const pos : view.tree.valuesOf(node)) {
+        for (auto const& value : values) {
             if (hasValues_) {
-                addValue(table, valueFacts(image, node, pos), node.depth, view.input.now);
+                addValue(table, value, node.depth, view.input.now);
             }
         }
     }
@@ -86,15 +99,17 @@ void TreeCommand::printText(RegionView const& view, CommandContext const& contex
 
 void TreeCommand::printDocument(RegionView const& view, CommandContext const& context) const {
     auto const& image = view.input.image;
+    NameSelection const selection(names_, image, view.tree);
     auto document = jsonDocument("tree", view.input, view.warnings);
     auto& points = document["points"] = Json::array();
     for (auto const& node : view.tree.nodes()) {
-        if (node.depth > depth_) {
+        auto const values = valuesOf(image, view.tree, node, selection);
+        if (node.depth > depth_ || !isShown(image, node, values, selection)) {
             continue;
         }
         points.push_back(jsonPoint(pointFacts(image, view.tree, node), view.input.now));
         if (hasValues_) {
-            points.back()["values"] = jsonValues(valuesOf(image, view.tree, node), view.input.now);
+            points.back()["values"] = jsonValues(values, view.input.now);
         }
     }
     printJson(context.out, document);

@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/verbs/WatchCommand.h"
 
+#include "tools/common/Numbers.h"
 #include "tools/qelshm/watch/Watch.h"
 #include "tools/qelshm/watch/WatchedNames.h"
 
@@ -48,7 +49,7 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
         ->check(CLI::Range(std::uint64_t{1}, mostLines).description(""))
         ->type_name("LINES");
     verb.add_option("--interval", interval_, "Sampling interval, 0.01 to 3600")
-        ->check(CLI::Range(0.01, 3600.0).description(""))
+        ->check(finiteBetween(0.01, 3600.0))
         ->type_name("SECONDS")
         ->capture_default_str();
     verb.excludes(optional.image);

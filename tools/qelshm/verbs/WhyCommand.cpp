@@ -14,6 +14,7 @@
 #include "inspect/naming/PointFinder.h"
 #include "inspect/naming/PointPath.h"
 #include "inspect/why/Causes.h"
+#include "inspect/why/ValueSummary.h"
 
 #include <CLI/App.hpp>
 
@@ -35,7 +36,13 @@ std::string keyText(Cause const& cause) {
     return cause.key ? shm::keyName(*cause.key) : "own state";
 }
 
-void printText(std::string const& subject, Causes const& causes, RegionView const& view,
+std::string lostText(std::size_t count) {
+    return std::to_string(count) +
+           (count == 1 ? " value is Lost, which does not count" : " values are Lost, which does not count");
+}
+
+/// @param lost how many values are Lost
+void printText(std::string const& subject, Causes const& causes, std::size_t lost, RegionView const& view,
                CommandContext const& context) {
     TextTable table;
     if (causes.causes.empty()) {
@@ -48,6 +55,9 @@ void printText(std::string const& subject, Causes const& causes, RegionView cons
                                  .append(shm::stateName(causes.state))
                                  .append("; propagation results in ")
                                  .append(shm::stateName(causes.propagated))});
+    }
+    if (lost != 0) {
+        table.add(HeadLine, {{lostText(lost), stateStyle(eStatus_Lost)}});
     }
     for (auto const& cause : causes.causes) {
         table.add(CauseLine, {cause.path,
@@ -99,23 +109,26 @@ int WhyCommand::show(RegionView const& view, CommandContext const& context) {
     auto const& image = view.input.image;
     std::string subject = "the unit";
     auto causes = inspect::globalCauses(image, view.tree, view.input.now);
+    auto node = inspect::NO_NODE;
     if (!point_.empty()) {
-        auto const node = inspect::PointFinder(image, view.tree).point(point_);
+        node = inspect::PointFinder(image, view.tree).point(point_);
         subject = inspect::pointPath(image.region().points[view.tree.nodes().at(node).pos].guid);
         causes = inspect::pointCauses(image, view.tree, node, view.input.now);
     }
+    auto const lost = inspect::lostValues(image, view.tree, node);
     if (context.options.isJson) {
         auto document = jsonDocument("why", view.input, view.warnings);
         document["point"] = point_.empty() ? Json() : Json(subject);
         document["state"] = jsonState(causes.state);
         document["propagated"] = jsonState(causes.propagated);
+        document["lostValues"] = lost;
         auto& list = document["causes"] = Json::array();
         for (auto const& cause : causes.causes) {
             list.push_back(jsonCause(cause, view.input.now));
         }
         printJson(context.out, document);
     } else {
-        printText(subject, causes, view, context);
+        printText(subject, causes, lost, view, context);
     }
     return causes.causes.empty() ? exitSuccess : exitFailure;
 }

@@ -67,16 +67,4 @@ TEST(TextTableTest, TextThatCouldHarmATerminal_IsEscaped) {
     EXPECT_EQ("\\x1B[2J  x\n", printed(sut, true));
 }
 
-TEST(TextTableTest, WriteOutput_WritesTheText) {
-    std::ostringstream out;
-    writeOutput(out, "text\n");
-    EXPECT_EQ("text\n", out.str());
-}
-
-TEST(TextTableTest, WriteOutputToAFullDevice_Throws) {
-    std::ofstream out("/dev/full");
-    EXPECT_THAT([&] { writeOutput(out, "text\n"); },
-                testing::ThrowsMessage<std::runtime_error>("cannot write the output"));
-}
-
 } // namespace qel::tools

@@ -15,6 +15,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <limits>
+#include <memory>
+#include <utility>
+
 namespace qel::test {
 
 namespace {
@@ -53,6 +57,25 @@ TEST(CheckCommandTest, Note_IsNoDamage) {
     auto const outcome = runQelshm({"check", "--image", folder.add("unfolded")});
     EXPECT_EQ(0, outcome.status);
     EXPECT_THAT(outcome.output, testing::StartsWith("note  state-not-folded"));
+}
+
+TEST(CheckCommandTest, TimesThatCannotBe_AreFindings) {
+    ImageFolder const folder;
+    auto const image = sampleImage("healthy");
+    auto region = std::make_unique<shm::record::Region>(image.region());
+    region->values[0].at = std::numeric_limits<std::uint64_t>::max();
+    region->values[1].at = sampleTime + 3600000;
+    auto const file = folder.add("times.img", inspect::Image(std::move(region), image.size()));
+    auto const outcome = runQelshm({"check", "--image", file, "--now", std::to_string(sampleTime)});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_THAT(outcome.output,
+                testing::ContainsRegex(
+                    "^damage  time-out-of-range  value 0 of point 1  at  found "
+                    "18446744073709551615  expected ms since 1970, or 0 for never +byte 38408\n"
+                    "note    time-ahead         value 1 of point 1  at  found "
+                    "1700003600000 +expected ms since 1970 up to now, or 0 for never  byte 38440\n"));
+    EXPECT_THAT(runQelshm({"check", "--image", file}).output, testing::Not(testing::HasSubstr("time-ahead")))
+        << "by now it is over";
 }
 
 TEST(CheckCommandTest, LiveObjectOfAWriter_HasNothing) {

@@ -10,6 +10,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <memory>
+#include <utility>
+
 namespace qel::test {
 
 namespace {
@@ -56,6 +59,43 @@ TEST_F(FindCommandTest, Matches_AreLines) {
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ("0x010001ff01020013  unit1/inlet1/circuit1/socket2  Active Power  1234.5 W  High Alarm\n",
               outcome.output);
+}
+
+TEST_F(FindCommandTest, NameWithWildcardsOrAKey_SelectsPointsAndValues) {
+    EXPECT_EQ((Places{{"0x010001ff01020013", "name"}}), places("unit1/inlet1/circuit1/socket2:active-power"));
+    EXPECT_EQ((Places{{"0x010001ff01010001", "name"},
+                      {"0x010001ff01020001", "name"},
+                      {"0x010001ff01030001", "name"}}),
+              places("unit1/**/socket*:voltage"));
+    EXPECT_EQ((Places{{"0x01010101ffff0000", "path"},
+                      {"0x01010101ffff0100", "name"},
+                      {"0x01010101ffff0101", "name"}}),
+              places("unit1/s*"));
+    auto const outcome = find({"unit1/**:voltag"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: nothing matches \"unit1/**:voltag\"; the nearest name is unit1/inlet1:voltage\n",
+              outcome.errors);
+}
+
+TEST_F(FindCommandTest, OlderThan_LeavesOnlyOldValues) {
+    auto const image = sampleImage("alarm");
+    auto region = std::make_unique<shm::record::Region>(image.region());
+    region->values[0].at -= 18000000;
+    auto const file = folder_.add("old.img", inspect::Image(std::move(region), image.size()));
+    auto const now = std::to_string(sampleTime + 10000);
+    std::string const line = "0x010001ffffff0001  unit1/inlet1  Voltage  230.1 V  No Error  5 h 0 min\n";
+    for (auto const* const age : {"10s", "10", "5m", "2h", "4.9h"}) {
+        auto const outcome = runQelshm({"find", "--older-than", age, "--image", file, "--now", now});
+        EXPECT_EQ(0, outcome.status) << age;
+        EXPECT_EQ(line, outcome.output) << age;
+    }
+    EXPECT_EQ(1, runQelshm({"find", "--older-than", "6h", "--image", file, "--now", now}).status);
+    EXPECT_EQ(1, runQelshm({"find", "humidity", "--older-than", "1m", "--image", file, "--now", now}).status);
+    EXPECT_EQ(line,
+              runQelshm({"find", "unit1/**:v*", "--older-than", "1m", "--image", file, "--now", now}).output);
+    auto const document = nlohmann::json::parse(
+        runQelshm({"find", "--older-than", "1m", "--json", "--image", file, "--now", now}).output);
+    EXPECT_EQ(nlohmann::json({"age"}), document.at("matches").at(0).at("in"));
 }
 
 TEST_F(FindCommandTest, TextThatOccursNowhere_IsStatusOne) {

@@ -90,6 +90,16 @@ TEST(ListCommandTest, Lines_AreThoseOfAllPointsAndValues) {
     EXPECT_EQ(lines, std::count(text.begin(), text.end(), '\n'));
 }
 
+TEST(ListCommandTest, Names_LeaveOnlyWhatTheySelect) {
+    ImageFolder const folder;
+    auto const file = folder.add("healthy");
+    EXPECT_EQ("0x0100ffffffff0000  unit1            Master                           On\n"
+              "0x01010101ffff0000  unit1/sensor1.1  I2C Temperature-Humidity Sensor  On\n"
+              "  0x01010101ffff0101  Humidity  40.0 %  No Error  2023-11-14T22:13:20Z  5.0 s\n",
+              runQelshm({"list", "unit1", "unit1/*:hum*", "--image", file, "--now", now}).output);
+    EXPECT_EQ(1, runQelshm({"list", "unit1", "unit2", "--image", file}).status);
+}
+
 TEST(ListCommandTest, NothingThere_IsAFailure) {
     auto const outcome = runQelshm({"list"});
     EXPECT_EQ(1, outcome.status);
@@ -116,6 +126,10 @@ TEST_F(ListCommandGetTest, Value_IsOneLine) {
                                                {"unit1/sensor1.1", "0x101"},
                                                {"unit1/sensor1.1", "257"},
                                                {"0x01010101ffff0000", "Humidity"},
+                                               {"unit1/sensor1.1:humidity"},
+                                               {"UNIT1/sensor1.1:0x101"},
+                                               {"0x01010101ffff0000:humidity"},
+                                               {"unit1/sensor*:h*"},
                                                {"0x01010101ffff0101"}}) {
         auto const outcome = get(arguments);
         EXPECT_EQ(0, outcome.status);
@@ -134,6 +148,51 @@ TEST_F(ListCommandGetTest, UnknownPoint_NamesTheNearestOne) {
     EXPECT_EQ("", outcome.output);
     EXPECT_EQ("qelshm: there is no point \"unit1/sensor1.2\"; the nearest one is unit1/sensor1.1\n",
               outcome.errors);
+}
+
+TEST_F(ListCommandGetTest, UnknownId_HasNoNearestOne) {
+    EXPECT_EQ("qelshm: there is no point \"0x01010101fffe0000\"\n", get({"0x01010101fffe0000"}).errors);
+}
+
+TEST_F(ListCommandGetTest, KeyOfAnId_IsHexadecimalInErrors) {
+    EXPECT_EQ("qelshm: unit1/sensor1.1 has no value \"0x0013\"; it has Temperature, Humidity\n",
+              get({"0x01010101ffff0013"}).errors);
+}
+
+TEST_F(ListCommandGetTest, Wildcards_SelectSeveralValues) {
+    auto const outcome = get({"unit1/**:active-power"});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(
+        "2023-11-14T22:13:20Z  unit1/inlet1                   Active Power  1234.5 W  No Error        5.0 s\n"
+        "2023-11-14T22:13:20Z  unit1/inlet1/circuit1/socket1  Active Power  1234.5 W  No Error        5.0 s\n"
+        "2023-11-14T22:13:20Z  unit1/inlet1/circuit1/socket2  Active Power  1234.5 W  No Error        5.0 s\n"
+        "-                     unit1/inlet1/circuit1/socket3  Active Power  n/a       Expected Value  -\n",
+        outcome.output);
+    EXPECT_EQ(outcome.output, get({"unit1/**", "active power"}).output);
+    auto const document = nlohmann::json::parse(get({"--json", "unit1/**:active-power"}).output);
+    EXPECT_TRUE(document.at("point").is_null());
+    ASSERT_EQ(4U, document.at("points").size());
+    EXPECT_EQ(1U, document.at("points").at(3).at("values").size());
+}
+
+TEST_F(ListCommandGetTest, Wildcards_SelectSeveralPoints) {
+    auto const outcome = get({"unit1/inlet1/circuit1/socket[12]"});
+    EXPECT_THAT(outcome.output,
+                testing::StartsWith("0x010001ff01010000  unit1/inlet1/circuit1/socket1  Schuko  On\n"));
+    EXPECT_EQ(8, std::count(outcome.output.begin(), outcome.output.end(), '\n'));
+}
+
+TEST_F(ListCommandGetTest, WildcardsThatMatchNothing_NameTheNearestName) {
+    auto const points = get({"unit1/inlt*"});
+    EXPECT_EQ(1, points.status);
+    EXPECT_EQ("qelshm: nothing matches \"unit1/inlt*\"; the nearest name is unit1/inlet1\n", points.errors);
+    EXPECT_EQ(
+        "qelshm: nothing matches \"unit1/sensor*:humi\"; the nearest name is unit1/sensor1.1:humidity\n",
+        get({"unit1/sensor*:humi"}).errors);
+    EXPECT_EQ("qelshm: unit1/sensor1.1 has no value \"humid\"; it has Temperature, Humidity\n",
+              get({"unit1/sensor1.1:humid"}).errors);
+    EXPECT_EQ("qelshm: \"unit1:state\" names a value already; \"1\" is one too many\n",
+              get({"unit1:state", "1"}).errors);
 }
 
 TEST_F(ListCommandGetTest, UnknownKey_NamesTheOnesThatAreThere) {

@@ -16,6 +16,9 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <memory>
+#include <utility>
+
 namespace qel::test {
 
 namespace {
@@ -28,6 +31,18 @@ std::string const late = std::to_string(sampleTime + 60001);
 
 std::string conditionOf(QelshmOutcome const& outcome) {
     return nlohmann::json::parse(outcome.output).at("condition");
+}
+
+nlohmann::json contentOf(QelshmOutcome const& outcome) {
+    return nlohmann::json::parse(outcome.output).at("content");
+}
+
+/// The healthy unit with its first value, the inlet's voltage, changed.
+inspect::Image withValue(void (*change)(shm::record::QelShmMVal& value)) {
+    auto const image = sampleImage("healthy");
+    auto region = std::make_unique<shm::record::Region>(image.region());
+    change(region->values[0]);
+    return {std::move(region), image.size()};
 }
 
 } // namespace
@@ -124,6 +139,47 @@ TEST(StatusCommandTest, MaxAge_TellsASilentRegion) {
     EXPECT_EQ("silent", conditionOf(silent));
     EXPECT_EQ("active", conditionOf(runQelshm(
                             {"status", "--json", "--max-age", "60.002", "--image", file, "--now", late})));
+}
+
+TEST(StatusCommandTest, Values_AreCountedByState) {
+    ImageFolder const folder;
+    EXPECT_THAT(runQelshm({"status", "--image", folder.add("alarm"), "--now", soon}).output,
+                HasSubstr("\nvalue states   1 alarm, 0 warning, 0 lost, 3 never delivered, 0 stale\n"));
+    EXPECT_THAT(runQelshm({"status", "--image", folder.add("warning"), "--now", soon}).output,
+                HasSubstr("\nvalue states   0 alarm, 1 warning, 0 lost, "));
+    auto const file =
+        folder.add("lost.img", withValue([](shm::record::QelShmMVal& value) { value.state = eStatus_Lost; }));
+    EXPECT_THAT(runQelshm({"status", "--image", file, "--color", "always"}).output,
+                HasSubstr("\x1b[31m0 alarm, 0 warning, 1 lost, 3 never delivered, 0 stale\x1b[0m\n"));
+    auto const states = contentOf(runQelshm({"status", "--json", "--image", file})).at("valueStates");
+    EXPECT_EQ(1, states.at("lost"));
+    EXPECT_EQ(3, states.at("never"));
+}
+
+TEST(StatusCommandTest, OneOldValueAmongFreshOnes_IsNamedWithItsAge) {
+    ImageFolder const folder;
+    auto const file =
+        folder.add("old.img", withValue([](shm::record::QelShmMVal& value) { value.at -= 18000000; }));
+    auto const text = runQelshm({"status", "--image", file, "--now", soon}).output;
+    EXPECT_THAT(text, HasSubstr(" 1 stale\n"));
+    EXPECT_THAT(text, HasSubstr("\noldest value   unit1/inlet1:voltage, 5 h 0 min ago\n"));
+    auto const content = contentOf(runQelshm({"status", "--json", "--image", file, "--now", soon}));
+    EXPECT_EQ("unit1/inlet1:voltage", content.at("oldestValue").at("path"));
+    EXPECT_EQ("0x010001ffffff0001", content.at("oldestValue").at("svid"));
+    EXPECT_EQ(18005000, content.at("oldestValue").at("at").at("ageMs"));
+}
+
+TEST(StatusCommandTest, MaxAge_IsNotDeceivedByADeliveryAheadOfTheClock) {
+    ImageFolder const folder;
+    auto const file =
+        folder.add("ahead.img", withValue([](shm::record::QelShmMVal& value) { value.at += 3600000; }));
+    auto const silent = runQelshm({"status", "--max-age", "60", "--image", file, "--now", late});
+    EXPECT_EQ(1, silent.status);
+    EXPECT_THAT(silent.output, HasSubstr("condition      silent\n"));
+    EXPECT_THAT(silent.output,
+                HasSubstr("\nclock          1 value has a time ahead of this machine's clock\n"));
+    auto const current = runQelshm({"status", "--max-age", "60", "--image", file, "--now", soon});
+    EXPECT_EQ(0, current.status) << "the other values are fresh";
 }
 
 TEST(StatusCommandTest, GlobalState_HasTheColourOfItsLed) {

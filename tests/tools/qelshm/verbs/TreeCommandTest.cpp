@@ -56,6 +56,16 @@ TEST_F(TreeCommandTest, Depth_LeavesDeeperLevelsOut) {
     EXPECT_EQ("unit1\nunit1/inlet1\nunit1/sensor1.1\ngroup1\n", tree({"--paths", "--depth", "2"}).output);
 }
 
+TEST_F(TreeCommandTest, Names_LeaveOnlyWhatTheySelect) {
+    EXPECT_EQ("unit1/inlet1/circuit1/socket1\nunit1/inlet1/circuit1/socket2\nunit1/inlet1/circuit1/socket3\n",
+              tree({"--paths", "unit1/**/socket*"}).output);
+    EXPECT_EQ("  unit1/sensor1.1  sensor  I2C Temperature-Humidity Sensor  On\n"
+              "    Humidity  40.0 %  No Error  5.0 s\n",
+              tree({"--values", "unit1/sensor1.1:humidity"}).output);
+    EXPECT_EQ(1U, nlohmann::json::parse(tree({"--json", "group1"}).output).at("points").size());
+    EXPECT_EQ(1, tree({"unit9"}).status);
+}
+
 TEST_F(TreeCommandTest, Paths_ArePrintedAlone) {
     EXPECT_EQ("unit1\nunit1/inlet1\nunit1/inlet1/circuit1\nunit1/inlet1/circuit1/socket1\n"
               "unit1/inlet1/circuit1/socket2\nunit1/inlet1/circuit1/socket3\nunit1/sensor1.1\ngroup1\n",

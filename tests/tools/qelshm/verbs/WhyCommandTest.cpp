@@ -10,6 +10,9 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <memory>
+#include <utility>
+
 namespace qel::test {
 
 namespace {
@@ -23,6 +26,24 @@ TEST(WhyCommandTest, UnitThatIsOn_HasNoCause) {
     auto const outcome = runQelshm({"why", "--image", folder.add("healthy")});
     EXPECT_EQ(0, outcome.status);
     EXPECT_EQ("the unit is On\n", outcome.output);
+}
+
+TEST(WhyCommandTest, LostValues_AreCountedAlthoughTheyAreNoCause) {
+    ImageFolder const folder;
+    auto const image = sampleImage("healthy");
+    auto region = std::make_unique<shm::record::Region>(image.region());
+    region->values[0].state = eStatus_Lost; // of the inlet
+    auto const one =
+        folder.add("one.img", inspect::Image(std::make_unique<shm::record::Region>(*region), image.size()));
+    region->values[1].state = eStatus_Lost;
+    auto const two = folder.add("two.img", inspect::Image(std::move(region), image.size()));
+    auto const outcome = runQelshm({"why", "--image", two});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ("the unit is On\n2 values are Lost, which does not count\n", outcome.output);
+    EXPECT_EQ("unit1/inlet1 is On\n1 value is Lost, which does not count\n",
+              runQelshm({"why", "unit1/inlet1", "--image", one}).output);
+    EXPECT_EQ("unit1/sensor1.1 is On\n", runQelshm({"why", "unit1/sensor1.1", "--image", two}).output);
+    EXPECT_EQ(2, nlohmann::json::parse(runQelshm({"why", "--json", "--image", two}).output).at("lostValues"));
 }
 
 TEST(WhyCommandTest, Alarm_IsShownWithItsWayUp) {

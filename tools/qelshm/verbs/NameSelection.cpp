@@ -1,0 +1,130 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/NameSelection.h"
+
+#include "format/HexText.h"
+#include "inspect/naming/Nearest.h"
+#include "inspect/naming/PointFinder.h"
+#include "inspect/naming/PointPath.h"
+#include "inspect/naming/ValuePath.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace qel::tools {
+
+namespace {
+
+using inspect::ValuePattern;
+
+std::string keyNumber(unsigned short key) {
+    constexpr std::size_t digits = 4;
+    return shm::hexText(key, digits);
+}
+
+/// Calls a function with the point's id and each of its keys.
+template <typename Function>
+bool anyValue(inspect::Image const& image, inspect::PointTree const& tree, Function const& function) {
+    for (auto const& node : tree.nodes()) {
+        auto const point = image.region().points[node.pos].guid;
+        for (auto const pos : tree.valuesOf(node)) {
+            if (function(point, image.region().values[pos].key)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+bool selectsAnything(ValuePattern const& pattern, inspect::Image const& image,
+                     inspect::PointTree const& tree) {
+    if (pattern.hasKey()) {
+        return anyValue(image, tree,
+                        [&](long long point, unsigned short key) { return pattern.matches(point, key); });
+    }
+    return std::any_of(tree.nodes().begin(), tree.nodes().end(), [&](inspect::PointNode const& node) {
+        return pattern.matchesPoint(image.region().points[node.pos].guid);
+    });
+}
+
+[[noreturn]] void nothingMatches(std::string const& name, inspect::Image const& image,
+                                 inspect::PointTree const& tree) {
+    inspect::Nearest nearest(name);
+    if (partsOf(name).key) {
+        anyValue(image, tree, [&](long long point, unsigned short key) {
+            nearest.add(inspect::valuePath(point, key));
+            return false;
+        });
+    } else {
+        for (auto const& node : tree.nodes()) {
+            nearest.add(inspect::pointPath(image.region().points[node.pos].guid));
+        }
+    }
+    throw inspect::NotFoundError("nothing matches \"" + name + "\"" +
+                                 (nearest.candidate().empty()
+                                      ? "; there is nothing to match"
+                                      : "; the nearest name is " + nearest.candidate()));
+}
+
+/// Finds what a name without wildcards names.
+ValuePattern literalPattern(std::string const& name, inspect::Image const& image,
+                            inspect::PointTree const& tree) {
+    auto const parts = partsOf(name);
+    inspect::PointFinder const finder(image, tree);
+    auto const node = finder.point(parts.point);
+    auto const point = image.region().points[tree.nodes()[node].pos].guid;
+    auto const keyOfId = inspect::keyInText(parts.point);
+    if (!parts.key && !keyOfId) {
+        return ValuePattern(inspect::pointPath(point));
+    }
+    auto const pos = finder.value(node, parts.key ? *parts.key : keyNumber(*keyOfId));
+    return ValuePattern(inspect::pointPath(point) + ':' + keyNumber(image.region().values[pos].key));
+}
+
+} // namespace
+
+NameParts partsOf(std::string_view name) {
+    auto const separator = name.find(':');
+    return {std::string(name.substr(0, separator)),
+            separator == std::string_view::npos ? std::nullopt
+                                                : std::optional(std::string(name.substr(separator + 1)))};
+}
+
+bool hasWildcards(std::string_view name) {
+    return name.find_first_of("*?[") != std::string_view::npos;
+}
+
+NameSelection::NameSelection(std::vector<std::string> const& names, inspect::Image const& image,
+                             inspect::PointTree const& tree) {
+    for (auto const& name : names) {
+        if (!hasWildcards(name)) {
+            patterns_.push_back(literalPattern(name, image, tree));
+            continue;
+        }
+        auto const key = partsOf(name).key;
+        if (key && !hasWildcards(*key) && !inspect::parseKey(*key)) {
+            nothingMatches(name, image, tree); // there is no such key at all
+        }
+        ValuePattern pattern(name);
+        if (!selectsAnything(pattern, image, tree)) {
+            nothingMatches(name, image, tree);
+        }
+        patterns_.push_back(std::move(pattern));
+    }
+}
+
+bool NameSelection::hasPoint(long long point) const {
+    return patterns_.empty() ||
+           std::any_of(patterns_.begin(), patterns_.end(), [&](ValuePattern const& pattern) {
+               return !pattern.hasKey() && pattern.matchesPoint(point);
+           });
+}
+
+bool NameSelection::hasValue(long long point, unsigned short key) const {
+    return patterns_.empty() ||
+           std::any_of(patterns_.begin(), patterns_.end(),
+                       [&](ValuePattern const& pattern) { return pattern.matches(point, key); });
+}
+
+} // namespace qel::tools
