@@ -11,14 +11,6 @@ namespace qel::inspect {
 
 namespace {
 
-constexpr std::uint64_t leastGap = 1000; // ms
-constexpr std::uint64_t usualTimes = 4;
-
-/// The next longer time without a sample is a gap.
-std::uint64_t longestPause(CaptureTimeline const& timeline) {
-    return std::max(timeline.interval() * usualTimes, leastGap);
-}
-
 /// Whether values that stayed where they were lost their time of delivery: only a new region begins without.
 bool isRestart(Image const& before, Image const& after) {
     PointTree const tree(after);
@@ -67,7 +59,8 @@ private:
         }
         wasLeft_ = false;
         for (auto& difference : differences(*last_, image)) {
-            if (difference.kind != DifferenceKind::ValueNumber && difference.kind != DifferenceKind::Version) {
+            if (difference.kind != DifferenceKind::ValueNumber &&
+                difference.kind != DifferenceKind::Version) {
                 take_({time_, CaptureEvent::Kind::Change, 0, std::move(difference)});
             }
         }
@@ -99,20 +92,19 @@ char const* eventName(CaptureEvent const& event) {
 
 void CaptureLog::read(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
                       Handler const& handler) const {
-    Reading reading(longestPause(timeline), [&](CaptureEvent const& event) {
+    Reading reading(timeline.longestPause(), [&](CaptureEvent const& event) {
         bool const isWanted = !event.difference || isSelected(*event.difference);
         if (isWanted && event.time >= from && event.time <= until) {
             handler(event);
         }
     });
-    CaptureReader reader(timeline.path());
-    while (reader.samples() < timeline.samples() && reader.advance() && reader.moment() <= until) {
-        reading.add(reader);
-    }
+    forEachSample(timeline, timeline.first(), until,
+                  [&](CaptureReader const& reader, auto /*next*/) { reading.add(reader); });
 }
 
 bool CaptureLog::isSelected(Difference const& difference) const {
-    return patterns_.empty() || std::any_of(patterns_.begin(), patterns_.end(), [&](ValuePattern const& pattern) {
+    return patterns_.empty() ||
+           std::any_of(patterns_.begin(), patterns_.end(), [&](ValuePattern const& pattern) {
                if (difference.kind == DifferenceKind::GlobalState) {
                    return false;
                }

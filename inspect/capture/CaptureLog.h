@@ -27,15 +27,15 @@ struct CaptureEvent {
 
     std::uint64_t time; ///< ms since 1970 UTC; of a gap: of the sample behind it
     Kind kind;
-    std::uint64_t gap;                    ///< length of a gap in ms
-    std::optional<Difference> difference; ///< of a change; neither a number nor the region's version or activity
+    std::uint64_t gap; ///< length of a gap in ms
+    std::optional<Difference>
+        difference; ///< of a change; neither a number nor the region's version or activity
 };
 
 /// "inactive", "restart", "gap", or the kind of the difference. Reentrant.
 char const* eventName(CaptureEvent const& event);
 
-/// Finds changes of states and structure, restarts of the writer and gaps. A gap is more than four times the usual
-/// interval without a sample, and more than a second. While the region is not active nothing is compared; the next
+/// Finds changes of states and structure, restarts of the writer and gaps (see CaptureTimeline::longestPause()). While the region is not active nothing is compared; the next
 /// active sample is compared with the last one.
 ///
 /// Threads: reentrant.
@@ -52,7 +52,8 @@ public:
     /// @param from  ms since 1970 UTC; events before are left out
     /// @param until ms since 1970 UTC; events after are left out
     /// @throws CaptureError if the file cannot be read any more
-    void read(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until, Handler const& handler) const;
+    void read(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
+              Handler const& handler) const;
 
 private:
     bool isSelected(Difference const& difference) const;

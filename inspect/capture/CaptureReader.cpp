@@ -127,8 +127,11 @@ bool isCapture(std::string const& path) {
     }
     std::array<char, CAPTURE_MAGIC.size()> bytes{};
     auto const count = ::pread(file.number(), bytes.data(), bytes.size(), 0);
-    return count == static_cast<ssize_t>(bytes.size()) &&
-           std::string_view(bytes.data(), bytes.size()) == CAPTURE_MAGIC;
+    return count == static_cast<ssize_t>(bytes.size()) && beginsAsCapture({bytes.data(), bytes.size()});
+}
+
+bool beginsAsCapture(std::string_view bytes) {
+    return bytes.substr(0, CAPTURE_MAGIC.size()) == CAPTURE_MAGIC;
 }
 
 } // namespace qel::inspect

@@ -15,13 +15,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace qel::inspect {
 
 /// The region at one moment of a capture.
 struct CaptureSample {
-    std::uint64_t time; ///< ms since the start of the capture
-    Image image;        ///< equal to the captured one in size and in every byte
+    std::uint64_t time = 0; ///< ms since the start of the capture
+    Image image;            ///< equal to the captured one in size and in every byte
 };
 
 /// Reads the samples of a capture (see CaptureFormat.h) in turn, from a file or a pipe.
@@ -94,5 +95,8 @@ private:
 
 /// Whether a regular file begins as a capture does, whatever its name. False if it cannot be read. Reentrant.
 bool isCapture(std::string const& path);
+
+/// Whether these are the first bytes of a capture. Reentrant.
+bool beginsAsCapture(std::string_view bytes);
 
 } // namespace qel::inspect

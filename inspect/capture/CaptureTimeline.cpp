@@ -37,8 +37,10 @@ CaptureTimeline::CaptureTimeline(std::string path) : path_(std::move(path)) {
         damage_ = error.what();
     }
     samples_ = reader.samples();
+    lastImage_ = reader.region().image();
     if (samples_ == 0) {
-        throw CaptureError(damage_.empty() ? "cannot read " + path_ + ": the capture holds no sample" : damage_);
+        throw CaptureError(damage_.empty() ? "cannot read " + path_ + ": the capture holds no sample"
+                                           : damage_);
     }
 }
 
@@ -49,14 +51,19 @@ void CaptureTimeline::note(std::uint64_t elapsed) {
 }
 
 std::uint64_t CaptureTimeline::interval() const {
-    auto const& usual =
-        *std::max_element(intervals_.begin(), intervals_.end(), [](Intervals const& left, Intervals const& right) {
-            return left.count < right.count;
-        });
+    auto const& usual = *std::max_element(
+        intervals_.begin(), intervals_.end(),
+        [](Intervals const& left, Intervals const& right) { return left.count < right.count; });
     constexpr double longest = 9e15; // exact as a double
     return usual.count == 0
                ? 0
                : static_cast<std::uint64_t>(std::min(usual.sum / static_cast<double>(usual.count), longest));
+}
+
+std::uint64_t CaptureTimeline::longestPause() const {
+    constexpr std::uint64_t least = 1000; // ms
+    constexpr std::uint64_t intervals = 4;
+    return std::max(interval() * intervals, least);
 }
 
 std::optional<std::uint64_t> CaptureTimeline::timeOf(CaptureMoment const& moment) const {
@@ -73,15 +80,35 @@ std::optional<std::uint64_t> CaptureTimeline::timeOf(CaptureMoment const& moment
 }
 
 CaptureSample CaptureTimeline::at(std::uint64_t time) const {
-    CaptureReader reader(path_);
-    for (std::uint64_t left = samples_; left != 0; --left) {
-        auto const next = reader.nextMoment();
-        if (!next || *next > time) {
-            break;
-        }
+    if (time >= last_) {
+        return {last_, lastImage_};
+    }
+    CaptureSample sample;
+    forEachSample(*this, time, time, [&](CaptureReader const& reader, auto /*next*/) {
+        sample = {reader.moment(), reader.region().image()};
+    });
+    return sample;
+}
+
+void forEachSample(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
+                   SampleVisit const& visit) {
+    CaptureReader reader(timeline.path());
+    auto const nextUpTo = [&](std::uint64_t limit) {
+        auto const next = reader.samples() < timeline.samples() ? reader.nextMoment() : std::nullopt;
+        return next && *next <= limit ? next : std::nullopt;
+    };
+    while (nextUpTo(from)) {
         reader.advance();
     }
-    return {reader.moment(), reader.region().image()};
+    auto next = nextUpTo(until);
+    if (reader.samples() != 0) {
+        visit(reader, next);
+    }
+    while (next) {
+        reader.advance();
+        next = nextUpTo(until);
+        visit(reader, next);
+    }
 }
 
 } // namespace qel::inspect

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -52,6 +53,9 @@ public:
     /// The usual time between two samples in ms: the mean of those that are alike. 0 for a single sample.
     std::uint64_t interval() const;
 
+    /// The longest usual time between two samples in ms: four intervals, at least a second. A longer one is a gap.
+    std::uint64_t longestPause() const;
+
     /// What is wrong with the file, one line for the user; "" if it is whole.
     std::string const& damage() const { return damage_; }
 
@@ -78,8 +82,21 @@ private:
     std::uint64_t first_ = 0;
     std::uint64_t last_ = 0;
     std::uint64_t samples_ = 0;
+    Image lastImage_;
     std::string damage_;
     std::array<Intervals, 65> intervals_{};
 };
+
+/// Takes a sample, and the time of the next one in ms since 1970 UTC.
+using SampleVisit = std::function<void(CaptureReader const& reader, std::optional<std::uint64_t> next)>;
+
+/// Goes through the complete samples of a part of a capture. The first one is the last sample up to its start.
+/// Reentrant.
+/// @param from  ms since 1970 UTC
+/// @param until ms since 1970 UTC
+/// @param visit called behind each sample with the reader, and the time of the next sample; none for the last one
+/// @throws CaptureError if the file cannot be read any more
+void forEachSample(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
+                   SampleVisit const& visit);
 
 } // namespace qel::inspect

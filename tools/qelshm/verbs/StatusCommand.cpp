@@ -59,8 +59,7 @@ void printText(inspect::RegionStatus const& status, RegionInput const& input,
     if (!hasContent(status)) {
         add("reason", {inspect::openingProblem(status.source)});
     }
-    add("source",
-        {input.file.empty() ? std::string("live object ") + shm::REGION_NAME : "image " + input.file});
+    add("source", {sourceText(input)});
     if (auto const& object = status.source.object) {
         add("owner", {inspect::userName(object->uid) + ':' + inspect::groupName(object->gid)});
         add("mode", {inspect::modeText(object->mode)});
