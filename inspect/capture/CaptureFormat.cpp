@@ -12,7 +12,6 @@ namespace qel::inspect {
 
 namespace {
 
-constexpr std::string_view magic = "QELSHREC";
 constexpr std::uint32_t formatVersion = 1;
 constexpr std::size_t versionOffset = 8;
 constexpr std::size_t regionSizeOffset = 12;
@@ -21,7 +20,7 @@ constexpr std::size_t headerCrcOffset = 24;
 constexpr std::size_t frameCrcOffset = 4;
 constexpr std::size_t leastContent = 2;
 
-constexpr std::size_t wordSize = 8;
+constexpr auto wordSize = CAPTURE_WORD_SIZE;
 constexpr std::size_t wordCount = shm::REGION_SIZE / wordSize;
 static_assert(shm::REGION_SIZE % wordSize == 0);
 
@@ -60,6 +59,7 @@ public:
     explicit ContentReader(std::string_view content) : left_(content) {}
 
     bool isAtEnd() const { return left_.empty(); }
+    std::string_view rest() const { return left_; }
 
     std::uint64_t varint() {
         std::uint64_t number = 0;
@@ -124,8 +124,11 @@ void appendRuns(std::string& content, Image const& before, Image const& after) {
     }
 }
 
-void applyRuns(ContentReader& content, shm::record::Region& region) {
-    auto* const bytes = reinterpret_cast<unsigned char*>(&region);
+/// Reads the runs to their end.
+/// @throws std::invalid_argument at a run that is not within the region
+template <typename Handler>
+void readRuns(std::string_view runs, Handler const& handler) {
+    ContentReader content(runs);
     std::size_t word = 0;
     while (!content.isAtEnd()) {
         auto const skipped = content.varint();
@@ -135,8 +138,7 @@ void applyRuns(ContentReader& content, shm::record::Region& region) {
             throw std::invalid_argument("changes outside the region");
         }
         word += static_cast<std::size_t>(skipped);
-        auto const words = content.take(static_cast<std::size_t>(count) * wordSize);
-        std::memcpy(bytes + word * wordSize, words.data(), words.size());
+        handler(word, content.take(static_cast<std::size_t>(count) * wordSize));
         word += static_cast<std::size_t>(count);
     }
 }
@@ -144,7 +146,7 @@ void applyRuns(ContentReader& content, shm::record::Region& region) {
 } // namespace
 
 std::string captureHeader(std::uint64_t startTime) {
-    std::string header(magic);
+    std::string header(CAPTURE_MAGIC);
     appendNumber(header, formatVersion);
     appendNumber(header, static_cast<std::uint32_t>(shm::REGION_SIZE));
     appendNumber(header, startTime);
@@ -153,7 +155,7 @@ std::string captureHeader(std::uint64_t startTime) {
 }
 
 std::uint64_t captureStart(std::string_view header) {
-    if (header.substr(0, magic.size()) != magic) {
+    if (header.substr(0, CAPTURE_MAGIC.size()) != CAPTURE_MAGIC) {
         throw std::invalid_argument("it is not a capture");
     }
     if (numberAt<std::uint32_t>(header, headerCrcOffset) != crcOf(header.substr(0, headerCrcOffset))) {
@@ -186,16 +188,30 @@ std::optional<std::size_t> contentSize(std::string_view head) {
     return size >= leastContent && size <= FRAME_MAX_CONTENT ? std::optional(size) : std::nullopt;
 }
 
-Frame frameFrom(std::string_view head, std::string_view content, Image const& before) {
+CheckedFrame checkedFrame(std::string_view head, std::string_view content) {
     if (numberAt<std::uint32_t>(head, frameCrcOffset) != crcOf(head.substr(0, frameCrcOffset), content)) {
         throw std::invalid_argument("the checksum is wrong");
     }
     ContentReader reader(content);
-    auto const elapsed = reader.varint();
-    auto const size = reader.varint();
+    CheckedFrame frame{};
+    frame.elapsed = reader.varint();
+    frame.size = reader.varint();
+    frame.runs = reader.rest();
+    readRuns(frame.runs, [](std::size_t /*word*/, std::string_view /*words*/) {});
+    return frame;
+}
+
+void forEachRun(CheckedFrame const& frame, RunHandler const& handler) {
+    readRuns(frame.runs, handler);
+}
+
+Frame frameFrom(std::string_view head, std::string_view content, Image const& before) {
+    auto const frame = checkedFrame(head, content);
     auto region = std::make_unique<shm::record::Region>(before.region());
-    applyRuns(reader, *region);
-    return {elapsed, Image(std::move(region), size)};
+    forEachRun(frame, [&](std::size_t word, std::string_view words) {
+        std::memcpy(reinterpret_cast<unsigned char*>(region.get()) + word * wordSize, words.data(), words.size());
+    });
+    return {frame.elapsed, Image(std::move(region), frame.size)};
 }
 
 } // namespace qel::inspect

@@ -42,6 +42,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -56,9 +57,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+constexpr std::string_view CAPTURE_MAGIC = "QELSHREC"; ///< the first bytes of a capture
 constexpr std::size_t CAPTURE_HEADER_SIZE = 28;
 constexpr std::size_t FRAME_HEAD_SIZE = 8; ///< the bytes of a frame before its content
 constexpr std::size_t FRAME_MAX_CONTENT = std::size_t{2} * 1024 * 1024;
+constexpr std::size_t CAPTURE_WORD_SIZE = 8;
 
 /// Makes the header of a capture. Reentrant.
 /// @param startTime ms since 1970 UTC
@@ -78,6 +81,25 @@ std::string frameOf(std::uint64_t elapsed, Image const& before, Image const& aft
 /// @param head FRAME_HEAD_SIZE bytes
 /// @return none if no frame has such a size
 std::optional<std::size_t> contentSize(std::string_view head);
+
+/// The content of a frame whose every number was checked. Valid while the content lives.
+struct CheckedFrame {
+    std::uint64_t elapsed; ///< ms since the previous sample
+    std::uint64_t size;    ///< how many bytes the image's source had
+    std::string_view runs;
+};
+
+/// Checks a frame to its end. Reentrant.
+/// @param head    FRAME_HEAD_SIZE bytes
+/// @param content contentSize() bytes
+/// @throws std::invalid_argument with what is wrong in the frame
+CheckedFrame checkedFrame(std::string_view head, std::string_view content);
+
+/// Takes a run of changed words: the index of the first word in the region, and their bytes.
+using RunHandler = std::function<void(std::size_t word, std::string_view words)>;
+
+/// Calls the handler for each run, in the order of the region. Reentrant.
+void forEachRun(CheckedFrame const& frame, RunHandler const& handler);
 
 /// The content of a frame.
 struct Frame {

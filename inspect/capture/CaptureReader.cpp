@@ -3,9 +3,17 @@
 
 #include "inspect/capture/CaptureReader.h"
 
+#include "inspect/image/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
 #include <cerrno>
 #include <limits>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -28,34 +36,62 @@ CaptureReader::CaptureReader(std::string path) : path_(std::move(path)), file_(p
 }
 
 std::optional<CaptureSample> CaptureReader::next() {
+    return advance() ? std::optional(CaptureSample{time_, region_.image()}) : std::nullopt;
+}
+
+bool CaptureReader::advance() {
+    if (!load()) {
+        return false;
+    }
+    time_ += loaded_->frame.elapsed;
+    region_.apply(loaded_->frame);
+    offset_ += loaded_->bytes;
+    ++samples_;
+    loaded_.reset();
+    return true;
+}
+
+std::optional<std::uint64_t> CaptureReader::nextMoment() {
+    return load() ? std::optional(momentOf(time_ + loaded_->frame.elapsed)) : std::nullopt;
+}
+
+std::uint64_t CaptureReader::momentOf(std::uint64_t time) const {
+    constexpr auto latest = std::numeric_limits<std::uint64_t>::max();
+    return time > latest - startTime_ ? latest : startTime_ + time;
+}
+
+/// Reads the next frame unless it is there already.
+bool CaptureReader::load() {
     if (damage_) {
         fail(*damage_);
     }
+    if (loaded_) {
+        return true;
+    }
     auto const head = take(FRAME_HEAD_SIZE);
     if (head.empty()) {
-        return std::nullopt;
+        return false;
     }
     auto const size = head.size() == FRAME_HEAD_SIZE ? contentSize(head) : 0;
     if (!size) {
         failInSample("damaged: there is no sample of that length");
     }
-    auto const content = take(*size);
-    if (head.size() < FRAME_HEAD_SIZE || content.size() < *size) {
+    auto loaded = std::make_unique<Loaded>();
+    loaded->content = take(*size);
+    if (head.size() < FRAME_HEAD_SIZE || loaded->content.size() < *size) {
         failInSample("cut off");
     }
     try {
-        auto const frame = frameFrom(head, content, last_);
-        if (frame.elapsed > std::numeric_limits<std::uint64_t>::max() - time_) {
+        loaded->frame = checkedFrame(head, loaded->content);
+        if (loaded->frame.elapsed > std::numeric_limits<std::uint64_t>::max() - time_) {
             throw std::invalid_argument("the time is out of range");
         }
-        time_ += frame.elapsed;
-        last_ = frame.image;
     } catch (std::invalid_argument const& problem) {
         failInSample(std::string("damaged: ") + problem.what());
     }
-    offset_ += head.size() + content.size();
-    ++samples_;
-    return CaptureSample{time_, last_};
+    loaded->bytes = head.size() + loaded->content.size();
+    loaded_ = std::move(loaded);
+    return true;
 }
 
 /// Fewer bytes at the end of the file.
@@ -80,6 +116,22 @@ void CaptureReader::failInSample(std::string const& problem) {
               std::to_string(samples_) + (samples_ == 1 ? " sample" : " samples") + " before it " +
               (samples_ == 1 ? "is" : "are") + " complete";
     fail(*damage_);
+}
+
+bool isCapture(std::string const& path) {
+    // Not blocking: a pipe may have taken the file's place.
+    FileDescriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    struct stat status = {};
+    if (!file || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    std::array<char, CAPTURE_MAGIC.size()> bytes{};
+    auto const count = ::pread(file.number(), bytes.data(), bytes.size(), 0);
+    return count == static_cast<ssize_t>(bytes.size()) && beginsAsCapture({bytes.data(), bytes.size()});
+}
+
+bool beginsAsCapture(std::string_view bytes) {
+    return bytes.substr(0, CAPTURE_MAGIC.size()) == CAPTURE_MAGIC;
 }
 
 } // namespace qel::inspect

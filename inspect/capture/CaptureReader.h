@@ -6,20 +6,23 @@
 #pragma once
 
 #include "inspect/capture/CaptureFormat.h"
+#include "inspect/capture/FrameRegion.h"
 #include "inspect/image/InputFile.h"
 #include "inspect/image/Image.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace qel::inspect {
 
 /// The region at one moment of a capture.
 struct CaptureSample {
-    std::uint64_t time; ///< ms since the start of the capture
-    Image image;        ///< equal to the captured one in size and in every byte
+    std::uint64_t time = 0; ///< ms since the start of the capture
+    Image image;            ///< equal to the captured one in size and in every byte
 };
 
 /// Reads the samples of a capture (see CaptureFormat.h) in turn, from a file or a pipe.
@@ -40,6 +43,25 @@ public:
     ///         sample at byte 5120 is cut off; 12 samples before it are complete"
     std::optional<CaptureSample> next();
 
+    /// Reads the next sample without a copy of its image: see region().
+    /// @return false behind the last sample
+    /// @throws CaptureError as next()
+    bool advance();
+
+    /// The time of the sample that advance() reads next.
+    /// @return ms since 1970 UTC; none behind the last sample
+    /// @throws CaptureError as next()
+    std::optional<std::uint64_t> nextMoment();
+
+    /// Ms since the start of the capture, of the sample that was read last; 0 before the first.
+    std::uint64_t time() const { return time_; }
+
+    /// The same in ms since 1970 UTC; the greatest number if it has more than 64 bits.
+    std::uint64_t moment() const { return momentOf(time_); }
+
+    /// The region of the sample that was read last.
+    FrameRegion const& region() const { return region_; }
+
     /// How many samples were read.
     std::uint64_t samples() const { return samples_; }
 
@@ -47,6 +69,15 @@ public:
     std::uint64_t offset() const { return offset_; }
 
 private:
+    /// A frame that was read and checked.
+    struct Loaded {
+        std::string content; ///< the frame refers to it
+        CheckedFrame frame{};
+        std::uint64_t bytes = 0;
+    };
+
+    bool load();
+    std::uint64_t momentOf(std::uint64_t time) const;
     std::string take(std::size_t count) const;
     [[noreturn]] void fail(std::string const& problem) const;
     [[noreturn]] void failInSample(std::string const& problem);
@@ -57,8 +88,15 @@ private:
     std::uint64_t offset_ = 0;
     std::uint64_t samples_ = 0;
     std::uint64_t time_ = 0;
-    Image last_;
+    FrameRegion region_;
+    std::unique_ptr<Loaded> loaded_; ///< the next sample; null until it is needed
     std::optional<std::string> damage_;
 };
+
+/// Whether a regular file begins as a capture does, whatever its name. False if it cannot be read. Reentrant.
+bool isCapture(std::string const& path);
+
+/// Whether these are the first bytes of a capture. Reentrant.
+bool beginsAsCapture(std::string_view bytes);
 
 } // namespace qel::inspect

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <limits>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -41,13 +42,22 @@ CaptureWriter::CaptureWriter(std::string path, std::uint64_t startTime) : path_(
 }
 
 void CaptureWriter::append(std::uint64_t time, Image const& image) {
+    appendWithin(std::numeric_limits<std::uint64_t>::max(), time, image);
+}
+
+bool CaptureWriter::appendWithin(std::uint64_t most, std::uint64_t time, Image const& image) {
     if (time < time_) {
         throw std::invalid_argument("a sample is older than the one before");
     }
-    write(frameOf(time - time_, last_, image));
+    auto const frame = frameOf(time - time_, last_, image);
+    if (samples_ != 0 && (size_ > most || frame.size() > most - size_)) {
+        return false;
+    }
+    write(frame);
     time_ = time;
     last_ = image;
     ++samples_;
+    return true;
 }
 
 void CaptureWriter::close() {

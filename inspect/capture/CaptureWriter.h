@@ -40,6 +40,11 @@ public:
     /// @throws std::invalid_argument if the time is before that of the previous sample
     void append(std::uint64_t time, Image const& image);
 
+    /// Appends a sample as append() does, unless the file holds one already and would become too large.
+    /// @param most bytes of the file
+    /// @return whether the sample was appended
+    bool appendWithin(std::uint64_t most, std::uint64_t time, Image const& image);
+
     /// Waits until everything is stored safely, and closes the file. Nothing can be appended any more.
     /// @throws CaptureError
     void close();

@@ -5,6 +5,7 @@
 
 #include "tools/common/Choices.h"
 #include "tools/common/CommandLine.h"
+#include "tools/qelshm/app/CaptureTime.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -33,7 +34,8 @@ Examples:
   qelshm status --max-age 10
   qelshm tree --values --depth 2
   qelshm get unit1/inlet1 "active power"
-  qelshm --image saved.img find alarm)";
+  qelshm --image saved.img find alarm
+  qelshm --image night.rec --at -10m why)";
 
 } // namespace
 
@@ -44,12 +46,18 @@ OptionalOptions defineQelshmOptions(CLI::App& app, QelshmOptions& options) {
     app.require_subcommand(1);
     app.fallthrough();
     OptionalOptions optional{};
-    optional.image = app.add_option("--image", options.image,
-                                    "Read an image file that dump wrote instead of the live object")
-                         ->check([](std::string const& file) {
-                             return file.empty() ? std::string("missing file name") : std::string();
-                         })
-                         ->type_name("FILE");
+    optional.image =
+        app.add_option("--image", options.image,
+                       "Read an image file of dump or a capture of record instead of the live object")
+            ->check([](std::string const& file) {
+                return file.empty() ? std::string("missing file name") : std::string();
+            })
+            ->type_name("FILE");
+    app.add_option("--at", options.at,
+                   "Moment of a capture: 2023-11-14T22:13:20Z, +5m (from its start) or -10m")
+        ->check(captureTimeProblem)
+        ->type_name("TIME")
+        ->needs(optional.image);
     optional.wait = app.add_option("--wait", options.wait, "Longest wait for an active region, 0 to 600")
                         ->check(CLI::Range(0U, longestWait).description(""))
                         ->type_name("SECONDS")

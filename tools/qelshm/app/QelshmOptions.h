@@ -20,6 +20,7 @@ namespace qel::tools {
 /// What the command line says before it comes to a verb's own options. Reentrant.
 struct QelshmOptions {
     std::string image;            ///< file to read instead of the live object; "" for none
+    std::string at;               ///< moment of a capture, see CaptureTime.h; "" for its last sample
     std::optional<unsigned> wait; ///< s
     bool isJson = false;
     std::string color = "auto";       ///< "auto", "always" or "never"

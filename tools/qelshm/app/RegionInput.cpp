@@ -3,9 +3,13 @@
 
 #include "tools/qelshm/app/RegionInput.h"
 
+#include "tools/common/TimeText.h"
+#include "tools/qelshm/app/CaptureTime.h"
 #include "tools/qelshm/app/ManagerUser.h"
 #include "tools/qelshm/app/RegionWait.h"
 
+#include "inspect/capture/CaptureReader.h"
+#include "inspect/capture/CaptureTimeline.h"
 #include "inspect/check/ObjectCheck.h"
 #include "inspect/image/ImageFile.h"
 #include "inspect/naming/PointPath.h"
@@ -46,6 +50,18 @@ std::string cutText(inspect::SkippedLink const& cut) {
            slotText(target, cut.toPos) + ", which is linked elsewhere already; link ignored";
 }
 
+RegionInput captureInput(std::string const& file, std::string const& at) {
+    inspect::CaptureTimeline const timeline(file);
+    auto const sample = timeline.at(at.empty() ? timeline.last() : captureTime(timeline, at));
+    RegionInput input;
+    input.image = sample.image;
+    input.file = file;
+    input.now = sample.time;
+    input.capture =
+        CaptureOrigin{sample.time, timeline.first(), timeline.last(), timeline.samples(), timeline.damage()};
+    return input;
+}
+
 RegionInput awaitActive(RegionWait wait) {
     for (;;) {
         auto input = liveInput();
@@ -60,8 +76,26 @@ RegionInput awaitActive(RegionWait wait) {
 
 } // namespace
 
-RegionInput fileInput(std::string const& file) {
-    return {inspect::readImage(file), {}, file, systemTime()};
+RegionInput fileInput(std::string const& file, std::string const& at) {
+    if (inspect::isCapture(file)) {
+        return captureInput(file, at);
+    }
+    auto const image = inspect::readImage(file);
+    if (inspect::beginsAsCapture(image.bytes())) {
+        throw CaptureTimeError(file + " is a capture in a pipe; save it to a file first");
+    }
+    if (!at.empty()) {
+        throw CaptureTimeError("--at needs a capture of record; " + file + " is an image of a single moment");
+    }
+    return {image, {}, file, systemTime()};
+}
+
+std::string sourceText(RegionInput const& input) {
+    if (input.file.empty()) {
+        return std::string("live object ") + shm::REGION_NAME;
+    }
+    return input.capture ? "capture " + input.file + " at " + momentText(input.capture->time)
+                         : "image " + input.file;
 }
 
 RegionInput liveInput() {
@@ -82,7 +116,10 @@ RegionInput liveInput() {
 RegionInput openInput(QelshmOptions const& options, std::function<void(std::string const&)> const& tell) {
     auto input = options.image.empty()
                      ? awaitActive(RegionWait(std::chrono::seconds(options.wait.value_or(0)), tell))
-                     : fileInput(options.image);
+                     : fileInput(options.image, options.at);
+    if (input.capture && !input.capture->damage.empty()) {
+        tell("warning: " + input.capture->damage);
+    }
     input.now = options.now.value_or(input.now);
     return input;
 }

@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,25 +28,40 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// Where in a capture an image was taken from. All times in ms since 1970 UTC. Reentrant.
+struct CaptureOrigin {
+    std::uint64_t time; ///< of the sample
+    std::uint64_t first;
+    std::uint64_t last;
+    std::uint64_t samples;
+    std::string damage; ///< what is wrong with the file behind the last complete sample; "" for nothing
+};
+
 /// A copy of a region and its origin. Reentrant.
 struct RegionInput {
     inspect::Image image;
     inspect::RegionSource source;
     std::string file;      ///< "" for the live object
-    std::uint64_t now = 0; ///< ms since 1970 UTC
+    std::uint64_t now = 0; ///< ms since 1970 UTC; of a capture: the time of the sample
+    std::optional<CaptureOrigin> capture = std::nullopt; ///< none unless the file is a capture
 };
 
-/// Reads an image file. Reentrant.
-/// @throws inspect::ImageFileError
-RegionInput fileInput(std::string const& file);
+/// Reads an image file, or one sample of a capture. The content decides what the file is, not its name. Reentrant.
+/// @param at moment of a capture, see CaptureTime.h; "" for the last sample
+/// @throws inspect::ImageFileError, inspect::CaptureError
+/// @throws CaptureTimeError if the file has no such moment, or is an image and at is not ""
+RegionInput fileInput(std::string const& file, std::string const& at = {});
+
+/// "live object QelSharedMemory", "image FILE", "capture FILE at 2023-11-14T22:13:20Z". Reentrant.
+std::string sourceText(RegionInput const& input);
 
 /// Copies the live object. The source says if it cannot be opened or read. Reentrant.
 RegionInput liveInput();
 
 /// Reads the image file or the live object that the options name. Waits for an active live object as long as the
 /// options allow, then takes what is there. Reentrant.
-/// @param tell called with a line when the wait lasts longer than a moment
-/// @throws inspect::ImageFileError
+/// @param tell called with a line when the wait lasts longer than a moment, and for a damaged capture
+/// @throws as fileInput()
 RegionInput openInput(QelshmOptions const& options, std::function<void(std::string const&)> const& tell);
 
 /// Checks who owns the live object and who may change it. Asks the bus for the hardware manager's user, but only if

@@ -7,9 +7,12 @@
 #include "tools/qelshm/verbs/CompletionCommand.h"
 #include "tools/qelshm/verbs/DiffCommand.h"
 #include "tools/qelshm/verbs/DumpCommand.h"
+#include "tools/qelshm/verbs/ExportCommand.h"
 #include "tools/qelshm/verbs/FindCommand.h"
 #include "tools/qelshm/verbs/HzCommand.h"
 #include "tools/qelshm/verbs/ListCommand.h"
+#include "tools/qelshm/verbs/LogCommand.h"
+#include "tools/qelshm/verbs/PlotCommand.h"
 #include "tools/qelshm/verbs/RecordCommand.h"
 #include "tools/qelshm/verbs/StatusCommand.h"
 #include "tools/qelshm/verbs/TreeCommand.h"
@@ -31,6 +34,9 @@ std::vector<std::unique_ptr<ICommand>> allCommands() {
     commands.push_back(std::make_unique<DiffCommand>());
     commands.push_back(std::make_unique<HzCommand>());
     commands.push_back(std::make_unique<RecordCommand>());
+    commands.push_back(std::make_unique<LogCommand>());
+    commands.push_back(std::make_unique<ExportCommand>());
+    commands.push_back(std::make_unique<PlotCommand>());
     commands.push_back(std::make_unique<WatchCommand>());
     commands.push_back(std::make_unique<CompletionCommand>());
     return commands;

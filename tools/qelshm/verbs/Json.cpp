@@ -12,6 +12,7 @@
 #include "format/StateName.h"
 #include "inspect/image/RegionStatus.h"
 
+#include <sstream>
 #include <type_traits>
 #include <variant>
 
@@ -46,6 +47,11 @@ Json jsonFinding(inspect::Finding const& finding) {
             {"offset", finding.offset}};
 }
 
+std::string textOf(Json const& document) {
+    constexpr int indent = 2;
+    return document.dump(indent, ' ', true, Json::error_handler_t::replace);
+}
+
 } // namespace
 
 Json jsonDocument(std::string const& verb) {
@@ -63,9 +69,21 @@ Json jsonDocument(std::string const& verb, RegionInput const& input,
 
 Json jsonSource(RegionInput const& input) {
     auto const status = inspect::regionStatus(input.source, input.image, input.now, std::nullopt);
-    return {{"kind", input.file.empty() ? "live" : "image"},
-            {"name", input.file.empty() ? shm::REGION_NAME : safeText(input.file)},
-            {"condition", inspect::conditionName(status.condition)}};
+    Json source{{"kind", input.file.empty() ? "live" : "image"},
+                {"name", input.file.empty() ? shm::REGION_NAME : safeText(input.file)},
+                {"condition", inspect::conditionName(status.condition)}};
+    if (auto const& capture = input.capture) {
+        source["capture"] = {{"time", jsonTime(capture->time)},
+                             {"first", jsonTime(capture->first)},
+                             {"last", jsonTime(capture->last)},
+                             {"samples", capture->samples},
+                             {"problem", textOrNull(safeText(capture->damage))}};
+    }
+    return source;
+}
+
+Json jsonTime(std::uint64_t time) {
+    return {{"ms", time}, {"text", momentText(time)}};
 }
 
 Json jsonState(eStatus_Bits state) {
@@ -124,8 +142,30 @@ Json jsonFindings(inspect::Findings const& findings) {
 }
 
 void printJson(std::ostream& out, Json const& document) {
-    constexpr int indent = 2;
-    writeOutput(out, document.dump(indent, ' ', true, Json::error_handler_t::replace) + '\n');
+    writeOutput(out, textOf(document) + '\n');
+}
+
+JsonListWriter::JsonListWriter(std::ostream& out, Json document, std::string const& list) : out_(out) {
+    document[list] = Json::array();
+    auto const text = textOf(document);
+    auto const end = text.rfind(']');
+    writeOutput(out_, text.substr(0, end));
+    rest_ = text.substr(end) + '\n';
+}
+
+void JsonListWriter::add(Json const& item) {
+    std::string text(isEmpty_ ? "\n" : ",\n");
+    isEmpty_ = false;
+    std::istringstream lines(textOf(item));
+    for (std::string line; std::getline(lines, line);) {
+        text.append("    ").append(line) += '\n';
+    }
+    text.pop_back();
+    writeOutput(out_, text);
+}
+
+void JsonListWriter::end() {
+    writeOutput(out_, (isEmpty_ ? "" : "\n  ") + rest_);
 }
 
 } // namespace qel::tools

@@ -33,6 +33,10 @@ Json jsonDocument(std::string const& verb, RegionInput const& input,
 /// Describes the origin of an image.
 Json jsonSource(RegionInput const& input);
 
+/// Describes a time without an age.
+/// @param time ms since 1970 UTC
+Json jsonTime(std::uint64_t time);
+
 Json jsonState(eStatus_Bits state);
 
 /// @return the text; null for an empty one
@@ -52,5 +56,23 @@ Json jsonFindings(inspect::Findings const& findings);
 /// Writes a document indented, in ASCII, with a line end.
 /// @throws OutputError
 void printJson(std::ostream& out, Json const& document);
+
+/// Prints a document whose last member is a list that is too long for the memory, item by item.
+///
+/// Threads: reentrant.
+class JsonListWriter {
+public:
+    /// Prints the document up to the list.
+    /// @throws std::runtime_error when it cannot be written, as add() and end()
+    JsonListWriter(std::ostream& out, Json document, std::string const& list);
+
+    void add(Json const& item);
+    void end();
+
+private:
+    std::ostream& out_;
+    std::string rest_; ///< behind the list
+    bool isEmpty_ = true;
+};
 
 } // namespace qel::tools

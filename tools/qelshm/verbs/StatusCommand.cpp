@@ -94,8 +94,7 @@ void printText(Report const& report, RegionInput const& input, CommandContext co
     if (!hasContent(status)) {
         add("reason", {inspect::openingProblem(status.source)});
     }
-    add("source",
-        {input.file.empty() ? std::string("live object ") + shm::REGION_NAME : "image " + input.file});
+    add("source", {sourceText(input)});
     if (auto const& object = status.source.object) {
         add("owner", {inspect::userName(object->uid) + ':' + inspect::groupName(object->gid)});
         add("mode", {inspect::modeText(object->mode)});

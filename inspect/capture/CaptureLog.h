@@ -1,0 +1,64 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// What happened during a capture.
+#pragma once
+
+#include "inspect/capture/CaptureTimeline.h"
+#include "inspect/compare/Difference.h"
+#include "inspect/naming/ValuePattern.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace qel::inspect {
+
+/// What a capture shows from one sample to a later one.
+struct CaptureEvent {
+    enum class Kind : std::uint8_t {
+        Inactive, ///< the region was active and is not any more: its writer has ended, or it was made anew
+        Restart,  ///< a writing process has made the region anew and active
+        Gap,      ///< there is no sample for much longer than usual
+        Change,   ///< see difference
+    };
+
+    std::uint64_t time; ///< ms since 1970 UTC; of a gap: of the sample behind it
+    Kind kind;
+    std::uint64_t gap; ///< length of a gap in ms
+    std::optional<Difference>
+        difference; ///< of a change; neither a number nor the region's version or activity
+};
+
+/// "inactive", "restart", "gap", or the kind of the difference. Reentrant.
+char const* eventName(CaptureEvent const& event);
+
+/// Finds changes of states and structure, restarts of the writer and gaps (see CaptureTimeline::longestPause()). While the region is not active nothing is compared; the next
+/// active sample is compared with the last one.
+///
+/// Threads: reentrant.
+class CaptureLog {
+public:
+    /// Takes the events in the order of time.
+    using Handler = std::function<void(CaptureEvent const&)>;
+
+    /// @param patterns select points and values; without any, everything. Events of the whole region are always
+    ///                 selected, except for its global state.
+    explicit CaptureLog(std::vector<ValuePattern> patterns) : patterns_(std::move(patterns)) {}
+
+    /// Reads a capture.
+    /// @param from  ms since 1970 UTC; events before are left out
+    /// @param until ms since 1970 UTC; events after are left out
+    /// @throws CaptureError if the file cannot be read any more
+    void read(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
+              Handler const& handler) const;
+
+private:
+    bool isSelected(Difference const& difference) const;
+
+    std::vector<ValuePattern> patterns_;
+};
+
+} // namespace qel::inspect

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/verbs/CaptureArguments.h"
+
+#include "tools/qelshm/app/CaptureTime.h"
+
+#include "inspect/naming/PointFinder.h"
+
+#include <CLI/App.hpp>
+
+#include <algorithm>
+
+namespace qel::tools {
+
+namespace {
+
+std::string patternProblem(std::string const& text) {
+    try {
+        inspect::ValuePattern const pattern(text);
+        return {};
+    } catch (inspect::PatternError const& error) {
+        return error.what();
+    }
+}
+
+} // namespace
+
+void CaptureArguments::define(CLI::App& verb, OptionalOptions const& optional, std::string const& names,
+                              bool isNameRequired) {
+    verb.add_option("FILE", file_, "Capture that record wrote")->required()->type_name("");
+    verb.add_option("NAME", names_, names)->required(isNameRequired)->check(patternProblem)->type_name("");
+    verb.add_option("--from", from_, "Start: 2023-11-14T22:13:20Z, +5m or -10m, as for --at")
+        ->check(captureTimeProblem)
+        ->type_name("TIME");
+    verb.add_option("--to", until_, "End, likewise")->check(captureTimeProblem)->type_name("TIME");
+    verb.excludes(optional.image);
+    verb.excludes(optional.wait);
+}
+
+inspect::CaptureTimeline CaptureArguments::timeline(CommandContext const& context) const {
+    inspect::CaptureTimeline timeline(file_);
+    if (!timeline.damage().empty()) {
+        context.tell("warning: " + timeline.damage());
+    }
+    return timeline;
+}
+
+CaptureRange CaptureArguments::range(inspect::CaptureTimeline const& timeline) const {
+    CaptureRange const range{from_.empty() ? timeline.first() : captureTime(timeline, from_),
+                             until_.empty() ? timeline.last() : captureTime(timeline, until_)};
+    if (range.until < range.from) {
+        throw CaptureTimeError("--to " + until_ + " is before --from " + from_);
+    }
+    return range;
+}
+
+std::vector<inspect::ValuePattern> CaptureArguments::patterns() const {
+    std::vector<inspect::ValuePattern> patterns;
+    patterns.reserve(names_.size());
+    for (auto const& name : names_) {
+        patterns.emplace_back(name);
+    }
+    return patterns;
+}
+
+std::vector<inspect::SelectedValues::Name> CaptureArguments::values(inspect::CaptureTimeline const& timeline,
+                                                                    CaptureRange const& range) const {
+    auto const wanted = patterns();
+    inspect::SelectedValues selected(wanted);
+    forEachSample(
+        timeline, range.from, range.until,
+        [&](inspect::CaptureReader const& reader, auto /*next*/) { selected.follow(reader.region()); });
+    for (std::size_t index = 0; index < wanted.size(); ++index) {
+        bool const isThere =
+            std::any_of(selected.names().begin(), selected.names().end(),
+                        [&](auto const& name) { return wanted[index].matches(name.point, name.key); });
+        if (!isThere) {
+            throw inspect::NotFoundError("there is no value \"" + names_[index] + "\" in this part of " +
+                                         file_);
+        }
+    }
+    if (selected.names().empty()) {
+        throw inspect::NotFoundError("there are no values in this part of " + file_);
+    }
+    return selected.names();
+}
+
+} // namespace qel::tools

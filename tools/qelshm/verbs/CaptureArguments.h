@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+/// @file
+/// Arguments of the verbs that read a whole capture.
+#pragma once
+
+#include "tools/qelshm/app/ICommand.h"
+
+#include "inspect/capture/CaptureTimeline.h"
+#include "inspect/capture/SelectedValues.h"
+#include "inspect/naming/ValuePattern.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace qel::tools {
+
+/// A part of a capture. Reentrant.
+struct CaptureRange {
+    std::uint64_t from;  ///< ms since 1970 UTC
+    std::uint64_t until; ///< ms since 1970 UTC, not before from
+};
+
+/// FILE [NAME...] --from TIME --to TIME.
+///
+/// Threads: reentrant.
+class CaptureArguments {
+public:
+    /// @param names what the help says of NAME
+    void define(CLI::App& verb, OptionalOptions const& optional, std::string const& names,
+                bool isNameRequired);
+
+    /// Reads the capture's times. A damaged end is told.
+    /// @throws inspect::CaptureError
+    inspect::CaptureTimeline timeline(CommandContext const& context) const;
+
+    /// @throws CaptureTimeError if a moment is outside of the capture, or --to is before --from
+    CaptureRange range(inspect::CaptureTimeline const& timeline) const;
+
+    std::vector<inspect::ValuePattern> patterns() const;
+
+    /// The values in the range that the names select.
+    /// @throws inspect::NotFoundError if a name selects none
+    std::vector<inspect::SelectedValues::Name> values(inspect::CaptureTimeline const& timeline,
+                                                      CaptureRange const& range) const;
+
+private:
+    std::string file_;
+    std::vector<std::string> names_;
+    std::string from_;
+    std::string until_;
+};
+
+} // namespace qel::tools
