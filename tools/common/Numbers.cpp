@@ -3,6 +3,7 @@
 
 #include "tools/common/Numbers.h"
 
+#include <CLI/Option.hpp>
 #include <CLI/TypeTools.hpp>
 #include <CLI/Validators.hpp>
 
