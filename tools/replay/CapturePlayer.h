@@ -7,9 +7,9 @@
 
 #include "tools/replay/IPlayer.h"
 #include "tools/replay/ReplayLog.h"
-#include "tools/replay/Stamps.h"
 #include "tools/replay/capture/CaptureSamples.h"
 #include "tools/replay/capture/CapturedRegion.h"
+#include "tools/replay/unit/Stamps.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -8,13 +8,13 @@
 #include "tools/replay/IPlayer.h"
 #include "tools/replay/ReplayLog.h"
 #include "tools/replay/Schedule.h"
-#include "tools/replay/Stamps.h"
 #include "tools/replay/control/IValueSetter.h"
 #include "tools/replay/csv/Limits.h"
 #include "tools/replay/csv/Recording.h"
 #include "tools/replay/csv/RecordingFeed.h"
 #include "tools/replay/csv/Rows.h"
 #include "tools/replay/unit/LiveUnit.h"
+#include "tools/replay/unit/Stamps.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -5,7 +5,7 @@
 /// The samples of a capture, in the order in which they are replayed.
 #pragma once
 
-#include "tools/replay/Stamps.h"
+#include "tools/replay/unit/Stamps.h"
 
 #include "inspect/capture/CaptureReader.h"
 #include "inspect/image/Image.h"

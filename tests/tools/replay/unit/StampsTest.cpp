@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: the libQelSharedMemory authors
 // SPDX-License-Identifier: Apache-2.0
 
-#include "tools/replay/Stamps.h"
+#include "tools/replay/unit/Stamps.h"
 
 #include <gtest/gtest.h>
 
