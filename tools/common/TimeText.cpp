@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cinttypes>
 #include <cstddef>
 #include <cstdio>
 
@@ -23,10 +24,6 @@ bool isLeap(unsigned year) {
 unsigned daysOfMonth(unsigned year, unsigned month) {
     constexpr std::array<unsigned, 12> days{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     return month == 2 && isLeap(year) ? 29 : days.at(month - 1);
-}
-
-unsigned daysOfYear(unsigned year) {
-    return isLeap(year) ? 366 : 365;
 }
 
 bool isDigit(char character) {
@@ -49,15 +46,50 @@ bool matches(std::string_view text, std::string_view pattern) {
                       });
 }
 
+// The calendar repeats every 400 years. Years are counted from March here, so that a leap day ends its year.
+constexpr std::uint64_t daysPerEra = 146097;
+constexpr std::uint64_t yearsPerEra = 400;
+constexpr std::uint64_t daysPerCentury = 36524;
+constexpr std::uint64_t daysPerFourYears = 1461;
+constexpr std::uint64_t daysPerYear = 365;
+constexpr std::uint64_t firstDay = 719468; // 1970-01-01, counted from 0000-03-01
+constexpr unsigned monthsBeforeMarch = 2;
+constexpr unsigned monthsPerYear = 12;
+
+/// Days of a year that begins in March before a month, which counts from 0 for March.
+constexpr std::uint64_t daysBefore(std::uint64_t month) {
+    constexpr std::uint64_t daysPerFiveMonths = 153; // 31, 30, 31, 30, 31, over and over
+    return (daysPerFiveMonths * month + 2) / 5;
+}
+
 std::uint64_t daysSince1970(unsigned year, unsigned month, unsigned day) {
-    std::uint64_t days = day - 1;
-    for (unsigned earlier = firstYear; earlier < year; ++earlier) {
-        days += daysOfYear(earlier);
-    }
-    for (unsigned earlier = 1; earlier < month; ++earlier) {
-        days += daysOfMonth(year, earlier);
-    }
-    return days;
+    bool const isInPreviousYear = month <= monthsBeforeMarch;
+    std::uint64_t const marchYear = isInPreviousYear ? year - 1 : year;
+    std::uint64_t const monthOfYear = month + (isInPreviousYear ? monthsPerYear : 0) - monthsBeforeMarch - 1;
+    auto const leapDays = marchYear / 4 - marchYear / 100 + marchYear / yearsPerEra;
+    return marchYear * daysPerYear + leapDays + daysBefore(monthOfYear) + day - 1 - firstDay;
+}
+
+struct Date {
+    std::uint64_t year;
+    unsigned month;
+    unsigned day;
+};
+
+/// Takes the same time for every day.
+Date dateOf(std::uint64_t daysSince1970) {
+    auto const days = daysSince1970 + firstDay;
+    auto const dayOfEra = days % daysPerEra;
+    // The last day of four years, of a century and of an era is the leap day of the year that it ends.
+    auto const yearOfEra = (dayOfEra - dayOfEra / (daysPerFourYears - 1) + dayOfEra / daysPerCentury -
+                            dayOfEra / (daysPerEra - 1)) /
+                           daysPerYear;
+    auto const dayOfYear = dayOfEra - (yearOfEra * daysPerYear + yearOfEra / 4 - yearOfEra / 100);
+    auto const month = static_cast<unsigned>((5 * dayOfYear + 2) / 153); // from 0 for March
+    bool const isInNextYear = month + monthsBeforeMarch >= monthsPerYear;
+    return {days / daysPerEra * yearsPerEra + yearOfEra + (isInNextYear ? 1 : 0),
+            month + monthsBeforeMarch + 1 - (isInNextYear ? monthsPerYear : 0),
+            static_cast<unsigned>(dayOfYear - daysBefore(month)) + 1};
 }
 
 // ".5", ".50" and ".500" are all 500 ms.
@@ -104,19 +136,11 @@ std::string timeText(std::uint64_t time) {
     std::uint64_t const seconds = time / msPerSecond;
     auto const milliseconds = static_cast<unsigned>(time % msPerSecond);
     auto const ofDay = static_cast<unsigned>(seconds % secondsPerDay);
-    std::uint64_t days = seconds / secondsPerDay;
-    unsigned year = firstYear;
-    for (; days >= daysOfYear(year); ++year) {
-        days -= daysOfYear(year);
-    }
-    unsigned month = 1;
-    for (; days >= daysOfMonth(year, month); ++month) {
-        days -= daysOfMonth(year, month);
-    }
+    auto const date = dateOf(seconds / secondsPerDay);
     std::array<char, 64> buffer{};
     auto const length =
-        std::snprintf(buffer.data(), buffer.size(), "%04u-%02u-%02uT%02u:%02u:%02u", year, month,
-                      static_cast<unsigned>(days) + 1, ofDay / 3600, ofDay / 60 % 60, ofDay % 60);
+        std::snprintf(buffer.data(), buffer.size(), "%04" PRIu64 "-%02u-%02uT%02u:%02u:%02u", date.year,
+                      date.month, date.day, ofDay / 3600, ofDay / 60 % 60, ofDay % 60);
     std::string text(buffer.data(), static_cast<std::size_t>(length));
     if (milliseconds != 0) {
         auto const digits = std::to_string(milliseconds);

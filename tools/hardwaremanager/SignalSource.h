@@ -12,7 +12,8 @@
 namespace qel::tools {
 
 /// While it lives, the default main context calls a function for each arrival of a signal, instead of what the signal
-/// does by default.
+/// does by default. Afterwards the signal has no effect for the rest of the process: a process that ends removes what it
+/// has made, however many signals arrive meanwhile.
 ///
 /// Threads: thread-bound to the thread that runs the default main context.
 class SignalSource {

@@ -7,10 +7,11 @@
 
 #include "tools/replay/IPlayer.h"
 #include "tools/replay/ReplayLog.h"
+#include "tools/replay/capture/CaptureSamples.h"
 #include "tools/replay/capture/CapturedRegion.h"
+#include "tools/replay/unit/Stamps.h"
 
-#include "inspect/capture/CaptureReader.h"
-
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -23,15 +24,15 @@ class QelStateLedThread;
 
 namespace qel::tools {
 
-/// Stores the samples of a capture in the region, one per step, and shows the global state on the status LED.
+/// Stores the samples of a capture in the region, one per step, and shows the global state on the status LED. Samples
+/// are stored byte for byte, except for links that lead back, which are cut, and for times if these are moved.
 ///
 /// Threads: thread-bound to the thread that made it.
 class CapturePlayer : public IPlayer {
 public:
     struct Parts {
-        std::string file;
-        std::uint64_t samples =
-            0; ///< how many to play, 1 or more; the file must hold as many, of whole regions
+        SampleSelection samples;
+        Stamps stamps;
     };
 
     /// Publishes nothing yet.
@@ -47,20 +48,20 @@ public:
     std::optional<std::uint64_t> due() const override;
 
     void step() override;
+    std::string endReason() const override;
     bool isActive() const override { return isActive_; }
     eStatus_Bits globalState() const override { return globalState_; }
 
 private:
-    RegionChange take(inspect::CaptureSample const& sample);
-    void readNext();
-    void followGlobalState(inspect::CaptureSample const& sample);
+    RegionChange take(ReplaySample const& sample);
+    inspect::Image stamped(ReplaySample const& sample) const;
+    void followGlobalState(ReplaySample const& sample);
 
     Parts parts_;
     ReplayLog& log_;
     std::function<void()> onStructureChanged_;
-    inspect::CaptureReader reader_;
-    std::optional<inspect::CaptureSample> next_;
-    std::uint64_t firstTime_ = 0; // ms since the capture began
+    CaptureSamples samples_;
+    std::size_t cut_ = 0; // links of the sample taken last
     bool isActive_ = false;
     eStatus_Bits globalState_ = eStatus_On;
     std::unique_ptr<CapturedRegion> region_; // from begin() on

@@ -9,8 +9,11 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace qel::tools {
+
+class IValueSetter;
 
 /// A replay on its own clock. The caller decides when a step is taken.
 ///
@@ -32,10 +35,16 @@ public:
     /// Takes the next step; there must be one.
     virtual void step() = 0;
 
+    /// Why there is no next step, once there is none.
+    virtual std::string endReason() const = 0;
+
     /// Whether the region is active, so that readers may use it.
     virtual bool isActive() const = 0;
 
     virtual eStatus_Bits globalState() const = 0;
+
+    /// Sets values by hand; null if what is replayed does not allow it. Lives as long as the player.
+    virtual IValueSetter* setter() { return nullptr; }
 };
 
 } // namespace qel::tools

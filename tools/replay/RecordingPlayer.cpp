@@ -3,6 +3,10 @@
 
 #include "tools/replay/RecordingPlayer.h"
 
+#include "format/KeyTable.h"
+#include "inspect/naming/ValuePath.h"
+#include "region/SvidParts.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -12,6 +16,12 @@ namespace {
 
 bool contains(std::vector<PointId> const& points, PointId const& point) {
     return std::find(points.begin(), points.end(), point) != points.end();
+}
+
+std::vector<long long> sortedSvids(Structure const& structure) {
+    std::vector<long long> svids(structure.svids().begin(), structure.svids().end());
+    std::sort(svids.begin(), svids.end());
+    return svids;
 }
 
 } // namespace
@@ -36,7 +46,8 @@ RecordingPlayer::RecordingPlayer(Parts parts, ReplayLog& log, std::function<void
 void RecordingPlayer::begin() {
     auto const structure = structureNow();
     unit_ = std::make_unique<LiveUnit>();
-    unit_->build(structure, rows_.startTime(0));
+    parts_.stamps.begin();
+    unit_->build(structure, parts_.stamps.of({rows_.startTime(0), 0}));
     log_.started(structure.points().size(), structure.valueCount(), parts_.recordings.all().size(),
                  parts_.recordings.rowCount());
 }
@@ -56,8 +67,13 @@ void RecordingPlayer::step() {
     if (isChangeNext()) {
         apply(parts_.schedule.next());
     } else {
-        apply(rows_.next());
+        auto const due = rows_.due().value();
+        apply(rows_.next(), due);
     }
+}
+
+std::string RecordingPlayer::endReason() const {
+    return rows_.isStopped() ? log_.stoppedEarly(rows_.total()) : log_.allReplayed();
 }
 
 Structure RecordingPlayer::structureNow() const {
@@ -72,12 +88,16 @@ Structure RecordingPlayer::structureNow() const {
     return Structure(values);
 }
 
-// By the clock of the recording that feeds the point.
-std::uint64_t RecordingPlayer::timeOf(Change const& change) const {
+// By the clock of the recording that feeds the point, of the first one for a point without a recording.
+std::uint64_t RecordingPlayer::stampOf(long long svid, std::uint64_t due) const {
     auto const feed = std::find_if(feeds_.begin(), feeds_.end(), [&](RecordingFeed const& candidate) {
-        return candidate.feeds(change.point);
+        auto const values = candidate.values();
+        return std::any_of(values.begin(), values.end(), [&](ValueId const& value) {
+            return pointSvid(value.point) == shm::pointSvid(svid);
+        });
     });
-    return rows_.startTime(static_cast<std::size_t>(feed - feeds_.begin())) + change.due;
+    auto const recording = feed == feeds_.end() ? 0 : static_cast<std::size_t>(feed - feeds_.begin());
+    return parts_.stamps.of({rows_.startTime(recording) + due, due});
 }
 
 void RecordingPlayer::apply(Change const& change) {
@@ -86,29 +106,38 @@ void RecordingPlayer::apply(Change const& change) {
     } else {
         absent_.push_back(change.point);
     }
-    auto const time = timeOf(change);
+    auto const time = stampOf(pointSvid(change.point), change.due);
     auto const structure = structureNow();
     if (unit_->change(structure, time)) {
         onStructureChanged_();
     }
     log_.changed(time, change, structure.points().size(), structure.valueCount());
+    for (auto const& [svid, byHand] : byHand_) {
+        if (shm::pointSvid(svid) == pointSvid(change.point)) {
+            deliverByHand(svid, byHand, time); // a point that comes back is new
+        }
+    }
     propagate(time);
 }
 
-void RecordingPlayer::apply(MergedRows::Step const& step) {
-    auto const result = feeds_.at(step.recording).convert(step.row);
+void RecordingPlayer::apply(MergedRows::Step const& step, std::uint64_t due) {
+    auto result = feeds_.at(step.recording).convert(step.row);
+    auto const time = parts_.stamps.of({step.row.time, due});
     log_.countStep();
-    for (auto const& reading : result.readings) {
+    for (auto& reading : result.readings) {
+        reading.time = time;
+        lastReading_[reading.svid] = reading;
         if (!unit_->structure().has(reading.svid)) {
             continue;
         }
-        if (unit_->deliver(reading)) {
+        if (deliver(reading)) {
             log_.countUpdates(1);
         } else {
             log_.countRefused();
         }
     }
-    for (auto const& crossing : result.crossings) {
+    for (auto& crossing : result.crossings) {
+        crossing.after.time = time;
         if (unit_->structure().has(crossing.after.svid)) {
             log_.crossed(crossing);
         }
@@ -116,13 +145,89 @@ void RecordingPlayer::apply(MergedRows::Step const& step) {
     auto& missing = missing_.at(step.recording);
     if (result.missing != missing) {
         missing = result.missing;
-        log_.missing(step.row.time, parts_.recordings.all()[step.recording].path(), missing,
-                     step.row.cells.size());
+        log_.missing(time, parts_.recordings.all()[step.recording].path(), missing, step.row.cells.size());
     }
-    propagate(step.row.time);
+    propagate(time);
+}
+
+bool RecordingPlayer::deliver(Reading const& reading) {
+    auto const byHand = byHand_.find(reading.svid);
+    if (byHand == byHand_.end()) {
+        return unit_->deliver(reading);
+    }
+    return unit_->deliver({reading.svid, reading.time, byHand->second.number, byHand->second.state});
+}
+
+void RecordingPlayer::deliverByHand(long long svid, ByHand const& byHand, std::uint64_t time) {
+    if (unit_->structure().has(svid)) {
+        unit_->deliver({svid, time, byHand.number, byHand.state});
+    }
+}
+
+bool RecordingPlayer::isRecorded(long long svid) const {
+    return std::any_of(feeds_.begin(), feeds_.end(), [&](RecordingFeed const& feed) {
+        auto const values = feed.values();
+        return std::any_of(values.begin(), values.end(),
+                           [&](ValueId const& value) { return valueSvid(value) == svid; });
+    });
+}
+
+std::vector<std::string> RecordingPlayer::set(Assignment const& assignment, std::uint64_t due) {
+    std::vector<std::string> names;
+    std::uint64_t time = 0;
+    for (auto const svid : sortedSvids(unit_->structure())) {
+        auto const key = shm::valueKey(svid);
+        if (!assignment.pattern.matches(shm::pointSvid(svid), key)) {
+            continue;
+        }
+        bool const isEnergy = shm::keyRow(key).kind == shm::KeyKind::Energy; // delivered in Wh
+        ByHand const byHand{isEnergy ? assignment.number * shm::energyFactor : assignment.number,
+                            assignment.state, !isRecorded(svid)};
+        byHand_.insert_or_assign(svid, byHand);
+        time = stampOf(svid, due);
+        deliverByHand(svid, byHand, time);
+        names.push_back(inspect::valuePath(shm::pointSvid(svid), key) + " = " +
+                        valueText(key, assignment.number, assignment.state));
+        log_.set(time, names.back());
+    }
+    if (!names.empty()) {
+        propagate(time);
+    }
+    return names;
+}
+
+std::vector<std::string> RecordingPlayer::unset(inspect::ValuePattern const& pattern, std::uint64_t due) {
+    std::vector<std::string> names;
+    std::uint64_t time = 0;
+    for (auto entry = byHand_.begin(); entry != byHand_.end();) {
+        auto const svid = entry->first;
+        auto const key = shm::valueKey(svid);
+        if (!pattern.matches(shm::pointSvid(svid), key)) {
+            ++entry;
+            continue;
+        }
+        time = stampOf(svid, due);
+        if (auto const last = lastReading_.find(svid); last != lastReading_.end()) {
+            deliverByHand(svid, {last->second.number, last->second.state, false}, time);
+        } else if (entry->second.isOwnState) {
+            deliverByHand(svid, {0.0, eStatus_On, true}, time); // as when the point came
+        }
+        entry = byHand_.erase(entry);
+        names.push_back(inspect::valuePath(shm::pointSvid(svid), key));
+        log_.unset(time, names.back());
+    }
+    if (!names.empty()) {
+        propagate(time);
+    }
+    return names;
 }
 
 void RecordingPlayer::propagate(std::uint64_t time) {
+    for (auto const& [svid, byHand] : byHand_) {
+        if (byHand.isOwnState) {
+            deliverByHand(svid, byHand, time);
+        }
+    }
     auto const state = unit_->propagate();
     if (state != globalState_) {
         log_.globalState(time, globalState_, state);

@@ -7,13 +7,13 @@
 #include <csignal>
 #include <exception>
 #include <stdexcept>
+#include <utility>
 
 namespace qel::tools {
 
-ReplayApp::ReplayApp(MakePlayer const& makePlayer, ReplayLog& log, double speed, bool isHeld)
+ReplayApp::ReplayApp(MakePlayer const& makePlayer, ReplayLog& log, Settings settings)
     : log_(log),
-      speed_(speed),
-      isHeld_(isHeld),
+      settings_(std::move(settings)),
       player_(makePlayer([this] { service_->announceStructureChange(); })) {
     service_.emplace([this] { return isInitialized_ ? 1 : 0; },
                      [this] { fail("the connection to the system bus is lost"); });
@@ -26,12 +26,14 @@ ReplayApp::~ReplayApp() {
     if (timer_ != 0) {
         g_source_remove(timer_);
     }
+    control_.reset();
     // Before the region goes: no reader finds a hardware manager without a region.
     service_.reset();
 }
 
 void ReplayApp::run() {
     service_->ownName();
+    openControl(); // nothing is published if it cannot be opened
     player_->begin();
     isInitialized_ = player_->isActive();
     start_ = Clock::now();
@@ -42,24 +44,41 @@ void ReplayApp::run() {
     if (failure_) {
         throw std::runtime_error(*failure_);
     }
-    std::chrono::duration<double> const elapsed = Clock::now() - start_;
+    std::chrono::duration<double> const elapsed = end_.value_or(Clock::now()) - start_;
     log_.ended(reason_, elapsed.count(), player_->globalState());
+}
+
+void ReplayApp::openControl() {
+    auto* const setter = player_->setter();
+    if (settings_.control.empty() || setter == nullptr) {
+        return;
+    }
+    commands_.emplace(*setter, [this] { return dueNow(); });
+    control_.emplace(settings_.control, [this](std::string const& line) { return commands_->answer(line); });
+}
+
+// By the clock of the recording, never before the last step.
+std::uint64_t ReplayApp::dueNow() const {
+    std::chrono::duration<double, std::milli> const elapsed = Clock::now() - start_;
+    return std::max(lastDue_, static_cast<std::uint64_t>(elapsed.count() * settings_.speed));
 }
 
 void ReplayApp::arm() {
     constexpr double longest = 3600000.0; // ms; longer waits are split
     auto const due = player_->due();
     if (!due) {
-        reason_ = log_.allReplayed();
-        if (isHeld_) {
-            log_.held();
+        reason_ = player_->endReason();
+        end_ = Clock::now();
+        if (settings_.isHeld) {
+            log_.held(reason_);
         } else {
             isOver_ = true;
         }
         return;
     }
     std::chrono::duration<double, std::milli> const elapsed = Clock::now() - start_;
-    double const wait = speed_ > 0.0 ? static_cast<double>(*due) / speed_ - elapsed.count() : 0.0;
+    double const wait =
+        settings_.speed > 0.0 ? static_cast<double>(*due) / settings_.speed - elapsed.count() : 0.0;
     timer_ = g_timeout_add(
         static_cast<guint>(std::clamp(wait, 0.0, longest)),
         [](gpointer self) -> gboolean {
@@ -75,8 +94,10 @@ void ReplayApp::onTimer() {
     try {
         std::chrono::duration<double, std::milli> const elapsed = Clock::now() - start_;
         auto const due = player_->due();
-        if (due && (speed_ <= 0.0 || static_cast<double>(*due) / speed_ <= elapsed.count() + 1.0)) {
+        auto const speed = settings_.speed;
+        if (due && (speed <= 0.0 || static_cast<double>(*due) / speed <= elapsed.count() + 1.0)) {
             player_->step();
+            lastDue_ = *due;
             isInitialized_ = isInitialized_ || player_->isActive();
         }
         arm();

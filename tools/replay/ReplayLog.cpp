@@ -3,6 +3,7 @@
 
 #include "tools/replay/ReplayLog.h"
 
+#include "tools/common/SafeText.h"
 #include "tools/common/TimeText.h"
 #include "tools/replay/unit/Topology.h"
 
@@ -45,7 +46,7 @@ std::string numberText(Reading const& reading) {
 
 void ReplayLog::write(std::string const& line) {
     if (out_ != nullptr) {
-        *out_ << line << std::endl; // flushed: other programs wait for these lines
+        *out_ << safeText(line) << std::endl; // flushed: other programs wait for these lines
     }
 }
 
@@ -71,8 +72,8 @@ void ReplayLog::started(std::size_t points, std::size_t values, std::size_t file
 }
 
 void ReplayLog::crossed(Crossing const& crossing) {
-    ++crossings_;
-    event(crossing.after.time, "limit",
+    crossings_ += crossing.isLoss ? 0 : 1;
+    event(crossing.after.time, crossing.isLoss ? "readings" : "limit",
           crossing.column + "  " + numberText(crossing.after) + "  " +
               transition(crossing.before, crossing.after.state));
 }
@@ -94,12 +95,31 @@ void ReplayLog::changed(std::uint64_t time, std::size_t points, std::size_t valu
     event(time, "structure", "changed, now " + structureText(points, values));
 }
 
+void ReplayLog::cut(std::uint64_t time, std::size_t links) {
+    event(time, "damage",
+          links == 0 ? "no link of the sample leads back any more"
+                     : counted(links, "link") + " of the sample cut that led back to where readers had been");
+}
+
+void ReplayLog::set(std::uint64_t time, std::string const& what) {
+    event(time, "set", what);
+}
+
+void ReplayLog::unset(std::uint64_t time, std::string const& what) {
+    event(time, "unset", what);
+}
+
 void ReplayLog::globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bits after) {
     event(time, "global", transition(before, after));
 }
 
-void ReplayLog::held() {
-    write(std::string(program) + allReplayed() + "; the region stays until a signal comes");
+std::string ReplayLog::stoppedEarly(std::optional<std::uint64_t> of) const {
+    return (of ? std::to_string(taken_) + " of " + counted(*of, noun()) : counted(taken_, noun())) +
+           " replayed, stopped at --until";
+}
+
+void ReplayLog::held(std::string_view reason) {
+    write(std::string(program).append(reason).append("; the region stays until a signal comes"));
 }
 
 void ReplayLog::ended(std::string_view reason, double seconds, eStatus_Bits globalState) {

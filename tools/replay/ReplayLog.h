@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,8 +25,8 @@ enum class ReplaySteps : std::uint8_t {
     Samples, ///< of a capture
 };
 
-/// Writes one line per event, immediately, and counts for the summary. Values are written with their units. Times are
-/// those of the recording or capture.
+/// Writes one line per event, immediately, and counts for the summary. Values are written with their units, file names
+/// without control characters. Times are those of the recording or capture.
 ///
 /// Threads: reentrant.
 class ReplayLog {
@@ -38,13 +39,22 @@ public:
     void missing(std::uint64_t time, std::string const& file, std::size_t cells, std::size_t ofCells);
     void changed(std::uint64_t time, Change const& change, std::size_t points, std::size_t values);
     void changed(std::uint64_t time, std::size_t points, std::size_t values);
+    void cut(std::uint64_t time, std::size_t links);
+    void set(std::uint64_t time, std::string const& what);
+    void unset(std::uint64_t time, std::string const& what);
     void globalState(std::uint64_t time, eStatus_Bits before, eStatus_Bits after);
-    void held();
-    /// @param seconds real time since the start
+    /// @param reason as to ended()
+    void held(std::string_view reason);
+    /// @param reason  one of those below, or another one, which is followed by the number of steps
+    /// @param seconds real time from the first step to the last one
     void ended(std::string_view reason, double seconds, eStatus_Bits globalState);
 
     /// The reason to end after the last step.
     std::string allReplayed() const;
+
+    /// The reason to end before the last step, because of --until.
+    /// @param of number of steps there are; none if it is not known or endless
+    std::string stoppedEarly(std::optional<std::uint64_t> of) const;
 
     void countStep() { ++taken_; }
     void countUpdates(std::uint64_t updates) { updates_ += updates; }

@@ -35,6 +35,9 @@ struct ReplayOptions {
     std::vector<double> groupAfter;
     std::vector<double> ungroupAfter;
     bool isHeld = false;
+    bool isNow = false;                ///< times of the present
+    std::string control;               ///< path of the socket for commands; empty for none
+    std::vector<std::string> commands; ///< for a running replay, instead of a replay: "set ...", "unset ..."
     bool isQuiet = false;
     std::string logLevel;
 };
@@ -42,6 +45,10 @@ struct ReplayOptions {
 /// Adds the program's description and options to the app.
 /// @param options receives the arguments; must outlive app
 void defineOptions(CLI::App& app, ReplayOptions& options);
+
+/// Checks the commands for a running replay, before one is sent.
+/// @throws InputError if a command is wrong, there is no control socket, or an option is not allowed with commands
+void checkCommands(ReplayOptions const& options);
 
 /// Reads and checks the recordings, limits and times that the options name.
 /// @throws InputError for the first thing that is wrong

@@ -5,9 +5,12 @@
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Logging.h"
 #include "tools/common/Output.h"
+#include "tools/common/SafeText.h"
 #include "tools/replay/ReplayApp.h"
 #include "tools/replay/ReplayLog.h"
 #include "tools/replay/ReplayOptions.h"
+#include "tools/replay/control/ControlClient.h"
+#include "tools/replay/control/ControlCommands.h"
 #include "tools/replay/csv/InputError.h"
 
 #include <CLI/App.hpp>
@@ -19,6 +22,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 namespace qel::tools {
@@ -37,6 +41,21 @@ ReplayApp::MakePlayer playerMaker(ReplayOptions const& options, ReplayLog& log) 
     };
 }
 
+/// Sends the commands to a running replay and prints its answers.
+int sendCommands(CLI::App const& app, ReplayOptions const& options) {
+    checkCommands(options);
+    ControlClient client(options.control);
+    for (auto const& command : options.commands) {
+        auto const answer = client.ask(command);
+        if (answer.rfind(errorAnswer, 0) == 0) {
+            tellError(app, answer.substr(std::string_view(errorAnswer).size()));
+            return exitFailure;
+        }
+        std::cout << safeText(answer) << std::endl;
+    }
+    return exitSuccess;
+}
+
 int replay(int argc, char const* const* argv) {
     CLI::App app("", "qel-replay");
     ReplayOptions options;
@@ -48,9 +67,12 @@ int replay(int argc, char const* const* argv) {
     // The region must be removed even if nobody reads the output any longer.
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     try {
+        if (!options.commands.empty()) {
+            return sendCommands(app, options);
+        }
         ReplayLog log(options.isQuiet ? nullptr : &std::cout,
                       options.capture.empty() ? ReplaySteps::Rows : ReplaySteps::Samples);
-        ReplayApp(playerMaker(options, log), log, options.speed, options.isHeld).run();
+        ReplayApp(playerMaker(options, log), log, {options.speed, options.isHeld, options.control}).run();
         return statusOfOutput(app);
     } catch (InputError const& error) {
         tellError(app, error.what());

@@ -5,8 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <ctime>
+#include <iomanip>
 #include <limits>
+#include <random>
+#include <sstream>
+#include <string>
 
 namespace qel::tools {
 
@@ -33,6 +40,68 @@ TEST(TimeTextTest, ParseAndText_AgreeWithTheCalendarOfTheSystem) {
         ASSERT_EQ(milliseconds, parseTime(text)) << text;
         ASSERT_EQ(text, timeText(milliseconds));
     }
+}
+
+namespace {
+
+/// The date of a day since 1970, counted day by day from the start of its 400 years.
+std::string plainDate(std::uint64_t day) {
+    constexpr std::uint64_t daysPerEra = 146097;
+    auto year = 1970 + day / daysPerEra * 400; // each 400 years have equal calendars
+    auto rest = day % daysPerEra;
+    auto const isLeap = [](std::uint64_t of) {
+        return (of % 4 == 0 && of % 100 != 0) || of % 400 == 0;
+    };
+    for (; rest >= (isLeap(year) ? 366U : 365U); ++year) {
+        rest -= isLeap(year) ? 366U : 365U;
+    }
+    std::array<unsigned, 12> const months{31, isLeap(year) ? 29U : 28U, 31, 30, 31, 30, 31, 31, 30, 31, 30,
+                                          31};
+    std::size_t month = 0;
+    for (; rest >= months.at(month); ++month) {
+        rest -= months.at(month);
+    }
+    std::ostringstream text;
+    text << std::setfill('0') << std::setw(4) << year << '-' << std::setw(2) << month + 1 << '-'
+         << std::setw(2) << rest + 1;
+    return text.str();
+}
+
+void expectDate(std::uint64_t day) {
+    constexpr std::uint64_t msPerDay = 86400000;
+    ASSERT_EQ(plainDate(day) + "T00:00:00Z", timeText(day * msPerDay)) << day;
+    ASSERT_EQ(plainDate(day) + "T00:00:00.001Z", timeText(day * msPerDay + 1)) << day;
+}
+
+} // namespace
+
+// Every day of the 400 years after which the calendar repeats, and of the last ones that a time can have.
+TEST(TimeTextTest, TextOfEachDayOfACycle_IsItsDate) {
+    constexpr std::uint64_t daysPerEra = 146097;
+    constexpr std::uint64_t lastDay = std::numeric_limits<std::uint64_t>::max() / 86400000;
+    for (std::uint64_t day = 0; day <= daysPerEra; ++day) {
+        expectDate(day);
+    }
+    for (std::uint64_t day = lastDay - daysPerEra; day < lastDay; ++day) {
+        expectDate(day);
+    }
+}
+
+TEST(TimeTextTest, TextOfDaysOverTheWholeRange_IsTheirDate) {
+    constexpr std::uint64_t lastDay = std::numeric_limits<std::uint64_t>::max() / 86400000;
+    std::mt19937_64 random(11);
+    for (int round = 0; round < 20000; ++round) {
+        expectDate(random() % lastDay);
+    }
+}
+
+// The largest times used to take seconds each.
+TEST(TimeTextTest, TextOfTheLargestTime_TakesNoLongerThanAnyOther) {
+    constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+    for (std::uint64_t back = 0; back < 100000; ++back) {
+        ASSERT_EQ("584556019-04-03T14:25:5", timeText(largest - back % 1000).substr(0, 23));
+    }
+    EXPECT_EQ("584556019-04-03T14:25:51.615Z", timeText(largest));
 }
 
 TEST(TimeTextTest, Text_ShowsAFractionOnlyWhereThereIsOne) {

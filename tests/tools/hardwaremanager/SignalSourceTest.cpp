@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <memory>
 
 namespace qel::tools {
@@ -51,6 +52,18 @@ TEST(SignalSourceTest, Destroyed_CallsNoMore) {
 
     EXPECT_TRUE(runUntil([&] { return kept == 1; }));
     EXPECT_EQ(0, removed);
+}
+
+TEST(SignalSourceTest, SignalAfterTheLastSource_HasNoEffect) {
+    EXPECT_EXIT(
+        {
+            {
+                SignalSource const sut(SIGTERM, [] {});
+            }
+            std::raise(SIGTERM);
+            std::exit(7); // NOLINT(concurrency-mt-unsafe): the child has one thread of its own
+        },
+        testing::ExitedWithCode(7), "");
 }
 
 } // namespace qel::tools

@@ -5,6 +5,7 @@
 
 #include "format/ValueKeys.h"
 #include "inspect/image/LiveRegion.h"
+#include "inspect/image/PointTree.h"
 #include "tools/replay/RecordingPlayer.h"
 
 #include "tests/inspect/capture/CaptureFixture.h"
@@ -18,6 +19,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qel::tools {
@@ -61,8 +63,17 @@ protected:
         return playerOf(file, file.images().size());
     }
     std::unique_ptr<CapturePlayer> playerOf(test::CaptureFile const& file, std::uint64_t samples) {
-        return std::make_unique<CapturePlayer>(CapturePlayer::Parts{file.path(), samples}, log_,
-                                               [this] { ++announced_; });
+        return playerOf({selectionOf(file, samples), {}});
+    }
+    std::unique_ptr<CapturePlayer> playerOf(CapturePlayer::Parts const& parts) {
+        return std::make_unique<CapturePlayer>(parts, log_, [this] { ++announced_; });
+    }
+
+    static SampleSelection selectionOf(test::CaptureFile const& file, std::uint64_t samples) {
+        SampleSelection selection;
+        selection.file = file.path();
+        selection.samples = samples;
+        return selection;
     }
 
     std::ostringstream out_;
@@ -139,6 +150,68 @@ TEST_F(CapturePlayerTest, Log_TellsTheGlobalStateAndTheStructure) {
               "2023-06-09T07:34:32.540Z  global     Child Alarm => On\n"
               "qel-replay: done: 6 samples, 6 updates in 1.0 s; 2 structure changes; global state On\n",
               out_.str());
+}
+
+// A reader would go round in it for ever.
+TEST_F(CapturePlayerTest, RecordedCircle_IsCutAndReported) {
+    auto const images = unitImages();
+    auto region = std::make_unique<shm::record::Region>(images[3].region());
+    auto const inletPos = inspect::PointTree(images[3]).nodes().at(1).pos;
+    region->points[inletPos].next = inletPos;
+    test::CaptureFile const file(
+        {images[2], inspect::Image(std::move(region), shm::REGION_SIZE), images[3], images[4]});
+    auto const sut = playerOf(file);
+
+    sut->begin();
+    sut->step();
+
+    EXPECT_TRUE(inspect::PointTree(inspect::LiveRegion().copy()).skippedLinks().empty());
+    test::expectSame(images[3], inspect::LiveRegion().copy());
+    sut->step();
+    EXPECT_NE(
+        std::string::npos,
+        out_.str().find("2023-06-09T07:34:30.540Z  damage     1 link of the sample cut that led back to "
+                        "where readers had been\n"))
+        << out_.str();
+    EXPECT_NE(std::string::npos, out_.str().find("2023-06-09T07:34:31.040Z  damage     no link"))
+        << out_.str();
+}
+
+TEST_F(CapturePlayerTest, Present_MovesTheTimesOfPointsAndValues) {
+    constexpr std::uint64_t now = 1795000000000;
+    constexpr std::uint64_t recorded0 = test::CaptureFile::startTime + test::CaptureFile::firstTime;
+    auto const images = unitImages(); // the inlet's power: at 1000 with an alarm, at 2000 without
+    test::CaptureFile const file(images);
+    auto const sut = playerOf({selectionOf(file, 6), Stamps::present(2.0, [=] { return now; })});
+    sut->begin();
+    while (sut->due()) {
+        sut->step();
+    }
+    auto const image = inspect::LiveRegion().copy();
+    inspect::PointTree const tree(image);
+    auto const power = *(tree.valuesOf(tree.nodes().at(1)).begin() + 1);
+    ASSERT_EQ(key::activePower, image.value(power)->key);
+    EXPECT_EQ(now - (recorded0 - 2000), image.value(power)->at) << "long before the capture";
+    EXPECT_EQ(1500.0, image.value(power)->value);
+}
+
+TEST_F(CapturePlayerTest, Loop_LetsTimesGoOn) {
+    auto const images = unitImages();
+    test::CaptureFile const file({images[3], images[5]});
+    auto selection = selectionOf(file, 2);
+    selection.isEndless = true;
+    selection.limit = 5;
+    auto const sut = playerOf({selection, {}});
+    sut->begin();
+    while (sut->due()) {
+        sut->step();
+    }
+    auto const image = inspect::LiveRegion().copy();
+    inspect::PointTree const tree(image);
+    auto const power = *(tree.valuesOf(tree.nodes().at(1)).begin() + 1);
+    EXPECT_EQ(2500.0, image.value(power)->value);
+    EXPECT_EQ(1000 + 4 * test::CaptureFile::interval, image.value(power)->at) << "two repetitions later";
+    EXPECT_EQ("5 samples replayed, stopped at --until", sut->endReason());
 }
 
 TEST_F(CapturePlayerTest, Led_FollowsTheGlobalState) {

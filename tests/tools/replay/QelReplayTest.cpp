@@ -19,8 +19,12 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/stat.h>
+
 #include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <memory>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -103,6 +107,65 @@ TEST_P(SignalTest, Signal_EndsTheReplayInOrder) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, SignalTest, testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+// The second one may come at any moment while the program ends.
+TEST(QelReplayTest, MoreSignalsWhileItEnds_DoNotKeepTheRegion) {
+    TempFile const file(threeRows);
+    for (int round = 0; round < 20; ++round) {
+        QelReplayProcess sut({"--loop", file.path()});
+        ASSERT_TRUE(sut.readUntil("region active"));
+
+        sut.signal(SIGTERM);
+        std::this_thread::sleep_for(std::chrono::microseconds(round * 150));
+        for (int more = 0; more < 20; ++more) {
+            sut.signal(more % 2 == 0 ? SIGINT : SIGTERM);
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+
+        EXPECT_EQ(0, sut.wait());
+        ASSERT_FALSE(rawRegionExists()) << "round " << round;
+    }
+}
+
+TEST(QelReplayTest, Until_SaysHowManyRowsThereAre) {
+    TempFile const file(threeRows);
+    EXPECT_THAT(
+        outcomeOf(QelReplayProcess::command({"--speed", "0", "--until", "2", file.path()})).output,
+        testing::HasSubstr("qel-replay: 2 of 3 rows replayed, stopped at --until: 2 rows, 2 updates in "));
+    EXPECT_THAT(outcomeOf(QelReplayProcess::command({"--speed", "0", "--until", "3", file.path()})).output,
+                testing::HasSubstr("qel-replay: all rows replayed: 3 rows, "));
+    EXPECT_THAT(
+        outcomeOf(QelReplayProcess::command({"--speed", "0", "--until", "7", "--loop", file.path()})).output,
+        testing::HasSubstr("qel-replay: 7 rows replayed, stopped at --until: 7 rows, "));
+}
+
+TEST(QelReplayTest, TimeOfTheSummary_IsWithoutTheHold) {
+    TempFile const file(threeRows);
+    QelReplayProcess sut({"--speed", "0", "--hold", file.path()});
+    ASSERT_TRUE(sut.readUntil("the region stays"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    sut.signal(SIGTERM);
+    auto const summary = sut.readAll();
+    EXPECT_THAT(summary, testing::ContainsRegex("3 updates in 0\\.[0-9] s; ")) << summary;
+}
+
+TEST(QelReplayTest, Now_StampsValuesWithThePresent) {
+    TempFile const file(threeRows);
+    auto const now = [] {
+        return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(
+                                              std::chrono::system_clock::now().time_since_epoch())
+                                              .count());
+    };
+    auto const before = now();
+    QelReplayProcess sut({"--now", "--speed", "4", "--hold", file.path()});
+    ASSERT_TRUE(sut.readUntil("the region stays"));
+
+    RawUnit const region;
+    auto const time = region.value(inletVoltage)->time;
+    EXPECT_GE(time, before + 500);
+    EXPECT_LE(time, now());
+    EXPECT_EQ(232.0, region.value(inletVoltage)->number);
+}
 
 // Two seconds of recording at fourfold speed.
 TEST(QelReplayTest, Speed_SetsTheClock) {
@@ -326,7 +389,10 @@ TEST(QelReplayTest, FromRecord_ReproducesACapturedReplayByteForByte) {
     {
         std::ostringstream out;
         tools::ReplayLog log(&out, tools::ReplaySteps::Samples);
-        tools::CapturePlayer player({file.path(), count}, log, [] {});
+        tools::CapturePlayer::Parts parts;
+        parts.samples.file = file.path();
+        parts.samples.samples = count;
+        tools::CapturePlayer player(parts, log, [] {});
         player.begin();
         for (auto const& image : file.images()) {
             expectSame(image, inspect::LiveRegion().copy());
@@ -340,7 +406,12 @@ TEST(QelReplayTest, FromRecord_ReproducesACapturedReplayByteForByte) {
     for (auto const samples : {std::size_t{1}, count / 3, count / 2, count}) {
         QelReplayProcess sut(
             {"--from-record", file.path(), "--speed", "0", "--hold", "--until", std::to_string(samples)});
-        ASSERT_TRUE(sut.readUntil("all samples replayed; the region stays"));
+        ASSERT_TRUE(sut.readUntil("replayed"));
+        EXPECT_EQ(samples == count
+                      ? "qel-replay: all samples replayed; the region stays until a signal comes"
+                      : "qel-replay: " + std::to_string(samples) + (samples == 1 ? " sample" : " samples") +
+                            " replayed, stopped at --until; the region stays until a signal comes",
+                  sut.lastLine());
         expectSame(file.images()[samples - 1], inspect::LiveRegion().copy());
     }
     EXPECT_FALSE(rawRegionExists());
@@ -390,6 +461,87 @@ TEST(QelReplayTest, FromRecord_ThatIsWrongPublishesNothing) {
     auto const both = outcomeOf(QelReplayProcess::command({"--from-record", "x", file.path()}));
     EXPECT_EQ(2, both.status);
     EXPECT_THAT(both.output, testing::StartsWith("qel-replay: FILE: not allowed with --from-record; "));
+    EXPECT_TRUE(created.names().empty());
+}
+
+namespace {
+
+/// A held replay that takes commands.
+class ControlledReplayTest : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(replay_->readUntil("the region stays")); }
+
+    Outcome command(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.end(), {"--control", path_});
+        return outcomeOf(QelReplayProcess::command(arguments));
+    }
+
+    TempFile const file_{threeRows};
+    std::string path_ = file_.path() + ".control";
+    std::unique_ptr<QelReplayProcess> replay_ = std::make_unique<QelReplayProcess>(
+        std::vector<std::string>{"--speed", "0", "--hold", "--control", path_, file_.path()});
+};
+
+} // namespace
+
+TEST_F(ControlledReplayTest, Set_RaisesAnAlarmAndUnsetEndsIt) {
+    auto outcome = command({"--set", "unit1/inlet1:voltage=180.5,low-alarm"});
+    EXPECT_EQ("set unit1/inlet1:voltage = 180.5 V, Low Alarm; until it is unset or the replay ends\n",
+              outcome.output);
+    EXPECT_EQ(0, outcome.status);
+    {
+        RawUnit const region;
+        EXPECT_EQ(180.5, region.value(inletVoltage)->number);
+        EXPECT_EQ(eStatus_LowAlarm, region.value(inletVoltage)->state);
+        EXPECT_EQ(eStatus_ChildAlarm, region.globalState());
+    }
+    EXPECT_TRUE(replay_->readUntil("set        unit1/inlet1:voltage = 180.5 V, Low Alarm"));
+    EXPECT_TRUE(replay_->readUntil("global     On => Child Alarm"));
+
+    outcome = command({"--unset", "unit1/inlet1:voltage"});
+    EXPECT_EQ("unset unit1/inlet1:voltage; the recording goes on\n", outcome.output);
+    RawUnit const region;
+    EXPECT_EQ(232.0, region.value(inletVoltage)->number);
+    EXPECT_EQ(eStatus_On, region.globalState());
+}
+
+TEST_F(ControlledReplayTest, CommandThatIsRefused_SaysWhy) {
+    auto outcome = command({"--set", "unit1/inlet1:current=1"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ(
+        "qel-replay: set: the unit has no value \"unit1/inlet1:current\" now; expected a name of \"qelshm "
+        "list\", such as unit1/inlet1:active-power\n",
+        outcome.output);
+    outcome = command({"--unset", "unit1"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_THAT(outcome.output,
+                testing::StartsWith("qel-replay: unset: nothing is set by hand for \"unit1\"; "));
+    outcome = command({"--set", "unit1/inlet1:voltage=1,loud"});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_THAT(outcome.output, testing::StartsWith("qel-replay: set: \"loud\" is not a state; "));
+}
+
+TEST_F(ControlledReplayTest, Socket_IsOfItsUserOnlyAndIsRemoved) {
+    struct stat file {};
+    ASSERT_EQ(0, ::stat(path_.c_str(), &file));
+    EXPECT_TRUE(S_ISSOCK(file.st_mode));
+    EXPECT_EQ(0600U, file.st_mode & 07777U);
+    replay_.reset();
+    EXPECT_NE(0, ::stat(path_.c_str(), &file));
+    auto const outcome = command({"--unset", "unit1"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_THAT(outcome.output, testing::MatchesRegex("qel-replay: no replay takes commands at " + path_ +
+                                                      ": .*; start one with --control " + path_ + "\n"));
+}
+
+TEST(QelReplayTest, ControlSocketThatCannotBeMade_PublishesNothing) {
+    TempFile const file(threeRows);
+    CreatedObjects const created;
+    auto const outcome = outcomeOf(QelReplayProcess::command({"--control", file.path(), file.path()}));
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qel-replay: cannot take commands at " + file.path() +
+                  ": a file that is no socket is there; name another path\n",
+              outcome.output);
     EXPECT_TRUE(created.names().empty());
 }
 

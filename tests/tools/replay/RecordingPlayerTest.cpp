@@ -4,6 +4,7 @@
 #include "tools/replay/RecordingPlayer.h"
 
 #include "format/ValueKeys.h"
+#include "inspect/naming/ValuePath.h"
 #include "tools/replay/unit/Topology.h"
 
 #include "tests/support/TempFile.h"
@@ -229,6 +230,116 @@ TEST_F(RecordingPlayerTest, GroupWithoutSchedule_IsNotThere) {
     auto const sut = playerOf(partsOf({groupRows}));
     sut->begin();
     EXPECT_EQ(0U, test::RawUnit().points().count(pointSvid(socketGroup)));
+}
+
+namespace {
+
+Assignment assignment(std::string const& text) {
+    return parseAssignment(text, {"set"});
+}
+
+} // namespace
+
+TEST_F(RecordingPlayerTest, ValueSetByHand_HoldsAgainstTheRecording) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    auto const power = pointSvid(inlet) | key::activePower;
+    sut->begin();
+    sut->step();
+
+    EXPECT_EQ((std::vector<std::string>{"unit1/inlet1:active-power = 4000.0 W, Alarm"}),
+              sut->set(assignment("unit1/inlet1:active-power=4000,alarm"), 700));
+
+    test::RawUnit const region;
+    EXPECT_EQ(4000.0, region.value(power)->number);
+    EXPECT_EQ(eStatus_Alarm, region.value(power)->state);
+    EXPECT_EQ(time0 + 700, region.value(power)->time);
+    EXPECT_EQ(eStatus_ChildAlarm, sut->globalState());
+    stepTo(*sut, 2000);
+    EXPECT_EQ(4000.0, region.value(power)->number);
+    EXPECT_EQ(time0 + 2000, region.value(power)->time) << "the time of the last row";
+    EXPECT_EQ(231.0, region.value(pointSvid(inlet) | key::voltage)->number) << "others go on";
+    EXPECT_NEAR(4000.0 / 3600.0 / 1000.0, region.value(pointSvid(inlet) | key::activeEnergy)->number, 1e-12)
+        << "of the recorded power";
+}
+
+TEST_F(RecordingPlayerTest, ReleasedValue_FollowsTheLastRowAtOnce) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    auto const power = pointSvid(inlet) | key::activePower;
+    sut->begin();
+    sut->step();
+    sut->set(assignment("unit1/inlet1:active-power=4000,alarm"), 700);
+    sut->step();
+
+    EXPECT_EQ((std::vector<std::string>{"unit1/inlet1:active-power"}),
+              sut->unset(inspect::ValuePattern("unit1/**"), 1300));
+
+    test::RawUnit const region;
+    EXPECT_EQ(3000.0, region.value(power)->number);
+    EXPECT_EQ(eStatus_NoError, region.value(power)->state);
+    EXPECT_EQ(time0 + 1300, region.value(power)->time);
+    EXPECT_EQ(eStatus_On, sut->globalState());
+    EXPECT_TRUE(sut->unset(inspect::ValuePattern("unit1/**"), 1300).empty()) << "nothing is left";
+}
+
+TEST_F(RecordingPlayerTest, EnergySetByHand_IsInTheUnitOfReaders) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    sut->begin();
+    EXPECT_EQ((std::vector<std::string>{"unit1/inlet1:active-energy = 12.5 kWh, No Error"}),
+              sut->set(assignment("unit1/inlet1:active-energy=12.5"), 0));
+    EXPECT_EQ(12.5, test::RawUnit().value(pointSvid(inlet) | key::activeEnergy)->number);
+}
+
+TEST_F(RecordingPlayerTest, PatternSetByHand_SetsEachValue) {
+    auto const sut = playerOf(partsOf({groupRows}));
+    sut->begin();
+    EXPECT_EQ(3U, sut->set(assignment("unit1/**/socket*:active-power=0,lost"), 0).size());
+    EXPECT_TRUE(sut->set(assignment("unit1/**:voltage=0,lost"), 0).empty());
+}
+
+TEST_F(RecordingPlayerTest, StateOfAPointSetByHand_HoldsUntilItIsReleased) {
+    auto const sut = playerOf(partsOf({inletRows}));
+    sut->begin();
+    sut->step();
+    test::RawUnit const region;
+    sut->set(assignment("unit1/inlet1:" + inspect::keyWord(stateKey(PointKind::Inlet)) + "=0,off"), 0);
+    EXPECT_EQ(eStatus_Off, region.stateOf(pointSvid(inlet)));
+    stepTo(*sut, 2000);
+    EXPECT_EQ(eStatus_Off, region.stateOf(pointSvid(inlet)));
+    sut->unset(inspect::ValuePattern("unit1/inlet1"), 2000);
+    EXPECT_EQ(eStatus_On, region.stateOf(pointSvid(inlet)));
+}
+
+TEST_F(RecordingPlayerTest, ValueSetByHand_IsThereAgainWhenItsPointComesBack) {
+    auto parts = partsOf({sensorRows});
+    parts.schedule.add({sensorPoint, "--plug-after", {1.5}, "--unplug-after", {0.5}});
+    auto const sut = playerOf(std::move(parts));
+    auto const temperature = pointSvid(sensorPoint) | key::temperature;
+    sut->begin();
+    sut->step();
+    sut->set(assignment("unit1/sensor1.1:temperature=99,high-alarm"), 0);
+    stepTo(*sut, 1500);
+    test::RawUnit const region;
+    EXPECT_EQ(99.0, region.value(temperature)->number);
+    EXPECT_EQ(eStatus_ChildAlarm, sut->globalState());
+}
+
+TEST_F(RecordingPlayerTest, Present_StampsRowsChangesAndValuesSetByHand) {
+    constexpr std::uint64_t now = 1795000000000;
+    auto parts = partsOf({inletRows, sensorRows});
+    parts.schedule.add({sensorPoint, "--plug-after", {1.5}, "--unplug-after", {}});
+    parts.stamps = Stamps::present(2.0, [] { return now; });
+    auto const sut = playerOf(std::move(parts));
+    sut->begin();
+    stepTo(*sut, 2000);
+    test::RawUnit const region;
+    EXPECT_EQ(now, region.timeOf(pointSvid(unitPoint)));
+    EXPECT_EQ(now + 1000, region.value(pointSvid(inlet) | key::voltage)->time);
+    EXPECT_EQ(now + 1000, region.value(pointSvid(sensorPoint) | key::temperature)->time);
+    EXPECT_EQ(now + 750, region.timeOf(pointSvid(sensorPoint)));
+    EXPECT_NEAR(4000.0 / 3600.0 / 1000.0, region.value(pointSvid(inlet) | key::activeEnergy)->number, 1e-12)
+        << "over the recorded time";
+    sut->set(assignment("unit1/inlet1:voltage=1"), 3000);
+    EXPECT_EQ(now + 1500, region.value(pointSvid(inlet) | key::voltage)->time);
 }
 
 } // namespace qel::tools

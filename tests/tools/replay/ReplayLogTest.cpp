@@ -39,7 +39,8 @@ TEST_F(ReplayLogTest, Start_TellsWhatIsReplayed) {
 TEST_F(ReplayLogTest, Crossing_TellsTimeColumnNumberAndStates) {
     sut_.crossed({"outlet6_active_power_W",
                   eStatus_NoError,
-                  {valueSvid({socket6, key::activePower}), time0, 2310.9, eStatus_HighWarning}});
+                  {valueSvid({socket6, key::activePower}), time0, 2310.9, eStatus_HighWarning},
+                  false});
     EXPECT_EQ("2023-06-09T07:34:38Z  limit      outlet6_active_power_W  2310.9 W  No Error => High Warning\n",
               out_.str());
 }
@@ -47,7 +48,8 @@ TEST_F(ReplayLogTest, Crossing_TellsTimeColumnNumberAndStates) {
 TEST_F(ReplayLogTest, CrossingOfAnEnergy_IsToldInTheUnitOfTheRegion) {
     sut_.crossed({"outlet6_active_energy_Wh",
                   eStatus_NoError,
-                  {valueSvid({socket6, key::activeEnergy}), time0, 1500.0, eStatus_HighAlarm}});
+                  {valueSvid({socket6, key::activeEnergy}), time0, 1500.0, eStatus_HighAlarm},
+                  false});
     EXPECT_EQ("2023-06-09T07:34:38Z  limit      outlet6_active_energy_Wh  1.5 kWh  No Error => High Alarm\n",
               out_.str());
 }
@@ -55,6 +57,35 @@ TEST_F(ReplayLogTest, CrossingOfAnEnergy_IsToldInTheUnitOfTheRegion) {
 TEST_F(ReplayLogTest, MissingReadings_AreToldWithTheirFile) {
     sut_.missing(time0, "outlets_1s.csv", 28, 77);
     EXPECT_EQ("2023-06-09T07:34:38Z  readings   outlets_1s.csv: 28 of 77 missing\n", out_.str());
+}
+
+TEST_F(ReplayLogTest, LostReading_IsNoCrossingOfALimit) {
+    sut_.crossed({"outlet6_active_power_W",
+                  eStatus_HighAlarm,
+                  {valueSvid({socket6, key::activePower}), time0, 2500.0, eStatus_Lost},
+                  true});
+    EXPECT_EQ("2023-06-09T07:34:38Z  readings   outlet6_active_power_W  2500.0 W  High Alarm => Lost\n",
+              out_.str());
+}
+
+TEST_F(ReplayLogTest, FileName_IsWrittenWithoutControlCharacters) {
+    sut_.missing(time0, "a\x1B]0;title\x07\x1B[31mb\xFF.csv", 1, 2);
+    EXPECT_EQ("2023-06-09T07:34:38Z  readings   a\\x1B]0;title\\x07\\x1B[31mb\\xFF.csv: 1 of 2 missing\n",
+              out_.str());
+}
+
+TEST_F(ReplayLogTest, StopAtTheLimit_TellsHowManyStepsThereAre) {
+    sut_.countStep();
+    EXPECT_EQ("1 of 9752 rows replayed, stopped at --until", sut_.stoppedEarly(9752));
+    EXPECT_EQ("1 row replayed, stopped at --until", sut_.stoppedEarly(std::nullopt));
+}
+
+TEST_F(ReplayLogTest, ValuesSetByHand_AreTold) {
+    sut_.set(time0, "unit1/inlet1:voltage = 1.0 V, Lost");
+    sut_.unset(time0, "unit1/inlet1:voltage");
+    EXPECT_EQ("2023-06-09T07:34:38Z  set        unit1/inlet1:voltage = 1.0 V, Lost\n"
+              "2023-06-09T07:34:38Z  unset      unit1/inlet1:voltage\n",
+              out_.str());
 }
 
 TEST_F(ReplayLogTest, StructureChange_TellsThePointAndWhatIsThereNow) {
@@ -71,14 +102,19 @@ TEST_F(ReplayLogTest, GlobalState_TellsBothStates) {
 }
 
 TEST_F(ReplayLogTest, Hold_TellsThatTheRegionStays) {
-    sut_.held();
+    sut_.held(sut_.allReplayed());
     EXPECT_EQ("qel-replay: all rows replayed; the region stays until a signal comes\n", out_.str());
 }
 
 TEST_F(ReplayLogTest, End_SumsUpWhatWasCounted) {
     sut_.crossed({"outlet6_active_power_W",
                   eStatus_NoError,
-                  {valueSvid({socket6, key::activePower}), time0, 1, eStatus_HighAlarm}});
+                  {valueSvid({socket6, key::activePower}), time0, 1, eStatus_HighAlarm},
+                  false});
+    sut_.crossed({"outlet6_active_power_W",
+                  eStatus_HighAlarm,
+                  {valueSvid({socket6, key::activePower}), time0, 1, eStatus_Lost},
+                  true});
     sut_.changed(time0, {0, sensorPoint, true}, 16, 105);
     sut_.changed(time0, {0, sensorPoint, false}, 16, 105);
     sut_.countStep();
@@ -103,7 +139,7 @@ TEST(ReplayLogOfSamplesTest, Lines_SpeakOfSamplesAndOfNoLimits) {
     ReplayLog sut(&out, ReplaySteps::Samples);
     sut.started(15, 102, 1, 20);
     sut.changed(time0, 16, 105);
-    sut.held();
+    sut.held(sut.allReplayed());
     sut.countStep();
     sut.countUpdates(7);
     sut.ended(sut.allReplayed(), 1.0, eStatus_On);
@@ -119,7 +155,7 @@ TEST(ReplayLogOfSamplesTest, Lines_SpeakOfSamplesAndOfNoLimits) {
 TEST(QuietReplayLogTest, EveryLine_GoesNowhere) {
     ReplayLog sut(nullptr);
     sut.started(1, 1, 1, 1);
-    sut.held();
+    sut.held(sut.allReplayed());
     sut.ended("all rows replayed", 1.0, eStatus_On);
 }
 

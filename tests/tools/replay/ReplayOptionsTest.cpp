@@ -114,6 +114,15 @@ TEST_F(ReplayOptionsTest, WrongArguments_AreRefused) {
     }
 }
 
+TEST_F(ReplayOptionsTest, NumbersThatAreNotFinite_AreRefused) {
+    for (auto const* const option :
+         {"--speed", "--plug-after", "--unplug-after", "--group-after", "--ungroup-after"}) {
+        for (auto const* const number : {"nan", "-nan", "NAN", "inf", "-inf", "1e400"}) {
+            EXPECT_THROW(optionsOf({option, number, "a"}), CLI::ParseError) << option << ' ' << number;
+        }
+    }
+}
+
 TEST_F(ReplayOptionsTest, ReadRecordings_TakesRowsAndRepetition) {
     auto const sut =
         readRecordings(optionsOf({"--from", "2", "--until", "9", "--loop", inlet_.path(), sensor_.path()}));
@@ -182,31 +191,68 @@ TEST_F(ReplayOptionsTest, FromRecord_ReplacesTheFiles) {
 TEST_F(ReplayOptionsTest, ReadCapture_CountsTheSamples) {
     test::CaptureFile const file({3, test::randomImages(1, 60).front()});
     auto const all = readCapture(optionsOf({"--from-record", file.path()}));
-    EXPECT_EQ(file.path(), all.file);
-    EXPECT_EQ(3U, all.samples);
-    EXPECT_EQ(2U, readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
-    EXPECT_EQ(3U, readCapture(optionsOf({"--from-record", file.path(), "--until", "9"})).samples);
+    EXPECT_EQ(file.path(), all.samples.file);
+    EXPECT_EQ(3U, all.samples.samples);
+    EXPECT_FALSE(all.samples.isCutShort);
+    auto const until = [&](char const* limit) {
+        return readCapture(optionsOf({"--from-record", file.path(), "--until", limit})).samples;
+    };
+    EXPECT_EQ(2U, until("2").samples);
+    EXPECT_TRUE(until("2").isCutShort);
+    EXPECT_EQ(3U, until("3").samples);
+    EXPECT_FALSE(until("3").isCutShort);
+    EXPECT_EQ(3U, until("9").samples);
 }
 
 TEST_F(ReplayOptionsTest, OptionsOfRecordings_AreNotAllowedWithACapture) {
     std::vector<std::vector<std::string>> const misplaced{
-        {"--from", "1"},        {"--loop"},
-        {"--limit", "x"},       {"--limits", "x"},
-        {"--plug-after", "1"},  {"--unplug-after", "1"},
-        {"--group-after", "1"}, {"--ungroup-after", "1"},
+        {"--from", "1"},       {"--control", "x"},      {"--limit", "x"},       {"--limits", "x"},
+        {"--plug-after", "1"}, {"--unplug-after", "1"}, {"--group-after", "1"}, {"--ungroup-after", "1"},
     };
     for (auto arguments : misplaced) {
         auto const option = arguments.front();
         arguments.insert(arguments.end(), {"--from-record", "r"});
-        EXPECT_EQ(option +
-                      ": not allowed with --from-record; expected only --speed, --until, --hold, --quiet and "
-                      "--log-level with it",
+        EXPECT_EQ(option + ": not allowed with --from-record; expected only --speed, --until, --loop, --now, "
+                           "--hold, --quiet and --log-level with it",
                   captureFailureOf(arguments));
     }
-    EXPECT_EQ("FILE: not allowed with --from-record; expected only --speed, --until, --hold, --quiet and "
-              "--log-level "
-              "with it",
+    EXPECT_EQ("FILE: not allowed with --from-record; expected only --speed, --until, --loop, --now, --hold, "
+              "--quiet and --log-level with it",
               captureFailureOf({"--from-record", "r", "a.csv"}));
+}
+
+TEST_F(ReplayOptionsTest, LoopAndNow_AreTakenForCapturesToo) {
+    test::CaptureFile const file({3, test::randomImages(1, 60).front()});
+    auto const sut = readCapture(optionsOf({"--from-record", file.path(), "--loop", "--now"}));
+    EXPECT_TRUE(sut.samples.isEndless);
+    EXPECT_TRUE(sut.stamps.isPresent());
+    EXPECT_FALSE(readCapture(optionsOf({"--from-record", file.path()})).stamps.isPresent());
+    EXPECT_TRUE(readRecordings(optionsOf({"--now", inlet_.path()})).stamps.isPresent());
+}
+
+TEST_F(ReplayOptionsTest, Commands_ReplaceTheFilesAndKeepTheirOrder) {
+    auto const sut = optionsOf({"--set", "unit1/inlet1:voltage=1", "--unset", "unit1/inlet1", "--set",
+                                "unit1/inlet1:current=2,high-alarm", "--control", "p"});
+    EXPECT_EQ((std::vector<std::string>{"set unit1/inlet1:voltage=1", "unset unit1/inlet1",
+                                        "set unit1/inlet1:current=2,high-alarm"}),
+              sut.commands);
+    EXPECT_EQ("p", sut.control);
+    EXPECT_NO_THROW(checkCommands(sut));
+}
+
+TEST_F(ReplayOptionsTest, WrongCommands_AreRefusedBeforeOneIsSent) {
+    auto const failureOfCommands = [&](std::vector<std::string> const& arguments) {
+        return test::inputFailure([&] { checkCommands(optionsOf(arguments)); });
+    };
+    EXPECT_EQ("--control: missing; expected the path that the running replay was started with, for --set and "
+              "--unset",
+              failureOfCommands({"--unset", "unit1"}));
+    EXPECT_EQ("FILE: not allowed with --set and --unset, which speak to a running replay; expected only "
+              "--control with them",
+              failureOfCommands({"--unset", "unit1", "--control", "p", "a.csv"}));
+    EXPECT_EQ(
+        "set: \"x\" is not a number; expected a decimal number in the unit in which qelshm shows the value",
+        failureOfCommands({"--set", "unit1/inlet1:voltage=x", "--control", "p"}));
 }
 
 TEST_F(ReplayOptionsTest, CaptureThatIsDamaged_IsRefusedUpToTheLimit) {
@@ -220,7 +266,9 @@ TEST_F(ReplayOptionsTest, CaptureThatIsDamaged_IsRefusedUpToTheLimit) {
         failure.find(" is cut off; 2 samples before it are complete; expected a capture of qelshm record; "
                      "--until can end the replay before a damaged sample"))
         << failure;
-    EXPECT_EQ(2U, readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+    auto const before = readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples;
+    EXPECT_EQ(2U, before.samples);
+    EXPECT_TRUE(before.isCutShort);
 }
 
 TEST_F(ReplayOptionsTest, CaptureOfAShortObject_IsRefusedUpToTheLimit) {
@@ -230,7 +278,9 @@ TEST_F(ReplayOptionsTest, CaptureOfAShortObject_IsRefusedUpToTheLimit) {
               failure.find(" is of an object of 0 bytes; expected samples of 320032 bytes; --until can end "
                            "the replay before it"))
         << failure;
-    EXPECT_EQ(2U, readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples);
+    auto const before = readCapture(optionsOf({"--from-record", file.path(), "--until", "2"})).samples;
+    EXPECT_EQ(2U, before.samples);
+    EXPECT_TRUE(before.isCutShort);
 }
 
 TEST_F(ReplayOptionsTest, CaptureWithoutSamples_IsRefused) {

@@ -21,7 +21,7 @@ Candidates candidatesFor(CLI::Option& option, std::string const& name, Candidate
     }
     Candidates candidates;
     candidates.words = choicesOf(option);
-    candidates.areFiles = name == "FILE";
+    candidates.areFiles = name == "FILE" || name == "PATH";
     return candidates;
 }
 

@@ -25,7 +25,7 @@ struct Candidates {
     bool isEmpty() const { return words.empty() && !areFiles && printed.empty(); }
 };
 
-/// Candidates by what the help calls the argument: "POINT". Those of FILE need not be given.
+/// Candidates by what the help calls the argument: "POINT". Those of FILE and PATH need not be given.
 using CandidatesByName = std::map<std::string, Candidates>;
 
 /// An argument of the program, of a verb or of an option. Reentrant.

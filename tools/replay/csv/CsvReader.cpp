@@ -14,12 +14,14 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <string_view>
 
 namespace qel::tools {
 
 namespace {
 
 constexpr std::size_t blockSize = 65536;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // spreadsheets write it in front of UTF-8
 
 struct FileCloser {
     void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
@@ -44,25 +46,68 @@ public:
     Parsing(Parsing const&) = delete;
     Parsing& operator=(Parsing const&) = delete;
 
-    void parse(char const* block, std::size_t size) {
-        bool const isWhole = csv_parse(&parser_, block, size, onCell, onRow, this) == size;
-        check(isWhole);
+    void parse(std::string_view block) {
+        while (!block.empty()) {
+            auto const end = block.find('\n');
+            auto const piece = block.substr(0, end == std::string_view::npos ? end : end + 1);
+            block.remove_prefix(piece.size());
+            parsePiece(piece);
+        }
     }
 
     void finish() { check(csv_fini(&parser_, onCell, onRow, this) == 0); }
 
 private:
+    // Bounded before the parser sees it, which keeps what belongs to one cell.
+    void parsePiece(std::string_view piece) {
+        rowSize_ += piece.size();
+        if (rowSize_ > longestCsvRow) {
+            throw InputError({path_, rowLine_}, "the row has more than " + numberOf(longestCsvRow, "byte"),
+                             "at most " + numberOf(longestCsvRow, "byte") + " in a row");
+        }
+        bool const isWhole =
+            csv_parse(&parser_, piece.data(), piece.size(), onCell, onRow, this) == piece.size();
+        check(isWhole);
+        line_ += piece.back() == '\n' ? 1 : 0;
+        if (rowSize_ == 0) {
+            rowLine_ = line_;
+        }
+    }
+
     static void onCell(void* text, std::size_t size, void* self) {
-        static_cast<Parsing*>(self)->guarded(
-            [&](Parsing& parsing) { parsing.cells_.emplace_back(static_cast<char const*>(text), size); });
+        static_cast<Parsing*>(self)->guarded([&](Parsing& parsing) {
+            if (parsing.cells_.size() == mostCsvCells) {
+                throw InputError({parsing.path_, parsing.rowLine_},
+                                 "the row has more than " + numberOf(mostCsvCells, "cell"),
+                                 "at most " + numberOf(mostCsvCells, "cell") + " in a row");
+            }
+            parsing.cells_.emplace_back(static_cast<char const*>(text), size);
+        });
     }
 
     static void onRow(int /*terminator*/, void* self) {
         static_cast<Parsing*>(self)->guarded([](Parsing& parsing) {
-            parsing.handler_(parsing.cells_, parsing.line_);
+            parsing.handOver();
             parsing.cells_.clear();
-            ++parsing.line_;
+            parsing.rowSize_ = 0;
         });
+    }
+
+    // Empty lines wait for the row behind them. At the end of the file nobody takes them.
+    void handOver() {
+        if (cells_.empty()) {
+            firstEmpty_ = emptyLines_ == 0 ? rowLine_ : firstEmpty_;
+            ++emptyLines_;
+            return;
+        }
+        for (; emptyLines_ != 0; --emptyLines_) {
+            handler_({}, firstEmpty_++);
+        }
+        handler_(cells_, rowLine_);
+    }
+
+    static std::string numberOf(std::size_t count, std::string_view noun) {
+        return std::to_string(count).append(" ").append(noun).append("s");
     }
 
     template <typename Step>
@@ -82,7 +127,8 @@ private:
             std::rethrow_exception(failure_);
         }
         if (!isWellFormed) {
-            throw InputError({path_, line_}, "misplaced quotes", "cells without quotes or quoted as a whole");
+            throw InputError({path_, rowLine_}, "misplaced quotes",
+                             "cells without quotes or quoted as a whole");
         }
     }
 
@@ -91,6 +137,10 @@ private:
     csv_parser parser_{};
     std::vector<std::string> cells_;
     std::size_t line_ = 1;
+    std::size_t rowLine_ = 1;    // where the row begins; its quoted cells may hold line ends
+    std::size_t rowSize_ = 0;    // bytes of the row up to now
+    std::size_t emptyLines_ = 0; // one after the other, up to the row
+    std::size_t firstEmpty_ = 0; // line of the first of them
     std::exception_ptr failure_;
 };
 
@@ -108,8 +158,14 @@ void readCsv(std::string const& path, CsvRowHandler const& handler) {
     }
     Parsing parsing(path, handler);
     std::array<char, blockSize> block{};
+    bool isFirst = true;
     while (std::size_t const size = std::fread(block.data(), 1, block.size(), file.get())) {
-        parsing.parse(block.data(), size);
+        std::string_view text(block.data(), size);
+        if (isFirst && text.substr(0, byteOrderMark.size()) == byteOrderMark) {
+            text.remove_prefix(byteOrderMark.size());
+        }
+        isFirst = false;
+        parsing.parse(text);
     }
     if (std::ferror(file.get()) != 0) {
         failToRead(path, errno);

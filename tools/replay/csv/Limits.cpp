@@ -192,14 +192,21 @@ void LimitSet::add(std::string_view text, InputPlace const& place) {
 }
 
 void LimitSet::addFile(std::string const& path) {
+    constexpr std::size_t longestLine = 4096;
     std::ifstream file(path);
-    std::string text;
+    std::array<char, longestLine + 1> buffer{};
     std::size_t line = 1;
-    for (; std::getline(file, text); ++line) {
-        auto const limit = trimmed(std::string_view(text).substr(0, text.find('#')));
+    for (; file.getline(buffer.data(), buffer.size()); ++line) {
+        auto const size = static_cast<std::size_t>(file.gcount()) - (file.eof() ? 0 : 1);
+        std::string_view const text(buffer.data(), size);
+        auto const limit = trimmed(text.substr(0, text.find('#')));
         if (!limit.empty()) {
             add(limit, {path, line});
         }
+    }
+    if (file.gcount() == longestLine) {
+        throw InputError({path, line}, "the line has more than " + std::to_string(longestLine) + " bytes",
+                         "one limit per line");
     }
     // The loop also ends when reading fails.
     if (!file.eof()) {

@@ -62,7 +62,7 @@ public:
     void add(std::string_view text, InputPlace const& place);
 
     /// Reads a file with one limit per line; '#' starts a comment, empty lines are ignored.
-    /// @throws InputError as add(), or if the file cannot be read
+    /// @throws InputError as add(), if the file cannot be read or a line has more than 4096 bytes
     void addFile(std::string const& path);
 
     /// @throws InputError if no recording has a limit's column

@@ -69,6 +69,10 @@ private:
 
     void readRow(std::vector<std::string> const& cells, std::size_t line) {
         auto const expected = recording_.columns_.size() + 1;
+        if (cells.empty()) {
+            throw InputError({recording_.path_, line}, "the line is empty",
+                             "rows without empty lines between them");
+        }
         if (cells.size() != expected) {
             throw InputError({recording_.path_, line},
                              "the row has " + std::to_string(cells.size()) + " cells",

@@ -52,7 +52,9 @@ RecordingFeed::RecordingFeed(Recording const& recording, Recordings const& recor
 }
 
 void RecordingFeed::addColumn(Column const& column, Recordings const& recordings, LimitSet const& limits) {
-    ColumnFeed feed{column.name, {{column.point, column.key}}, std::nullopt, eStatus_NoError, std::nullopt};
+    ColumnFeed feed;
+    feed.name = column.name;
+    feed.output.value = {column.point, column.key};
     if (auto const* const limit = limits.find(column.name)) {
         feed.limit.emplace(*limit);
     }
@@ -111,9 +113,11 @@ void RecordingFeed::convertCell(ColumnFeed& feed, std::optional<double> const& c
     auto const limited = cell && feed.limit ? feed.limit->update(*cell) : eStatus_NoError;
     auto const reading = feed.output.give(cell, time, limited);
     if (feed.limit && reading.state != feed.state) {
-        result.crossings.push_back({feed.name, feed.state, reading});
+        bool const isLoss = !cell || limited == feed.limited;
+        result.crossings.push_back({feed.name, feed.state, reading, isLoss});
     }
     feed.state = reading.state;
+    feed.limited = cell ? limited : feed.limited;
     result.readings.push_back(reading);
     if (feed.energy) {
         std::optional<double> total;
@@ -132,12 +136,13 @@ RowReadings RecordingFeed::convert(Row const& row) {
         convertCell(columns_[column], row.cells.at(column), row.time, result);
     }
     for (auto& sum : sums_) {
-        std::optional<double> total(0.0);
+        double total = 0.0;
+        bool isWhole = true;
         for (auto const column : sum.columns) {
-            auto const& cell = row.cells.at(column);
-            total = total && cell ? std::optional<double>(*total + *cell) : std::nullopt;
+            total += columns_[column].output.number;
+            isWhole = isWhole && row.cells.at(column).has_value();
         }
-        result.readings.push_back(sum.output.give(total, row.time));
+        result.readings.push_back(sum.output.give(total, row.time, isWhole ? eStatus_NoError : eStatus_Lost));
     }
     for (auto& feed : dewPoints_) {
         auto const& temperature = row.cells.at(feed.temperature);

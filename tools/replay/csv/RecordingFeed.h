@@ -26,6 +26,7 @@ struct Crossing {
     std::string column;
     eStatus_Bits before;
     Reading after;
+    bool isLoss; ///< the reading was lost, or came back within the same limits: no limit was crossed
 };
 
 /// What one row results in.
@@ -38,7 +39,7 @@ struct RowReadings {
 /// Each column feeds one value. Computed values are fed too: the energy of each active and apparent power without a
 /// recorded counter, the sum of the active powers of each circuit and of the socket group if the recording has all
 /// their outlets, and the dew point of a sensor. A value without a reading keeps its last number (0 before the first)
-/// and is Lost.
+/// and is Lost. A sum adds the numbers that its outlets show, and is Lost if one of them is.
 ///
 /// Threads: reentrant.
 class RecordingFeed {
@@ -74,14 +75,15 @@ private:
         std::string name;
         Output output;
         std::optional<LimitState> limit;
-        eStatus_Bits state = eStatus_NoError;
+        eStatus_Bits state = eStatus_NoError;   // of the last row
+        eStatus_Bits limited = eStatus_NoError; // of the last reading
         std::optional<Energy> energy;
     };
 
     /// Active power of several sockets.
     struct Sum {
         Output output;
-        std::vector<std::size_t> columns;
+        std::vector<std::size_t> columns; // of the outlets
     };
 
     struct DewPointFeed {

@@ -77,11 +77,14 @@ double RecordingRows::counted(std::size_t column) const {
 
 MergedRows::MergedRows(Recordings const& recordings, RowSelection const& selection)
     : rowsLeft_(selection.rowLimit) {
+    std::uint64_t total = 0;
     for (auto const& recording : recordings.all()) {
         auto const index = rows_.size();
         auto const first = index < selection.firstRows.size() ? selection.firstRows[index] : 0;
         rows_.emplace_back(recording, first, selection.isEndless);
+        total += recording.rowCount() - first;
     }
+    total_ = selection.isEndless ? std::nullopt : std::optional(total);
 }
 
 std::size_t MergedRows::earliest() const {
@@ -91,6 +94,10 @@ std::size_t MergedRows::earliest() const {
                                             return left.due().value_or(never) < right.due().value_or(never);
                                         });
     return static_cast<std::size_t>(first - rows_.begin());
+}
+
+bool MergedRows::isStopped() const {
+    return rowsLeft_ == 0U && !rows_.empty() && rows_[earliest()].due().has_value();
 }
 
 std::optional<std::uint64_t> MergedRows::due() const {

@@ -83,11 +83,18 @@ public:
     /// Takes the next row; there must be one.
     Step next();
 
+    /// Whether the limit is the reason that there is no next row.
+    bool isStopped() const;
+
+    /// Number of rows there are without a limit; none if they repeat.
+    std::optional<std::uint64_t> total() const { return total_; }
+
 private:
     std::size_t earliest() const;
 
     std::vector<RecordingRows> rows_;       // by recording
     std::optional<std::uint64_t> rowsLeft_; // none: no limit
+    std::optional<std::uint64_t> total_;    // none: endless
 };
 
 } // namespace qel::tools

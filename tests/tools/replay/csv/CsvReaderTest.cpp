@@ -87,6 +87,55 @@ TEST(CsvReaderTest, MisplacedQuotes_AreRefusedWithTheirLine) {
     EXPECT_EQ(":2" + rest, failureOf("a\n\"1\n2\n")) << "never closed";
 }
 
+TEST(CsvReaderTest, ByteOrderMark_BelongsToNoCell) {
+    EXPECT_EQ((Lines{{1, {"a", "b"}}, {2, {"1", "2"}}}), linesOf("\xEF\xBB\xBF"
+                                                                 "a,b\n1,2\n"));
+    EXPECT_EQ((Lines{{1, {"a,b"}}}), linesOf("\xEF\xBB\xBF\"a,b\"\n"));
+    EXPECT_TRUE(linesOf("\xEF\xBB\xBF").empty());
+    EXPECT_EQ((Lines{{1, {"a"}}, {2, {"\xEF\xBB\xBF"}}}), linesOf("a\n\xEF\xBB\xBF\n"))
+        << "only at the start";
+}
+
+TEST(CsvReaderTest, EmptyLinesAtTheEnd_AreNoRows) {
+    EXPECT_EQ((Lines{{1, {"a"}}, {2, {"1"}}}), linesOf("a\n1\n\n"));
+    EXPECT_EQ((Lines{{1, {"a"}}, {2, {"1"}}}), linesOf("a\r\n1\r\n\r\n\r\n\r\n"));
+    EXPECT_EQ((Lines{{1, {"a"}}, {2, {}}, {3, {}}, {4, {"1"}}}), linesOf("a\n\n\n1\n\n"));
+    EXPECT_TRUE(linesOf("\n\n\n").empty());
+}
+
+TEST(CsvReaderTest, RowsBehindAQuotedLineEnd_HaveTheNumberOfTheirLine) {
+    EXPECT_EQ((Lines{{1, {"a\nb"}}, {3, {"1"}}, {4, {"2\n\n3", "4"}}, {7, {"5"}}}),
+              linesOf("\"a\nb\"\n1\n\"2\n\n3\",4\n5\n"));
+}
+
+TEST(CsvReaderTest, RowUpToTheBounds_IsRead) {
+    EXPECT_EQ((Lines{{1, Cells(mostCsvCells, "")}, {2, {"1"}}}),
+              linesOf(std::string(mostCsvCells - 1, ',') + "\n1\n"));
+    std::string const longest(longestCsvRow - 1, 'x');
+    EXPECT_EQ((Lines{{1, {"a"}}, {2, {longest}}, {3, {longest}}}),
+              linesOf("a\n" + longest + '\n' + longest + '\n'));
+}
+
+TEST(CsvReaderTest, RowBeyondABound_IsRefusedWithItsLineAndTheBound) {
+    std::string const tooLong = ": the row has more than 65536 bytes; expected at most 65536 bytes in a row";
+    std::string const tooMany = ": the row has more than 1024 cells; expected at most 1024 cells in a row";
+    EXPECT_EQ(":1" + tooMany, failureOf(std::string(mostCsvCells, ',') + '\n'));
+    EXPECT_EQ(":3" + tooMany, failureOf("a\n1\n" + std::string(longestCsvRow - 1, ',') + '\n'));
+    EXPECT_EQ(":1" + tooLong, failureOf(std::string(10 * longestCsvRow, 'x')));
+    EXPECT_EQ(":2" + tooLong, failureOf("a\n" + std::string(longestCsvRow, 'x') + '\n'));
+    std::string lines = "a\n1\n\"";
+    for (std::size_t line = 0; line < longestCsvRow; ++line) {
+        lines += "x\n";
+    }
+    EXPECT_EQ(":3" + tooLong, failureOf(lines)) << "a quoted cell that never ends";
+}
+
+// The file never ends, so that only a bound can end the reading.
+TEST(CsvReaderTest, EndlessRow_IsRefused) {
+    EXPECT_EQ("/dev/zero:1: the row has more than 65536 bytes; expected at most 65536 bytes in a row",
+              test::inputFailure([] { readCsv("/dev/zero", [](Cells const&, std::size_t) {}); }));
+}
+
 TEST(CsvReaderTest, MissingFile_IsRefused) {
     EXPECT_EQ(
         "/tmp/there/is/no.csv: cannot be read (No such file or directory); expected a readable CSV file",

@@ -288,4 +288,10 @@ TEST(LimitSetTest, ColumnThatNoRecordingHas_IsRefused) {
               test::inputFailure([&] { sut.checkColumns({Recording::read(recording.path())}); }));
 }
 
+TEST(LimitSetTest, EndlessLine_IsRefused) {
+    LimitSet sut;
+    EXPECT_EQ("/dev/zero:1: the line has more than 4096 bytes; expected one limit per line",
+              test::inputFailure([&] { sut.addFile("/dev/zero"); }));
+}
+
 } // namespace qel::tools

@@ -162,6 +162,20 @@ TEST(RecordingFeedTest, CircuitWithAllItsOutlets_HasTheirSummedPower) {
     EXPECT_TRUE(sut->feeds({PointKind::Circuit, 1}));
 }
 
+TEST(RecordingFeedTest, CircuitWithAnOutletNeverRead_IsLostWithThePowerOfTheOthers) {
+    Feed sut("outlet3_active_power_W,outlet6_active_power_W");
+    auto const circuit = svid(PointKind::Circuit, 1, key::activePower);
+
+    auto row = sut->convert({1000, {40.0, std::nullopt}});
+    expectReading(40.0, eStatus_Lost, 1000, readingOf(row, circuit));
+    row = sut->convert({2000, {50.0, std::nullopt}});
+    expectReading(50.0, eStatus_Lost, 2000, readingOf(row, circuit));
+    row = sut->convert({3000, {50.0, 1.5}});
+    expectReading(51.5, eStatus_NoError, 3000, readingOf(row, circuit));
+    row = sut->convert({4000, {60.0, std::nullopt}});
+    expectReading(61.5, eStatus_Lost, 4000, readingOf(row, circuit));
+}
+
 TEST(RecordingFeedTest, GroupedOutlets_HaveTheirSummedPower) {
     Feed sut("outlet1_active_power_W,outlet2_active_power_W,outlet3_active_power_W");
 
@@ -221,11 +235,25 @@ TEST(RecordingFeedTest, LimitedColumnWithoutReading_IsLostAndComesBack) {
     auto row = sut->convert({2000, {std::nullopt}});
     ASSERT_EQ(1U, row.crossings.size());
     EXPECT_EQ(eStatus_HighAlarm, row.crossings[0].before);
+    EXPECT_TRUE(row.crossings[0].isLoss);
     expectReading(2500.0, eStatus_Lost, 2000, row.crossings[0].after);
     row = sut->convert({3000, {2450.0}});
     ASSERT_EQ(1U, row.crossings.size());
     EXPECT_EQ(eStatus_Lost, row.crossings[0].before);
+    EXPECT_TRUE(row.crossings[0].isLoss) << "the alarm goes on";
     expectReading(2450.0, eStatus_HighAlarm, 3000, row.crossings[0].after);
+}
+
+TEST(RecordingFeedTest, LimitCrossedWithoutReadings_IsReportedWithTheNextReading) {
+    LimitSet limits;
+    limits.add("outlet6_active_power_W:high-alarm=2400", {"--limit"});
+    Feed sut("outlet6_active_power_W", limits);
+
+    sut->convert({1000, {100.0}});
+    EXPECT_TRUE(sut->convert({2000, {std::nullopt}}).crossings.at(0).isLoss);
+    auto const row = sut->convert({3000, {2450.0}});
+    ASSERT_EQ(1U, row.crossings.size());
+    EXPECT_FALSE(row.crossings[0].isLoss);
 }
 
 TEST(RecordingFeedTest, ColumnWithoutLimit_ReportsNoCrossing) {

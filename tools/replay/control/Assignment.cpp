@@ -1,0 +1,95 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/replay/control/Assignment.h"
+
+#include "format/StateName.h"
+#include "format/ValueFormatter.h"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <system_error>
+
+namespace qel::tools {
+
+namespace {
+
+constexpr std::string_view grammar = "NAME=VALUE[,STATE], such as unit1/inlet1:active-power=4000,alarm";
+
+/// Letters and digits only, in lower case.
+std::string lettersOf(std::string_view text) {
+    std::string letters;
+    for (char const character : text) {
+        auto const byte = static_cast<unsigned char>(character);
+        if (std::isalnum(byte) != 0) {
+            letters += static_cast<char>(std::tolower(byte));
+        }
+    }
+    return letters;
+}
+
+double readNumber(std::string_view text, InputPlace const& place) {
+    double number = 0.0;
+    auto const* const end = text.data() + text.size();
+    auto const parsed = std::from_chars(text.data(), end, number);
+    if (text.empty() || parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(number)) {
+        throw InputError(place, inQuotes(text) + " is not a number",
+                         "a decimal number in the unit in which qelshm shows the value");
+    }
+    return number;
+}
+
+eStatus_Bits readState(std::string_view text, InputPlace const& place) {
+    auto const state = parseState(text);
+    if (!state) {
+        throw InputError(place, inQuotes(text) + " is not a state",
+                         "a state such as alarm, high-alarm, low-warning, lost, no-error, on or off; "
+                         "qelshm-region(5) lists all");
+    }
+    return *state;
+}
+
+} // namespace
+
+std::optional<eStatus_Bits> parseState(std::string_view text) {
+    auto const letters = lettersOf(text);
+    auto const* const row =
+        std::find_if(shm::stateTable.begin(), shm::stateTable.end(),
+                     [&](auto const& candidate) { return lettersOf(candidate.text) == letters; });
+    return row == shm::stateTable.end() ? std::nullopt : std::optional(row->code);
+}
+
+inspect::ValuePattern parsePattern(std::string_view text, InputPlace const& place) {
+    try {
+        return inspect::ValuePattern(text);
+    } catch (inspect::PatternError const& error) {
+        throw InputError(place, error.what(), "a name such as unit1/inlet1:active-power");
+    }
+}
+
+Assignment parseAssignment(std::string_view text, InputPlace const& place) {
+    auto const equals = text.find('=');
+    if (equals == std::string_view::npos) {
+        throw InputError(place, inQuotes(text) + " sets nothing", grammar);
+    }
+    auto const name = text.substr(0, equals);
+    auto const value = text.substr(equals + 1);
+    auto const comma = value.find(',');
+    Assignment assignment{parsePattern(name, place), readNumber(value.substr(0, comma), place)};
+    if (!assignment.pattern.hasKey()) {
+        throw InputError(place, inQuotes(name) + " names a point with all its values",
+                         "the name of a value, such as unit1/inlet1:active-power");
+    }
+    if (comma != std::string_view::npos) {
+        assignment.state = readState(value.substr(comma + 1), place);
+    }
+    return assignment;
+}
+
+std::string valueText(unsigned short key, double number, eStatus_Bits state) {
+    return tav::ValueFormatter::str(key, number, " ").append(", ").append(shm::stateName(state));
+}
+
+} // namespace qel::tools
