@@ -4,7 +4,8 @@
 #include "tools/qelshm/verbs/WatchCommand.h"
 
 #include "tools/qelshm/watch/Watch.h"
-#include "tools/qelshm/watch/WatchedNames.h"
+
+#include "inspect/naming/ValuePattern.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -16,24 +17,43 @@ namespace qel::tools {
 
 namespace {
 
-constexpr char const* footer = "NAME is a sensor id or a path such as unit1/inlet1/circuit2/socket5. A point "
-                               "selects all its values. A name may\n"
-                               "belong to a point or value that comes later.\n"
-                               "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
-                               "Otherwise: a line for each value whose number or state changes, with time, "
-                               "point, value and state; without --wait\n"
-                               "it fails if there is no active region after 5 s.\n"
-                               "Follows the shared memory when a new writer creates it again.";
+constexpr char const* footer =
+    "NAME is a path such as unit1/inlet1/circuit2/socket5, a value such as "
+    "unit1/inlet1:active-power, or a sensor id.\n"
+    "Wildcards select several: 'unit1/**:active-power'. A point selects all its values. A "
+    "name may belong to a\n"
+    "point or value that comes later.\n"
+    "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
+    "Otherwise: a line for each value whose number or state changes, with time, "
+    "point, value and state; without --wait\n"
+    "it fails if there is no active region after 5 s.\n"
+    "Follows the shared memory when a new writer creates it again.";
 
 constexpr std::uint64_t mostLines = 1000000000000;
-constexpr unsigned defaultWait = 5; ///< s
+constexpr unsigned defaultWait = 5;       ///< s
+constexpr double longestAge = 31536000.0; ///< s, a year
 
 std::string checkName(std::string const& text) {
-    return watch::WatchedNames::isName(text)
-               ? ""
-               : '"' + text +
-                     "\" is neither a sensor id nor a path; expected for example "
-                     "0x010001ffffff0000 or unit1/inlet1";
+    try {
+        inspect::ValuePattern const pattern(text);
+        return {};
+    } catch (inspect::PatternError const& error) {
+        return error.what();
+    }
+}
+
+/// A range does not refuse what no number is: nan.
+std::string checkFinite(std::string const& text) {
+    return text.find_first_of("nN") == std::string::npos ? "" : '"' + text + "\" is not a number of seconds";
+}
+
+watch::Freshness freshnessOf(std::optional<double> maxAge) {
+    watch::Freshness freshness;
+    if (maxAge) {
+        freshness.value = secondsAs<std::chrono::milliseconds>(*maxAge);
+        freshness.unit = freshness.value;
+    }
+    return freshness;
 }
 
 } // namespace
@@ -48,9 +68,15 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
         ->check(CLI::Range(std::uint64_t{1}, mostLines).description(""))
         ->type_name("LINES");
     verb.add_option("--interval", interval_, "Sampling interval, 0.01 to 3600")
+        ->check(checkFinite)
         ->check(CLI::Range(0.01, 3600.0).description(""))
         ->type_name("SECONDS")
         ->capture_default_str();
+    verb.add_option("--max-age", maxAge_,
+                    "Mark values not delivered for longer; by default after 300 s, and the unit after 10 s")
+        ->check(checkFinite)
+        ->check(CLI::Range(0.1, longestAge).description(""))
+        ->type_name("SECONDS");
     verb.excludes(optional.image);
     verb.excludes(optional.json);
     return verb;
@@ -58,9 +84,12 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
 
 int WatchCommand::run(CommandContext const& context) {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // the stream reports a closed output
-    watch::WatchOptions const options{names_, count_, secondsAs<std::chrono::milliseconds>(interval_),
+    watch::WatchOptions const options{names_,
+                                      count_,
+                                      secondsAs<std::chrono::milliseconds>(interval_),
                                       std::chrono::seconds(context.options.wait.value_or(defaultWait)),
-                                      context.isColoured};
+                                      context.isColoured,
+                                      freshnessOf(maxAge_)};
     return watch::runWatch(options, context.out, context.tell);
 }
 
