@@ -153,7 +153,9 @@ void DetailPane::drawGraph(DetailView const& detail, Area const& first, int heig
         canvas_.put(first, detail.values.empty() ? "no values" : "", dim);
         return;
     }
-    canvas_.put(first, shortenedTo(detail.graphName + ", delivered " + detail.delivered, first.width), bold);
+    auto const whole = detail.graphName + ", delivered " + detail.delivered;
+    bool const fits = static_cast<int>(tools::widthOf(whole)) <= first.width;
+    canvas_.put(first, fits ? whole : shortenedTo(detail.graphName, first.width), bold);
     Area const below{first.line + 1, first.column, first.width};
     if (detail.curves.size() == 1) {
         drawBars(detail, below, height);

@@ -31,6 +31,7 @@ double GraphScale::partOf(double number) const {
 GraphScale scaleAround(double least, double greatest) {
     constexpr double leastPart = 0.1; // of the largest number
     constexpr double steps = 4.0;
+    constexpr double slack = 1e-6;
     auto const largest = std::max(std::abs(least), std::abs(greatest));
     if (largest == 0.0) {
         return {};
@@ -49,7 +50,8 @@ GraphScale scaleAround(double least, double greatest) {
         high = 0.0;
     }
     auto const step = roundStep((high - low) / steps);
-    return {std::floor(low / step) * step, std::ceil(high / step) * step};
+    // A limit that is round already stays, in spite of what the division rounds.
+    return {std::floor(low / step + slack) * step, std::ceil(high / step - slack) * step};
 }
 
 } // namespace qel::watch

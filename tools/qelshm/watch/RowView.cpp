@@ -95,6 +95,7 @@ std::vector<RowView> visibleRows(RowViewInput const& input, RowCursor const& cur
                                 : valueView(input, structure.values()[row.index]);
         if (!row.isPoint && order != SortOrder::Tree) {
             auto const& point = structure.points()[structure.values()[row.index].point];
+            view.place = point.path;
             view.shortName = point.name + "  " + view.name;
             view.name = point.path + "  " + view.name;
         }

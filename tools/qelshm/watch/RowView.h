@@ -34,6 +34,7 @@ struct RowView {
     bool isMarked; ///< has a curve in the graph, also while it is not selected
     std::uint32_t depth;
     std::string name;
+    std::string place;     ///< in a flat order: path of the point, with which the name begins
     std::string shortName; ///< the same where there is little room: without the points above
     std::string type;      ///< of a point
     std::string value;     ///< of a value, with its unit; "-" if it was never delivered

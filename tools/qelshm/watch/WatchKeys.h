@@ -31,28 +31,25 @@ struct KeyHelp {
 };
 
 /// In the order in which they are shown.
-inline constexpr std::array<KeyHelp, 21> keyHelp{{
-    {"Up Down, k j", "go to the row above or below", "", 0},
-    {"PgUp PgDn", "go up or down a page", "", 0},
-    {"Home End, g G", "go to the first or last row", "", 0},
-    {"Left Right, h l", "fold or unfold a point; go to its parent or into it", "Left Right fold", 0},
+inline constexpr std::array<KeyHelp, 18> keyHelp{{
+    {"Up Down, k j", "go to the row above or below; also PgUp PgDn Home End g G", "", 0},
+    {"Left Right, h l", "fold or unfold a point; go to its parent or into it", "", 0},
     {"Enter, space", "fold or unfold; in a flat order, show the value in the tree", "", 0},
     {"e, c", "unfold or fold all points", "", 0},
     {"s", "sort: as a tree, or only values by state, name or age", "s sort", 6},
-    {"/", "filter by words in path, type, name or state; Tab completes names", "/ filter", 8},
+    {"/", "filter by words in path, type, name or state", "/ filter", 8},
     {"Esc", "remove the filter", "", 0},
     {"n, N", "go to the next or previous alarm", "n alarm", 7},
     {"f", "follow: go to each new alarm; on or off", "f follow", 1},
     {"w", "why the selected point is not On; again: the graph", "w why", 5},
-    {"v", "events: changes of states and structure; again: the graph", "v events", 4},
-    {"[ ]", "earlier or later lines of these panes", "", 0},
-    {"m", "mark: keep the curve of this value in the graph, or remove it", "", 0},
+    {"v", "events: states, structure, restarts; again: the graph", "v events", 4},
+    {"[ ]", "earlier or later lines of these two", "", 0},
+    {"m", "keep the curve of this value in the graph, or remove it", "", 0},
     {"+ -", "graph of a longer or shorter time", "", 0},
-    {"x, r", "minimum, maximum, mean and rate, on or off; restart them", "", 0},
+    {"x, r", "minimum, maximum, mean and rate; begin them anew", "x more", 2},
     {"p", "pause, continue", "p pause", 3},
     {"?", "this help; any key closes it", "? help", 9},
-    {"q, Ctrl-C", "quit", "q quit", 10},
-    {"Ctrl-Z", "suspend; resume with fg", "", 0},
+    {"q, Ctrl-C", "quit; Ctrl-Z suspends, fg resumes", "q quit", 10},
 }};
 
 } // namespace qel::watch

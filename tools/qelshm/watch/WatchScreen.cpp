@@ -26,6 +26,17 @@ Emphasis withReverse(Emphasis emphasis, bool isReverse) {
     return emphasis;
 }
 
+/// In the flat orders, the point gives way before the value does.
+std::string nameWithin(RowView const& row, std::size_t room) {
+    constexpr std::size_t leastPlace = 12;
+    auto const width = tools::widthOf(row.name);
+    if (width > room && !row.place.empty() && room + row.place.size() >= width + leastPlace) {
+        return tools::shortened(row.place, room + row.place.size() - width) +
+               row.name.substr(row.place.size());
+    }
+    return tools::shortened(width > room ? row.shortName : row.name, room);
+}
+
 std::string countText(std::size_t count, char const* name) {
     return std::to_string(count) + ' ' + name;
 }
@@ -155,9 +166,7 @@ int WatchScreen::drawName(int line, RowView const& row, TableLayout const& layou
     int const begin = isNarrow ? 0 : 1;
     int const width = layout.name + (row.isPoint ? layout.value : 0) - begin - 1;
     auto const room = std::max(width - static_cast<int>(tools::widthOf(before)), 0);
-    bool const fits = static_cast<int>(tools::widthOf(row.name)) <= room;
-    auto const text =
-        before + tools::shortened(fits ? row.name : row.shortName, static_cast<std::size_t>(room));
+    auto const text = before + nameWithin(row, static_cast<std::size_t>(room));
     canvas_.put({line, begin, width}, text, emphasis);
     return begin + static_cast<int>(tools::widthOf(text));
 }
@@ -254,9 +263,9 @@ void WatchScreen::drawHelp() {
     }
     line += 1;
     for (char const* const text :
-         {"Changed numbers are highlighted for a moment. Age: time since the last delivery;",
-          "'>' means none since it was seen first, '!' stale, '-' never delivered. The graph shows the",
-          "value of the selected row. Mouse: a click selects, the wheel scrolls."}) {
+         {"Changed numbers are highlighted. Age: since the last delivery; > none was seen,",
+          "! stale, - never delivered. The graph shows the value of the selected row.",
+          "A click of the mouse selects, a second one folds or unfolds; the wheel scrolls."}) {
         canvas_.put({++line, 1, columns}, text);
     }
 }
