@@ -3,11 +3,11 @@
 
 #include "tools/qelshm/terminal/Style.h"
 
+#include "tools/qelshm/terminal/TerminalAbilities.h"
+
 #include "inspect/naming/StateClass.h"
 #include "region/TableLookup.h"
 
-#include <curses.h>
-#include <term.h> // after curses.h
 #include <unistd.h>
 
 #include <array>
@@ -25,18 +25,6 @@ constexpr std::array<shm::TextRow<Style>, 6> renditions{{{Style::Plain, ""},
                                                          {Style::Alarm, "31"},
                                                          {Style::Busy, "35"}}};
 static_assert(shm::isSortedByCode(renditions));
-
-/// By the terminal's own description; false if there is none.
-bool knowsColours(int terminal) {
-    constexpr int leastColours = 8;
-    int error = 0;
-    if (setupterm(nullptr, terminal, &error) != OK) {
-        return false;
-    }
-    bool const isKnown = tigetnum("colors") >= leastColours;
-    del_curterm(cur_term);
-    return isKnown;
-}
 
 } // namespace
 

@@ -47,6 +47,21 @@ std::string fitted(std::string_view text, std::size_t width) {
     return width == 0 ? std::string() : std::string(text.substr(0, bytesOf(text, width - 1))) + '~';
 }
 
+std::string shortened(std::string_view text, std::size_t width) {
+    auto const characters = widthOf(text);
+    if (characters <= width) {
+        return std::string(text);
+    }
+    if (width == 0) {
+        return {};
+    }
+    // The end tells more than the beginning: it has the number of a socket, or the kind of a power.
+    auto const last = width / 2;
+    auto const first = width - 1 - last;
+    return std::string(text.substr(0, bytesOf(text, first))) + '~' +
+           std::string(text.substr(bytesOf(text, characters - last)));
+}
+
 bool containsIgnoringCase(std::string_view text, std::string_view part) {
     return part.empty() ||
            std::search(text.begin(), text.end(), part.begin(), part.end(), [](char left, char right) {

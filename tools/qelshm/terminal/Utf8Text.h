@@ -18,6 +18,10 @@ std::size_t widthOf(std::string_view text);
 /// @return exactly that many characters: padded with blanks on the right, or cut off and ended with '~'
 std::string fitted(std::string_view text, std::size_t width);
 
+/// Shortens a UTF-8 text in its middle, so that both its ends stay: "Acti~ower".
+/// @return at most that many characters; not padded
+std::string shortened(std::string_view text, std::size_t width);
+
 /// Searches a text; upper and lower case of ASCII letters are the same, whatever the locale.
 bool containsIgnoringCase(std::string_view text, std::string_view part);
 

@@ -5,7 +5,8 @@
 
 #include "tools/common/Numbers.h"
 #include "tools/qelshm/watch/Watch.h"
-#include "tools/qelshm/watch/WatchedNames.h"
+
+#include "inspect/naming/ValuePattern.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -17,24 +18,38 @@ namespace qel::tools {
 
 namespace {
 
-constexpr char const* footer = "NAME is a sensor id or a path such as unit1/inlet1/circuit2/socket5. A point "
-                               "selects all its values. A name may\n"
-                               "belong to a point or value that comes later.\n"
-                               "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
-                               "Otherwise: a line for each value whose number or state changes, with time, "
-                               "point, value and state; without --wait\n"
-                               "it fails if there is no active region after 5 s.\n"
-                               "Follows the shared memory when a new writer creates it again.";
+constexpr char const* footer =
+    "NAME is a path such as unit1/inlet1/circuit2/socket5, a value such as "
+    "unit1/inlet1:active-power, or a sensor id.\n"
+    "Wildcards select several: 'unit1/**:active-power'. A point selects all its values. A "
+    "name may belong to a\n"
+    "point or value that comes later.\n"
+    "On a terminal: a table of points and values; ? shows its keys, q quits.\n"
+    "Otherwise: a line for each value whose number or state changes, with time, "
+    "point, value and state; without --wait\n"
+    "it fails if there is no active region after 5 s.\n"
+    "Follows the shared memory when a new writer creates it again.";
 
 constexpr std::uint64_t mostLines = 1000000000000;
-constexpr unsigned defaultWait = 5; ///< s
+constexpr unsigned defaultWait = 5;       ///< s
+constexpr double longestAge = 31536000.0; ///< s, a year
 
 std::string checkName(std::string const& text) {
-    return watch::WatchedNames::isName(text)
-               ? ""
-               : '"' + text +
-                     "\" is neither a sensor id nor a path; expected for example "
-                     "0x010001ffffff0000 or unit1/inlet1";
+    try {
+        inspect::ValuePattern const pattern(text);
+        return {};
+    } catch (inspect::PatternError const& error) {
+        return error.what();
+    }
+}
+
+watch::Freshness freshnessOf(std::optional<double> maxAge) {
+    watch::Freshness freshness;
+    if (maxAge) {
+        freshness.value = secondsAs<std::chrono::milliseconds>(*maxAge);
+        freshness.unit = freshness.value;
+    }
+    return freshness;
 }
 
 } // namespace
@@ -52,6 +67,10 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
         ->check(finiteBetween(0.01, 3600.0))
         ->type_name("SECONDS")
         ->capture_default_str();
+    verb.add_option("--max-age", maxAge_,
+                    "Mark values not delivered for longer; by default after 300 s, and the unit after 10 s")
+        ->check(finiteBetween(0.1, longestAge))
+        ->type_name("SECONDS");
     verb.excludes(optional.image);
     verb.excludes(optional.json);
     return verb;
@@ -59,9 +78,12 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
 
 int WatchCommand::run(CommandContext const& context) {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // the stream reports a closed output
-    watch::WatchOptions const options{names_, count_, secondsAs<std::chrono::milliseconds>(interval_),
+    watch::WatchOptions const options{names_,
+                                      count_,
+                                      secondsAs<std::chrono::milliseconds>(interval_),
                                       std::chrono::seconds(context.options.wait.value_or(defaultWait)),
-                                      context.isColoured};
+                                      context.isColoured,
+                                      freshnessOf(maxAge_)};
     return watch::runWatch(options, context.out, context.tell);
 }
 

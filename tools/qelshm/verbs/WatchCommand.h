@@ -27,7 +27,8 @@ public:
 private:
     std::vector<std::string> names_;
     std::optional<std::uint64_t> count_;
-    double interval_ = 0.25; ///< s between two snapshots
+    double interval_ = 0.25;       ///< s between two snapshots
+    std::optional<double> maxAge_; ///< s
 };
 
 } // namespace qel::tools

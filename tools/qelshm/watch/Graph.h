@@ -5,6 +5,7 @@
 /// A value's history as text.
 #pragma once
 
+#include "tools/qelshm/watch/GraphScale.h"
 #include "tools/qelshm/watch/History.h"
 
 #include <array>
@@ -25,10 +26,17 @@ inline constexpr BarGlyphs asciiBars{".", ".", ":", ":", "|", "|", "#", "#"};
 struct Graph {
     std::vector<std::string> lines; ///< from the top, each as wide as requested
     Bucket range;                   ///< least and greatest number and the last one in it; empty without any
+    GraphScale scale;               ///< what bottom and top stand for; see scaleAround()
 };
 
-/// Draws the last number of each bucket as a bar, the newest at the right. The lowest bar stands for the least
-/// number, the highest for the greatest. Buckets without a number stay blank. Reentrant.
+/// Finds the least and greatest number of the newest buckets, and the last one in them. Reentrant.
+/// @param newest number of the newest bucket
+/// @param count  of buckets
+/// @return an empty one if there is no number
+Bucket rangeOf(History const& history, std::uint64_t newest, std::size_t count);
+
+/// Draws the last number of each bucket as a bar, the newest at the right. Buckets without a number stay blank.
+/// Reentrant.
 /// @param newest number of the bucket at the right
 /// @param width  columns; at most History::length are filled
 /// @param height lines

@@ -23,7 +23,7 @@ eStatus_Bits stateOf(RowListInput const& input, UnitValue const& value) {
 
 bool matches(RowListInput const& input, UnitValue const& value) {
     auto const& point = input.structure.points()[value.point];
-    return input.filter.matches({point.path, point.type, value.name, shm::stateName(stateOf(input, value))});
+    return input.filter.matches({value.path, point.type, value.name, shm::stateName(stateOf(input, value))});
 }
 
 bool matches(RowListInput const& input, UnitPoint const& point) {
@@ -113,14 +113,14 @@ std::vector<Row> treeRows(RowListInput const& input) {
         auto const isParent = hasChildren(input.structure, index);
         auto const isFolded = input.filter.isEmpty() && input.folds.isFolded(point, isParent);
         auto const depth = point.depth - 1;
-        rows.push_back({true, index, depth, isParent || point.valueCount != 0, isFolded});
+        rows.push_back({true, index, depth, isParent || point.valueCount != 0, isFolded, point.svid});
         if (isFolded) {
             index = point.end;
             continue;
         }
         for (auto value = point.firstValue; value < point.firstValue + point.valueCount; ++value) {
             if (shown.hasValue(value)) {
-                rows.push_back({false, value, depth + 1, false, false});
+                rows.push_back({false, value, depth + 1, false, false, input.structure.values()[value].svid});
             }
         }
         ++index;
@@ -139,7 +139,7 @@ std::vector<Row> flatRows(RowListInput const& input) {
     auto const& values = input.structure.values();
     for (std::uint32_t index = 0; index < values.size(); ++index) {
         if (matches(input, values[index])) {
-            rows.push_back({false, index, 0, false, false});
+            rows.push_back({false, index, 0, false, false, values[index].svid});
         }
     }
     if (input.order == SortOrder::State) {

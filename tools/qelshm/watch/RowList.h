@@ -51,6 +51,7 @@ struct Row {
     std::uint32_t depth; ///< from 0
     bool isFoldable;
     bool isFolded;
+    long long svid; ///< of the point or the value
 };
 
 /// What the rows are made from. Reentrant.

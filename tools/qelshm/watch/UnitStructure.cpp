@@ -5,6 +5,7 @@
 
 #include "format/Names.h"
 #include "inspect/naming/PointPath.h"
+#include "inspect/naming/ValuePath.h"
 #include "region/QelShmMPnt.h"
 
 #include <utility>
@@ -54,7 +55,8 @@ void UnitStructure::addPoint(inspect::Image const& image, inspect::PointTree con
     for (auto const pos : tree.valuesOf(node)) {
         auto const key = image.region().values[pos].key;
         if (names_.hasValue(slot.guid, key)) {
-            values_.push_back({slot.guid | key, pos, index, key, shm::keyName(key)});
+            values_.push_back(
+                {slot.guid | key, pos, index, key, shm::keyName(key), inspect::valuePath(slot.guid, key)});
         }
     }
     auto const valueCount = static_cast<std::uint32_t>(values_.size()) - firstValue;

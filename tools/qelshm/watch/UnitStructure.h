@@ -41,6 +41,7 @@ struct UnitValue {
     std::uint32_t point; ///< index of its point
     unsigned short key;
     std::string name; ///< of its key: "Active Power"
+    std::string path; ///< "unit1/inlet1:active-power"
 };
 
 /// Makes the names once and checks with each image whether they are still right.

@@ -27,11 +27,26 @@ std::optional<std::uint64_t> since(std::optional<std::uint64_t> moment, std::uin
 
 } // namespace
 
-void ValueTracker::restart(Track& track, UnitValue const& value) const {
+void ValueTracker::restart(Track& track, UnitValue const& value, std::uint64_t ticks) const {
     track.svid = value.svid;
     track.changed.reset();
     track.delivered.reset();
-    track.history = bucketMs_ == 0 ? nullptr : std::make_unique<History>();
+    track.seen = ticks;
+    track.statistics = ValueStatistics(ticks);
+    track.histories.assign(bucketMs_ == 0 ? 0 : 1, Histories());
+}
+
+/// @return whether number or state has changed
+bool ValueTracker::compare(Track& track, shm::record::QelShmMVal const& slot, std::uint64_t ticks) {
+    bool const isChanged = !isSameNumber(track.number, slot.value) || track.state != slot.state;
+    if (isChanged) {
+        track.changed = ticks;
+    }
+    if (isChanged || track.at != slot.at) {
+        track.delivered = ticks;
+        track.statistics.addDelivery();
+    }
+    return isChanged;
 }
 
 std::vector<ValueChange> ValueTracker::update(UnitStructure const& structure, inspect::Image const& image,
@@ -42,26 +57,29 @@ std::vector<ValueChange> ValueTracker::update(UnitStructure const& structure, in
         auto const& value = structure.values()[index];
         auto const& slot = image.region().values[value.pos];
         auto& track = tracks_.at(value.pos);
-        if (track.round != before || track.svid != value.svid || before == 0) {
-            restart(track, value);
-        } else {
-            if (!isSameNumber(track.number, slot.value) || track.state != slot.state) {
-                changes.push_back({index, track.state});
-                track.changed = ticks;
-            }
-            if (track.at != slot.at || track.changed == ticks) {
-                track.delivered = ticks;
-            }
+        auto const stateBefore = track.state;
+        if (isForgotten_ || track.round != before || track.svid != value.svid) {
+            restart(track, value, ticks);
+        } else if (compare(track, slot, ticks)) {
+            changes.push_back({index, stateBefore});
         }
         track.number = slot.value;
         track.at = slot.at;
         track.state = slot.state;
         track.round = round_;
-        if (track.history && hasNumber(slot.state)) {
-            track.history->add(bucket(ticks), slot.value);
+        if (!track.histories.empty() && hasNumber(slot.state) && slot.at != 0) {
+            track.histories.front().add(bucket(ticks), slot.value);
+            track.statistics.addNumber(slot.value);
         }
     }
+    isForgotten_ = false;
     return changes;
+}
+
+void ValueTracker::restartStatistics(std::uint64_t ticks) {
+    for (auto& track : tracks_) {
+        track.statistics = ValueStatistics(ticks);
+    }
 }
 
 std::optional<std::uint64_t> ValueTracker::sinceChange(std::uint32_t pos, std::uint64_t ticks) const {

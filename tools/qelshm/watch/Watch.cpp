@@ -7,9 +7,10 @@
 #include "tools/qelshm/app/RegionInput.h"
 #include "tools/qelshm/app/RegionWait.h"
 #include "tools/qelshm/app/StopSignals.h"
+#include "tools/qelshm/terminal/TerminalAbilities.h"
 #include "tools/qelshm/watch/LinePrinter.h"
+#include "tools/qelshm/watch/SettingsFile.h"
 #include "tools/qelshm/watch/SnapshotSource.h"
-#include "tools/qelshm/watch/WatchKeys.h"
 #include "tools/qelshm/watch/WatchModel.h"
 #include "tools/qelshm/watch/WatchScreen.h"
 
@@ -23,12 +24,19 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-void watchOnScreen(WatchOptions const& options) {
+void watchOnScreen(WatchOptions const& options, std::function<void(std::string const&)> const& tell) {
     constexpr std::chrono::milliseconds redraw(500); // latest update after an unnoticed change of the size
     tools::StopSignals const stop;
+    auto file = SettingsFile::ofUser();
+    std::string problem;
+    auto const settings = file.load([&](std::string const& line) {
+        tell(line);
+        problem = line;
+    });
     WatchScreen screen(options.isColoured);
     SnapshotSource source;
-    WatchModel model(WatchedNames(options.names), options.interval);
+    WatchModel model(WatchedNames(options.names), options.interval, options.freshness, settings);
+    model.say(problem);
     bool isStopped = false;
     for (auto next = Clock::now(); !isStopped && !model.isDone();) {
         if (Clock::now() >= next) {
@@ -37,10 +45,14 @@ void watchOnScreen(WatchOptions const& options) {
         }
         screen.draw(model);
         isStopped = stop.waitForInput(std::min(next, Clock::now() + redraw), STDIN_FILENO);
-        while (auto const key = WatchScreen::key()) {
-            handleKey(model, *key);
-        }
+        screen.handleInput(model);
     }
+    file.save(model.settings());
+}
+
+/// Whether a table can be shown and used.
+bool hasScreen() {
+    return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1 && tools::canAddressCursor(STDOUT_FILENO);
 }
 
 void watchAsLines(WatchOptions const& options, std::ostream& out,
@@ -71,8 +83,8 @@ void watchAsLines(WatchOptions const& options, std::ostream& out,
 
 int runWatch(WatchOptions const& options, std::ostream& out,
              std::function<void(std::string const&)> const& tell) {
-    if (!options.count && isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
-        watchOnScreen(options);
+    if (!options.count && hasScreen()) {
+        watchOnScreen(options, tell);
     } else {
         watchAsLines(options, out, tell);
     }

@@ -18,21 +18,59 @@ struct Binding {
 
 constexpr int escape = 27;
 constexpr int backspace = 8;
+constexpr int tabulator = 9;
 constexpr int deletion = 127; // what most terminals send for the backspace key
 constexpr int firstPrintable = 32;
 constexpr int lastPrintable = 126;
 
-constexpr std::array<Binding, 29> bindings{{
-    {KEY_UP, Action::Up},        {'k', Action::Up},           {KEY_DOWN, Action::Down},
-    {'j', Action::Down},         {KEY_PPAGE, Action::PageUp}, {KEY_NPAGE, Action::PageDown},
-    {KEY_HOME, Action::First},   {'g', Action::First},        {KEY_END, Action::Last},
-    {'G', Action::Last},         {'\n', Action::Toggle},      {'\r', Action::Toggle},
-    {KEY_ENTER, Action::Toggle}, {' ', Action::Toggle},       {KEY_RIGHT, Action::Open},
-    {'l', Action::Open},         {KEY_LEFT, Action::Close},   {'h', Action::Close},
-    {'e', Action::OpenAll},      {'c', Action::CloseAll},     {'s', Action::Sort},
-    {'/', Action::Filter},       {escape, Action::Clear},     {'f', Action::Follow},
-    {'?', Action::Help},         {KEY_F(1), Action::Help},    {'q', Action::Quit},
-    {'Q', Action::Quit},         {KEY_EXIT, Action::Quit},
+constexpr std::array<Binding, 47> bindings{{
+    {KEY_UP, Action::Up},
+    {'k', Action::Up},
+    {KEY_DOWN, Action::Down},
+    {'j', Action::Down},
+    {KEY_PPAGE, Action::PageUp},
+    {KEY_NPAGE, Action::PageDown},
+    {KEY_HOME, Action::First},
+    {'g', Action::First},
+    {KEY_END, Action::Last},
+    {'G', Action::Last},
+    {'\n', Action::Toggle},
+    {'\r', Action::Toggle},
+    {KEY_ENTER, Action::Toggle},
+    {' ', Action::Toggle},
+    {KEY_RIGHT, Action::Open},
+    {'l', Action::Open},
+    {KEY_LEFT, Action::Close},
+    {'h', Action::Close},
+    {'e', Action::OpenAll},
+    {'c', Action::CloseAll},
+    {'s', Action::Sort},
+    {'/', Action::Filter},
+    {escape, Action::Clear},
+    {'f', Action::Follow},
+    {'n', Action::NextAlarm},
+    {'N', Action::PreviousAlarm},
+    {'p', Action::Pause},
+    {'x', Action::Statistics},
+    {'r', Action::Restart},
+    {'m', Action::Mark},
+    {'+', Action::LongerSpan},
+    {'=', Action::LongerSpan},
+    {'-', Action::ShorterSpan},
+    {'w', Action::Why},
+    {'v', Action::Events},
+    {'[', Action::PaneUp},
+    {']', Action::PaneDown},
+    {'?', Action::Help},
+    {KEY_F(1), Action::Help},
+    {'q', Action::Quit},
+    {'Q', Action::Quit},
+    {KEY_EXIT, Action::Quit},
+    {KEY_SR, Action::ScrollUp},
+    {KEY_SF, Action::ScrollDown},
+    {KEY_SPREVIOUS, Action::PaneUp},
+    {KEY_SNEXT, Action::PaneDown},
+    {'P', Action::Pause},
 }};
 
 constexpr bool isEachKeyOnce() {
@@ -55,6 +93,8 @@ bool typeKey(WatchModel& model, int key) {
         model.erase();
     } else if (key == '\n' || key == '\r' || key == KEY_ENTER) {
         model.endTyping();
+    } else if (key == tabulator) {
+        model.complete();
     } else {
         return false;
     }

@@ -4,16 +4,8 @@
 #include "tools/qelshm/watch/WatchModel.h"
 
 #include "tools/common/TimeText.h"
-#include "tools/qelshm/app/RegionInput.h"
 #include "tools/qelshm/terminal/AgeText.h"
-
-#include "format/HexText.h"
-#include "format/StateName.h"
-#include "format/ValueFormatter.h"
-#include "inspect/naming/LedText.h"
-#include "inspect/naming/StateClass.h"
-#include "region/QelShmMVal.h"
-#include "region/SvidParts.h"
+#include "tools/qelshm/watch/AlarmSearch.h"
 
 #include <algorithm>
 #include <utility>
@@ -22,48 +14,21 @@ namespace qel::watch {
 
 namespace {
 
-constexpr std::uint64_t flashMs = 600; // shorter than the second between deliveries of most units
-constexpr std::uint64_t noteMs = 10000;
-constexpr std::uint64_t shortestBucketMs = 2000; // with History::length, three minutes
+constexpr std::size_t scrolledRows = 3;
 constexpr std::uint64_t msPerSecond = 1000;
-
-bool isRecent(std::optional<std::uint64_t> since, std::uint64_t limit) {
-    return since && *since < limit;
-}
-
-bool isAlarm(eStatus_Bits state) {
-    return inspect::classOf(state) == inspect::StateClass::Alarm;
-}
 
 } // namespace
 
-WatchModel::WatchModel(WatchedNames names, std::chrono::milliseconds interval)
-    : structure_(std::move(names)),
-      tracker_(std::max(shortestBucketMs, static_cast<std::uint64_t>(interval.count()))) {}
-
-bool WatchModel::isLive() const {
-    return status_.condition == inspect::Condition::Active;
-}
+WatchModel::WatchModel(WatchedNames names, std::chrono::milliseconds interval, Freshness const& freshness,
+                       WatchSettings const& settings)
+    : unit_(std::move(names), interval),
+      freshness_(freshness),
+      settings_(settings) {}
 
 void WatchModel::update(Snapshot const& snapshot) {
-    bool const wasLive = isLive();
-    bool const isOtherObject = snapshot.objects != snapshot_.objects;
-    if (isOtherObject && snapshot_.objects != 0) {
-        reattached_ = snapshot.ticks;
-    }
-    began_ = began_.value_or(snapshot.ticks);
-    snapshot_ = snapshot;
-    status_ = inspect::regionStatus(snapshot.source, snapshot.image, snapshot.now, std::nullopt);
-    bool const isChanged = structure_.update(isLive() ? snapshot.image : inspect::Image());
-    if (isChanged && wasLive && isLive() && !isOtherObject) {
-        ++structureChanges_;
-    }
-    auto const changes = tracker_.update(structure_, snapshot.image, snapshot.ticks);
-    auto const& values = structure_.values();
-    if (std::any_of(values.begin(), values.end(), [&](UnitValue const& value) {
-            return tracker_.sinceDelivery(value.pos, snapshot.ticks) == std::uint64_t{0};
-        })) {
-        delivered_ = snapshot.ticks;
+    auto const changes = unit_.update(snapshot);
+    if (isPaused()) {
+        return;
     }
     rebuildRows();
     if (isFollowing_) {
@@ -72,196 +37,293 @@ void WatchModel::update(Snapshot const& snapshot) {
 }
 
 void WatchModel::rebuildRows() {
-    rows_ = rowsOf({structure_, snapshot_.image, tracker_, folds_, filter_, order_, snapshot_.ticks});
-    keepSelection();
-}
-
-/// The row that was selected before; else its point's; else what stands in its place.
-void WatchModel::keepSelection() {
-    if (rows_.empty()) {
-        selected_ = 0;
-        top_ = 0;
-        return;
-    }
-    auto row = rowOf(isPointSelected_, selectedId_);
-    if (!row && !isPointSelected_) {
-        row = rowOf(true, shm::pointSvid(selectedId_));
-    }
-    select(row.value_or(std::min(selected_, rows_.size() - 1)));
-}
-
-std::optional<std::size_t> WatchModel::rowOf(bool isPoint, long long svid) const {
-    auto const found = std::find_if(rows_.begin(), rows_.end(), [&](Row const& row) {
-        auto const id =
-            row.isPoint ? structure_.points()[row.index].svid : structure_.values()[row.index].svid;
-        return row.isPoint == isPoint && id == svid;
-    });
-    return found == rows_.end() ? std::nullopt
-                                : std::optional(static_cast<std::size_t>(found - rows_.begin()));
-}
-
-/// The window moves no more than it must to show the row.
-void WatchModel::select(std::size_t row) {
-    selected_ = row;
-    isPointSelected_ = rows_[row].isPoint;
-    selectedId_ = isPointSelected_ ? structure_.points()[rows_[row].index].svid
-                                   : structure_.values()[rows_[row].index].svid;
-    auto const lastTop = rows_.size() > page_ ? rows_.size() - page_ : 0;
-    auto const lowest = row + 1 > page_ ? row + 1 - page_ : 0;
-    top_ = std::min(std::clamp(top_, lowest, row), lastTop);
-}
-
-void WatchModel::setPage(std::size_t lines) {
-    page_ = std::max<std::size_t>(lines, 1);
-    keepSelection();
-}
-
-void WatchModel::moveBy(std::size_t rows, bool isDown) {
-    select(isDown ? std::min(selected_ + rows, rows_.size() - 1) : selected_ - std::min(selected_, rows));
+    auto const& unit = shown();
+    auto const& snapshot = unit.snapshot();
+    cursor_.show(rowsOf({unit.structure(), snapshot.image, unit.tracker(), folds_, filter_, settings_.order,
+                         snapshot.ticks}));
 }
 
 UnitPoint const& WatchModel::pointOf(Row const& row) const {
-    return structure_.points()[row.isPoint ? row.index : structure_.values()[row.index].point];
+    auto const& structure = shown().structure();
+    return structure.points()[row.isPoint ? row.index : structure.values()[row.index].point];
 }
 
 void WatchModel::fold(bool isFolded) {
-    folds_.set(pointOf(rows_[selected_]).svid, isFolded);
+    folds_.set(pointOf(*cursor_.row()).svid, isFolded);
     rebuildRows();
 }
 
 void WatchModel::foldAll(bool isFolded) {
-    for (auto const& point : structure_.points()) {
+    auto const& points = shown().structure().points();
+    for (auto const& point : points) {
         folds_.set(point.svid, isFolded);
     }
     // The selected row may be hidden now; what stays of its branch is the top-level point.
-    auto const* point = rows_.empty() ? nullptr : &pointOf(rows_[selected_]);
+    auto const* point = cursor_.isEmpty() ? nullptr : &pointOf(*cursor_.row());
     while (isFolded && point != nullptr && point->parent != inspect::NO_NODE) {
-        point = &structure_.points()[point->parent];
+        point = &points[point->parent];
     }
     rebuildRows();
     if (isFolded && point != nullptr) {
-        select(rowOf(true, point->svid).value_or(selected_));
+        cursor_.select(true, point->svid);
     }
 }
 
 void WatchModel::close() {
-    auto const& row = rows_[selected_];
+    auto const& row = *cursor_.row();
     if (row.isPoint && row.isFoldable && !row.isFolded && filter_.isEmpty()) {
         fold(true);
         return;
     }
     auto const& point = pointOf(row);
-    auto const up = !row.isPoint                       ? rowOf(true, point.svid)
-                    : point.parent == inspect::NO_NODE ? std::nullopt
-                                                       : rowOf(true, structure_.points()[point.parent].svid);
-    select(up.value_or(selected_));
+    if (!row.isPoint) {
+        cursor_.select(true, point.svid);
+    } else if (point.parent != inspect::NO_NODE) {
+        cursor_.select(true, shown().structure().points()[point.parent].svid);
+    }
 }
 
 void WatchModel::open() {
-    auto const& row = rows_[selected_];
+    auto const& row = *cursor_.row();
     if (row.isPoint && row.isFolded) {
         fold(false);
     } else if (row.isPoint && row.isFoldable) {
-        moveBy(1, true);
+        cursor_.moveBy(1, true);
     }
 }
 
-void WatchModel::reveal(std::uint32_t value) {
-    auto point = structure_.values()[value].point;
-    while (point != inspect::NO_NODE) {
-        folds_.set(structure_.points()[point].svid, false);
-        point = structure_.points()[point].parent;
+/// Selects a value and unfolds the points above it.
+/// @return false if the filter hides it
+bool WatchModel::reveal(std::uint32_t value) {
+    auto const& structure = shown().structure();
+    auto const svid = structure.values()[value].svid;
+    if (settings_.order == SortOrder::Tree && filter_.isEmpty()) {
+        auto point = structure.values()[value].point;
+        while (point != inspect::NO_NODE) {
+            folds_.set(structure.points()[point].svid, false);
+            point = structure.points()[point].parent;
+        }
+        rebuildRows();
     }
-    rebuildRows();
-    select(rowOf(false, structure_.values()[value].svid).value_or(selected_));
+    return cursor_.select(false, svid);
 }
 
 /// In a flat order, shows the value in the tree.
 void WatchModel::toggle() {
-    auto const row = rows_[selected_];
+    auto const row = *cursor_.row();
     if (row.isPoint && row.isFoldable && filter_.isEmpty()) {
         fold(!row.isFolded);
-    } else if (!row.isPoint && order_ != SortOrder::Tree) {
-        order_ = SortOrder::Tree;
+    } else if (!row.isPoint && settings_.order != SortOrder::Tree) {
+        settings_.order = SortOrder::Tree;
+        rebuildRows();
         reveal(row.index);
     }
 }
 
-void WatchModel::followAlarms(std::vector<ValueChange> const& changes) {
-    for (auto const& change : changes) {
-        auto const state = stateOf(structure_.values()[change.value]);
-        if (isAlarm(state) && !isAlarm(change.before)) {
-            reveal(change.value);
+/// The value that appears for a selected point in a flat order is the first one of the point, or below it.
+void WatchModel::sort() {
+    auto const* const row = cursor_.row();
+    auto const selected = row == nullptr ? std::nullopt : std::optional(*row);
+    settings_.order = settings_.order == SortOrder::Age
+                          ? SortOrder::Tree
+                          : static_cast<SortOrder>(static_cast<int>(settings_.order) + 1);
+    rebuildRows();
+    if (!selected || !selected->isPoint || settings_.order == SortOrder::Tree) {
+        return;
+    }
+    auto const& structure = shown().structure();
+    auto const end = structure.points()[selected->index].end;
+    for (auto const& value : structure.values()) {
+        if (value.point >= selected->index && value.point < end && cursor_.select(false, value.svid)) {
+            return;
         }
     }
 }
 
-void WatchModel::setFilter(std::string text) {
-    filterText_ = std::move(text);
-    filter_ = TextFilter(filterText_);
+/// Only the newest one that can be shown: several may have come with one snapshot.
+void WatchModel::followAlarms(std::vector<ValueChange> const& changes) {
+    for (auto change = changes.rbegin(); change != changes.rend(); ++change) {
+        auto const state = unit_.stateOf(unit_.structure().values()[change->value]);
+        if (isAlarm(state) && !isAlarm(change->before) && reveal(change->value)) {
+            return;
+        }
+    }
+}
+
+void WatchModel::goToAlarm(bool isForward) {
+    bool const isWhole = settings_.order == SortOrder::Tree && filter_.isEmpty();
+    auto const value =
+        isWhole ? alarmInTree(shown(), cursor_.row(), isForward) : alarmInRows(shown(), cursor_, isForward);
+    if (value) {
+        reveal(*value);
+    } else {
+        say(isWhole ? "no value is in alarm" : "no value in this list is in alarm");
+    }
+}
+
+void WatchModel::pause() {
+    if (isPaused()) {
+        frozen_.reset();
+        rebuildRows();
+    } else {
+        frozen_ = unit_;
+    }
+}
+
+void WatchModel::mark() {
+    auto const* const row = cursor_.row();
+    auto const& values = shown().structure().values();
+    auto const& point = pointOf(*row);
+    if (row->isPoint && point.valueCount == 0) {
+        say("this point has no value to mark");
+        return;
+    }
+    auto const svid = row->isPoint ? values[point.firstValue].svid : row->svid;
+    auto const marked = std::find(marks_.begin(), marks_.end(), svid);
+    if (marked != marks_.end()) {
+        marks_.erase(marked);
+    } else if (marks_.size() + 1 < mostCurves) {
+        marks_.push_back(svid);
+    } else {
+        say(std::to_string(marks_.size()) +
+            " values are marked, which is the most; m on one of them removes its mark");
+    }
+}
+
+void WatchModel::changeSpan(bool isLonger) {
+    auto const last = historyFactors.size() - 1;
+    settings_.span = isLonger ? std::min(settings_.span + 1, last)
+                              : settings_.span - std::min<std::size_t>(settings_.span, 1);
+}
+
+void WatchModel::applyFilter() {
+    filter_ = TextFilter(prompt_.text());
     rebuildRows();
 }
 
 void WatchModel::type(char character) {
-    setFilter(filterText_ + character);
+    prompt_.type(character);
+    applyFilter();
 }
 
 void WatchModel::erase() {
-    setFilter(filterText_.substr(0, filterText_.empty() ? 0 : filterText_.size() - 1));
+    prompt_.erase();
+    applyFilter();
+}
+
+void WatchModel::complete() {
+    prompt_.complete(shown().structure());
+    applyFilter();
+}
+
+void WatchModel::showPane(Pane pane) {
+    pane_ = pane_ == pane ? Pane::Graph : pane;
+    paneBack_ = 0;
 }
 
 void WatchModel::handle(Action action) {
+    message_.clear();
     if (isHelp_) {
         isHelp_ = false; // any key ends it
         return;
     }
+    if (!handleMode(action) && !handlePane(action) && !cursor_.isEmpty()) {
+        handleRow(action);
+    }
+}
+
+/// What can be done without any row.
+/// @return whether the action is one of them
+bool WatchModel::handleMode(Action action) {
     switch (action) {
     case Action::Sort:
-        order_ =
-            order_ == SortOrder::Age ? SortOrder::Tree : static_cast<SortOrder>(static_cast<int>(order_) + 1);
-        rebuildRows();
-        return;
+        sort();
+        break;
     case Action::Filter:
-        isTyping_ = true;
-        return;
+        prompt_.begin();
+        break;
     case Action::Clear:
-        isTyping_ = false;
-        setFilter({});
-        return;
+        prompt_.clear();
+        applyFilter();
+        break;
     case Action::Follow:
         isFollowing_ = !isFollowing_;
-        return;
-    case Action::Help:
-        isHelp_ = true;
-        return;
-    case Action::Quit:
-        isDone_ = true;
-        return;
+        break;
+    case Action::NextAlarm:
+    case Action::PreviousAlarm:
+        goToAlarm(action == Action::NextAlarm);
+        break;
+    case Action::Pause:
+        pause();
+        break;
+    case Action::Statistics:
+        settings_.hasStatistics = !settings_.hasStatistics;
+        break;
+    case Action::Restart:
+        unit_.restartStatistics();
+        break;
     case Action::OpenAll:
     case Action::CloseAll:
         foldAll(action == Action::CloseAll);
-        return;
-    default:
         break;
+    case Action::Help:
+        isHelp_ = true;
+        break;
+    case Action::Quit:
+        isDone_ = true;
+        break;
+    default:
+        return false;
     }
-    if (!rows_.empty()) {
-        handleRow(action);
+    return true;
+}
+
+bool WatchModel::handlePane(Action action) {
+    auto const hidden = [&] {
+        auto const lines = allPaneLines().size();
+        return lines - std::min(lines, paneSize_);
+    };
+    // Events are read from the newest one back, the others from the beginning.
+    bool const isBack = (action == Action::PaneUp) == (pane_ == Pane::Events);
+    switch (action) {
+    case Action::LongerSpan:
+    case Action::ShorterSpan:
+        changeSpan(action == Action::LongerSpan);
+        break;
+    case Action::Why:
+        showPane(Pane::Why);
+        break;
+    case Action::Events:
+        showPane(Pane::Events);
+        break;
+    case Action::PaneUp:
+    case Action::PaneDown:
+        paneBack_ =
+            isBack ? std::min(paneBack_ + 1, hidden()) : paneBack_ - std::min<std::size_t>(paneBack_, 1);
+        break;
+    default:
+        return false;
     }
+    return true;
 }
 
 void WatchModel::handleRow(Action action) {
     switch (action) {
     case Action::Up:
     case Action::Down:
-        moveBy(1, action == Action::Down);
+        cursor_.moveBy(1, action == Action::Down);
         break;
     case Action::PageUp:
     case Action::PageDown:
-        moveBy(page_, action == Action::PageDown);
+        cursor_.moveBy(cursor_.page(), action == Action::PageDown);
         break;
     case Action::First:
     case Action::Last:
-        moveBy(rows_.size(), action == Action::Last);
+        cursor_.moveBy(cursor_.rows().size(), action == Action::Last);
+        break;
+    case Action::ScrollUp:
+    case Action::ScrollDown:
+        cursor_.scrollBy(scrolledRows, action == Action::ScrollDown);
         break;
     case Action::Toggle:
         toggle();
@@ -272,127 +334,72 @@ void WatchModel::handleRow(Action action) {
     case Action::Close:
         close();
         break;
+    case Action::Mark:
+        mark();
+        break;
     default:
         break;
     }
 }
 
+void WatchModel::click(std::size_t line) {
+    message_.clear();
+    auto const row = cursor_.top() + line;
+    if (row >= cursor_.end()) {
+        return;
+    }
+    if (row == cursor_.index()) {
+        toggle();
+    } else {
+        cursor_.select(row);
+    }
+}
+
 HeaderView WatchModel::header() const {
-    HeaderView view{};
-    view.condition = inspect::conditionName(status_.condition);
-    view.isLive = isLive();
-    if (view.isLive) {
-        view.state = shm::stateName(status_.globalState);
-        view.style = tools::stateStyle(status_.globalState);
-        view.led = inspect::ledText(status_.globalState);
-        view.points = status_.pointsUsed;
-        view.values = status_.valuesUsed;
+    auto view = headerOf(shown(), freshness_);
+    if (!message_.empty()) {
+        view.note = message_;
+    } else if (isPaused()) {
+        auto const eventsOf = [](WatchedUnit const& unit) {
+            return unit.events().dropped() + unit.events().events().size();
+        };
+        auto const events = eventsOf(unit_) - eventsOf(*frozen_);
+        view.note = "paused " + tools::shortDurationText(unit_.snapshot().ticks - frozen_->snapshot().ticks) +
+                    " ago, " + std::to_string(events) + (events == 1 ? " event" : " events") +
+                    " since; p continues";
     }
-    view.structureChanges = structureChanges_;
-    view.lastDelivery = delivered_ ? tools::shortDurationText(snapshot_.ticks - *delivered_) + " ago" : "-";
-    view.time = tools::timeText(snapshot_.now / msPerSecond * msPerSecond);
-    if (reattached_ && snapshot_.ticks - *reattached_ < noteMs) {
-        view.note = "new shared-memory object opened";
-    }
-    return view;
-}
-
-std::vector<std::string> WatchModel::message() const {
-    if (isLive()) {
-        return {};
-    }
-    return {"Waiting: " + tools::conditionProblem(status_) + '.',
-            "The table appears as soon as the region is active."};
-}
-
-eStatus_Bits WatchModel::stateOf(UnitPoint const& point) const {
-    return snapshot_.image.region().points[point.pos].state;
-}
-
-eStatus_Bits WatchModel::stateOf(UnitValue const& value) const {
-    return snapshot_.image.region().values[value.pos].state;
-}
-
-RowView WatchModel::pointView(UnitPoint const& point) const {
-    auto const state = stateOf(point);
-    RowView view{};
-    view.isPoint = true;
-    view.name = point.name;
-    view.type = point.type;
-    view.state = shm::stateName(state);
-    view.style = tools::stateStyle(state);
-    return view;
-}
-
-RowView WatchModel::valueView(UnitValue const& value) const {
-    auto const& slot = snapshot_.image.region().values[value.pos];
-    auto const age = tracker_.sinceDelivery(value.pos, snapshot_.ticks);
-    RowView view{};
-    view.isFresh = isRecent(tracker_.sinceChange(value.pos, snapshot_.ticks), flashMs);
-    view.name = value.name;
-    view.value = tav::ValueFormatter::str(shm::QelShmMVal(&slot));
-    view.state = shm::stateName(slot.state);
-    view.style = tools::stateStyle(slot.state);
-    view.age = age ? tools::shortDurationText(*age)
-                   : '>' + tools::shortDurationText(snapshot_.ticks - began_.value_or(snapshot_.ticks));
-    return view;
-}
-
-RowView WatchModel::viewOf(std::size_t index) const {
-    auto const& row = rows_[index];
-    auto view =
-        row.isPoint ? pointView(structure_.points()[row.index]) : valueView(structure_.values()[row.index]);
-    if (!row.isPoint && order_ != SortOrder::Tree) {
-        view.name = pointOf(row).path + "  " + view.name;
-    }
-    view.depth = row.depth;
-    view.isFoldable = row.isFoldable;
-    view.isFolded = row.isFolded;
-    view.isSelected = index == selected_;
     return view;
 }
 
 std::vector<RowView> WatchModel::visibleRows() const {
-    std::vector<RowView> views;
-    auto const end = std::min(rows_.size(), top_ + page_);
-    for (auto row = top_; row < end; ++row) {
-        views.push_back(viewOf(row));
-    }
-    return views;
+    return watch::visibleRows(viewInput(), cursor_, settings_.order);
 }
 
 DetailView WatchModel::detail() const {
-    DetailView view{};
-    if (rows_.empty()) {
-        return view;
-    }
-    auto const& row = rows_[selected_];
-    auto const& point = pointOf(row);
-    auto const state = stateOf(point);
-    view.path = point.path;
-    view.svid = shm::svidText(point.svid);
-    view.type = point.type;
-    view.state = shm::stateName(state);
-    view.style = tools::stateStyle(state);
-    view.newestBucket = tracker_.bucket(snapshot_.ticks);
-    auto const shown = row.isPoint ? point.firstValue : row.index;
-    for (auto index = point.firstValue; index < point.firstValue + point.valueCount; ++index) {
-        auto const& value = structure_.values()[index];
-        view.values.push_back(valueView(value));
-        if (index == shown) {
-            auto const delivered = snapshot_.image.region().values[value.pos].at;
-            view.values.back().isSelected = true;
-            view.graphName = value.name;
-            view.delivered = delivered == 0 ? "never" : tools::timeText(delivered);
-            view.key = value.key;
-            view.history = tracker_.history(value.pos);
-        }
-    }
-    return view;
+    return detailOf(viewInput(), cursor_.row(), settings_.span);
 }
 
-std::uint64_t WatchModel::graphSpan(std::size_t columns) const {
-    return std::min(columns, History::length) * tracker_.bucketMs();
+std::vector<StyledLine> WatchModel::allPaneLines() const {
+    std::vector<StyledLine> lines;
+    if (pane_ == Pane::Events) {
+        for (auto const& event : shown().events().events()) {
+            lines.push_back(
+                {tools::timeText(event.at / msPerSecond * msPerSecond) + "  " + event.text, event.style});
+        }
+    } else if (pane_ == Pane::Why && !cursor_.isEmpty()) {
+        auto const& row = *cursor_.row();
+        lines = whyLines(shown(), row.isPoint ? row.index : shown().structure().values()[row.index].point);
+    }
+    return lines;
+}
+
+std::vector<StyledLine> WatchModel::paneLines() const {
+    auto lines = allPaneLines();
+    auto const count = std::min(lines.size(), paneSize_);
+    auto const back = std::min(paneBack_, lines.size() - count);
+    auto const first = pane_ == Pane::Events ? lines.size() - count - back : back;
+    auto const begin = lines.begin() + static_cast<std::ptrdiff_t>(first);
+    return {begin, begin + static_cast<std::ptrdiff_t>(count)};
 }
 
 } // namespace qel::watch

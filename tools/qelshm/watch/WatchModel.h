@@ -5,14 +5,15 @@
 /// The contents of the live table, without a terminal.
 #pragma once
 
-#include "tools/qelshm/terminal/Style.h"
+#include "tools/qelshm/watch/DetailView.h"
+#include "tools/qelshm/watch/FilterPrompt.h"
+#include "tools/qelshm/watch/HeaderView.h"
+#include "tools/qelshm/watch/RowCursor.h"
 #include "tools/qelshm/watch/RowList.h"
-#include "tools/qelshm/watch/SnapshotSource.h"
-#include "tools/qelshm/watch/UnitStructure.h"
-#include "tools/qelshm/watch/ValueTracker.h"
-#include "tools/qelshm/watch/WatchedNames.h"
-
-#include "inspect/image/RegionStatus.h"
+#include "tools/qelshm/watch/RowView.h"
+#include "tools/qelshm/watch/WatchSettings.h"
+#include "tools/qelshm/watch/WatchedUnit.h"
+#include "tools/qelshm/watch/WhyView.h"
 
 #include <chrono>
 #include <cstddef>
@@ -31,164 +32,150 @@ enum class Action : std::uint8_t {
     PageDown,
     First,
     Last,
+    ScrollUp, ///< moves the window, by a few rows
+    ScrollDown,
     Toggle, ///< folds or unfolds the point
     Open,   ///< unfolds the point; in an unfolded one, goes to its first row
     Close,  ///< folds the point; from a folded one or a value, goes to the point above
     OpenAll,
     CloseAll,
-    Sort,   ///< next order
-    Filter, ///< starts typing of the filter
-    Clear,  ///< removes the filter
-    Follow, ///< starts or stops going to each new alarm
+    Sort,      ///< next order
+    Filter,    ///< starts typing of the filter
+    Clear,     ///< removes the filter
+    Follow,    ///< starts or stops going to each new alarm
+    NextAlarm, ///< goes to the next value in alarm; behind the last one, to the first
+    PreviousAlarm,
+    Pause,      ///< keeps or no longer keeps what is shown
+    Statistics, ///< shows or hides minimum, maximum, mean and rate
+    Restart,    ///< begins minimum, maximum, mean and rate anew
+    Mark,       ///< keeps or no longer keeps the value's curve in the graph
+    LongerSpan, ///< of the graph
+    ShorterSpan,
+    Why,    ///< shows why the selected point is not "On", or the graph again
+    Events, ///< shows what happened, or the graph again
+    PaneUp, ///< to earlier lines of the pane
+    PaneDown,
     Help,
     Quit,
 };
 
-/// The lines above the table. Reentrant.
-struct HeaderView {
-    std::string condition; ///< "active"
-    bool isLive;           ///< there is content to show
-    std::string state;     ///< global state; without content, this and the next four are empty
-    tools::Style style;    ///< of the state
-    std::string led;       ///< "green"
-    std::size_t points;
-    std::size_t values;
-    unsigned structureChanges;
-    std::string lastDelivery; ///< "2s ago"; "-" before the first one
-    std::string time;
-    std::string note; ///< what happened a moment ago; "" for nothing
-};
+/// What is below the table.
+enum class Pane : std::uint8_t { Graph, Why, Events };
 
-/// A row of the table. Reentrant.
-struct RowView {
-    bool isPoint;
-    bool isFoldable;
-    bool isFolded;
-    bool isSelected;
-    bool isFresh; ///< changed a moment ago
-    std::uint32_t depth;
-    std::string name;
-    std::string type;  ///< of a point
-    std::string value; ///< of a value, with its unit
-    std::string state;
-    tools::Style style; ///< of the state
-    std::string age;    ///< since the last delivery; with '>' if none was seen
-};
-
-/// The selected point and value in detail; the texts are empty if nothing is selected. Reentrant.
-struct DetailView {
-    std::string path;
-    std::string svid;
-    std::string type;
-    std::string state;
-    tools::Style style;          ///< of the state
-    std::vector<RowView> values; ///< of the point; the one in the graph is selected
-    std::string graphName;       ///< name of that value
-    std::string delivered;       ///< time of its last delivery, by the writer's clock
-    unsigned short key;
-    History const* history; ///< null without a value; valid until the next update
-    std::uint64_t newestBucket;
-};
-
-/// A table of points and values that can be folded, sorted and searched, with a cursor and a window of some lines. It
-/// receives snapshots and actions and says what is visible. Memory: see ValueTracker.
+/// A table of points and values that can be folded, sorted and searched, with a cursor and a window of some lines, and a
+/// pane below it. It receives snapshots and actions and says what is visible. While it is paused, snapshots are still
+/// taken in, but it shows the unit as it was. Memory: see ValueTracker; while it is paused, twice.
 ///
 /// Threads: reentrant.
 class WatchModel {
 public:
+    /// The selected value and the marked ones.
+    static constexpr std::size_t mostCurves = 4;
+
     /// @param names    the selection
     /// @param interval time between two snapshots; determines how long a bucket of the histories lasts
-    WatchModel(WatchedNames names, std::chrono::milliseconds interval);
+    WatchModel(WatchedNames names, std::chrono::milliseconds interval, Freshness const& freshness = {},
+               WatchSettings const& settings = {});
 
-    /// Shows a snapshot instead of the previous one.
+    /// Takes the next snapshot.
     void update(Snapshot const& snapshot);
 
     /// Sets the number of table lines on the screen; at least one is assumed.
-    void setPage(std::size_t lines);
+    void setPage(std::size_t lines) { cursor_.setPage(lines); }
+
+    /// Sets the number of lines of the pane.
+    void setPaneLines(std::size_t lines) { paneSize_ = lines; }
 
     /// Does what the user asks for.
     void handle(Action action);
 
-    /// @return whether the user is typing the filter
-    bool isTyping() const { return isTyping_; }
+    /// Selects a visible row; folds or unfolds it if it is selected already. Does nothing if there is no such row.
+    /// @param line from the top of the window
+    void click(std::size_t line);
 
+    /// @return whether the user is typing the filter
+    bool isTyping() const { return prompt_.isTyping(); }
     /// Appends a character to the filter.
     void type(char character);
-
     /// Removes the last character of the filter.
     void erase();
-
+    /// Completes the last word of the filter to a name of the unit.
+    void complete();
     /// Keeps the filter as typed.
-    void endTyping() { isTyping_ = false; }
+    void endTyping() { prompt_.end(); }
+    std::string const& filterText() const { return prompt_.text(); }
+    /// @return the names that complete() chose among
+    std::vector<std::string> const& candidates() const { return prompt_.candidates(); }
+
+    /// Shows a line until the user does something.
+    void say(std::string text) { message_ = std::move(text); }
 
     bool isHelp() const { return isHelp_; }
     bool isDone() const { return isDone_; }
     bool isFollowing() const { return isFollowing_; }
-    SortOrder order() const { return order_; }
-    std::string const& filterText() const { return filterText_; }
+    bool isPaused() const { return frozen_.has_value(); }
+    Pane pane() const { return pane_; }
+    SortOrder order() const { return settings_.order; }
+    WatchSettings const& settings() const { return settings_; }
 
     HeaderView header() const;
 
     /// @return sentences that say why there is nothing to show; none if the region has content
-    std::vector<std::string> message() const;
+    std::vector<std::string> message() const { return messageOf(shown()); }
 
-    std::size_t rowCount() const { return rows_.size(); }
-    std::size_t selected() const { return selected_; }
+    std::size_t rowCount() const { return cursor_.rows().size(); }
+    std::size_t selected() const { return cursor_.index(); }
 
     /// @return the first visible row
-    std::size_t top() const { return top_; }
+    std::size_t top() const { return cursor_.top(); }
 
     std::vector<RowView> visibleRows() const;
 
     DetailView detail() const;
 
-    /// @return the time span of a graph with so many columns, ms
-    std::uint64_t graphSpan(std::size_t columns) const;
+    /// @return the visible lines of a pane that is not the graph
+    std::vector<StyledLine> paneLines() const;
 
 private:
-    bool isLive() const;
+    WatchedUnit const& shown() const { return frozen_ ? *frozen_ : unit_; }
+    RowViewInput viewInput() const { return {shown(), freshness_, marks_}; }
+    UnitPoint const& pointOf(Row const& row) const;
     void rebuildRows();
-    void keepSelection();
-    std::optional<std::size_t> rowOf(bool isPoint, long long svid) const;
-    void select(std::size_t row);
-    void moveBy(std::size_t rows, bool isDown);
     void fold(bool isFolded);
     void foldAll(bool isFolded);
     void close();
     void open();
-    void reveal(std::uint32_t value);
+    bool reveal(std::uint32_t value);
     void toggle();
+    bool handleMode(Action action);
+    bool handlePane(Action action);
     void handleRow(Action action);
+    void sort();
+    void pause();
+    void mark();
+    void changeSpan(bool isLonger);
+    void goToAlarm(bool isForward);
     void followAlarms(std::vector<ValueChange> const& changes);
-    void setFilter(std::string text);
-    UnitPoint const& pointOf(Row const& row) const;
-    eStatus_Bits stateOf(UnitPoint const& point) const;
-    eStatus_Bits stateOf(UnitValue const& value) const;
-    RowView pointView(UnitPoint const& point) const;
-    RowView valueView(UnitValue const& value) const;
-    RowView viewOf(std::size_t index) const;
+    void applyFilter();
+    void showPane(Pane pane);
+    std::vector<StyledLine> allPaneLines() const;
 
-    Snapshot snapshot_;
-    inspect::RegionStatus status_;
-    UnitStructure structure_;
-    ValueTracker tracker_;
-    unsigned structureChanges_ = 0;
-    std::optional<std::uint64_t> began_;      ///< ticks of the first snapshot
-    std::optional<std::uint64_t> delivered_;  ///< ticks of the last delivery of any value
-    std::optional<std::uint64_t> reattached_; ///< ticks at which another object was opened
+    WatchedUnit unit_;
+    std::optional<WatchedUnit> frozen_; ///< while paused: as it was
+    Freshness freshness_;
+    WatchSettings settings_;
 
     Folds folds_;
-    SortOrder order_ = SortOrder::Tree;
-    std::string filterText_;
+    FilterPrompt prompt_;
     TextFilter filter_;
-    std::vector<Row> rows_;
-    std::size_t selected_ = 0;
-    bool isPointSelected_ = true;
-    long long selectedId_ = 0; ///< stays while there are no rows
-    std::size_t top_ = 0;
-    std::size_t page_ = 1;
+    RowCursor cursor_;
+    std::vector<long long> marks_;
+    Pane pane_ = Pane::Graph;
+    std::size_t paneSize_ = 1;
+    std::size_t paneBack_ =
+        0; ///< lines between the visible ones and where the pane begins, or the newest event
+    std::string message_;
 
-    bool isTyping_ = false;
     bool isHelp_ = false;
     bool isDone_ = false;
     bool isFollowing_ = false;

@@ -4,136 +4,133 @@
 #include "tools/qelshm/watch/WatchScreen.h"
 
 #include "tools/qelshm/terminal/Utf8Text.h"
-#include "tools/qelshm/watch/Graph.h"
 #include "tools/qelshm/watch/WatchKeys.h"
 
-#include "format/ValueFormatter.h"
-
-#include <curses.h>
-#include <langinfo.h>
+#include "region/QelShmRecords.h"
 
 #include <algorithm>
-#include <array>
-#include <clocale>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <stdexcept>
 
 namespace qel::watch {
 
-/// A stretch of a line.
-struct WatchScreen::Area {
-    int line;
-    int column;
-    int width;
-};
-
 namespace {
 
-constexpr int headerLines = 3; // two of facts, one of titles
-constexpr int footerLines = 1;
-constexpr int graphHeight = 4;
-constexpr int detailLines = graphHeight + 3; // title, the graph's title, the graph, its scale
-constexpr int leastLinesWithDetail = 18;
-constexpr int leastColumnsWithValues = 80; // beside the graph
-constexpr int listWidth = 46;
-constexpr int listValueWidth = 12;
-constexpr int listStateWidth = 15;
-constexpr int valueWidth = 14;
-constexpr int stateWidth = 18;
-constexpr int ageWidth = 6;
-constexpr int escapeDelayMs = 25; // an Esc may be the beginning of another key for this time
-constexpr std::uint64_t msPerSecond = 1000;
+constexpr int pieceGap = 3;
+constexpr int fullHeader = 4; // title, facts, counts, titles of the columns
+constexpr int leastLinesWithFullHeader = 10;
+constexpr int leastLinesWithPane = 18;
+constexpr int leastLinesWithWantedPane = 10; // the user asked for it
+constexpr int leastLinesWithFooter = 3;
 
-// Colour pairs are numbered like the styles; the graph has one more.
-constexpr short noColour = -1;
-constexpr std::array<short, 7> pairColours{noColour,  COLOR_GREEN,   noColour,  COLOR_YELLOW,
-                                           COLOR_RED, COLOR_MAGENTA, COLOR_BLUE};
-constexpr short graphPair = pairColours.size() - 1;
-static_assert(pairColours[static_cast<std::size_t>(tools::Style::Alarm)] == COLOR_RED);
-static_assert(static_cast<short>(tools::Style::Busy) + 1 == graphPair);
+Emphasis withReverse(Emphasis emphasis, bool isReverse) {
+    emphasis.isReverse = isReverse;
+    return emphasis;
+}
 
-bool isDetailShown() {
-    return LINES >= leastLinesWithDetail;
+/// In the flat orders, the point gives way before the value does.
+std::string nameWithin(RowView const& row, std::size_t room) {
+    constexpr std::size_t leastPlace = 12;
+    auto const width = tools::widthOf(row.name);
+    if (width > room && !row.place.empty() && room + row.place.size() >= width + leastPlace) {
+        return tools::shortened(row.place, room + row.place.size() - width) +
+               row.name.substr(row.place.size());
+    }
+    return tools::shortened(width > room ? row.shortName : row.name, room);
+}
+
+std::string countText(std::size_t count, char const* name) {
+    return std::to_string(count) + ' ' + name;
 }
 
 } // namespace
 
-void WatchScreen::Delete::operator()(::screen* terminal) const {
-    endwin();
-    delscreen(terminal);
-}
-
-WatchScreen::WatchScreen(bool isColoured) {
-    // Only the encoding of characters; numbers do not follow the locale. A locale that is not installed means ASCII.
-    static_cast<void>(std::setlocale(LC_CTYPE, ""));
-    isUtf8_ = std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0;
-    // Unlike initscr(), newterm() returns if the terminal is unknown.
-    terminal_.reset(newterm(nullptr, stdout, stdin));
-    if (!terminal_) {
-        char const* const name = std::getenv("TERM");
-        throw std::runtime_error(std::string("the terminal \"") + (name != nullptr ? name : "") +
-                                 "\" cannot display the table; pipe the output through cat to get lines");
+WatchScreen::Lines WatchScreen::linesFor(WatchModel const& model) const {
+    int const all = canvas_.height();
+    Lines lines{};
+    lines.header = all >= leastLinesWithFullHeader ? fullHeader : std::min(all - 1, 2);
+    lines.footer = all >= leastLinesWithFooter ? 1 : 0;
+    if (model.pane() == Pane::Graph) {
+        lines.pane = all >= leastLinesWithPane ? DetailPane::graphHeight(all) + DetailPane::otherLines : 0;
+    } else if (all >= leastLinesWithWantedPane) {
+        lines.pane = std::min(std::max(all / 3, DetailPane::graphHeight(all) + DetailPane::otherLines),
+                              all - lines.header - lines.footer - 1);
     }
-    cbreak();
-    noecho();
-    keypad(stdscr, TRUE);
-    nodelay(stdscr, TRUE);
-    set_escdelay(escapeDelayMs);
-    curs_set(0);
-    isColoured_ = isColoured && has_colors();
-    if (isColoured_) {
-        start_color();
-        use_default_colors();
-        for (short pair = 1; pair <= graphPair; ++pair) {
-            init_pair(pair, pairColours.at(static_cast<std::size_t>(pair)), noColour);
-        }
+    lines.table = std::max(all - lines.header - lines.footer - lines.pane, 1);
+    return lines;
+}
+
+/// @return the column behind the last piece
+int WatchScreen::putPieces(int line, int column, std::vector<Piece> const& pieces) {
+    for (auto const& piece : pieces) {
+        auto const width = static_cast<int>(tools::widthOf(piece.text));
+        canvas_.put({line, column, width}, piece.text, piece.ink);
+        column += width + pieceGap;
     }
+    return column - pieceGap;
 }
 
-WatchScreen::~WatchScreen() = default;
-
-std::optional<int> WatchScreen::key() {
-    int const key = getch();
-    return key == ERR ? std::nullopt : std::optional(key);
-}
-
-void WatchScreen::put(Area const& area, std::string const& text, unsigned attributes, short pair) const {
-    auto const width = std::min(area.width, COLS - area.column);
-    if (area.line < 0 || area.line >= LINES || width <= 0) {
+void WatchScreen::drawHeader(WatchModel const& model, int lines) {
+    if (lines < 1) {
         return;
     }
-    auto const shown = tools::fitted(text, static_cast<std::size_t>(width));
-    attr_set(attributes, isColoured_ ? pair : short{0}, nullptr);
-    mvaddstr(area.line, area.column, isUtf8_ ? shown.c_str() : tools::asciiOnly(shown).c_str());
-}
-
-void WatchScreen::putState(Area const& area, std::string const& text, unsigned attributes,
-                           tools::Style style) const {
-    put(area, text, style == tools::Style::Faint ? attributes | A_DIM : attributes,
-        static_cast<short>(style));
-}
-
-void WatchScreen::drawHeader(WatchModel const& model) const {
     auto const view = model.header();
-    int const timeWidth = static_cast<int>(view.time.size()) + 1;
-    put({0, 0, COLS}, " qelshm watch   " + view.condition, A_BOLD | A_REVERSE);
-    constexpr int stateColumn = 30;
-    if (view.isLive) {
-        putState({0, stateColumn, COLS - stateColumn}, ' ' + view.state + "   LED " + view.led,
-                 A_BOLD | A_REVERSE, view.style);
+    enum Rank : int { Clock, Name, Led, Condition, State };
+    int const clockWidth = static_cast<int>(view.time.size());
+    std::vector<Piece> pieces{
+        {"qelshm watch", Name, boldReverse},
+        {view.condition, Condition, view.isLive ? Ink(boldReverse) : Ink(boldReverse, tools::Style::Warning)},
+        {view.state, State, Ink(boldReverse, view.style)},
+        {view.isLive ? "LED " + view.led : "", Led, Ink(boldReverse, view.style)},
+        {std::string(static_cast<std::size_t>(clockWidth), ' '), Clock, boldReverse}};
+    pieces = fitting(std::move(pieces), canvas_.width() - 2, pieceGap);
+    bool const hasClock = pieces.back().rank == Clock;
+    if (hasClock) {
+        pieces.pop_back();
     }
-    put({0, std::max(COLS - timeWidth, 0), timeWidth}, view.time, A_BOLD | A_REVERSE);
-    std::string const facts = " points " + std::to_string(view.points) + '/' + std::to_string(shm::MP_COUNT) +
-                              "   values " + std::to_string(view.values) + '/' +
-                              std::to_string(shm::MV_COUNT) + "   structure changes " +
-                              std::to_string(view.structureChanges) + "   " +
-                              (view.note.empty() ? "last delivery " + view.lastDelivery : view.note);
-    put({1, 0, COLS}, facts, view.note.empty() ? A_NORMAL : A_BOLD);
+    canvas_.put({0, 0, canvas_.width()}, "", boldReverse);
+    putPieces(0, canvas_.width() > 2 ? 1 : 0, pieces);
+    if (hasClock) {
+        canvas_.put({0, canvas_.width() - clockWidth - 1, clockWidth}, view.time, boldReverse);
+    }
+    if (lines == fullHeader) {
+        drawFacts(view, 1);
+        drawCounts(view, 2);
+    }
 }
 
-void WatchScreen::drawTitles(WatchModel const& model) const {
+void WatchScreen::drawFacts(HeaderView const& view, int line) {
+    enum Rank : int { Changes, Points, Values, Delivery, Note };
+    auto const silence = view.isSilent ? tools::Style::Alarm : tools::Style::Plain;
+    putPieces(
+        line, 1,
+        fitting({{"points " + std::to_string(view.points) + '/' + std::to_string(shm::MP_COUNT), Points, {}},
+                 {"values " + std::to_string(view.values) + '/' + std::to_string(shm::MV_COUNT), Values, {}},
+                 {"structure changes " + std::to_string(view.structureChanges), Changes, {}},
+                 {view.isLive ? view.delivery : "", Delivery, Ink(view.isSilent ? bold : plain, silence)},
+                 {view.note, Note, bold}},
+                canvas_.width() - 2, pieceGap));
+}
+
+void WatchScreen::drawCounts(HeaderView const& view, int line) {
+    enum Rank : int { Stale, Never, Warning, Lost, Alarm };
+    if (!view.isLive) {
+        return;
+    }
+    auto const& counts = view.counts;
+    auto const inkOf = [](std::size_t count, tools::Style style) {
+        return count == 0 ? Ink(dim) : Ink(bold, style);
+    };
+    putPieces(
+        line, 1,
+        fitting(
+            {{countText(counts.alarm, "alarm"), Alarm, inkOf(counts.alarm, tools::Style::Alarm)},
+             {countText(counts.warning, "warning"), Warning, inkOf(counts.warning, tools::Style::Warning)},
+             {countText(counts.lost, "lost"), Lost, inkOf(counts.lost, tools::Style::Alarm)},
+             {countText(counts.never, "never delivered"), Never, inkOf(counts.never, tools::Style::Plain)},
+             {countText(counts.stale, "stale"), Stale, inkOf(counts.stale, tools::Style::Warning)}},
+            canvas_.width() - 2, pieceGap));
+}
+
+void WatchScreen::drawTitles(WatchModel const& model, TableLayout const& layout, int line) {
     std::string title = std::string(" Point, value (by ") + sortName(model.order()) + ')';
     if (model.isFollowing()) {
         title += " (follow)";
@@ -141,165 +138,182 @@ void WatchScreen::drawTitles(WatchModel const& model) const {
     if (!model.filterText().empty()) {
         title += " /" + model.filterText();
     }
-    int const nameWidth = std::max(COLS - valueWidth - stateWidth - ageWidth, 0);
-    put({2, 0, nameWidth}, title, A_UNDERLINE);
-    put({2, nameWidth, valueWidth}, "Value", A_UNDERLINE);
-    put({2, nameWidth + valueWidth, stateWidth}, "State", A_UNDERLINE);
-    put({2, nameWidth + valueWidth + stateWidth, ageWidth}, "Age", A_UNDERLINE);
+    int column = 0;
+    auto const put = [&](int width, std::string const& text) {
+        canvas_.put({line, column, width}, text, underlined);
+        column += width;
+    };
+    put(layout.name, title);
+    put(layout.value, "Value");
+    put(layout.state, "State");
+    put(layout.minimum, "Minimum");
+    put(layout.maximum, "Maximum");
+    put(layout.mean, "Mean");
+    put(layout.rate, "Rate");
+    put(layout.age, "Age");
 }
 
-void WatchScreen::drawRow(int line, RowView const& row) const {
-    unsigned const selected = row.isSelected ? A_REVERSE : A_NORMAL;
-    int const nameWidth = std::max(COLS - valueWidth - stateWidth - ageWidth, 0);
-    std::string mark = "  ";
+/// @return the column behind the name
+int WatchScreen::drawName(int line, RowView const& row, TableLayout const& layout, Emphasis const& emphasis) {
+    std::string mark = row.isMarked ? "* " : "  ";
     if (row.isFoldable) {
-        char const* const folded = isUtf8_ ? "▸ " : "+ ";
-        char const* const open = isUtf8_ ? "▾ " : "- ";
+        char const* const folded = canvas_.isUtf8() ? "▸ " : "+ ";
+        char const* const open = canvas_.isUtf8() ? "▾ " : "- ";
         mark = row.isFolded ? folded : open;
     }
-    auto const name = ' ' + std::string(row.depth * std::size_t{2}, ' ') + mark + row.name;
-    put({line, 0, COLS}, "", selected);
+    bool const isNarrow = layout.indent == 1;
+    auto const before = std::string(static_cast<std::size_t>(layout.indent) * row.depth, ' ') + mark;
+    int const begin = isNarrow ? 0 : 1;
+    int const width = layout.name + (row.isPoint ? layout.value : 0) - begin - 1;
+    auto const room = std::max(width - static_cast<int>(tools::widthOf(before)), 0);
+    auto const text = before + nameWithin(row, static_cast<std::size_t>(room));
+    canvas_.put({line, begin, width}, text, emphasis);
+    return begin + static_cast<int>(tools::widthOf(text));
+}
+
+void WatchScreen::drawRow(int line, RowView const& row, TableLayout const& layout) {
+    canvas_.put({line, 0, canvas_.width()}, "", withReverse(plain, row.isSelected));
+    auto const emphasis = withReverse(row.isPoint ? bold : plain, row.isSelected);
+    auto const faint = withReverse(dim, row.isSelected);
+    int const behind = drawName(line, row, layout, emphasis);
+    int column = layout.name;
     if (row.isPoint) {
-        int const typeColumn = static_cast<int>(tools::widthOf(name)) + 2;
-        put({line, 0, nameWidth + valueWidth}, name, selected | A_BOLD);
-        put({line, typeColumn, nameWidth + valueWidth - typeColumn}, row.type, selected | A_DIM);
+        constexpr int typeGap = 2;
+        int const room = layout.name + layout.value - behind - typeGap - 1;
+        if (layout.isTypeShown && static_cast<int>(tools::widthOf(row.type)) <= room) {
+            canvas_.put({line, behind + typeGap, room}, row.type, faint);
+        }
     } else {
-        // A changed number is highlighted, also in the selected row.
-        put({line, 0, nameWidth - 1}, name, selected);
-        auto const width = std::min(static_cast<int>(tools::widthOf(row.value)), valueWidth - 1);
-        put({line, nameWidth, width}, row.value, row.isFresh ? selected ^ A_REVERSE : selected);
+        // A changed number is highlighted, also in the selected row. Where there is no age, a stale value is marked.
+        auto const text = row.value + (row.isStale && layout.age == 0 ? "!" : "");
+        auto const width = std::min(static_cast<int>(tools::widthOf(text)), layout.value - 1);
+        canvas_.put({line, column, width}, text,
+                    Ink(withReverse(plain, row.isFresh != row.isSelected),
+                        row.isStale ? tools::Style::Warning : tools::Style::Plain));
     }
-    putState({line, nameWidth + valueWidth, stateWidth}, row.state, selected, row.style);
-    put({line, nameWidth + valueWidth + stateWidth, ageWidth}, row.age, selected | A_DIM);
-}
-
-void WatchScreen::drawTable(WatchModel const& model, int lines) const {
-    int line = headerLines;
-    for (auto const& text : model.message()) {
-        put({++line, 2, COLS - 2}, text, A_BOLD, static_cast<short>(tools::Style::Warning));
-    }
-    if (model.message().empty() && model.rowCount() == 0) {
-        put({line + 1, 2, COLS - 2}, "Nothing to show: nothing is watched, or nothing matches the filter.",
-            A_BOLD);
-    }
-    line = headerLines;
-    for (auto const& row : model.visibleRows()) {
-        if (line >= headerLines + lines) {
-            break;
-        }
-        drawRow(line++, row);
-    }
-}
-
-void WatchScreen::drawValues(DetailView const& detail, int line, int width) const {
-    constexpr std::size_t lines = detailLines - 1;
-    auto const shown = std::find_if(detail.values.begin(), detail.values.end(),
-                                    [](RowView const& value) { return value.isSelected; });
-    auto const index = static_cast<std::size_t>(shown - detail.values.begin());
-    auto const first = index < lines ? 0 : index + 1 - lines;
-    int const nameWidth = width - listValueWidth - listStateWidth;
-    for (auto value = first; value < std::min(first + lines, detail.values.size()); ++value) {
-        auto const& view = detail.values[value];
-        int const row = line + static_cast<int>(value - first);
-        put({row, 0, nameWidth}, (view.isSelected ? " >" : "  ") + view.name,
-            view.isSelected ? A_BOLD : A_NORMAL);
-        put({row, nameWidth, listValueWidth}, ' ' + view.value, A_NORMAL);
-        putState({row, nameWidth + listValueWidth, listStateWidth}, view.state, A_NORMAL, view.style);
-    }
-}
-
-void WatchScreen::drawGraph(WatchModel const& model, DetailView const& detail, int line, int column) const {
-    if (detail.history == nullptr) {
-        return;
-    }
-    int const width = std::min(COLS - column - 1, static_cast<int>(History::length));
-    put({line, column, COLS - column}, detail.graphName + ", delivered " + detail.delivered, A_BOLD);
-    if (width <= 0) {
-        return;
-    }
-    auto const columns = static_cast<std::size_t>(width);
-    auto const graph =
-        graphOf(*detail.history, detail.newestBucket, columns, graphHeight, isUtf8_ ? blockBars : asciiBars);
-    for (auto const& text : graph.lines) {
-        put({++line, column, width}, text, A_NORMAL, graphPair);
-    }
-    auto const number = [&](float of) {
-        return tav::ValueFormatter::str(detail.key, static_cast<double>(of), " ");
+    column += layout.value;
+    canvas_.put({line, column, layout.state},
+                tools::shortened(row.state, static_cast<std::size_t>(std::max(layout.state - 1, 0))),
+                Ink(withReverse(plain, row.isSelected), row.style));
+    column += layout.state;
+    auto const put = [&](int width, std::string const& text, Ink const& ink) {
+        canvas_.put({line, column, width}, text, ink);
+        column += width;
     };
-    put({++line, column, COLS - column},
-        graph.range.isEmpty() ? std::string("no data yet")
-                              : "min " + number(graph.range.min) + "  max " + number(graph.range.max) +
-                                    "  of " + std::to_string(model.graphSpan(columns) / msPerSecond) + " s",
-        A_DIM);
+    put(layout.minimum, row.statistics.minimum, withReverse(plain, row.isSelected));
+    put(layout.maximum, row.statistics.maximum, withReverse(plain, row.isSelected));
+    put(layout.mean, row.statistics.mean, withReverse(plain, row.isSelected));
+    put(layout.rate, row.statistics.rate, withReverse(plain, row.isSelected));
+    put(layout.age, row.age,
+        row.isStale ? Ink(withReverse(bold, row.isSelected), tools::Style::Warning) : Ink(faint));
 }
 
-void WatchScreen::drawDetail(WatchModel const& model, int line) const {
-    auto const detail = model.detail();
-    std::string title = ' ' + detail.path + "  " + detail.svid + "  " + detail.type;
-    put({line, 0, COLS}, detail.path.empty() ? std::string() : title, A_REVERSE);
-    putState({line, COLS - stateWidth, stateWidth}, detail.state, A_REVERSE, detail.style);
-    if (detail.path.empty()) {
-        return;
+void WatchScreen::drawTable(WatchModel const& model, TableLayout const& layout, Lines const& lines) {
+    auto const message = model.message();
+    int line = lines.header;
+    for (auto const& text : message) {
+        canvas_.put({++line, 2, canvas_.width() - 2}, text, Ink(bold, tools::Style::Warning));
     }
-    int const column = COLS >= leastColumnsWithValues ? listWidth : 1;
-    if (COLS >= leastColumnsWithValues) {
-        drawValues(detail, line + 1, listWidth - 1);
+    if (message.empty() && model.rowCount() == 0) {
+        canvas_.put({line + 1, 2, canvas_.width() - 2},
+                    "Nothing to show: nothing is watched, or nothing matches the filter.", bold);
     }
-    drawGraph(model, detail, line + 1, column);
+    line = lines.header;
+    for (auto const& row : model.visibleRows()) {
+        drawRow(line++, row, layout);
+    }
 }
 
-void WatchScreen::drawFooter(WatchModel const& model) const {
+void WatchScreen::drawFooter(WatchModel const& model) {
+    int const line = canvas_.height() - 1;
+    int const columns = canvas_.width();
     if (model.isTyping()) {
-        put({LINES - 1, 0, COLS}, '/' + model.filterText() + "_   Enter keeps it, Esc removes it", A_BOLD);
+        auto const typed = '/' + model.filterText() + '_';
+        auto const& candidates = model.candidates();
+        std::string rest = "   Enter keeps it, Tab completes, Esc removes it";
+        if (candidates.size() > 1) {
+            rest = "  ";
+            for (auto const& name : candidates) {
+                rest += ' ' + name;
+            }
+        }
+        canvas_.put({line, 0, columns}, typed + rest, bold);
         return;
     }
-    std::string keys;
-    for (auto const& help : keyHelp) {
-        if (*help.hint != '\0') {
-            keys += std::string(" ") + help.hint + "  ";
-        }
-    }
-    put({LINES - 1, 0, COLS}, keys, A_DIM);
-    auto const place = ' ' + std::to_string(model.rowCount() == 0 ? 0 : model.selected() + 1) + '/' +
+    auto const place = std::to_string(model.rowCount() == 0 ? 0 : model.selected() + 1) + '/' +
                        std::to_string(model.rowCount());
     int const width = static_cast<int>(place.size());
-    put({LINES - 1, std::max(COLS - width, 0), width}, place, A_BOLD);
+    std::vector<Piece> pieces;
+    for (auto const& help : keyHelp) {
+        pieces.push_back({help.hint, help.rank, dim});
+    }
+    putPieces(line, 1, fitting(std::move(pieces), columns - width - pieceGap, pieceGap));
+    canvas_.put({line, columns - width - 1, width + 1}, ' ' + place, bold);
 }
 
-void WatchScreen::drawHelp() const {
+void WatchScreen::drawHelp() {
     constexpr int keysWidth = 20;
-    put({0, 0, COLS}, " qelshm watch: keys", A_BOLD | A_REVERSE);
-    int line = 1;
+    int const columns = canvas_.width();
+    canvas_.put({0, 0, columns}, " qelshm watch: keys", boldReverse);
+    int line = 0;
     for (auto const& help : keyHelp) {
         ++line;
-        put({line, 1, keysWidth}, help.keys, A_BOLD);
-        put({line, 1 + keysWidth, COLS}, help.text, A_NORMAL);
+        canvas_.put({line, 1, keysWidth}, help.keys, bold);
+        canvas_.put({line, 1 + keysWidth, columns}, help.text);
     }
-    line += 2;
+    line += 1;
     for (char const* const text :
-         {"Changed numbers are highlighted for a moment. Age: time since the last delivery;",
-          "'>' means none since the start. The graph shows the value of the selected row."}) {
-        put({line++, 1, COLS}, text, A_NORMAL);
+         {"Changed numbers are highlighted. Age: since the last delivery; > none was seen,",
+          "! stale, - never delivered. The graph shows the value of the selected row.",
+          "A click of the mouse selects, a second one folds or unfolds; the wheel scrolls."}) {
+        canvas_.put({++line, 1, columns}, text);
     }
 }
 
 void WatchScreen::draw(WatchModel& model) {
-    erase();
+    canvas_.clear();
     if (model.isHelp()) {
         drawHelp();
     } else {
-        int const detail = isDetailShown() ? detailLines : 0;
-        int const table = std::max(LINES - headerLines - footerLines - detail, 1);
-        model.setPage(static_cast<std::size_t>(table));
-        drawHeader(model);
-        drawTitles(model);
-        drawTable(model, table);
-        if (isDetailShown()) {
-            drawDetail(model, headerLines + table);
+        auto const lines = linesFor(model);
+        auto const layout = layoutOf(canvas_.width(), model.settings().hasStatistics);
+        model.setPage(static_cast<std::size_t>(lines.table));
+        model.setPaneLines(static_cast<std::size_t>(std::max(lines.pane - 1, 0)));
+        tableLine_ = lines.header;
+        drawTable(model, layout, lines);
+        drawHeader(model, lines.header);
+        if (lines.header > 1) {
+            drawTitles(model, layout, lines.header - 1);
         }
-        drawFooter(model);
+        if (lines.pane > 0) {
+            pane_.draw(model, lines.header + lines.table, lines.pane);
+        }
+        if (lines.footer > 0) {
+            drawFooter(model);
+        }
     }
-    refresh();
+    canvas_.show();
+}
+
+void WatchScreen::handleInput(WatchModel& model) {
+    while (auto const input = canvas_.input()) {
+        switch (input->mouse) {
+        case MouseUse::None:
+            handleKey(model, input->key);
+            break;
+        case MouseUse::WheelUp:
+        case MouseUse::WheelDown:
+            model.handle(input->mouse == MouseUse::WheelUp ? Action::ScrollUp : Action::ScrollDown);
+            break;
+        case MouseUse::Click:
+            if (model.isHelp()) {
+                model.handle(Action::Help);
+            } else if (input->line >= tableLine_) {
+                model.click(static_cast<std::size_t>(input->line - tableLine_));
+            }
+            break;
+        }
+    }
 }
 
 } // namespace qel::watch

@@ -5,58 +5,56 @@
 /// The live table on the terminal.
 #pragma once
 
+#include "tools/qelshm/watch/Canvas.h"
+#include "tools/qelshm/watch/DetailPane.h"
+#include "tools/qelshm/watch/Pieces.h"
+#include "tools/qelshm/watch/TableLayout.h"
 #include "tools/qelshm/watch/WatchModel.h"
 
-#include <cstddef>
-#include <memory>
-#include <optional>
 #include <string>
-
-struct screen; // of curses, SCREEN there
+#include <vector>
 
 namespace qel::watch {
 
-/// Takes over the terminal, draws a model on it and restores the terminal in the end. Follows the size of the terminal;
-/// can be suspended. Draws in ASCII if the terminal has no UTF-8, and with attributes alone if it has no colours.
+/// Draws a model on the terminal and gives the user's input to it. See Canvas for the terminal.
 ///
 /// Threads: thread-bound to the thread that made it. One object per process.
 class WatchScreen {
 public:
     /// @param isColoured whether colours are wanted
     /// @throws std::runtime_error when the terminal is not usable
-    explicit WatchScreen(bool isColoured);
-    ~WatchScreen();
-    WatchScreen(WatchScreen const&) = delete;
-    WatchScreen& operator=(WatchScreen const&) = delete;
+    explicit WatchScreen(bool isColoured) : canvas_(isColoured), pane_(canvas_) {}
 
-    /// Draws what has changed and tells the model how many rows fit.
+    /// Draws the model and tells it how many lines fit.
     void draw(WatchModel& model);
 
-    /// Takes the next key that was pressed. Does not wait.
-    /// @return its number in curses; nothing when none is left
-    static std::optional<int> key();
+    /// Applies all keys and uses of the mouse since the last call. Does not wait.
+    void handleInput(WatchModel& model);
 
 private:
-    struct Area;
-
-    void put(Area const& area, std::string const& text, unsigned attributes, short pair = 0) const;
-    void putState(Area const& area, std::string const& text, unsigned attributes, tools::Style style) const;
-    void drawHeader(WatchModel const& model) const;
-    void drawTitles(WatchModel const& model) const;
-    void drawRow(int line, RowView const& row) const;
-    void drawTable(WatchModel const& model, int lines) const;
-    void drawDetail(WatchModel const& model, int line) const;
-    void drawValues(DetailView const& detail, int line, int width) const;
-    void drawGraph(WatchModel const& model, DetailView const& detail, int line, int column) const;
-    void drawFooter(WatchModel const& model) const;
-    void drawHelp() const;
-
-    struct Delete {
-        void operator()(::screen* terminal) const;
+    /// How the lines of the screen are distributed.
+    struct Lines {
+        int header; ///< with the titles of the columns
+        int table;
+        int pane;
+        int footer;
     };
-    std::unique_ptr<::screen, Delete> terminal_;
-    bool isUtf8_;
-    bool isColoured_;
+
+    Lines linesFor(WatchModel const& model) const;
+    int putPieces(int line, int column, std::vector<Piece> const& pieces);
+    void drawHeader(WatchModel const& model, int lines);
+    void drawFacts(HeaderView const& view, int line);
+    void drawCounts(HeaderView const& view, int line);
+    void drawTitles(WatchModel const& model, TableLayout const& layout, int line);
+    void drawRow(int line, RowView const& row, TableLayout const& layout);
+    int drawName(int line, RowView const& row, TableLayout const& layout, Emphasis const& emphasis);
+    void drawTable(WatchModel const& model, TableLayout const& layout, Lines const& lines);
+    void drawFooter(WatchModel const& model);
+    void drawHelp();
+
+    Canvas canvas_;
+    DetailPane pane_;
+    int tableLine_ = 0; ///< the first one of the table, as drawn
 };
 
 } // namespace qel::watch

@@ -3,37 +3,23 @@
 
 #include "tools/qelshm/watch/WatchedNames.h"
 
-#include "inspect/naming/PointPath.h"
-#include "inspect/naming/Svid.h"
-
 #include <algorithm>
-#include <optional>
 
 namespace qel::watch {
 
-namespace {
+WatchedNames::WatchedNames(std::vector<std::string> const& names) : patterns_(names.begin(), names.end()) {}
 
-std::optional<long long> svidOf(std::string const& name) {
-    auto const svid = inspect::parseSvid(name);
-    return svid ? svid : inspect::parsePath(name);
+bool WatchedNames::hasPoint(long long point) const {
+    return isEverything() ||
+           std::any_of(patterns_.begin(), patterns_.end(), [&](inspect::ValuePattern const& pattern) {
+               return !pattern.hasKey() && pattern.matchesPoint(point);
+           });
 }
 
-} // namespace
-
-WatchedNames::WatchedNames(std::vector<std::string> const& names) {
-    for (auto const& name : names) {
-        if (auto const svid = svidOf(name)) {
-            svids_.push_back(*svid);
-        }
-    }
-}
-
-bool WatchedNames::isName(std::string const& text) {
-    return svidOf(text).has_value();
-}
-
-bool WatchedNames::has(long long svid) const {
-    return std::find(svids_.begin(), svids_.end(), svid) != svids_.end();
+bool WatchedNames::hasValue(long long point, unsigned short key) const {
+    return isEverything() ||
+           std::any_of(patterns_.begin(), patterns_.end(),
+                       [&](inspect::ValuePattern const& pattern) { return pattern.matches(point, key); });
 }
 
 } // namespace qel::watch

@@ -23,6 +23,18 @@ TEST(Utf8TextTest, Fitted_CountsCharactersNotBytes) {
     EXPECT_EQ(7U, widthOf("21.5 °C"));
 }
 
+TEST(Utf8TextTest, Shortened_KeepsBothEnds) {
+    EXPECT_EQ("Active Power", shortened("Active Power", 12));
+    EXPECT_EQ("Activ~Power", shortened("Active Power", 11));
+    EXPECT_NE(shortened("Active Power", 8), shortened("Active Energy", 8));
+    EXPECT_EQ("a~d", shortened("abcd", 3));
+    EXPECT_EQ("~d", shortened("abcd", 2));
+    EXPECT_EQ("~", shortened("abcd", 1));
+    EXPECT_EQ("", shortened("abcd", 0));
+    EXPECT_EQ("°~°", shortened("°°°°", 3));
+    EXPECT_EQ("", shortened("", 0));
+}
+
 TEST(Utf8TextTest, ContainsIgnoringCase_ComparesAsciiLettersAloneWithoutCase) {
     EXPECT_TRUE(containsIgnoringCase("High ALARM °Ä", "h alarm °"));
     EXPECT_TRUE(containsIgnoringCase("21.5 °Ä", "Ä"));

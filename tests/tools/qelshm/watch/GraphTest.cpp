@@ -13,37 +13,49 @@ using Lines = std::vector<std::string>;
 
 } // namespace
 
-TEST(GraphTest, Bars_RiseFromLeastToGreatest) {
+TEST(GraphTest, Bars_RiseFromTheBottomOfTheScaleToItsTop) {
     History history;
-    for (unsigned bucket = 0; bucket < 8; ++bucket) {
+    for (unsigned bucket = 0; bucket < 9; ++bucket) {
         history.add(bucket, bucket);
     }
-    auto const graph = graphOf(history, 7, 8, 1, blockBars);
-    EXPECT_EQ(Lines{"▁▂▃▄▅▆▇█"}, graph.lines);
+    auto const graph = graphOf(history, 8, 9, 1, blockBars);
+    EXPECT_EQ(Lines{"▁▂▃▄▅▅▆▇█"}, graph.lines);
     EXPECT_EQ(0.0F, graph.range.min);
-    EXPECT_EQ(7.0F, graph.range.max);
-    EXPECT_EQ(7.0F, graph.range.last);
+    EXPECT_EQ(8.0F, graph.range.max);
+    EXPECT_EQ(8.0F, graph.range.last);
+    EXPECT_EQ(0.0, graph.scale.low);
+    EXPECT_EQ(8.0, graph.scale.high);
+}
+
+TEST(GraphTest, NarrowBand_DoesNotFillTheHeight) {
+    History history;
+    for (unsigned bucket = 0; bucket < 12; ++bucket) {
+        history.add(bucket, 2600.0 + bucket);
+    }
+    auto const graph = graphOf(history, 11, 12, 2, blockBars);
+    EXPECT_GE(graph.scale.high - graph.scale.low, 260.0);
+    EXPECT_EQ(Lines({"▁▁▁▁▁▁▁▁▁▁▁▁", "████████████"}), graph.lines) << "about half-way up, and flat";
 }
 
 TEST(GraphTest, Lines_AreStackedUpwards) {
     History history;
     history.add(0, 0.0);
-    history.add(1, 15.0);
-    history.add(2, 8.0);
+    history.add(1, 20.0);
+    history.add(2, 10.5);
     EXPECT_EQ((Lines{" █▁", "▁██"}), graphOf(history, 2, 3, 2, blockBars).lines);
 }
 
 TEST(GraphTest, NewestBucket_StandsAtTheRight) {
     History history;
     history.add(10, 1.0);
-    EXPECT_EQ(Lines{"   ▄  "}, graphOf(history, 12, 6, 1, blockBars).lines);
+    EXPECT_EQ(Lines{"   ▅  "}, graphOf(history, 12, 6, 1, blockBars).lines);
     EXPECT_EQ(Lines{"  "}, graphOf(history, 12, 2, 1, blockBars).lines) << "out of sight";
 }
 
 TEST(GraphTest, BucketsBeforeTheFirst_AreBlank) {
     History history;
     history.add(1, 1.0);
-    EXPECT_EQ(Lines{"    ▄"}, graphOf(history, 1, 5, 1, blockBars).lines);
+    EXPECT_EQ(Lines{"    ▅"}, graphOf(history, 1, 5, 1, blockBars).lines);
 }
 
 TEST(GraphTest, Range_CountsWhatABucketHidesButNothingOutOfSight) {
@@ -70,7 +82,7 @@ TEST(GraphTest, Ascii_HasCharactersOfItsOwn) {
     for (unsigned bucket = 0; bucket < 8; ++bucket) {
         history.add(bucket, bucket);
     }
-    EXPECT_EQ(Lines{"..::||##"}, graphOf(history, 7, 8, 1, asciiBars).lines);
+    EXPECT_EQ(Lines{"..::|||#"}, graphOf(history, 7, 8, 1, asciiBars).lines);
 }
 
 TEST(GraphTest, MoreColumnsThanHistory_StayBlankAtTheLeft) {
@@ -79,7 +91,7 @@ TEST(GraphTest, MoreColumnsThanHistory_StayBlankAtTheLeft) {
         history.add(bucket, 1.0);
     }
     auto const graph = graphOf(history, 199, History::length + 2, 1, asciiBars);
-    EXPECT_EQ("  " + std::string(History::length, ':'), graph.lines.front());
+    EXPECT_EQ("  " + std::string(History::length, '|'), graph.lines.front());
 }
 
 } // namespace qel::watch

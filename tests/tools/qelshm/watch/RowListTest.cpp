@@ -100,6 +100,11 @@ TEST_F(RowListTest, Filter_AppliesToFlatOrdersToo) {
     EXPECT_THAT(rows(SortOrder::Name), ElementsAre(" 0 inlet1 Voltage", " 0 socket2 Voltage"));
 }
 
+TEST_F(RowListTest, Filter_FindsNamesOfValues) {
+    filter = TextFilter("inlet1/socket2:act");
+    EXPECT_THAT(rows(SortOrder::Name), ElementsAre(" 0 socket2 Active Power"));
+}
+
 TEST_F(RowListTest, Names_LeaveTheRestOut) {
     EXPECT_THAT(rows(SortOrder::Tree, WatchedNames({"unit1/inlet1/socket2"})),
                 ElementsAre("-0 unit1", "-1 inlet1", "+2 socket2"));

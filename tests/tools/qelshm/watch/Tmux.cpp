@@ -31,7 +31,8 @@ std::string newDirectory() {
 
 Tmux::Tmux(int columns, int lines) : directory_(newDirectory()) {
     run({"new-session", "-d", "-x", std::to_string(columns), "-y", std::to_string(lines), "env",
-         std::string("PS1=") + prompt, "HISTFILE=", "LC_ALL=C.UTF-8", "bash", "--norc", "--noprofile"});
+         std::string("PS1=") + prompt, "HISTFILE=", "LC_ALL=C.UTF-8", "XDG_CONFIG_HOME=" + directory_, "bash",
+         "--norc", "--noprofile"});
     if (!shows("shell>")) {
         throw std::runtime_error("no shell in tmux: " + screen());
     }
@@ -69,6 +70,10 @@ void Tmux::resize(int columns, int lines) const {
 
 std::string Tmux::screen() const {
     return run({"capture-pane", "-p"});
+}
+
+std::string Tmux::colouredScreen() const {
+    return run({"capture-pane", "-e", "-p"});
 }
 
 bool Tmux::shows(std::string const& text) const {

@@ -32,6 +32,9 @@ public:
     /// What the screen shows, a line each, without blanks at their ends.
     std::string screen() const;
 
+    /// The same with its colours and attributes as control sequences.
+    std::string colouredScreen() const;
+
     /// Waits until the screen shows the text, or meets a condition; false when it did not in time.
     bool shows(std::string const& text) const;
     bool becomes(std::function<bool(std::string const&)> const& condition) const;

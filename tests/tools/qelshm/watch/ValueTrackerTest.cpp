@@ -101,7 +101,7 @@ TEST_F(ValueTrackerTest, SlotWithAnotherValue_IsTakenAsItIs) {
 
 TEST_F(ValueTrackerTest, History_IsFilledByTime) {
     for (std::uint64_t ticks = 0; ticks < 3 * bucketMs; ticks += 500) {
-        unit.deliver(unit.inletPower, static_cast<double>(ticks), ticks);
+        unit.deliver(unit.inletPower, static_cast<double>(ticks), ticks + 1);
         update(ticks);
     }
     auto const* const history = sut.history(unit.inletPower);
@@ -113,10 +113,10 @@ TEST_F(ValueTrackerTest, History_IsFilledByTime) {
 }
 
 TEST_F(ValueTrackerTest, ValueWithoutANumber_LeavesAGap) {
-    unit.deliver(unit.inletPower, 5.0, 0, eStatus_ExpectedValue);
+    unit.deliver(unit.inletPower, 5.0, 1, eStatus_ExpectedValue);
     update(0);
     EXPECT_TRUE(sut.history(unit.inletPower)->at(0).isEmpty());
-    unit.deliver(unit.inletPower, 5.0, 0, eStatus_Lost);
+    unit.deliver(unit.inletPower, 5.0, 1, eStatus_Lost);
     update(250);
     EXPECT_EQ(5.0F, sut.history(unit.inletPower)->at(0).last);
 }
@@ -125,10 +125,48 @@ TEST_F(ValueTrackerTest, NumberThatIsNoState_LeavesAGap) {
     std::uint64_t ticks = 0;
     for (int const state : {44, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
                             static_cast<int>(eStatus_UndefinedValue)}) {
-        unit.deliver(unit.inletPower, 5.0, 0, static_cast<eStatus_Bits>(state));
+        unit.deliver(unit.inletPower, 5.0, 1, static_cast<eStatus_Bits>(state));
         update(ticks += bucketMs);
         EXPECT_TRUE(sut.history(unit.inletPower)->at(sut.bucket(ticks)).isEmpty()) << state;
     }
+}
+
+TEST_F(ValueTrackerTest, ValueNeverDelivered_HasNoNumber) {
+    update(0);
+    EXPECT_TRUE(sut.history(unit.inletPower)->at(0).isEmpty()) << "its 0 was never measured";
+    EXPECT_TRUE(sut.statistics(unit.inletPower).isEmpty());
+}
+
+TEST_F(ValueTrackerTest, LongerHistories_HaveLongerBuckets) {
+    unit.deliver(unit.inletPower, 3.0, 1);
+    for (std::uint64_t ticks = 0; ticks < 60 * bucketMs; ticks += bucketMs) {
+        update(ticks);
+    }
+    EXPECT_EQ(10 * bucketMs, sut.bucketMs(1));
+    EXPECT_EQ(5U, sut.bucket(59 * bucketMs, 1));
+    EXPECT_EQ(3.0F, sut.history(unit.inletPower, 1)->at(5).last);
+    EXPECT_EQ(0U, sut.bucket(59 * bucketMs, 2));
+    EXPECT_EQ(3.0F, sut.history(unit.inletPower, 2)->at(0).last);
+}
+
+TEST_F(ValueTrackerTest, Forget_TakesTheNextImageAsItIs) {
+    update(0);
+    unit.deliver(unit.inletPower, 1.0, 1);
+    update(250);
+    sut.forget();
+    unit.deliver(unit.inletPower, 2.0, 2);
+    EXPECT_TRUE(update(1000).empty());
+    EXPECT_FALSE(sut.sinceDelivery(unit.inletPower, 1000)) << "it says nothing about the new writer";
+    EXPECT_EQ(500U, sut.sinceSeen(unit.inletPower, 1500));
+    EXPECT_EQ(500U, sut.sinceSeen(unit.inletVoltage, 1500));
+}
+
+TEST_F(ValueTrackerTest, ValueThatComesLater_IsSeenSinceThen) {
+    update(0);
+    unit.value(unit.unit, shm::key::current);
+    update(700);
+    EXPECT_EQ(300U, sut.sinceSeen(5, 1000));
+    EXPECT_EQ(1000U, sut.sinceSeen(unit.inletPower, 1000));
 }
 
 TEST_F(ValueTrackerTest, WithoutBuckets_KeepsNoHistory) {

@@ -47,10 +47,14 @@ TEST_F(WatchKeysTest, EachKey_HasItsAction) {
           Case{KEY_RIGHT, Action::Open}, Case{'l', Action::Open},         Case{KEY_LEFT, Action::Close},
           Case{'h', Action::Close},      Case{'e', Action::OpenAll},      Case{'c', Action::CloseAll},
           Case{'s', Action::Sort},       Case{'/', Action::Filter},       Case{27, Action::Clear},
-          Case{'f', Action::Follow},     Case{'?', Action::Help},         Case{'q', Action::Quit}}) {
+          Case{'f', Action::Follow},     Case{'n', Action::NextAlarm},    Case{'N', Action::PreviousAlarm},
+          Case{'p', Action::Pause},      Case{'x', Action::Statistics},   Case{'r', Action::Restart},
+          Case{'m', Action::Mark},       Case{'+', Action::LongerSpan},   Case{'-', Action::ShorterSpan},
+          Case{'w', Action::Why},        Case{'v', Action::Events},       Case{'[', Action::PaneUp},
+          Case{']', Action::PaneDown},   Case{'?', Action::Help},         Case{'q', Action::Quit}}) {
         EXPECT_EQ(current.action, actionOf(current.key)) << current.key;
     }
-    for (int const key : {int{'x'}, int{KEY_RESIZE}, int{KEY_F(5)}, 0, -1}) {
+    for (int const key : {int{'y'}, int{KEY_RESIZE}, int{KEY_F(5)}, 0, -1}) {
         EXPECT_FALSE(actionOf(key)) << key;
     }
 }
@@ -76,6 +80,14 @@ TEST_F(WatchKeysTest, EscWhileTyping_RemovesTheFilter) {
     press("/volt\x1b");
     EXPECT_EQ("", sut.filterText());
     EXPECT_FALSE(sut.isTyping());
+}
+
+TEST_F(WatchKeysTest, TabWhileTyping_CompletesNames) {
+    press("/unit1/inlet1:v\t");
+    EXPECT_EQ("unit1/inlet1:voltage", sut.filterText());
+    EXPECT_TRUE(sut.isTyping());
+    press("\n\t");
+    EXPECT_EQ("unit1/inlet1:voltage", sut.filterText()) << "only while it is typed";
 }
 
 TEST_F(WatchKeysTest, ArrowsWhileTyping_MoveTheCursor) {

@@ -82,7 +82,8 @@ TEST_F(WatchModelTest, Header_TellsOfTheUnit) {
     EXPECT_EQ(4U, header.points);
     EXPECT_EQ(5U, header.values);
     EXPECT_EQ(0U, header.structureChanges);
-    EXPECT_EQ("-", header.lastDelivery);
+    EXPECT_EQ("no delivery yet", header.delivery);
+    EXPECT_FALSE(header.isSilent);
     EXPECT_EQ("2023-06-09T00:00:00Z", header.time);
     EXPECT_EQ("", header.note);
     EXPECT_THAT(sut.message(), IsEmpty());
@@ -100,9 +101,9 @@ TEST_F(WatchModelTest, Header_FollowsTheGlobalState) {
 TEST_F(WatchModelTest, Header_TellsTheLastDelivery) {
     unit.deliver(unit.inletPower, 1.0, 5);
     sut.update(unit.snapshot(250));
-    EXPECT_EQ("0s ago", sut.header().lastDelivery);
+    EXPECT_EQ("last delivery 0s ago", sut.header().delivery);
     sut.update(unit.snapshot(5250));
-    EXPECT_EQ("5s ago", sut.header().lastDelivery);
+    EXPECT_EQ("last delivery 5s ago", sut.header().delivery);
 }
 
 TEST_F(WatchModelTest, Rows_ShowNameTypeValueStateAndAge) {
@@ -128,7 +129,7 @@ TEST_F(WatchModelTest, Rows_ShowNameTypeValueStateAndAge) {
     EXPECT_EQ("No Error", voltage.state);
     EXPECT_EQ(tools::Style::Plain, voltage.style);
     EXPECT_EQ("2s", voltage.age);
-    EXPECT_EQ(">5s", rowNamed("Active Power").age) << "never delivered since the start";
+    EXPECT_EQ("-", rowNamed("Active Power").age) << "never delivered";
 }
 
 TEST_F(WatchModelTest, ChangedValue_IsFreshForAMoment) {
@@ -412,36 +413,292 @@ TEST_F(WatchModelTest, Detail_ShowsTheSelectedPointWithItsFirstValue) {
     EXPECT_FALSE(detail.values[1].isSelected);
     EXPECT_EQ("Voltage", detail.graphName);
     EXPECT_EQ("never", detail.delivered);
-    EXPECT_NE(nullptr, detail.history);
+    EXPECT_EQ(1U, detail.curves.size());
 }
 
 TEST_F(WatchModelTest, Detail_ShowsTheSelectedValue) {
     act({Action::Down, Action::Down, Action::Down});
+    unit.deliver(unit.inletPower, 50.0, 1686296074000);
+    sut.update(unit.snapshot(100));
     unit.deliver(unit.inletPower, 100.0, 1686296078000);
     sut.update(unit.snapshot(4000));
     auto const detail = sut.detail();
     EXPECT_EQ("unit1/inlet1", detail.path);
     EXPECT_EQ("Active Power", detail.graphName);
-    EXPECT_EQ(test::activePower, detail.key);
+    ASSERT_EQ(1U, detail.curves.size());
+    EXPECT_EQ("inlet1 Active Power", detail.curves[0].name);
+    EXPECT_EQ(test::activePower, detail.curves[0].key);
     EXPECT_EQ("2023-06-09T07:34:38Z", detail.delivered);
     EXPECT_TRUE(detail.values[1].isSelected);
-    ASSERT_NE(nullptr, detail.history);
-    EXPECT_EQ(100.0F, detail.history->at(detail.newestBucket).last);
-    EXPECT_EQ(0.0F, detail.history->at(detail.newestBucket - 2).last);
+    auto const* const history = detail.curves[0].history;
+    ASSERT_NE(nullptr, history);
+    EXPECT_EQ(100.0F, history->at(detail.newestBucket).last);
+    EXPECT_EQ(50.0F, history->at(detail.newestBucket - 2).last);
 }
 
 TEST_F(WatchModelTest, DetailOfAPointWithoutValues_HasNoGraph) {
     auto const detail = sut.detail();
     EXPECT_EQ("unit1", detail.path);
-    EXPECT_EQ(nullptr, detail.history);
+    EXPECT_TRUE(detail.curves.empty());
     EXPECT_EQ("", detail.graphName);
 }
 
-TEST_F(WatchModelTest, GraphSpan_FollowsTheInterval) {
-    EXPECT_EQ(20000U, sut.graphSpan(10));
-    EXPECT_EQ(180000U, sut.graphSpan(1000)) << "no more than is kept";
-    WatchModel const slow(WatchedNames({}), std::chrono::seconds(60));
-    EXPECT_EQ(600000U, slow.graphSpan(10)) << "a bucket for each look";
+TEST_F(WatchModelTest, GraphSpan_IsNotLongerThanWhatWasSeen) {
+    act({Action::Down});
+    sut.update(unit.snapshot(7000));
+    EXPECT_EQ(7000U, sut.detail().spanOf(60));
+    EXPECT_EQ(4000U, sut.detail().spanOf(2));
+    sut.update(unit.snapshot(1000000));
+    EXPECT_EQ(120000U, sut.detail().spanOf(60));
+    EXPECT_EQ(180000U, sut.detail().spanOf(1000)) << "no more than is kept";
+    act({Action::LongerSpan});
+    EXPECT_EQ(20000U, sut.detail().bucketMs);
+    act({Action::LongerSpan, Action::LongerSpan});
+    EXPECT_EQ(120000U, sut.detail().bucketMs) << "the longest";
+    act({Action::ShorterSpan, Action::ShorterSpan, Action::ShorterSpan});
+    EXPECT_EQ(2000U, sut.detail().bucketMs);
+}
+
+TEST_F(WatchModelTest, SlowLooks_FillABucketEach) {
+    WatchModel slow(WatchedNames({}), std::chrono::seconds(60));
+    slow.update(unit.snapshot(0));
+    EXPECT_EQ(60000U, slow.detail().bucketMs);
+}
+
+TEST_F(WatchModelTest, AlarmWhileTheFilterMatchesNothing_MovesNothing) {
+    act({Action::Follow});
+    type("zzz");
+    sut.endTyping();
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
+    sut.update(unit.snapshot(250));
+    EXPECT_EQ(0U, sut.rowCount());
+    act({Action::Clear});
+    EXPECT_EQ("unit1", selected());
+}
+
+TEST_F(WatchModelTest, AlarmThatTheFilterHides_LeavesTheCursorAlone) {
+    act({Action::Follow});
+    type("inlet1 power");
+    unit.deliver(unit.inletPower, 1.0, 1, eStatus_HighAlarm);
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
+    sut.update(unit.snapshot(250));
+    EXPECT_EQ("Active Power", selected()) << "the newest that can be shown";
+}
+
+TEST_F(WatchModelTest, EveryActionWithoutRows_DoesNothing) {
+    type("zzz");
+    sut.endTyping();
+    for (int action = 0; action <= static_cast<int>(Action::Quit); ++action) {
+        sut.handle(static_cast<Action>(action));
+        sut.click(0);
+        sut.setPage(3);
+        sut.update(unit.snapshot(static_cast<std::uint64_t>(action)));
+        if (!sut.filterText().empty()) {
+            EXPECT_EQ(0U, sut.rowCount()) << action;
+        } else {
+            type("zzz"); // Clear removed it
+            sut.endTyping();
+        }
+    }
+    act({Action::Pause});
+    ASSERT_FALSE(sut.isPaused());
+    unit.region().root.version = 0;
+    sut.update(unit.snapshot(9000));
+    for (int action = 0; action <= static_cast<int>(Action::Quit); ++action) {
+        sut.handle(static_cast<Action>(action));
+        EXPECT_EQ(0U, sut.rowCount()) << action;
+    }
+}
+
+TEST_F(WatchModelTest, SortOfASelectedPoint_KeepsItByItsFirstValue) {
+    act({Action::Down, Action::Sort});
+    EXPECT_EQ("unit1/inlet1  Voltage", selected());
+    act({Action::Sort, Action::Sort, Action::Sort});
+    EXPECT_EQ(SortOrder::Tree, sut.order());
+    act({Action::Last, Action::Sort});
+    EXPECT_EQ("unit1/inlet1/socket2  Active Power", selected());
+}
+
+TEST_F(WatchModelTest, SortByState_KeepsTheSelectedValue) {
+    act({Action::Last, Action::Open, Action::Last});
+    ASSERT_EQ("Voltage", selected());
+    unit.deliver(unit.inletPower, 1.0, 1, eStatus_HighAlarm);
+    sut.update(unit.snapshot(250));
+    act({Action::Sort});
+    EXPECT_EQ("unit1/inlet1/socket2  Voltage", selected());
+    EXPECT_NE(0U, sut.selected());
+}
+
+TEST_F(WatchModelTest, NextAlarm_GoesRoundTheUnitWhateverIsFolded) {
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
+    unit.deliver(unit.inletVoltage, 1.0, 1, eStatus_Lost);
+    sut.update(unit.snapshot(250));
+    act({Action::NextAlarm});
+    EXPECT_EQ(2U, sut.selected()) << "the inlet's voltage";
+    act({Action::NextAlarm});
+    EXPECT_EQ("Voltage", selected());
+    EXPECT_EQ("unit1/inlet1/socket2", sut.detail().path);
+    act({Action::NextAlarm});
+    EXPECT_EQ("unit1/inlet1", sut.detail().path);
+    act({Action::PreviousAlarm});
+    EXPECT_EQ("unit1/inlet1/socket2", sut.detail().path);
+}
+
+TEST_F(WatchModelTest, NextAlarmWithoutAny_IsSaidUntilTheNextAction) {
+    act({Action::NextAlarm});
+    EXPECT_EQ("no value is in alarm", sut.header().note);
+    EXPECT_EQ("unit1", selected());
+    act({Action::Down});
+    EXPECT_EQ("", sut.header().note);
+    unit.deliver(unit.socket2Voltage, 1.0, 1, eStatus_HighAlarm);
+    sut.update(unit.snapshot(250));
+    type("socket10");
+    act({Action::NextAlarm});
+    EXPECT_EQ("no value in this list is in alarm", sut.header().note);
+}
+
+TEST_F(WatchModelTest, Pause_KeepsWhatIsShownAndMissesNothing) {
+    act({Action::Pause});
+    unit.deliver(unit.inletPower, 77.0, 1, eStatus_HighAlarm);
+    sut.update(unit.snapshot(61000));
+    EXPECT_TRUE(sut.isPaused());
+    EXPECT_EQ("-", rowNamed("Active Power").value);
+    EXPECT_EQ("2023-06-09T00:00:00Z", sut.header().time);
+    EXPECT_EQ("paused 1m ago, 1 event since; p continues", sut.header().note);
+    act({Action::Down, Action::Down, Action::Down, Action::Pause});
+    EXPECT_FALSE(sut.isPaused());
+    EXPECT_EQ("77.0 W", rowNamed("Active Power").value);
+    EXPECT_EQ(77.0F, sut.detail().curves.at(0).history->at(sut.detail().newestBucket).last);
+    act({Action::Events});
+    EXPECT_EQ(1U, sut.paneLines().size());
+}
+
+TEST_F(WatchModelTest, StructureThatGoesDuringAPause_IsStillShown) {
+    act({Action::Last, Action::Pause});
+    unit.removeLastChild(unit.inlet);
+    unit.removeLastChild(unit.inlet);
+    sut.update(unit.snapshot(250));
+    EXPECT_EQ("socket2", selected());
+    act({Action::Open, Action::Mark, Action::Why, Action::NextAlarm, Action::Pause});
+    EXPECT_EQ(2U, sut.rowCount()) << "a point without children is folded";
+}
+
+TEST_F(WatchModelTest, Statistics_AreShownForEachValueAndBegunAnew) {
+    EXPECT_FALSE(sut.settings().hasStatistics);
+    act({Action::Statistics});
+    EXPECT_TRUE(sut.settings().hasStatistics);
+    unit.deliver(unit.inletVoltage, 220.0, 1);
+    sut.update(unit.snapshot(1000));
+    unit.deliver(unit.inletVoltage, 240.0, 2);
+    sut.update(unit.snapshot(2000));
+    auto const seen = rowNamed("Voltage").statistics;
+    EXPECT_EQ("220.0 V", seen.minimum);
+    EXPECT_EQ("240.0 V", seen.maximum);
+    EXPECT_EQ("230.0 V", seen.mean);
+    EXPECT_EQ("1.0/s", seen.rate);
+    EXPECT_EQ("", rowNamed("Active Power").statistics.mean) << "never delivered";
+    act({Action::Restart});
+    sut.update(unit.snapshot(42000));
+    EXPECT_EQ("240.0 V", rowNamed("Voltage").statistics.minimum);
+    EXPECT_EQ("0.0/s", rowNamed("Voltage").statistics.rate);
+    unit.deliver(unit.inletVoltage, 230.0, 3);
+    sut.update(unit.snapshot(62000));
+    EXPECT_EQ("1.0/m", rowNamed("Voltage").statistics.rate);
+}
+
+TEST_F(WatchModelTest, Marks_KeepCurvesInTheGraph) {
+    act({Action::Down, Action::Down, Action::Mark});
+    EXPECT_TRUE(rowNamed("Voltage").isMarked);
+    EXPECT_EQ(1U, sut.detail().curves.size()) << "the selected one is there already";
+    act({Action::Down});
+    ASSERT_EQ(2U, sut.detail().curves.size());
+    EXPECT_EQ("inlet1 Active Power", sut.detail().curves[0].name);
+    EXPECT_EQ("inlet1 Voltage", sut.detail().curves[1].name);
+    act({Action::Mark, Action::Down, Action::Mark, Action::Down});
+    EXPECT_EQ(WatchModel::mostCurves, sut.detail().curves.size());
+    act({Action::Open, Action::Down, Action::Down, Action::Mark});
+    EXPECT_THAT(sut.header().note, HasSubstr("3 values are marked, which is the most"));
+    act({Action::First, Action::Down, Action::Mark});
+    EXPECT_FALSE(rowNamed("Voltage").isMarked) << "a point stands for its first value";
+    act({Action::First, Action::Mark});
+    EXPECT_EQ("this point has no value to mark", sut.header().note);
+}
+
+TEST_F(WatchModelTest, WhyPane_ExplainsTheSelectedPoint) {
+    unit.deliver(unit.socket2Voltage, 255.0, 1, eStatus_HighAlarm);
+    unit.region().points[unit.socket2].state = eStatus_OnAlarm;
+    sut.update(unit.snapshot(250));
+    sut.setPaneLines(10);
+    act({Action::NextAlarm, Action::Why});
+    EXPECT_EQ(Pane::Why, sut.pane());
+    std::vector<std::string> texts;
+    for (auto const& line : sut.paneLines()) {
+        texts.push_back(line.text);
+    }
+    EXPECT_THAT(texts, ElementsAre("unit1/inlet1/socket2 is On, Alarm",
+                                   "unit1/inlet1/socket2:voltage  255.0 V  High Alarm",
+                                   "  unit1/inlet1/socket2  On, Alarm  alarm of a value"));
+    sut.setPaneLines(1);
+    act({Action::PaneDown, Action::PaneDown, Action::PaneDown, Action::PaneDown});
+    EXPECT_EQ(texts[2], sut.paneLines().at(0).text);
+    act({Action::PaneUp});
+    EXPECT_EQ(texts[1], sut.paneLines().at(0).text);
+    act({Action::Why});
+    EXPECT_EQ(Pane::Graph, sut.pane());
+}
+
+TEST_F(WatchModelTest, EventPane_EndsWithTheNewest) {
+    sut.setPaneLines(2);
+    act({Action::Events});
+    EXPECT_THAT(sut.paneLines(), IsEmpty());
+    for (unsigned round = 1; round <= 3; ++round) {
+        unit.deliver(unit.inletPower, round, round, round % 2 == 0 ? eStatus_NoError : eStatus_HighAlarm);
+        sut.update(unit.snapshot(round * 1000));
+    }
+    ASSERT_EQ(2U, sut.paneLines().size());
+    EXPECT_EQ("2023-06-09T00:00:03Z  unit1/inlet1:active-power: No Error => High Alarm",
+              sut.paneLines()[1].text);
+    EXPECT_EQ(tools::Style::Alarm, sut.paneLines()[1].style);
+    act({Action::PaneUp, Action::PaneUp});
+    EXPECT_EQ("2023-06-09T00:00:01Z  unit1/inlet1:active-power: No Error => High Alarm",
+              sut.paneLines()[0].text);
+    act({Action::PaneDown});
+    EXPECT_THAT(sut.paneLines()[1].text, HasSubstr("00:00:03Z"));
+}
+
+TEST_F(WatchModelTest, Click_SelectsThenFolds) {
+    sut.click(1);
+    EXPECT_EQ("inlet1", selected());
+    sut.click(1);
+    EXPECT_THAT(names(), ElementsAre("unit1", ">inlet1"));
+    sut.click(5);
+    EXPECT_EQ("inlet1", selected()) << "there is no row";
+}
+
+TEST_F(WatchModelTest, Wheel_MovesTheWindow) {
+    sut.setPage(2);
+    act({Action::ScrollDown});
+    EXPECT_THAT(names(), ElementsAre(">Active Power", "socket10"));
+    act({Action::ScrollDown});
+    EXPECT_THAT(names(), ElementsAre(">socket10", "socket2"));
+    act({Action::ScrollUp, Action::ScrollUp});
+    EXPECT_THAT(names(), ElementsAre("unit1", ">inlet1"));
+}
+
+TEST_F(WatchModelTest, Completion_ExtendsTheFilter) {
+    type("unit1/inl");
+    sut.complete();
+    EXPECT_EQ("unit1/inlet1", sut.filterText());
+    EXPECT_EQ(9U, sut.rowCount());
+}
+
+TEST_F(WatchModelTest, Settings_AreTakenAndReturned) {
+    WatchModel kept(WatchedNames({}), std::chrono::milliseconds(250), {}, {SortOrder::Name, true, 2});
+    kept.update(unit.snapshot(0));
+    kept.setPage(100);
+    EXPECT_EQ(5U, kept.rowCount());
+    EXPECT_EQ(120000U, kept.detail().bucketMs);
+    EXPECT_EQ((WatchSettings{SortOrder::Name, true, 2}), kept.settings());
 }
 
 } // namespace qel::watch

@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <csignal>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -84,15 +85,17 @@ TEST_F(WatchScreenTest, Table_ShowsHeaderTitlesTreeDetailsAndKeys) {
     EXPECT_THAT(lineOf(screen, 0),
                 testing::MatchesRegex(" qelshm watch   active +Child Alarm   LED red +20[0-9T:-]+Z"));
     EXPECT_THAT(lineOf(screen, 1), HasSubstr(" points 15/800   values 102/8800   structure changes 0"));
-    EXPECT_THAT(lineOf(screen, 2), testing::MatchesRegex(" Point, value \\(by tree\\) +Value +State +Age"));
-    EXPECT_THAT(lineOf(screen, 3), testing::MatchesRegex(" ▾ unit1  Master +Child Alarm"));
-    EXPECT_THAT(lineOf(screen, 4), testing::MatchesRegex("   ▾ inlet1  1P +On, Alarm"));
-    EXPECT_THAT(lineOf(screen, 5), testing::MatchesRegex(" +Voltage +2[0-9.]+ V +High Alarm +>?[0-9]+s"));
+    EXPECT_THAT(lineOf(screen, 2),
+                testing::MatchesRegex(" 1 alarm   0 warning   0 lost   0 never delivered   0 stale"));
+    EXPECT_THAT(lineOf(screen, 3), testing::MatchesRegex(" Point, value \\(by tree\\) +Value +State +Age"));
+    EXPECT_THAT(lineOf(screen, 4), testing::MatchesRegex(" ▾ unit1  Master +Child Alarm"));
+    EXPECT_THAT(lineOf(screen, 5), testing::MatchesRegex("   ▾ inlet1  1P +On, Alarm"));
+    EXPECT_THAT(lineOf(screen, 6), testing::MatchesRegex(" +Voltage +2[0-9.]+ V +High Alarm +>?[0-9]+s"));
     EXPECT_THAT(screen, HasSubstr("       ▸ socket3  Schuko"));
-    EXPECT_THAT(lineOf(screen, 22), testing::MatchesRegex(" unit1  0x0100ffffffff0000  Master +Child Alarm"));
+    EXPECT_THAT(lineOf(screen, 21), testing::MatchesRegex(" unit1  0x0100ffffffff0000  Master +Child Alarm"));
     EXPECT_THAT(lineOf(screen, 29),
-                testing::MatchesRegex(" Up Down move   Left Right fold   s sort   / filter   f follow   "
-                                      "\\? help   q quit +1/27"));
+                testing::MatchesRegex(" s sort   / filter   n alarm   f follow   w why   v events   x more   "
+                                      "p pause   \\? help   q quit +1/27"));
     EXPECT_EQ("1", tmux_.fact("alternate_on"));
     EXPECT_EQ("0", tmux_.fact("cursor_flag"));
 }
@@ -120,14 +123,14 @@ TEST_F(WatchScreenTest, Filter_ShowsWhatFits) {
     startTable();
     tmux_.press({"/"});
     tmux_.type("socket6 apparent power");
-    ASSERT_TRUE(tmux_.shows("/socket6 apparent power_   Enter keeps it, Esc removes it"));
+    ASSERT_TRUE(tmux_.shows("/socket6 apparent power_   Enter keeps it, Tab completes, Esc removes it"));
     tmux_.press({"Enter"});
     ASSERT_TRUE(tmux_.shows("(by tree) /socket6 apparent power"));
     auto const screen = tmux_.screen();
-    EXPECT_THAT(lineOf(screen, 6), HasSubstr("▾ socket6  Schuko"));
-    EXPECT_THAT(lineOf(screen, 7),
+    EXPECT_THAT(lineOf(screen, 7), HasSubstr("▾ socket6  Schuko"));
+    EXPECT_THAT(lineOf(screen, 8),
                 testing::MatchesRegex(" +Apparent Power +[0-9.]+ VA +No Error +>?[0-9]+s"));
-    EXPECT_EQ("", lineOf(screen, 8));
+    EXPECT_EQ("", lineOf(screen, 9));
     tmux_.press({"/"});
     tmux_.type("xyz");
     EXPECT_TRUE(tmux_.shows("Nothing to show"));
@@ -139,11 +142,11 @@ TEST_F(WatchScreenTest, Sort_ShowsValuesAlone) {
     startTable();
     tmux_.press({"s"});
     ASSERT_TRUE(tmux_.shows("(by state)"));
-    EXPECT_THAT(lineOf(tmux_.screen(), 3),
+    EXPECT_THAT(lineOf(tmux_.screen(), 4),
                 testing::MatchesRegex("   unit1/inlet1  Voltage +2[0-9.]+ V +High Alarm +>?[0-9]+s"));
     tmux_.press({"s"});
     ASSERT_TRUE(tmux_.shows("(by name)"));
-    EXPECT_THAT(lineOf(tmux_.screen(), 3), HasSubstr("unit1/inlet1  Active Energy"));
+    EXPECT_THAT(lineOf(tmux_.screen(), 4), HasSubstr("unit1/inlet1  Active Energy"));
     tmux_.press({"s"});
     ASSERT_TRUE(tmux_.shows("(by age)"));
 }
@@ -155,7 +158,7 @@ TEST_F(WatchScreenTest, Help_NamesTheKeysUntilAKeyIsPressed) {
     auto const screen = tmux_.screen();
     EXPECT_THAT(screen,
                 HasSubstr("Enter, space        fold or unfold; in a flat order, show the value in the tree"));
-    EXPECT_THAT(screen, HasSubstr("q, Ctrl-C           quit"));
+    EXPECT_THAT(screen, HasSubstr("q, Ctrl-C           quit; Ctrl-Z suspends"));
     tmux_.press({"q"});
     EXPECT_TRUE(tmux_.shows("? help")) << "q ends the help alone";
 }
@@ -164,12 +167,12 @@ TEST_F(WatchScreenTest, ChangedSize_IsFollowed) {
     startTable();
     tmux_.resize(70, 12);
     ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
-        return has(lineOf(screen, 11), "Up Down move") && has(lineOf(screen, 11), " 1/27");
+        return has(lineOf(screen, 11), "q quit") && has(lineOf(screen, 11), " 1/27");
     })) << tmux_.screen();
     EXPECT_THAT(lineOf(tmux_.screen(), 10), Not(HasSubstr("unit1  0x"))) << "no room for the details";
     tmux_.resize(120, 40);
     ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
-        return has(lineOf(screen, 39), " 1/27") && has(lineOf(screen, 32), " unit1  0x0100ffffffff0000");
+        return has(lineOf(screen, 39), " 1/27") && has(lineOf(screen, 30), " unit1  0x0100ffffffff0000");
     })) << tmux_.screen();
     tmux_.resize(10, 3);
     tmux_.resize(1, 1);
@@ -184,6 +187,32 @@ TEST_F(WatchScreenTest, Quit_RestoresTheTerminal) {
     tmux_.press({"q"});
     expectShellAgain();
 }
+
+TEST_F(WatchScreenTest, CtrlBackslash_RestoresTheTerminal) {
+    startTable();
+    tmux_.press({"C-\\"});
+    EXPECT_TRUE(tmux_.shows("status 131 same")) << tmux_.screen();
+    EXPECT_EQ("0", tmux_.fact("alternate_on"));
+    EXPECT_EQ("1", tmux_.fact("cursor_flag"));
+    EXPECT_EQ("0", tmux_.fact("mouse_any_flag"));
+}
+
+class WatchScreenCrashTest : public WatchScreenTest, public testing::WithParamInterface<char const*> {};
+
+TEST_P(WatchScreenCrashTest, FatalSignal_RestoresTheTerminal) {
+    startWatch("", "sh -c 'echo $$ >/dev/shm/watch-pid; exec \"$@\"' sh");
+    ASSERT_TRUE(tmux_.shows("? help")) << tmux_.screen();
+    signalWatch(GetParam());
+    EXPECT_TRUE(tmux_.becomes([](std::string const& screen) {
+        return has(screen, " same") && has(screen, "status 1"); // 128 + n, or what a sanitizer makes of it
+    })) << tmux_.screen();
+    EXPECT_EQ("0", tmux_.fact("alternate_on"));
+    EXPECT_EQ("1", tmux_.fact("cursor_flag"));
+    EXPECT_EQ("0", tmux_.fact("mouse_any_flag"));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, WatchScreenCrashTest, testing::Values("SEGV", "ABRT", "BUS", "FPE", "ILL"),
+                         [](auto const& parameter) { return std::string(parameter.param); });
 
 class WatchScreenSignalTest : public WatchScreenTest, public testing::WithParamInterface<char const*> {};
 
@@ -254,7 +283,7 @@ TEST_F(WatchScreenTest, Names_LeaveTheRestOut) {
     ASSERT_TRUE(tmux_.shows("socket6"));
     EXPECT_THAT(tmux_.screen(), Not(HasSubstr("socket3")));
     EXPECT_THAT(tmux_.screen(), Not(HasSubstr("Current")));
-    EXPECT_THAT(lineOf(tmux_.screen(), 5), HasSubstr("Voltage"));
+    EXPECT_THAT(lineOf(tmux_.screen(), 6), HasSubstr("Voltage"));
 }
 
 TEST_F(WatchScreenTest, WithoutUtf8_IsDrawnInAscii) {
@@ -269,11 +298,16 @@ TEST_F(WatchScreenTest, WithoutUtf8_IsDrawnInAscii) {
     EXPECT_TRUE(std::all_of(screen.begin(), screen.end(), [](char byte) { return byte >= 0; })) << screen;
 }
 
-TEST_F(WatchScreenTest, UnknownTerminal_IsAFailure) {
-    startWatch("", "TERM=no-such-terminal");
-    ASSERT_TRUE(
-        tmux_.shows("qelshm: the terminal \"no-such-terminal\" cannot display the table; pipe the output"));
-    expectShellAgain("status 1 same");
+TEST_F(WatchScreenTest, TerminalThatCannotAddressItsCursor_GetsLines) {
+    for (auto const* const name : {"dumb", "no-such-terminal"}) {
+        startWatch("", std::string("TERM=") + name);
+        ASSERT_TRUE(tmux_.becomes([](std::string const& screen) {
+            return has(screen, "Z  unit1/inlet1") && has(screen, "No Error");
+        })) << tmux_.screen();
+        EXPECT_EQ("0", tmux_.fact("alternate_on"));
+        tmux_.press({"C-c"});
+        ASSERT_TRUE(tmux_.becomes([](std::string const& screen) { return has(screen, "shell>"); }));
+    }
 }
 
 TEST_F(WatchScreenTest, Count_WritesLinesAlsoOnATerminal) {
@@ -282,6 +316,120 @@ TEST_F(WatchScreenTest, Count_WritesLinesAlsoOnATerminal) {
     auto const screen = tmux_.screen();
     EXPECT_EQ("0", tmux_.fact("alternate_on"));
     EXPECT_THAT(screen, testing::ContainsRegex("Z  unit1/inlet1 +[A-Z][A-Za-z ]+ +[0-9.]+ "));
+}
+
+TEST_F(WatchScreenTest, ColorOption_BeatsTheEnvironment) {
+    struct Case {
+        char const* environment;
+        char const* option;
+        bool isColoured;
+    };
+    for (auto const& current : {Case{"NO_COLOR=1", "--color always", true}, Case{"NO_COLOR=1", "", false},
+                                Case{"NO_COLOR=", "--color never", false}, Case{"NO_COLOR=", "", true}}) {
+        startWatch(current.option, current.environment);
+        ASSERT_TRUE(tmux_.shows("inlet1")) << tmux_.screen();
+        EXPECT_EQ(current.isColoured, has(tmux_.colouredScreen(), "\x1b[31m"))
+            << current.environment << ' ' << current.option;
+        tmux_.press({"q"});
+        ASSERT_TRUE(tmux_.shows("status 0 same"));
+    }
+}
+
+TEST_F(WatchScreenTest, NarrowScreen_ShowsNamesAndStatesButNoClock) {
+    tmux_.resize(40, 24);
+    startWatch();
+    ASSERT_TRUE(tmux_.shows("q quit")) << tmux_.screen();
+    auto const screen = tmux_.screen();
+    EXPECT_EQ(" active   Child Alarm   LED red", lineOf(screen, 0));
+    EXPECT_THAT(screen, testing::ContainsRegex("Power Factor +[0-9.]+ +No Error"));
+    EXPECT_THAT(screen, testing::ContainsRegex("Activ~Energy +[0-9.]+ kWh"));
+    EXPECT_THAT(screen, testing::ContainsRegex("Active Power +[0-9.]+ W"));
+    EXPECT_THAT(screen, Not(HasSubstr("Age")));
+}
+
+TEST_F(WatchScreenTest, UsualScreen_TellsPowerFromEnergy) {
+    tmux_.resize(80, 24);
+    startTable();
+    tmux_.press({"s", "s"});
+    ASSERT_TRUE(tmux_.shows("(by name)"));
+    tmux_.press({"End"});
+    ASSERT_TRUE(tmux_.shows("/socket"));
+    auto const screen = tmux_.screen();
+    EXPECT_THAT(screen, HasSubstr("Apparent Power "));
+    EXPECT_THAT(screen, HasSubstr("Apparent Energy "));
+}
+
+TEST_F(WatchScreenTest, KilledWriter_IsSaidToDeliverNothing) {
+    startTable("--max-age 1");
+    ASSERT_TRUE(tmux_.shows("last delivery 0s ago"));
+    unit_->signal(SIGKILL);
+    ASSERT_TRUE(tmux_.shows("nothing delivered for 3s")) << tmux_.screen();
+    EXPECT_THAT(tmux_.colouredScreen(), HasSubstr("\x1b[31mnothing delivered for"));
+    EXPECT_TRUE(tmux_.becomes([](std::string const& screen) { return has(screen, "   102 stale"); }));
+    EXPECT_THAT(tmux_.screen(), testing::ContainsRegex("Voltage +2[0-9.]+ V +High Alarm +[0-9]+s!"));
+    tmux_.press({"q"});
+    expectShellAgain();
+}
+
+TEST_F(WatchScreenTest, Mouse_SelectsAndScrolls) {
+    startTable();
+    auto const use = [&](char button, char column, char line) {
+        tmux_.type(std::string("\x1b[M") + button + static_cast<char>('!' + column) +
+                   static_cast<char>('!' + line));
+    };
+    use(' ', 5, 6);
+    ASSERT_TRUE(tmux_.shows(" 3/27")) << tmux_.screen();
+    use('a', 5, 6); // the wheel down
+    EXPECT_TRUE(tmux_.becomes([](std::string const& screen) { return !has(screen, "▾ unit1"); }))
+        << tmux_.screen();
+    use('`', 5, 6);
+    EXPECT_TRUE(tmux_.shows("▾ unit1"));
+    use(' ', 5, 5);
+    use(' ', 5, 5);
+    EXPECT_TRUE(tmux_.shows("▸ inlet1"));
+}
+
+TEST_F(WatchScreenTest, Panes_ShowCausesAndEvents) {
+    startTable();
+    tmux_.press({"n", "w"});
+    ASSERT_TRUE(tmux_.shows(" unit1/inlet1:voltage  2"));
+    EXPECT_THAT(tmux_.screen(), HasSubstr("alarm of a value"));
+    tmux_.press({"v"});
+    ASSERT_TRUE(tmux_.shows("Nothing has happened yet."));
+    unit_.reset();
+    ASSERT_TRUE(tmux_.shows("region active => absent"));
+    startUnit();
+    ASSERT_TRUE(tmux_.shows("new shared-memory object opened: the writer has started anew"));
+}
+
+TEST_F(WatchScreenTest, Tab_OffersNames) {
+    startTable();
+    tmux_.press({"/"});
+    tmux_.type("unit1/inlet1/c");
+    tmux_.press({"Tab"});
+    ASSERT_TRUE(tmux_.shows("/unit1/inlet1/circuit_")) << tmux_.screen();
+    EXPECT_THAT(tmux_.screen(), HasSubstr("unit1/inlet1/circuit1 unit1/inlet1/circuit2"));
+    tmux_.press({"Tab"});
+    EXPECT_TRUE(tmux_.shows("/unit1/inlet1/circuit1_"));
+}
+
+TEST_F(WatchScreenTest, Settings_AreThereInTheNextRun) {
+    startTable();
+    tmux_.press({"s", "x"});
+    ASSERT_TRUE(tmux_.shows("Minimum"));
+    tmux_.press({"q"});
+    expectShellAgain();
+    startWatch();
+    ASSERT_TRUE(tmux_.shows("(by state)")) << tmux_.screen();
+    EXPECT_THAT(tmux_.screen(), HasSubstr("Minimum"));
+    tmux_.press({"q"});
+    expectShellAgain();
+    startWatch("", "echo '{' >$XDG_CONFIG_HOME/qelshm/watch.json;");
+    ASSERT_TRUE(tmux_.shows("(by tree)"));
+    EXPECT_THAT(tmux_.screen(), HasSubstr("settings ignored: "));
+    tmux_.press({"q"});
+    ASSERT_TRUE(tmux_.shows("status 0 same"));
+    EXPECT_THAT(tmux_.screen(), HasSubstr("qelshm: settings ignored: ")) << "also afterwards";
 }
 
 } // namespace qel::test

@@ -39,13 +39,19 @@ TEST(WatchedNamesTest, Value_StandsForItself) {
     EXPECT_FALSE(sut.hasValue(inletId, key::voltage));
 }
 
-TEST(WatchedNamesTest, IsName_TakesIdsAndPaths) {
-    for (auto const* const name : {"unit1", "UNIT1/Inlet2", "group1", "unit1/sensor1.2", "0x1", "-5"}) {
-        EXPECT_TRUE(WatchedNames::isName(name)) << name;
-    }
-    for (auto const* const name : {"", "0x", "inlet", "unit1/", "unit1/inlet1/power", "1.5"}) {
-        EXPECT_FALSE(WatchedNames::isName(name)) << name;
-    }
+TEST(WatchedNamesTest, NamesOfValuesAndWildcards_SelectByPattern) {
+    WatchedNames const value({"unit1/inlet1:active-power"});
+    EXPECT_TRUE(value.hasValue(inletId, key::activePower));
+    EXPECT_FALSE(value.hasValue(inletId, key::voltage));
+    EXPECT_FALSE(value.hasPoint(inletId)) << "only one of its values";
+    WatchedNames const pattern({"unit1/**:voltage", "unit2"});
+    EXPECT_TRUE(pattern.hasValue(test::socket2Id, key::voltage));
+    EXPECT_FALSE(pattern.hasValue(test::socket2Id, key::activePower));
+    EXPECT_TRUE(pattern.hasPoint(0x0200FFFFFFFF0000));
+}
+
+TEST(WatchedNamesTest, TextThatIsNoName_IsRefused) {
+    EXPECT_THROW(WatchedNames({"unit1", "inlet"}), inspect::PatternError);
 }
 
 } // namespace qel::watch

@@ -1,0 +1,114 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/watch/CurvePlot.h"
+
+#include "tools/qelshm/watch/Graph.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+namespace qel::watch {
+
+namespace {
+
+constexpr std::size_t dotsPerLine = 4;
+
+/// The dots of a cell from its top, left and right.
+constexpr std::array<std::array<unsigned, 2>, dotsPerLine> dots{
+    {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}}};
+
+std::string brailleText(unsigned pattern) {
+    // U+2800 with the pattern in its low byte, as UTF-8.
+    return {'\xE2', static_cast<char>(0xA0U | pattern >> 6U), static_cast<char>(0x80U | (pattern & 0x3FU))};
+}
+
+GraphScale scaleOf(std::vector<Curve> const& curves, unsigned short key, std::uint64_t newest,
+                   std::size_t width) {
+    Bucket range;
+    for (auto const& curve : curves) {
+        if (curve.key == key) {
+            auto const own = rangeOf(*curve.history, newest, width);
+            range = {std::fmin(range.min, own.min), std::fmax(range.max, own.max), own.last};
+        }
+    }
+    return std::isnan(range.min)
+               ? GraphScale()
+               : scaleAround(static_cast<double>(range.min), static_cast<double>(range.max));
+}
+
+/// A grid in which curves leave their dots.
+class Drawing {
+public:
+    Drawing(std::size_t width, std::size_t height) : width_(width), height_(height), cells_(width * height) {}
+
+    /// Draws a vertical stroke; a cell that another curve passes stays as it is.
+    void stroke(std::size_t curve, std::size_t column, std::size_t from, std::size_t to, unsigned side) {
+        for (auto dot = std::min(from, to); dot <= std::max(from, to); ++dot) {
+            auto const line = height_ - 1 - dot / dotsPerLine;
+            auto& cell = cells_.at(line * width_ + column);
+            if (cell.pattern == 0 || cell.curve == curve) {
+                cell.curve = curve;
+                cell.pattern |= dots.at(dotsPerLine - 1 - dot % dotsPerLine).at(side);
+            }
+        }
+    }
+
+    std::vector<std::vector<PlotCell>> lines(PlotGlyphs glyphs) const {
+        std::vector<std::vector<PlotCell>> all(height_);
+        for (std::size_t index = 0; index < cells_.size(); ++index) {
+            auto const& cell = cells_[index];
+            auto glyph = std::string(" ");
+            if (cell.pattern != 0) {
+                glyph = glyphs == PlotGlyphs::Dots ? brailleText(cell.pattern)
+                                                   : std::string(1, static_cast<char>('a' + cell.curve));
+            }
+            all[index / width_].push_back({std::move(glyph), cell.curve});
+        }
+        return all;
+    }
+
+private:
+    struct Cell {
+        unsigned pattern = 0;
+        std::size_t curve = 0;
+    };
+
+    std::size_t width_;
+    std::size_t height_;
+    std::vector<Cell> cells_;
+};
+
+} // namespace
+
+CurvePlot plotOf(std::vector<Curve> const& curves, std::uint64_t newest, std::size_t width,
+                 std::size_t height, PlotGlyphs glyphs) {
+    CurvePlot plot;
+    Drawing drawing(width, height);
+    for (std::size_t index = 0; index < curves.size(); ++index) {
+        auto const& curve = curves[index];
+        auto const scale = scaleOf(curves, curve.key, newest, width);
+        std::optional<std::size_t> before;
+        for (std::size_t column = 0; column < width; ++column) {
+            auto const back = width - 1 - column;
+            auto const bucket = back <= newest ? curve.history->at(newest - back) : Bucket();
+            if (bucket.isEmpty()) {
+                before.reset();
+                continue;
+            }
+            auto const part = scale.partOf(static_cast<double>(bucket.last));
+            auto const dot =
+                static_cast<std::size_t>(std::lround(part * static_cast<double>(height * dotsPerLine - 1)));
+            drawing.stroke(index, column, before.value_or(dot), dot, 0);
+            drawing.stroke(index, column, dot, dot, 1);
+            before = dot;
+        }
+        plot.scales.push_back(scale);
+    }
+    plot.lines = drawing.lines(glyphs);
+    return plot;
+}
+
+} // namespace qel::watch
