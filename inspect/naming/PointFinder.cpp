@@ -4,6 +4,7 @@
 #include "inspect/naming/PointFinder.h"
 
 #include "inspect/naming/PointPath.h"
+#include "inspect/naming/QuotedText.h"
 #include "inspect/naming/Svid.h"
 
 #include "domain/SensorIdentifier.h"
@@ -46,10 +47,6 @@ std::size_t distance(std::string_view from, std::string_view into) {
         }
     }
     return row.back();
-}
-
-std::string quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
 }
 
 } // namespace
