@@ -5,6 +5,7 @@
 
 #include "inspect/naming/Nearest.h"
 #include "inspect/naming/PointPath.h"
+#include "inspect/naming/QuotedText.h"
 #include "inspect/naming/Svid.h"
 #include "inspect/naming/ValuePath.h"
 
@@ -29,10 +30,6 @@ char lowerCase(char character) {
 bool isSameWord(std::string_view left, std::string_view right) {
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [](char a, char b) { return lowerCase(a) == lowerCase(b); });
-}
-
-std::string quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "inspect/naming/ValuePattern.h"
 
 #include "inspect/naming/PointPath.h"
+#include "inspect/naming/QuotedText.h"
 #include "inspect/naming/Svid.h"
 #include "inspect/naming/ValuePath.h"
 
@@ -61,10 +62,6 @@ bool matchesLevels(std::vector<std::string> const& pattern, std::vector<std::str
         reached = std::move(next);
     }
     return reached.back();
-}
-
-std::string quoted(std::string_view text) {
-    return '"' + std::string(text) + '"';
 }
 
 } // namespace
