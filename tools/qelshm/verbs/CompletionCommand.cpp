@@ -45,6 +45,9 @@ CandidatesByName candidates() {
 CLI::App& CompletionCommand::define(CLI::App& app, OptionalOptions const& optional) {
     app_ = &app;
     auto& verb = *app.add_subcommand("completion", "Print a shell completion script");
+    verb.footer("Examples:\n"
+                "  source <(qelshm completion bash)\n"
+                "  qelshm completion fish >~/.config/fish/completions/qelshm.fish");
     verb.add_option("SHELL", shell_, "Shell: bash, fish or zsh")
         ->required()
         ->check(oneOf(completionShells()))

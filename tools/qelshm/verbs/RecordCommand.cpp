@@ -21,6 +21,9 @@ namespace qel::tools {
 CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) {
     constexpr double longest = 1e8;
     auto& verb = *app.add_subcommand("record", "Capture changes of the region for qel-replay");
+    verb.footer("Examples:\n"
+                "  qelshm record night.rec --duration 28800\n"
+                "  qelshm record burst.rec --interval 0.01 --count 500");
     verb.add_option("FILE", file_, "Output file; an existing file is not overwritten")
         ->required()
         ->type_name("");
