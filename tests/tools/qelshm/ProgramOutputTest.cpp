@@ -65,6 +65,7 @@ std::map<std::string, std::string> printingArguments() {
             {"hz", "--duration 0.05"},
             {"record", "--duration 0.05 \"$(mktemp -u)\""},
             {"watch", "--count 3 --interval 0.05"},
+            {"wait", "active"},
             {"completion", "bash"}};
 }
 

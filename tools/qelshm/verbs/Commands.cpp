@@ -13,6 +13,7 @@
 #include "tools/qelshm/verbs/RecordCommand.h"
 #include "tools/qelshm/verbs/StatusCommand.h"
 #include "tools/qelshm/verbs/TreeCommand.h"
+#include "tools/qelshm/verbs/WaitCommand.h"
 #include "tools/qelshm/verbs/WatchCommand.h"
 #include "tools/qelshm/verbs/WhyCommand.h"
 
@@ -32,6 +33,7 @@ std::vector<std::unique_ptr<ICommand>> allCommands() {
     commands.push_back(std::make_unique<HzCommand>());
     commands.push_back(std::make_unique<RecordCommand>());
     commands.push_back(std::make_unique<WatchCommand>());
+    commands.push_back(std::make_unique<WaitCommand>());
     commands.push_back(std::make_unique<CompletionCommand>());
     return commands;
 }
