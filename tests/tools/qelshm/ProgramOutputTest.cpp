@@ -66,6 +66,7 @@ std::map<std::string, std::string> printingArguments() {
             {"record", "--duration 0.05 \"$(mktemp -u)\""},
             {"watch", "--count 3 --interval 0.05"},
             {"wait", "active"},
+            {"complete", "name u"},
             {"completion", "bash"}};
 }
 

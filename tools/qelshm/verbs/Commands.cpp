@@ -4,6 +4,7 @@
 #include "tools/qelshm/verbs/Commands.h"
 
 #include "tools/qelshm/verbs/CheckCommand.h"
+#include "tools/qelshm/verbs/CompleteCommand.h"
 #include "tools/qelshm/verbs/CompletionCommand.h"
 #include "tools/qelshm/verbs/DiffCommand.h"
 #include "tools/qelshm/verbs/DumpCommand.h"
@@ -35,6 +36,7 @@ std::vector<std::unique_ptr<ICommand>> allCommands() {
     commands.push_back(std::make_unique<WatchCommand>());
     commands.push_back(std::make_unique<WaitCommand>());
     commands.push_back(std::make_unique<CompletionCommand>());
+    commands.push_back(std::make_unique<CompleteCommand>());
     return commands;
 }
 
