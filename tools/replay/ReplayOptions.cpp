@@ -67,7 +67,8 @@ Output:
 
 Exit status:
   0  replayed, or ended by a signal
-  1  no system bus, another hardware manager on the bus, or the shared memory cannot be created
+  1  no system bus, another hardware manager on the bus, the shared memory cannot be created, or the output could not
+     be written
   2  wrong arguments or input; nothing was published
 
 Examples:

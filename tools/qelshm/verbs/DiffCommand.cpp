@@ -42,6 +42,11 @@ RegionInput open(std::string const& name, CommandContext const& context) {
 template <typename Side, typename Wanted>
 constexpr bool is = std::is_same_v<std::decay_t<Side>, Wanted>;
 
+bool isSlot(inspect::DifferenceKind kind) {
+    return kind == inspect::DifferenceKind::PointAdded || kind == inspect::DifferenceKind::PointRemoved ||
+           kind == inspect::DifferenceKind::PointSlot;
+}
+
 std::string sideText(DifferenceSide const& side, Difference const& difference) {
     return std::visit(
         [&](auto const& content) -> std::string {
@@ -57,7 +62,7 @@ std::string sideText(DifferenceSide const& side, Difference const& difference) {
             } else if constexpr (is<Side, std::string>) {
                 return content.empty() ? "top level" : content;
             } else {
-                return std::to_string(content);
+                return (isSlot(difference.kind) ? "slot " : "") + std::to_string(content);
             }
         },
         side);
