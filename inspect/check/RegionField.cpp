@@ -72,7 +72,9 @@ FieldValue FieldValue::words(char const* words) {
 std::string FieldValue::text() const {
     switch (notation_) {
     case Notation::Position:
-        return number_ == Number(std::uint64_t{shm::NO_POSITION}) ? "none" : std::visit(decimalText, number_);
+        return number_ == Number(std::uint64_t{shm::NO_POSITION})
+                   ? "none"
+                   : "slot " + std::visit(decimalText, number_);
     case Notation::Svid:
         return shm::svidText(std::get<std::int64_t>(number_));
     case Notation::State: {

@@ -104,7 +104,7 @@ public:
     /// monostate for words.
     using Number = std::variant<std::monostate, std::int64_t, std::uint64_t, double>;
 
-    /// "17", "none" for NO_POSITION.
+    /// "slot 17", "none" for NO_POSITION.
     static FieldValue position(std::uint32_t pos);
     /// "0x0100ffffffff0000".
     static FieldValue svid(std::int64_t svid);

@@ -27,9 +27,7 @@ bool hasSameContent(QelShmMVal const& left, QelShmMVal const& right) {
 
 bool mayBeHigher(UpdateRate const& rate) {
     constexpr std::uint64_t fewLooks = 10; // tell nothing
-    constexpr std::uint64_t percent = 100;
-    constexpr std::uint64_t nearly = 80;
-    return rate.looks >= fewLooks && rate.count * percent >= rate.looks * nearly;
+    return rate.looks >= fewLooks && rate.count * 2 > rate.looks;
 }
 
 void UpdateRates::add(Image const& image, Time time) {

@@ -29,7 +29,8 @@ struct UpdateRate {
     bool isPresent;                                  ///< in the last image
 };
 
-/// Whether nearly every look saw an update, so that the true rate may be higher. Reentrant.
+/// Whether more than half of the looks saw an update: two may then have come between looks, and the true rate may be
+/// higher. Reentrant.
 bool mayBeHigher(UpdateRate const& rate);
 
 /// Counts updates in successive images. An update is a change of a value's time, state or number from one image to the

@@ -6,41 +6,18 @@
 #include "format/HexText.h"
 #include "format/KeyTable.h"
 #include "inspect/naming/PointPath.h"
+#include "inspect/naming/StateWord.h"
 #include "inspect/naming/Svid.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdint>
 #include <limits>
 
 namespace qel::inspect {
 
-namespace {
-
-/// Lower-case letters and digits, with one hyphen for whatever stands between them.
-std::string wordOf(std::string_view name) {
-    std::string word;
-    bool isBetween = false;
-    for (char const character : name) {
-        auto const byte = static_cast<unsigned char>(character);
-        if (std::isalnum(byte) == 0) {
-            isBetween = !word.empty();
-            continue;
-        }
-        if (isBetween) {
-            word += '-';
-            isBetween = false;
-        }
-        word += static_cast<char>(std::tolower(byte));
-    }
-    return word;
-}
-
-} // namespace
-
 std::string keyWord(unsigned short key) {
     auto const name = shm::keyRow(key).name;
-    return name.empty() ? shm::hexText(key, 4) : wordOf(name);
+    return name.empty() ? shm::hexText(key, 4) : nameWord(name);
 }
 
 std::optional<unsigned short> parseKey(std::string_view text) {
@@ -48,9 +25,10 @@ std::optional<unsigned short> parseKey(std::string_view text) {
         auto const isKey = *number >= 0 && *number <= std::numeric_limits<std::uint16_t>::max();
         return isKey ? std::optional(static_cast<unsigned short>(*number)) : std::nullopt;
     }
-    auto const word = wordOf(text);
-    auto const* const row = std::find_if(shm::keyTable.begin(), shm::keyTable.end(),
-                                         [&](shm::KeyRow const& each) { return wordOf(each.name) == word; });
+    auto const word = nameWord(text);
+    auto const* const row =
+        std::find_if(shm::keyTable.begin(), shm::keyTable.end(),
+                     [&](shm::KeyRow const& each) { return nameWord(each.name) == word; });
     return row == shm::keyTable.end() ? std::nullopt : std::optional(row->code);
 }
 

@@ -63,7 +63,8 @@ void addVersionOption(CLI::App& app) {
     app.set_version_flag("--version", app.get_name() + " " QEL_TOOLS_VERSION, "Print the version and exit");
 }
 
-std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* argv) {
+std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* argv,
+                                    std::function<void(std::string const&)> const& onWrongUsage) {
     try {
         app.parse(argc, argv);
         return std::nullopt;
@@ -77,7 +78,11 @@ std::optional<int> parseCommandLine(CLI::App& app, int argc, char const* const* 
         std::cout << printed.what() << std::flush;
         return statusOfOutput(app);
     } catch (CLI::ParseError const& error) {
-        tellError(app, usageProblem(app, error));
+        auto const problem = usageProblem(app, error);
+        tellError(app, problem);
+        if (onWrongUsage) {
+            onWrongUsage(problem);
+        }
         return exitUsage;
     }
 }

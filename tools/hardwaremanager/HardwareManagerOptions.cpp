@@ -36,7 +36,8 @@ Output:
 
 Exit status:
   0  ended by a signal
-  1  no system bus, the name is taken or the bus policy refuses it, the bus was lost, or the region cannot be read
+  1  no system bus, the name is taken or the bus policy refuses it, the bus was lost, the region cannot be read, or the
+     output could not be written
   2  wrong arguments
 
 Examples:

@@ -84,8 +84,8 @@ Output:
 
 Exit status:
   0  replayed, or ended by a signal
-  1  no system bus, another hardware manager on the bus, the shared memory or the control socket cannot be created, or a
-     command was refused
+  1  no system bus, another hardware manager on the bus, the shared memory or the control socket cannot be created, a
+     command was refused, or the output could not be written
   2  wrong arguments or input; nothing was published
 
 Examples:

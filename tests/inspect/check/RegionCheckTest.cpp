@@ -142,7 +142,7 @@ TEST_F(RegionCheckTest, ChildrenWhoseParentWentBeforeThem_AreOneNoteOnceItsSlotI
     auto const findings = checkRegion(LiveRegion().copy());
     ASSERT_THAT(namesOf(findings), ElementsAre("child-not-listed"));
     EXPECT_EQ("point 1", placeText(findings[0]));
-    EXPECT_EQ("0", findings[0].found.text());
+    EXPECT_EQ("slot 0", findings[0].found.text());
     EXPECT_FALSE(hasDamage(findings));
 }
 

@@ -24,9 +24,9 @@ TEST(RegionFieldTest, FieldsOfDifferentRecordsDiffer) {
 }
 
 TEST(FieldValueTest, Text_IsThatOfTheField) {
-    EXPECT_EQ("17", FieldValue::position(17).text());
+    EXPECT_EQ("slot 17", FieldValue::position(17).text());
     EXPECT_EQ("none", FieldValue::position(0xFFFFFFFF).text());
-    EXPECT_EQ("4294967294", FieldValue::position(0xFFFFFFFE).text());
+    EXPECT_EQ("slot 4294967294", FieldValue::position(0xFFFFFFFE).text());
     EXPECT_EQ("0xff00ffffffff0000", FieldValue::svid(static_cast<std::int64_t>(0xFF00FFFFFFFF0000)).text());
     EXPECT_EQ("Expected Value (-2)", FieldValue::state(eStatus_ExpectedValue).text());
     EXPECT_EQ("UNKNOWN STATE (2147483647)", FieldValue::state(static_cast<eStatus_Bits>(0x7FFFFFFF)).text());

@@ -89,7 +89,7 @@ TEST_F(UpdateRatesTest, CountsChangesOfTheTime) {
     EXPECT_EQ(std::nullopt, other.shortest);
 }
 
-TEST_F(UpdateRatesTest, UpdatesInNearlyEveryImage_MayBeMore) {
+TEST_F(UpdateRatesTest, UpdatesInMostImages_MayBeMore) {
     for (int image = 0; image <= 20; ++image) {
         deliver(static_cast<std::uint64_t>(image)); // how many were missed in between is unknown
         takeAt(image * 100);

@@ -40,6 +40,7 @@ std::vector<Printed> printedOf(SampleImage const& sample) {
         printed.insert(printed.end(), {{"list", {"list"}},
                                        {"get", {"get", "unit1/sensor1.1", "humidity"}},
                                        {"find", {"find", "alarm"}},
+                                       {"error", {"get", "unit9"}},
                                        {"dump", {"dump", "saved.img"}}});
     }
     return printed;
@@ -83,6 +84,9 @@ protected:
     static int expectedStatus(std::string const& verb) {
         auto const& sample = GetParam();
         bool const isFine = sample.isActive && sample.isSound;
+        if (verb == "error") {
+            return 1;
+        }
         if (verb == "check") {
             return sample.isUndamaged ? 0 : 1;
         }

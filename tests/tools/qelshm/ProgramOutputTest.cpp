@@ -65,6 +65,8 @@ std::map<std::string, std::string> printingArguments() {
             {"hz", "--duration 0.05"},
             {"record", "--duration 0.05 \"$(mktemp -u)\""},
             {"watch", "--count 3 --interval 0.05"},
+            {"wait", "active"},
+            {"complete", "name u"},
             {"completion", "bash"}};
 }
 
@@ -114,6 +116,19 @@ TEST_F(ProgramOutputTest, ReaderThatIsGone_EndsAVerbByASignal) {
     EXPECT_EQ(
         "141\n",
         shellOutcome("{ sleep 0.2; env --default-signal=PIPE " QELSHM " list; echo $? >&2; } | true").errors);
+}
+
+// Whatever they open, a socket, a pipe or a file, gets another number.
+TEST(ProgramOutputClosedTest, ClosedDescriptors_AreTakenByNothing) {
+    TempFile const file(outputRows);
+    for (std::string const program :
+         {QELSHM " --wait 60 watch unit7", QEL_HARDWARE_MANAGER, QEL_REPLAY " --loop "}) {
+        auto const command = program + (program.find("--loop") == std::string::npos ? "" : file.path());
+        auto const outcome = shellOutcome(
+            command + " <&- >&- 2>&- & for try in {1..300}; do [ ! -e /proc/$!/fd/3 ] || break; sleep 0.1; "
+                      "done; readlink /proc/$!/fd/{0,1,2}; kill $!; wait $!");
+        EXPECT_EQ("/dev/null\n/dev/null\n/dev/null\n", outcome.errors) << program;
+    }
 }
 
 TEST(ProgramOutputHelpTest, HelpVersionAndCompletion_TellThatTheyCannotBeWritten) {

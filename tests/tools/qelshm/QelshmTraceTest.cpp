@@ -122,6 +122,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Verb{"Find", {"find", "voltage"}}, Verb{"Dump", {"dump", "saved.img"}},
                     Verb{"Check", {"check"}}, Verb{"Why", {"why", "unit1/inlet1"}},
                     Verb{"Diff", {"diff", "live", "live"}}, Verb{"Hz", {"hz", "--duration", "0.1"}},
+                    Verb{"Wait", {"wait", "active"}},
                     Verb{"Record", {"record", "saved.rec", "--count", "2", "--interval", "0.05"}}),
     [](testing::TestParamInfo<Verb> const& tested) { return tested.param.name; });
 

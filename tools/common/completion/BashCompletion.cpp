@@ -45,10 +45,21 @@ constexpr char const* offering =
 )bash";
 
 constexpr char const* reading = R"bash(@F@() {
-    local word=${COMP_WORDS[COMP_CWORD]} verb='' pending='' given='' place=0 index context=()
+    local words=() word='' cut='' verb='' pending='' given='' previous='' place=0 index context=()
     COMPREPLY=()
-    for ((index = 1; index < COMP_CWORD; index++)); do
+    # A name with a colon comes as several words, of which only the last one will be replaced.
+    for ((index = 0; index <= COMP_CWORD; index++)); do
         given=${COMP_WORDS[index]}
+        if ((index > 1)) && [[ $given == : || ${COMP_WORDS[index - 1]} == : ]]; then
+            words[${#words[@]} - 1]+=$given
+        else
+            words+=("$given")
+        fi
+    done
+    word=${words[-1]}
+    cut=${word%"${COMP_WORDS[COMP_CWORD]#:}"}
+    for ((index = 1; index < ${#words[@]} - 1; index++)); do
+        given=${words[index]}
         if [ "$given" = = ]; then
             continue # "--option=value" comes as three words
         elif [ -n "$pending" ]; then
@@ -58,6 +69,7 @@ constexpr char const* reading = R"bash(@F@() {
             ! @F@_takes_value "$verb" "$given" || pending=$given
 @verb@        else
             place=$((place + 1))
+            previous=$given
         fi
     done
     [ "$word" != = ] || word=''
@@ -94,6 +106,19 @@ void printTakesValue(std::ostream& out, CommandLineModel const& model) {
     out << "    esac\n    [[ -n $2 && \" $options \" == *\" $2 \"* ]]\n}\n\n";
 }
 
+/// The word without what quotes it.
+char const* passedText(PassedWord passed) {
+    switch (passed) {
+    case PassedWord::None:
+        break;
+    case PassedWord::Current:
+        return R"( "${word//[\\\"\']/}")";
+    case PassedWord::Previous:
+        return R"( "${previous//[\\\"\']/}")";
+    }
+    return "";
+}
+
 /// A branch of the case over verb and option, or verb and place.
 void printBranch(std::ostream& out, std::string const& pattern, Candidates const& candidates) {
     if (candidates.isEmpty()) {
@@ -108,7 +133,7 @@ void printBranch(std::ostream& out, std::string const& pattern, Candidates const
         out << '\n';
     }
     if (!candidates.printed.empty()) {
-        out << "        @F@_offer_printed " << candidates.printed << '\n';
+        out << "        @F@_offer_printed " << candidates.printed << passedText(candidates.passed) << '\n';
     }
     if (candidates.areFiles) {
         out << "        @F@_offer_files\n";
@@ -143,7 +168,7 @@ void printCandidates(std::ostream& out, CommandLineModel const& model) {
     for (auto const& verb : model.verbs) {
         printBranches(out, verb, '\'' + verb.name);
     }
-    out << "    esac\n}\n\n";
+    out << "    esac\n    COMPREPLY=(\"${COMPREPLY[@]#\"$cut\"}\")\n}\n\n";
 }
 
 } // namespace

@@ -67,7 +67,9 @@ CommandLineModel commandLineModel(CLI::App& app, CandidatesByName const& candida
     CommandLineModel model;
     model.program = commandModel(app, {}, candidates);
     for (auto* const verb : app.get_subcommands({})) {
-        model.verbs.push_back(commandModel(*verb, model.program, candidates));
+        if (!verb->get_group().empty()) {
+            model.verbs.push_back(commandModel(*verb, model.program, candidates));
+        }
     }
     return model;
 }

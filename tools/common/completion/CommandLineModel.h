@@ -5,6 +5,7 @@
 /// What a shell must know of a program's command line.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,11 +17,19 @@ class App;
 
 namespace qel::tools {
 
+/// A word of the line that a program gets when it prints candidates.
+enum class PassedWord : std::uint8_t {
+    None,
+    Current,  ///< as far as it is typed
+    Previous, ///< the argument before
+};
+
 /// What a shell offers for an argument; nothing by default. Reentrant.
 struct Candidates {
     std::vector<std::string> words; ///< may contain blanks
     bool areFiles = false;          ///< files as well
     std::string printed = {};       ///< arguments by which the program prints more, a line each; "" for none
+    PassedWord passed = PassedWord::None; ///< behind these arguments
 
     bool isEmpty() const { return words.empty() && !areFiles && printed.empty(); }
 };
@@ -62,7 +71,7 @@ struct CommandLineModel {
     std::string functionName() const;
 };
 
-/// Reads the description of a program. Hidden options are left out. Reentrant.
+/// Reads the description of a program. Hidden options and verbs are left out. Reentrant.
 CommandLineModel commandLineModel(CLI::App& app, CandidatesByName const& candidates);
 
 } // namespace qel::tools

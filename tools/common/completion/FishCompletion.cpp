@@ -80,6 +80,18 @@ std::string quoted(std::string_view text) {
     return '\'' + replaced(replaced(text, "\\", "\\\\"), "'", "\\'") + '\'';
 }
 
+char const* passedText(PassedWord passed) {
+    switch (passed) {
+    case PassedWord::None:
+        break;
+    case PassedWord::Current:
+        return " (commandline -ct)";
+    case PassedWord::Previous:
+        return " (__@F@_words)[-1]";
+    }
+    return "";
+}
+
 /// What follows the condition of a complete command: the candidates of an argument.
 std::string candidateWords(Candidates const& candidates) {
     std::string list;
@@ -88,7 +100,11 @@ std::string candidateWords(Candidates const& candidates) {
         list.append(list.empty() ? "" : " ").append(isPlain ? word : quoted(word));
     }
     if (!candidates.printed.empty()) {
-        list.append(list.empty() ? "" : " ").append("(__@F@_printed ").append(candidates.printed).append(")");
+        list.append(list.empty() ? "" : " ")
+            .append("(__@F@_printed ")
+            .append(candidates.printed)
+            .append(passedText(candidates.passed))
+            .append(")");
     }
     return (list.empty() ? "" : " -a " + quoted(list)) + (candidates.areFiles ? " -F" : "");
 }

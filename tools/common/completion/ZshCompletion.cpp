@@ -134,6 +134,18 @@ std::vector<std::string> optionSpecs(CommandModel const& command) {
     return specs;
 }
 
+char const* passedText(PassedWord passed) {
+    switch (passed) {
+    case PassedWord::None:
+        break;
+    case PassedWord::Current:
+        return R"( "${(Q)PREFIX}")";
+    case PassedWord::Previous:
+        return R"( "${(Q)line[1]}")";
+    }
+    return "";
+}
+
 void printFunction(std::ostream& out, ArgumentModel const& argument) {
     auto const& candidates = argument.candidates;
     out << functionFor(argument) << "() {\n    local ret=1\n    local -a candidates\n    candidates=(";
@@ -142,7 +154,8 @@ void printFunction(std::ostream& out, ArgumentModel const& argument) {
     }
     out << " )\n";
     if (!candidates.printed.empty()) {
-        out << "    candidates+=(${(f)\"$(_@F@_printed " << candidates.printed << ")\"})\n";
+        out << "    candidates+=(${(f)\"$(_@F@_printed " << candidates.printed
+            << passedText(candidates.passed) << ")\"})\n";
     }
     out << "    compadd \"$@\" -a candidates && ret=0\n";
     if (candidates.areFiles) {

@@ -6,22 +6,57 @@
 #include "tools/common/CommandLine.h"
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Output.h"
+#include "tools/common/SafeText.h"
+#include "tools/qelshm/app/VerbHelp.h"
 #include "tools/qelshm/terminal/Style.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <nlohmann/json.hpp>
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <ostream>
+#include <string>
+#include <string_view>
 
 namespace qel::tools {
+
+namespace {
+
+constexpr int schemaVersion = 1; ///< of docs/reference/qelshm-schema.json
+
+/// What programs get that asked for JSON. Standard error has the same for people.
+/// @param verb "" if it is unknown
+void printFailure(std::ostream& out, std::string const& verb, std::string const& problem) {
+    using Json = nlohmann::ordered_json;
+    constexpr int indent = 2;
+    Json const document{{"schema", schemaVersion},
+                        {"verb", verb.empty() ? Json() : Json(verb)},
+                        {"error", safeText(problem)}};
+    out << document.dump(indent, ' ', true, Json::error_handler_t::replace) << std::endl;
+}
+
+bool asksForJson(int argc, char const* const* argv) {
+    return std::any_of(argv, argv + argc,
+                       [](char const* word) { return word == std::string_view("--json"); });
+}
+
+std::string parsedVerb(CLI::App const& app) {
+    auto const parsed = app.get_subcommands();
+    return parsed.empty() ? std::string() : parsed.front()->get_name();
+}
+
+} // namespace
 
 int runQelshm(int argc, char const* const* argv, std::ostream& out,
               std::vector<std::unique_ptr<ICommand>> const& commands) {
     CLI::App app("", "qelshm");
+    app.formatter(std::make_shared<VerbHelp>()); // inherited by the verbs
     QelshmOptions options;
     auto const optional = defineQelshmOptions(app, options);
     std::vector<CLI::App const*> verbs;
@@ -29,7 +64,12 @@ int runQelshm(int argc, char const* const* argv, std::ostream& out,
     for (auto const& command : commands) {
         verbs.push_back(&command->define(app, optional));
     }
-    if (auto const status = parseCommandLine(app, argc, argv)) {
+    auto const tellProgram = [&](std::string const& problem) {
+        if (options.isJson || asksForJson(argc, argv)) {
+            printFailure(out, parsedVerb(app), problem);
+        }
+    };
+    if (auto const status = parseCommandLine(app, argc, argv, tellProgram)) {
         return *status;
     }
     auto const tell = [&](std::string const& message) {
@@ -46,8 +86,12 @@ int runQelshm(int argc, char const* const* argv, std::ostream& out,
                 return status;
             }
         }
+    } catch (OutputError const& error) {
+        tellError(app, error.what());
+        return exitFailure;
     } catch (std::exception const& error) {
         tellError(app, error.what());
+        tellProgram(error.what());
         return exitFailure;
     }
     return exitUsage;

@@ -23,17 +23,21 @@ constexpr char const* footer = R"(Points:
   A sensor id as list prints it (hexadecimal with 0x, or decimal), or a path: unit1/inlet1/circuit2/socket5.
   The sensor id of a value (its point's id with the value's key in the low 16 bits) selects that value.
 
+Names:
+  A point, or a value as unit1/inlet1:active-power. With wildcards for several: 'unit1/*', 'unit1/**:*power'.
+
 Reading is safe: qelshm copies the shared memory once. It never writes, maps or locks it, and it needs no D-Bus.
 
 Exit status:
   0  success
-  1  a finding, no match, or no region to read; the intact parts of a damaged region are printed
+  1  a finding, no match, no region to read, or an output that cannot be written; the intact parts of a damaged
+     region are printed
   2  wrong arguments
 
 Examples:
   qelshm status --max-age 10
   qelshm tree --values --depth 2
-  qelshm get unit1/inlet1 "active power"
+  qelshm get unit1/inlet1:active-power
   qelshm --image saved.img find alarm
   qelshm --image night.rec --at -10m why)";
 

@@ -55,7 +55,11 @@ void printText(Findings const& findings, CommandContext const& context) {
 } // namespace
 
 CLI::App& CheckCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
-    return *app.add_subcommand("check", "Report damage and inconsistencies");
+    auto& verb = *app.add_subcommand("check", "Report damage and inconsistencies");
+    verb.footer("Examples:\n"
+                "  qelshm check\n"
+                "  qelshm check --image saved.img");
+    return verb;
 }
 
 int CheckCommand::run(CommandContext const& context) {

@@ -4,6 +4,7 @@
 #include "tools/qelshm/verbs/Commands.h"
 
 #include "tools/qelshm/verbs/CheckCommand.h"
+#include "tools/qelshm/verbs/CompleteCommand.h"
 #include "tools/qelshm/verbs/CompletionCommand.h"
 #include "tools/qelshm/verbs/DiffCommand.h"
 #include "tools/qelshm/verbs/DumpCommand.h"
@@ -16,6 +17,7 @@
 #include "tools/qelshm/verbs/RecordCommand.h"
 #include "tools/qelshm/verbs/StatusCommand.h"
 #include "tools/qelshm/verbs/TreeCommand.h"
+#include "tools/qelshm/verbs/WaitCommand.h"
 #include "tools/qelshm/verbs/WatchCommand.h"
 #include "tools/qelshm/verbs/WhyCommand.h"
 
@@ -38,7 +40,9 @@ std::vector<std::unique_ptr<ICommand>> allCommands() {
     commands.push_back(std::make_unique<ExportCommand>());
     commands.push_back(std::make_unique<PlotCommand>());
     commands.push_back(std::make_unique<WatchCommand>());
+    commands.push_back(std::make_unique<WaitCommand>());
     commands.push_back(std::make_unique<CompletionCommand>());
+    commands.push_back(std::make_unique<CompleteCommand>());
     return commands;
 }
 

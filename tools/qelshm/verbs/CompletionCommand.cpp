@@ -8,36 +8,22 @@
 #include "tools/common/completion/Completion.h"
 #include "tools/qelshm/terminal/TextTable.h"
 
-#include "format/KeyTable.h"
-
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
-
-#include <algorithm>
-#include <cctype>
 
 namespace qel::tools {
 
 namespace {
 
-/// In lower case, as people type them.
-std::vector<std::string> keyNames() {
-    std::vector<std::string> names;
-    for (auto const& row : shm::keyTable) {
-        std::string name(row.name);
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-        names.push_back(std::move(name));
-    }
-    return names;
-}
-
 /// What the arguments of the verbs may be, by their names.
 CandidatesByName candidates() {
     Candidates const points{{}, false, "tree --paths"};
+    Candidates const names{{}, false, "complete name", PassedWord::Current};
+    Candidates const conditions{{"active", "structure"}, false, "complete name", PassedWord::Current};
+    Candidates const keys{{}, false, "complete key", PassedWord::Previous};
     Candidates const images{{"live"}, true};
-    return {
-        {"POINT", points}, {"NAME", points}, {"KEY", {keyNames()}}, {"FILE_A", images}, {"FILE_B", images}};
+    return {{"POINT", points}, {"NAME", names},    {"CONDITION", conditions},
+            {"KEY", keys},     {"FILE_A", images}, {"FILE_B", images}};
 }
 
 } // namespace
@@ -45,6 +31,9 @@ CandidatesByName candidates() {
 CLI::App& CompletionCommand::define(CLI::App& app, OptionalOptions const& optional) {
     app_ = &app;
     auto& verb = *app.add_subcommand("completion", "Print a shell completion script");
+    verb.footer("Examples:\n"
+                "  source <(qelshm completion bash)\n"
+                "  qelshm completion fish >~/.config/fish/completions/qelshm.fish");
     verb.add_option("SHELL", shell_, "Shell: bash, fish or zsh")
         ->required()
         ->check(oneOf(completionShells()))

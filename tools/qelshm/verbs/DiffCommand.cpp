@@ -46,6 +46,9 @@ Json jsonDifference(Difference const& difference) {
 
 CLI::App& DiffCommand::define(CLI::App& app, OptionalOptions const& optional) {
     auto& verb = *app.add_subcommand("diff", "Compare two images");
+    verb.footer("Examples:\n"
+                "  qelshm diff before.img after.img\n"
+                "  qelshm diff before.img live");
     verb.add_option("FILE_A", before_, "Image file, capture (its last sample), or live for the live object")
         ->required()
         ->type_name("");

@@ -23,6 +23,11 @@ namespace {
 template <typename Side, typename Wanted>
 constexpr bool is = std::is_same_v<std::decay_t<Side>, Wanted>;
 
+bool isSlot(inspect::DifferenceKind kind) {
+    return kind == inspect::DifferenceKind::PointAdded || kind == inspect::DifferenceKind::PointRemoved ||
+           kind == inspect::DifferenceKind::PointSlot;
+}
+
 Json sideJson(DifferenceSide const& side) {
     return std::visit(
         [](auto const& content) -> Json {
@@ -57,7 +62,7 @@ std::string sideText(DifferenceSide const& side, Difference const& difference) {
             } else if constexpr (is<Side, std::string>) {
                 return content.empty() ? "top level" : content;
             } else {
-                return std::to_string(content);
+                return (isSlot(difference.kind) ? "slot " : "") + std::to_string(content);
             }
         },
         side);

@@ -11,7 +11,7 @@
 
 namespace qel::tools {
 
-/// Saves the region's bytes to a file as they are.
+/// Saves the region's bytes to a file or standard output as they are.
 ///
 /// Threads: thread-bound to the main thread.
 class DumpCommand : public ICommand {

@@ -62,7 +62,7 @@ void printText(std::vector<UpdateRate> const& rates, CommandContext const& conte
                       gapText(rate.longest)});
     }
     if (std::any_of(rates.begin(), rates.end(), inspect::mayBeHigher)) {
-        table.add(1, {{"> nearly every look saw a change: the true rate may be higher; look more often with "
+        table.add(1, {{"> most looks saw a change: the true rate may be higher; look more often with "
                        "--interval",
                        Style::Warning}});
     }

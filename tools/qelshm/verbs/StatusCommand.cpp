@@ -177,6 +177,9 @@ Json jsonContent(Report const& report, std::uint64_t now) {
 CLI::App& StatusCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
     constexpr double longestAge = 1e9;
     auto& verb = *app.add_subcommand("status", "Print the condition and use of the region");
+    verb.footer("Examples:\n"
+                "  qelshm status --max-age 10\n"
+                "  qelshm --json status");
     verb.add_option("--max-age", maxAge_, "Report the region as silent if its newest delivery is older")
         ->check(finiteBetween(0.0, longestAge))
         ->type_name("SECONDS");

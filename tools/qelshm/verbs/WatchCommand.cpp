@@ -28,7 +28,10 @@ constexpr char const* footer =
     "Otherwise: a line for each value whose number or state changes, with time, "
     "point, value and state; without --wait\n"
     "it fails if there is no active region after 5 s.\n"
-    "Follows the shared memory when a new writer creates it again.";
+    "Follows the shared memory when a new writer creates it again.\n\n"
+    "Examples:\n"
+    "  qelshm watch unit1/inlet1\n"
+    "  qelshm watch --count 10 >changes.txt";
 
 constexpr std::uint64_t mostLines = 1000000000000;
 constexpr unsigned defaultWait = 5;       ///< s

@@ -101,6 +101,9 @@ Json jsonCause(Cause const& cause, std::uint64_t now) {
 
 CLI::App& WhyCommand::define(CLI::App& app, OptionalOptions const& /*optional*/) {
     auto& verb = *app.add_subcommand("why", "Explain why the unit or a point is not On");
+    verb.footer("Examples:\n"
+                "  qelshm why\n"
+                "  qelshm why unit1/inlet1");
     verb.add_option("POINT", point_, "Path or sensor id; the whole unit by default")->type_name("");
     return verb;
 }

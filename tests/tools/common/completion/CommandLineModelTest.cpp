@@ -52,6 +52,11 @@ TEST_F(CommandLineModelTest, HiddenOptions_AreLeftOut) {
     EXPECT_EQ(1U, model().program.options.size()) << "the help";
 }
 
+TEST_F(CommandLineModelTest, HiddenVerbs_AreLeftOut) {
+    app_.add_subcommand("secret", "For programs")->group("");
+    EXPECT_THAT(model().verbs, IsEmpty());
+}
+
 TEST_F(CommandLineModelTest, Arguments_KeepTheirOrder) {
     app_.add_option("FILE", text_)->type_name("");
     app_.add_option("NAME", texts_)->type_name("");

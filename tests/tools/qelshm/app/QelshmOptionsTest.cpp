@@ -9,6 +9,9 @@
 #include "tests/tools/qelshm/Terminal.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 
 #include <ostream>
 
@@ -66,7 +69,12 @@ TEST(QelshmOptionsTest, SecondsAs_KeepsFractions) {
 TEST_P(QelshmUsageTest, WrongArguments_AreOneLineAndStatusTwo) {
     auto const outcome = runQelshm(GetParam().arguments);
     EXPECT_EQ(2, outcome.status);
-    EXPECT_EQ("", outcome.output);
+    auto const& words = GetParam().arguments;
+    if (std::find(words.begin(), words.end(), "--json") == words.end()) {
+        EXPECT_EQ("", outcome.output);
+    } else {
+        EXPECT_EQ(GetParam().message, nlohmann::json::parse(outcome.output).at("error"));
+    }
     EXPECT_EQ("qelshm: " + std::string(GetParam().message) + '\n', outcome.errors);
 }
 
@@ -92,6 +100,10 @@ INSTANTIATE_TEST_SUITE_P(
         Usage{"DepthOfNone", {"tree", "--depth", "0"}, "--depth: Value 0 not in range 1 to 800"},
         Usage{"PathsWithValues", {"tree", "--paths", "--values"}, "--values excludes --paths"},
         Usage{"PathsAsJson", {"tree", "--paths", "--json"}, "--json excludes --paths"},
+        Usage{"ImageAndJson",
+              {"dump", "-", "--json"},
+              "FILE: standard output cannot take the image and the JSON document; name a file"},
+        Usage{"UnknownCommandWithJson", {"--json", "lits"}, "there is no verb \"lits\"; did you mean list?"},
         Usage{"NegativeAge",
               {"status", "--max-age", "-1"},
               "--max-age: \"-1\" is not a number from 0 to 1000000000"},

@@ -40,7 +40,7 @@ TEST(CheckCommandTest, Damage_IsNamedWithItsPlaceAndMeaning) {
     auto const file = folder.add("wrong-position");
     auto const outcome = runQelshm({"check", "--image", file});
     EXPECT_EQ(1, outcome.status);
-    EXPECT_EQ("damage  pos-mismatch  point 2  pos  found 7  expected 2  byte 96\n"
+    EXPECT_EQ("damage  pos-mismatch  point 2  pos  found slot 7  expected slot 2  byte 96\n"
               "pos-mismatch: a point's pos is not the position of its slot\n",
               outcome.output);
     auto const json = runQelshm({"check", "--json", "--image", file});

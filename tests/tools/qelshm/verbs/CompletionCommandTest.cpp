@@ -75,11 +75,32 @@ TEST(CompletionCommandTest, ValueOfAnOption_IsNotAVerb) {
     EXPECT_THAT(completions({"completion", ""}), ElementsAre("bash", "fish", "zsh"));
 }
 
-TEST(CompletionCommandTest, Keys_AreQuotedUnlessAQuotationIsOpen) {
-    EXPECT_THAT(completions({"get", "unit1", "active\\ p"}), ElementsAre("active\\ power"));
-    EXPECT_THAT(completions({"get", "unit1", "\"active p"}), ElementsAre("active power"));
-    EXPECT_THAT(completions({"get", "unit1", "active\\ power", ""}), IsEmpty())
+TEST(CompletionCommandTest, Keys_AreThoseOfThePoint) {
+    ImageFolder const folder;
+    auto const file = folder.add("healthy");
+    EXPECT_THAT(completions({"--image", file, "get", "unit1/sensor1.1", ""}),
+                ElementsAre("temperature", "humidity"));
+    EXPECT_THAT(completions({"--image", file, "get", "unit1/inlet1", "active-p"}),
+                ElementsAre("active-power"));
+    EXPECT_THAT(completions({"--image", file, "get", "unit1", ""}), IsEmpty()) << "it has none";
+    EXPECT_THAT(completions({"--image", file, "get", "unit9/x", ""}), IsEmpty());
+    EXPECT_THAT(completions({"--image", file, "get", "unit1/inlet1", "voltage", ""}), IsEmpty())
         << "there is no third argument";
+}
+
+TEST(CompletionCommandTest, NamesOfValues_AreOfferedBehindAColon) {
+    ImageFolder const folder;
+    auto const file = folder.add("healthy");
+    for (auto const* const verb : {"get", "hz", "list", "tree", "wait"}) {
+        EXPECT_THAT(completions({"--image", file, verb, "unit1/sensor1.1:"}),
+                    ElementsAre("unit1/sensor1.1:temperature", "unit1/sensor1.1:humidity"));
+    }
+    EXPECT_THAT(completions({"--image", file, "get", "unit1/sensor1.1", ":", "h"}), ElementsAre("humidity"))
+        << "as bash splits it: only the last word is replaced";
+    EXPECT_THAT(completions({"--image", file, "get", "unit1/sensor1.1", ":"}),
+                ElementsAre("temperature", "humidity"));
+    EXPECT_THAT(completions({"--image", file, "list", "unit1", ":", "x", "unit1/sensor1.1", ":", "h"}),
+                ElementsAre("humidity"));
 }
 
 TEST(CompletionCommandTest, Points_AreThoseOfTheLiveUnit) {

@@ -31,6 +31,12 @@ TEST(DiffCommandTest, Differences_AreLines) {
                     "\nvalue state +unit1/inlet1/circuit1/socket2 +Active Power +No Error +High Alarm\n"));
 }
 
+TEST(DiffCommandTest, PointsThatCameOrWent_AreToldWithTheirSlots) {
+    ImageFolder const folder;
+    auto const outcome = runQelshm({"diff", folder.add("healthy"), folder.add("recycled")});
+    EXPECT_THAT(outcome.output, testing::ContainsRegex("point removed +group1 +slot [0-9]+ +-\n"));
+}
+
 TEST(DiffCommandTest, NumbersThatLookTheSame_AreToldApart) {
     ImageFolder const folder;
     auto const image = sampleImage("healthy");

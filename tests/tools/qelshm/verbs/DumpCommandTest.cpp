@@ -56,6 +56,18 @@ TEST(DumpCommandTest, NoObject_WritesNoFile) {
     EXPECT_FALSE(std::filesystem::exists("saved.img"));
 }
 
+TEST(DumpCommandTest, Hyphen_IsStandardOutput) {
+    ImageFolder const folder;
+    auto const file = folder.add("healthy");
+    auto const outcome = runQelshm({"dump", "-", "--image", file});
+    EXPECT_EQ(0, outcome.status);
+    EXPECT_EQ(sampleImage("healthy").bytes(), outcome.output);
+    EXPECT_FALSE(std::filesystem::exists("-"));
+    auto const none = runQelshm({"dump", "-"});
+    EXPECT_EQ(1, none.status);
+    EXPECT_EQ("", none.output);
+}
+
 TEST(DumpCommandTest, LiveObject_IsNeverWritten) {
     ImageFolder const folder;
     auto const file = folder.add("healthy");
