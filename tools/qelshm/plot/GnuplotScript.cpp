@@ -17,7 +17,7 @@ namespace {
 
 /// Colours that people with any eyes tell apart.
 constexpr std::array<char const*, 8> lineColours{"#0072b2", "#e69f00", "#009e73", "#cc79a7",
-                                             "#56b4e9", "#d55e00", "#000000", "#7f7f7f"};
+                                                 "#56b4e9", "#d55e00", "#000000", "#7f7f7f"};
 constexpr std::size_t mostNumberTicks = 6;
 
 /// Seconds since 1970 with their fraction, without the rounding of a double.
@@ -103,8 +103,8 @@ void printPanel(std::ostream& out, PlotData const& data, Panel const& panel) {
         out << separator;
         // A block without points would be an error.
         out << (curve.series.isEmpty() ? "NaN" : "$curve" + std::to_string(index) + " using 1:2")
-            << " with lines linewidth 1.5 linecolor rgb '" << lineColours.at(index % lineColours.size()) << "' title "
-            << gnuplotText(curve.name) << " noenhanced";
+            << " with lines linewidth 1.5 linecolor rgb '" << lineColours.at(index % lineColours.size())
+            << "' title " << gnuplotText(curve.name) << " noenhanced";
         separator = ", ";
     }
     out << '\n';
