@@ -110,6 +110,15 @@ void printPanel(std::ostream& out, PlotData const& data, Panel const& panel) {
     out << '\n';
 }
 
+std::string withoutNoCharacters(std::string text) {
+    for (std::string const code : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+        for (auto found = text.find(code); found != std::string::npos; found = text.find(code)) {
+            text.replace(found, code.size(), "?");
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 std::string gnuplotScript(PlotData const& data, PictureSize const& size) {
@@ -132,20 +141,27 @@ std::string gnuplotScript(PlotData const& data, PictureSize const& size) {
 }
 
 std::string gnuplotText(std::string_view text) {
-    // Between single quotes only the single quote has a meaning. U+FFFE and U+FFFF must not stand in XML.
-    std::string quoted(1, '\'');
-    auto const safe = tools::safeText(text);
-    for (std::size_t index = 0; index < safe.size(); ++index) {
-        bool const isNoCharacter = safe.compare(index, 2, "\xEF\xBF") == 0 && index + 2 < safe.size() &&
-                                   (static_cast<unsigned char>(safe[index + 2]) & 0xFEU) == 0xBEU;
-        if (isNoCharacter) {
-            quoted += '?';
-            index += 2;
-        } else {
-            quoted.append(safe[index] == '\'' ? 2 : 1, safe[index]);
+    // Between double quotes only letters, digits and some more stand for themselves; the others go by their octal codes,
+    // so no quote, backquote or backslash is left. U+FFFE and U+FFFF must not stand in XML.
+    constexpr std::string_view plain = " -./:_";
+    constexpr unsigned bitsPerDigit = 3;
+    constexpr unsigned digit = 7;
+    auto const safe = withoutNoCharacters(tools::safeText(text));
+    std::string quoted(1, '"');
+    for (char const letter : safe) {
+        auto const byte = static_cast<unsigned char>(letter);
+        bool const isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+        if (isLetter || (letter >= '0' && letter <= '9') || plain.find(letter) != std::string_view::npos) {
+            quoted += letter;
+            continue;
+        }
+        quoted += '\\';
+        for (unsigned shift = 2 * bitsPerDigit + bitsPerDigit; shift != 0;) {
+            shift -= bitsPerDigit;
+            quoted += static_cast<char>('0' + (byte >> shift & digit));
         }
     }
-    return quoted + '\'';
+    return quoted + '"';
 }
 
 } // namespace qel::plot
