@@ -119,6 +119,7 @@ TEST(RecordCommandTest, RegionThatGoes_IsRecordedAsNothingAndReplayable) {
     while (!std::filesystem::exists("unit.rec") || std::filesystem::file_size("unit.rec") < 100) {
     }
     region.reset();
+    EXPECT_EQ(0, ::unlink("/dev/shm/QelSharedMemory"));
     EXPECT_TRUE(
         sut.readUntil("warning: there is no shared-memory object QelSharedMemory; recording goes on"));
     region = std::make_unique<ForgedRegion>();
