@@ -9,11 +9,9 @@
 /// content (for 1: the rest of the input is the file). A good sample of a small unit comes first if the second byte is
 /// odd.
 
-#include "inspect/capture/AlarmEdges.h"
 #include "inspect/capture/CaptureFormat.h"
 #include "inspect/capture/CaptureLog.h"
 #include "inspect/capture/CaptureReader.h"
-#include "inspect/capture/CaptureRing.h"
 #include "inspect/capture/CaptureTimeline.h"
 #include "inspect/capture/SelectedValues.h"
 
@@ -102,8 +100,6 @@ void goThrough(inspect::CaptureTimeline const& timeline) {
     std::size_t events = 0;
     inspect::SelectedValues selected(
         {inspect::ValuePattern("**:active-power"), inspect::ValuePattern("unit1")});
-    inspect::AlarmEdges alarms;
-    inspect::CaptureRing ring(10000);
     forEachSample(timeline, timeline.first(), timeline.last(),
                   [&](inspect::CaptureReader const& reader, std::optional<std::uint64_t> next) {
                       ++samples;
@@ -112,8 +108,6 @@ void goThrough(inspect::CaptureTimeline const& timeline) {
                       for (std::size_t index = 0; index < selected.names().size(); ++index) {
                           inspect::deliveredNumber(selected.value(index));
                       }
-                      alarms.add(reader.region().image());
-                      ring.add(reader.time(), reader.region().image());
                   });
     inspect::CaptureLog({}).read(timeline, timeline.first(), timeline.last(),
                                  [&](inspect::CaptureEvent const& event) {
@@ -122,7 +116,6 @@ void goThrough(inspect::CaptureTimeline const& timeline) {
                                              "an event outside of the capture");
                                  });
     require(samples <= timeline.samples(), "more samples than there are");
-    require(ring.bytes() <= 10000, "the ring outgrew its bound");
     require(events <= timeline.samples() * (shm::MP_COUNT * 6 + shm::MV_COUNT * 2),
             "more events than fields");
 }
