@@ -5,6 +5,7 @@
 #include "tests/support/RawRegion.h"
 #include "tests/tools/qelshm/ImageFolder.h"
 #include "tests/tools/qelshm/QelshmRun.h"
+#include "tests/tools/qelshm/SampleCapture.h"
 #include "tests/tools/qelshm/SampleImages.h"
 
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@
 #include <cstring>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace qel::test {
 
@@ -137,6 +139,34 @@ TEST(GoldenLiveTest, ObjectOfSomebodyElse_IsPrintedAsTheGoldenFilesHoldIt) {
     ::unlink(second);
     if (!isGiven) {
         GTEST_SKIP() << "there is no other user";
+    }
+}
+
+TEST(GoldenCaptureTest, Verbs_PrintWhatTheGoldenFilesHold) {
+    std::string const power = "unit1/inlet1/circuit1/socket2:active-power";
+    std::vector<std::pair<std::string, std::vector<std::string>>> const runs{
+        {"log.txt", {"log", "night.rec"}},
+        {"log.json", {"log", "night.rec", "--json", "--to", "+59s"}},
+        {"export.csv", {"export", "night.rec", "--csv", "--interval", "5"}},
+        {"export-long.csv",
+         {"export", "night.rec", "--layout", "long", "--from", "-6s", "unit1/sensor1.1", power}},
+        {"plot.txt", {"plot", "night.rec", power, "--limit", "1800=fuse", "--width", "80", "--height", "24"}},
+        {"plot-ascii.txt",
+         {"plot", "night.rec", "**/socket2", "--ascii", "--width", "80", "--height", "30", "--to", "+39s"}},
+        {"at.status.txt", {"--image", "night.rec", "--at", "-35s", "status"}},
+        {"at.status.json", {"--image", "night.rec", "--at", "2023-11-14T22:13:45Z", "status", "--json"}},
+        {"at.tree.txt", {"--image", "night.rec", "--at", "+25s", "tree", "--values"}},
+    };
+    ImageFolder const folder;
+    sampleCapture();
+    for (auto const& [name, arguments] : runs) {
+        auto const outcome = runQelshm(arguments);
+        EXPECT_EQ("", outcome.errors) << name;
+        auto const golden = QEL_GOLDEN_DIR "/capture." + name;
+        if (std::getenv("QEL_UPDATE_GOLDEN") != nullptr) {
+            std::ofstream(golden) << outcome.output;
+        }
+        EXPECT_EQ(contentOf(golden), outcome.output) << golden;
     }
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 /// Colours that people with any eyes tell apart.
 constexpr std::array<char const*, 8> lineColours{"#0072b2", "#e69f00", "#009e73", "#cc79a7",
-                                             "#56b4e9", "#d55e00", "#000000", "#7f7f7f"};
+                                                 "#56b4e9", "#d55e00", "#000000", "#7f7f7f"};
 constexpr std::size_t mostNumberTicks = 6;
 
 /// Seconds since 1970 with their fraction, without the rounding of a double.
@@ -103,11 +103,20 @@ void printPanel(std::ostream& out, PlotData const& data, Panel const& panel) {
         out << separator;
         // A block without points would be an error.
         out << (curve.series.isEmpty() ? "NaN" : "$curve" + std::to_string(index) + " using 1:2")
-            << " with lines linewidth 1.5 linecolor rgb '" << lineColours.at(index % lineColours.size()) << "' title "
-            << gnuplotText(curve.name) << " noenhanced";
+            << " with lines linewidth 1.5 linecolor rgb '" << lineColours.at(index % lineColours.size())
+            << "' title " << gnuplotText(curve.name) << " noenhanced";
         separator = ", ";
     }
     out << '\n';
+}
+
+std::string withoutNoCharacters(std::string text) {
+    for (std::string const code : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+        for (auto found = text.find(code); found != std::string::npos; found = text.find(code)) {
+            text.replace(found, code.size(), "?");
+        }
+    }
+    return text;
 }
 
 } // namespace
@@ -132,20 +141,27 @@ std::string gnuplotScript(PlotData const& data, PictureSize const& size) {
 }
 
 std::string gnuplotText(std::string_view text) {
-    // Between single quotes only the single quote has a meaning. U+FFFE and U+FFFF must not stand in XML.
-    std::string quoted(1, '\'');
-    auto const safe = tools::safeText(text);
-    for (std::size_t index = 0; index < safe.size(); ++index) {
-        bool const isNoCharacter = safe.compare(index, 2, "\xEF\xBF") == 0 && index + 2 < safe.size() &&
-                                   (static_cast<unsigned char>(safe[index + 2]) & 0xFEU) == 0xBEU;
-        if (isNoCharacter) {
-            quoted += '?';
-            index += 2;
-        } else {
-            quoted.append(safe[index] == '\'' ? 2 : 1, safe[index]);
+    // Between double quotes only letters, digits and some more stand for themselves; the others go by their octal codes,
+    // so no quote, backquote or backslash is left. U+FFFE and U+FFFF must not stand in XML.
+    constexpr std::string_view plain = " -./:_";
+    constexpr unsigned bitsPerDigit = 3;
+    constexpr unsigned digit = 7;
+    auto const safe = withoutNoCharacters(tools::safeText(text));
+    std::string quoted(1, '"');
+    for (char const letter : safe) {
+        auto const byte = static_cast<unsigned char>(letter);
+        bool const isLetter = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z');
+        if (isLetter || (letter >= '0' && letter <= '9') || plain.find(letter) != std::string_view::npos) {
+            quoted += letter;
+            continue;
+        }
+        quoted += '\\';
+        for (unsigned shift = 2 * bitsPerDigit + bitsPerDigit; shift != 0;) {
+            shift -= bitsPerDigit;
+            quoted += static_cast<char>('0' + (byte >> shift & digit));
         }
     }
-    return quoted + '\'';
+    return quoted + '"';
 }
 
 } // namespace qel::plot

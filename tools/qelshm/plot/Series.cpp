@@ -48,6 +48,7 @@ void Series::pause(std::uint64_t time) {
 
 void Series::end(std::uint64_t time) {
     markUpTo(std::clamp(time, from_, until_));
+    columns_[marked_].mark = std::max(columns_[marked_].mark, mark_);
 }
 
 std::vector<std::vector<PlotPoint>> Series::pieces() const {

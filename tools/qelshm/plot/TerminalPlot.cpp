@@ -36,8 +36,9 @@ char letterOf(std::size_t curve) {
 }
 
 std::string curveColoured(std::string const& text, std::size_t curve, bool isColoured) {
-    return isColoured ? std::string("\x1b[") + curveColours.at(curve % curveColours.size()) + 'm' + text + "\x1b[0m"
-                      : text;
+    return isColoured
+               ? std::string("\x1b[") + curveColours.at(curve % curveColours.size()) + 'm' + text + "\x1b[0m"
+               : text;
 }
 
 std::string rightAligned(std::string const& text, std::size_t width) {

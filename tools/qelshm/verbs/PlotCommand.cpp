@@ -86,8 +86,7 @@ CLI::App& PlotCommand::define(CLI::App& app, OptionalOptions const& optional) {
         ->type_name("FILE");
     verb.add_option("--limit", limits_, "Draw a line at a number; repeatable")
         ->check(limitProblem)
-        ->expected(1)
-        ->take_all()
+        ->allow_extra_args(false)
         ->type_name("NUMBER[=LABEL]");
     verb.add_option("--width", width_, "Columns, 40 to 1000; those of the terminal by default")
         ->check(CLI::Range(plot::leastPlotWidth, most).description(""))

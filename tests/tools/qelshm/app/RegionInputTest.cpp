@@ -3,14 +3,20 @@
 
 #include "tools/qelshm/app/RegionInput.h"
 
+#include "tools/qelshm/app/CaptureTime.h"
+
 #include "tests/support/ForgedRegion.h"
 #include "tests/tools/qelshm/ImageFolder.h"
+#include "tests/tools/qelshm/SampleCapture.h"
 #include "tests/tools/qelshm/SampleImages.h"
 
 #include "inspect/image/ImageFile.h"
+#include "inspect/naming/StateClass.h"
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -58,6 +64,67 @@ TEST(RegionInputTest, File_IsRead) {
 
 TEST(RegionInputTest, FileThatIsNotThere_IsAnError) {
     EXPECT_THROW(fileInput("/nowhere"), inspect::ImageFileError);
+}
+
+TEST(RegionInputTest, Capture_IsReadAtItsLastSample) {
+    test::ImageFolder const folder;
+    auto const input = fileInput(test::sampleCapture());
+    ASSERT_TRUE(input.capture);
+    EXPECT_EQ(test::captureStart + 60000, input.capture->time);
+    EXPECT_EQ(input.capture->time, input.now) << "ages count from there";
+    EXPECT_EQ(test::captureStart, input.capture->first);
+    EXPECT_EQ(51U, input.capture->samples);
+    EXPECT_EQ("capture night.rec at 2023-11-14T22:14:20Z", sourceText(input));
+}
+
+TEST(RegionInputTest, CaptureWithAnyName_IsReadAtAMoment) {
+    test::ImageFolder const folder;
+    std::filesystem::rename(test::sampleCapture(), "saved.img");
+    EXPECT_EQ("capture saved.img at 2023-11-14T22:13:45Z", sourceText(fileInput("saved.img", "+25s")));
+    EXPECT_EQ(inspect::StateClass::Alarm,
+              inspect::classOf(fileInput("saved.img", "-35s").image.root().state));
+    EXPECT_EQ(inspect::StateClass::Good, inspect::classOf(fileInput("saved.img", "+5s").image.root().state));
+    EXPECT_EQ(test::captureStart + 39000, fileInput("saved.img", "2023-11-14T22:14:05Z").now)
+        << "within the gap";
+    EXPECT_THROW(fileInput("saved.img", "-2h"), CaptureTimeError);
+}
+
+TEST(RegionInputTest, MomentOfAnImage_IsAnError) {
+    test::ImageFolder const folder;
+    try {
+        fileInput(folder.add("healthy"), "-10m");
+        FAIL() << "no error";
+    } catch (CaptureTimeError const& error) {
+        EXPECT_STREQ("--at needs a capture of record; healthy.img is an image of a single moment",
+                     error.what());
+    }
+}
+
+TEST(RegionInputTest, DamagedCapture_IsToldAndShown) {
+    test::ImageFolder const folder;
+    test::sampleCapture();
+    std::filesystem::resize_file("night.rec", std::filesystem::file_size("night.rec") - 1);
+    QelshmOptions options;
+    options.image = "night.rec";
+    std::vector<std::string> told;
+    auto const input = openInput(options, [&](std::string const& text) { told.push_back(text); });
+    EXPECT_EQ(50U, input.capture->samples);
+    EXPECT_THAT(told,
+                ElementsAre(testing::ContainsRegex("^warning: cannot read night.rec: the sample at byte "
+                                                   "[0-9]+ is cut off; 50 samples before it are complete$")));
+}
+
+TEST(RegionInputTest, CaptureInAPipe_IsAnError) {
+    test::ImageFolder const folder;
+    test::sampleCapture();
+    std::unique_ptr<FILE, int (*)(FILE*)> const pipe(::popen("head -c 100 night.rec", "r"), ::pclose);
+    auto const name = "/dev/fd/" + std::to_string(::fileno(pipe.get()));
+    try {
+        fileInput(name);
+        FAIL() << "no error";
+    } catch (CaptureTimeError const& error) {
+        EXPECT_EQ(name + " is a capture in a pipe; save it to a file first", error.what());
+    }
 }
 
 TEST(RegionInputTest, NoLiveObject_IsTold) {

@@ -3,18 +3,24 @@
 
 #include "tools/qelshm/verbs/RecordCommand.h"
 
+#include "tests/inspect/FileTest.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Eventually.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/tools/qelshm/ImageFolder.h"
 #include "tests/tools/qelshm/QelshmRun.h"
 
 #include "inspect/capture/CaptureReader.h"
+#include "inspect/capture/CaptureTimeline.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
+
 #include <csignal>
 #include <filesystem>
+#include <memory>
 
 namespace qel::test {
 
@@ -72,6 +78,101 @@ TEST(RecordCommandTest, FileThatExists_IsRefused) {
     auto const outcome = runQelshm({"record", file});
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ("qelshm: cannot record to wiped.img: File exists\n", outcome.errors);
+}
+
+TEST(RecordCommandTest, Killed_LeavesAReadableFileUpToItsLastSample) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    region.activate();
+    ChildProcess sut({QELSHM, "record", "unit.rec", "--interval", "0.01"});
+    while (!std::filesystem::exists("unit.rec") || std::filesystem::file_size("unit.rec") < 200) {
+    }
+    sut.signal(SIGKILL);
+    EXPECT_EQ(128 + SIGKILL, sut.wait());
+    inspect::CaptureTimeline const timeline("unit.rec");
+    EXPECT_EQ("", timeline.damage());
+    EXPECT_GT(timeline.samples(), 2U);
+    EXPECT_EQ(0, runQelshm({"--image", "unit.rec", "list"}).status);
+}
+
+TEST(RecordCommandTest, MaxSize_Rotates) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    region.activate();
+    auto const outcome = runQelshm({"record", "unit.rec", "--json", "--count", "20", "--interval", "0.01",
+                                    "--max-size", "120", "--max-files", "3"});
+    EXPECT_EQ(0, outcome.status) << outcome.errors;
+    auto const document = nlohmann::json::parse(outcome.output);
+    EXPECT_EQ((std::vector<std::string>{"unit.2.rec", "unit.1.rec", "unit.rec"}), document.at("files"));
+    EXPECT_EQ(20, document.at("samples"));
+    for (std::string const file : {"unit.2.rec", "unit.1.rec", "unit.rec"}) {
+        EXPECT_LE(std::filesystem::file_size(file), 120U);
+        EXPECT_TRUE(samplesOf(file).front().image.isActive()) << "a whole capture by itself";
+    }
+}
+
+TEST(RecordCommandTest, RegionThatGoes_IsRecordedAsNothingAndReplayable) {
+    ImageFolder const folder;
+    auto region = std::make_unique<ForgedRegion>();
+    region->activate();
+    ChildProcess sut({QELSHM, "record", "unit.rec", "--interval", "0.05"}, ChildProcess::Errors::IntoOutput);
+    while (!std::filesystem::exists("unit.rec") || std::filesystem::file_size("unit.rec") < 100) {
+    }
+    region.reset();
+    EXPECT_EQ(0, ::unlink("/dev/shm/QelSharedMemory"));
+    EXPECT_TRUE(
+        sut.readUntil("warning: there is no shared-memory object QelSharedMemory; recording goes on"));
+    region = std::make_unique<ForgedRegion>();
+    region->activate();
+    auto const restarted = [] {
+        return runQelshm({"log", "unit.rec"}).output.find("restart") != std::string::npos;
+    };
+    EXPECT_TRUE(eventually(restarted));
+    sut.signal(SIGTERM);
+    EXPECT_EQ(0, sut.wait());
+    for (auto const& sample : samplesOf("unit.rec")) {
+        EXPECT_EQ(shm::REGION_SIZE, sample.image.size()) << "as qel-replay wants it";
+    }
+}
+
+TEST(RecordCommandTest, OnAlarm_KeepsOnlyAlarms) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    region.point(0, 0x0100FFFFFFFF0000);
+    region.values(0, 0, {1});
+    region.devices({0});
+    region.activate();
+    EXPECT_EQ(
+        0, runQelshm({"record", "unit.rec", "--on-alarm", "1", "--count", "3", "--interval", "0.01"}).status);
+    EXPECT_TRUE(std::filesystem::is_empty("."));
+    region.raw().set<std::int32_t>(38400 + 16, 1); // high alarm
+    auto const outcome = runQelshm({"record", "unit.rec", "--on-alarm", "0.5,1", "--count", "3", "--interval",
+                                    "0.01", "--json", "--now", "1700000000000"});
+    EXPECT_EQ(0, outcome.status) << outcome.errors;
+    auto const document = nlohmann::json::parse(outcome.output);
+    EXPECT_EQ((std::vector<std::string>{"unit.20231114T221320Z.rec"}), document.at("files"));
+    EXPECT_EQ(3U, samplesOf("unit.20231114T221320Z.rec").size());
+}
+
+TEST(RecordCommandTest, FullDisk_SaysSoAndLeavesWhatWasWritten) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    region.activate();
+    SizeLimit const limit(200);
+    auto const outcome = runQelshm({"record", "unit.rec", "--count", "100", "--interval", "0.001"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: cannot record to unit.rec: File too large; what was recorded before can be read\n",
+              outcome.errors);
+    EXPECT_THAT(outcome.output, testing::ContainsRegex("^[0-9]+ samples, [0-9]+ bytes\n$"));
+    EXPECT_EQ("", inspect::CaptureTimeline("unit.rec").damage());
+}
+
+TEST(RecordCommandTest, WrongBounds_AreWrongArguments) {
+    EXPECT_EQ(2, runQelshm({"record", "unit.rec", "--max-size", "0"}).status);
+    EXPECT_EQ(2, runQelshm({"record", "unit.rec", "--on-alarm", "nan"}).status);
+    auto const outcome = runQelshm({"record", "unit.rec", "--max-files", "3"});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ("qelshm: --max-files requires --max-size or --on-alarm\n", outcome.errors);
 }
 
 TEST(RecordCommandTest, NothingThere_WritesNoFile) {

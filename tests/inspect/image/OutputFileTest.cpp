@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "inspect/image/OutputFile.h"
+
+#include "inspect/image/ImageFile.h"
+
+#include "tests/inspect/FileTest.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+namespace qel::inspect {
+
+namespace {
+
+using OutputFileTest = test::FileTest<ImageFileError>;
+
+} // namespace
+
+TEST_F(OutputFileTest, File_HasItsNameOnlyWhenItIsFinished) {
+    fill(path(), "old");
+    OutputFile sut(path());
+    sut.write("new ");
+    sut.write("text");
+    EXPECT_EQ("old", content(path()));
+    sut.finish();
+    EXPECT_EQ("new text", content(path()));
+}
+
+TEST_F(OutputFileTest, Unfinished_LeavesTheOldFileAndNothingElse) {
+    fill(path(), "old");
+    {
+        OutputFile const sut(path());
+        sut.write("half");
+    }
+    EXPECT_EQ("old", content(path()));
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(path("")), {}));
+}
+
+TEST_F(OutputFileTest, FullDisk_IsAnErrorThatLeavesTheOldFile) {
+    fill(path(), "old");
+    test::SizeLimit const limit(10);
+    EXPECT_EQ("cannot write " + path() + ": File too large", problemOf([&] {
+                  OutputFile sut(path());
+                  sut.write("more than ten bytes");
+                  sut.finish();
+              }));
+    EXPECT_EQ("old", content(path()));
+}
+
+TEST_F(OutputFileTest, Device_IsWrittenDirectly) {
+    OutputFile sut("/dev/null");
+    sut.write("text");
+    sut.finish();
+    EXPECT_EQ("cannot write " + path("none/file") + ".new-" + std::to_string(::getpid()) +
+                  ": No such file or directory",
+              problemOf([&] { OutputFile(path("none/file")); }));
+}
+
+} // namespace qel::inspect

@@ -1,0 +1,60 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "tools/qelshm/app/CaptureTime.h"
+
+#include "tests/tools/qelshm/ImageFolder.h"
+#include "tests/tools/qelshm/SampleCapture.h"
+
+#include <gmock/gmock.h>
+
+namespace qel::tools {
+
+namespace {
+
+using From = inspect::CaptureMoment::From;
+
+void expectMoment(From from, std::uint64_t ms, std::string const& text) {
+    auto const moment = parseCaptureTime(text);
+    ASSERT_TRUE(moment) << text;
+    EXPECT_EQ(from, moment->from) << text;
+    EXPECT_EQ(ms, moment->ms) << text;
+    EXPECT_EQ("", captureTimeProblem(text));
+}
+
+} // namespace
+
+TEST(CaptureTimeTest, ClockStartAndEnd_AreRead) {
+    expectMoment(From::Clock, 1700000000000, "2023-11-14T22:13:20Z");
+    expectMoment(From::Clock, 1700000000500, "2023-11-14T22:13:20.5Z");
+    expectMoment(From::Start, 300000, "+5m");
+    expectMoment(From::End, 30000, "-30s");
+    expectMoment(From::End, 7200000, "-2h");
+    expectMoment(From::End, 86400000, "-1d");
+    expectMoment(From::Start, 0, "+0s");
+}
+
+TEST(CaptureTimeTest, OtherTexts_AreRefused) {
+    for (auto const* const text : {"", "-", "10m", "-10", "-m", "+5 m", "-1.5h", "--5s", "-5x", "yesterday",
+                                   "2023-11-14 22:13:20", "-99999999999d", "-18446744073709551616s"}) {
+        EXPECT_FALSE(parseCaptureTime(text)) << text;
+        EXPECT_THAT(captureTimeProblem(text),
+                    testing::HasSubstr("is no moment of a capture; expected for example"));
+    }
+}
+
+TEST(CaptureTimeTest, MomentOutside_NamesFirstAndLastTime) {
+    test::ImageFolder const folder;
+    inspect::CaptureTimeline const timeline(test::sampleCapture());
+    EXPECT_EQ(timeline.last() - 10000, captureTime(timeline, "-10s"));
+    try {
+        captureTime(timeline, "-10m");
+        FAIL() << "no error";
+    } catch (CaptureTimeError const& error) {
+        EXPECT_STREQ("-10m is outside the capture night.rec, which lasts from 2023-11-14T22:13:20Z to "
+                     "2023-11-14T22:14:20Z",
+                     error.what());
+    }
+}
+
+} // namespace qel::tools
