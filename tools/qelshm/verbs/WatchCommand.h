@@ -6,6 +6,7 @@
 #pragma once
 
 #include "tools/qelshm/app/ICommand.h"
+#include "tools/qelshm/verbs/WatchStreams.h"
 
 #include <cstdint>
 #include <optional>
@@ -28,6 +29,7 @@ private:
     std::vector<std::string> names_;
     std::optional<std::uint64_t> count_;
     double interval_ = 0.25; ///< s between two snapshots
+    WatchStreams streams_;
 };
 
 } // namespace qel::tools

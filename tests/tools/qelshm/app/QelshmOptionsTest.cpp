@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(
         Usage{"NegativeAge",
               {"status", "--max-age", "-1"},
               "--max-age: Value -1 not in range 0.000000 to 1000000000.000000"},
-        Usage{"WatchAsJson", {"watch", "--json"}, "watch excludes --json"},
+        Usage{"WatchAsCsvAndJson", {"watch", "--csv", "--json"}, "--json excludes --csv"},
         Usage{"WatchOfAnImage", {"watch", "--image", "x"}, "watch excludes --image"},
         Usage{"UnknownShell", {"completion", "tcsh"}, "SHELL: tcsh not in {bash,fish,zsh}"},
         Usage{"ControlCharacters", {"\x1b[2J"}, "The following argument was not expected: \\x1B[2J"}),
