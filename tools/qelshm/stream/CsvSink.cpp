@@ -12,6 +12,7 @@
 
 #include <ostream>
 #include <string>
+#include <utility>
 
 namespace qel::stream {
 
@@ -41,9 +42,9 @@ struct CsvSink::Row {
     std::uint64_t at;
 };
 
-CsvSink::CsvSink(std::ostream& out, watch::WatchedNames const& names, std::optional<std::uint64_t> count)
+CsvSink::CsvSink(std::ostream& out, watch::WatchedNames names, std::optional<std::uint64_t> count)
     : out_(out),
-      names_(names),
+      names_(std::move(names)),
       count_(count) {
     out_ << "event,now,name,number,unit,state,before,at" << std::endl;
 }

@@ -23,7 +23,7 @@ class CsvSink : public ISink {
 public:
     /// @param out   must outlive the sink
     /// @param count number of changes to write; none for no limit
-    CsvSink(std::ostream& out, watch::WatchedNames const& names, std::optional<std::uint64_t> count);
+    CsvSink(std::ostream& out, watch::WatchedNames names, std::optional<std::uint64_t> count);
 
     void take(Report const& report) override;
     bool isDone() const override;
