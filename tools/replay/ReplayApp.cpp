@@ -60,7 +60,9 @@ void ReplayApp::openControl() {
 // By the clock of the recording, never before the last step.
 std::uint64_t ReplayApp::dueNow() const {
     std::chrono::duration<double, std::milli> const elapsed = Clock::now() - start_;
-    return std::max(lastDue_, static_cast<std::uint64_t>(elapsed.count() * settings_.speed));
+    constexpr double latest = 9e18;
+    return std::max(lastDue_,
+                    static_cast<std::uint64_t>(std::min(elapsed.count() * settings_.speed, latest)));
 }
 
 void ReplayApp::arm() {

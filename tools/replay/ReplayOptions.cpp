@@ -159,7 +159,7 @@ void defineInput(CLI::App& app, ReplayOptions& options) {
                [&options, files, verb](std::vector<std::string> const& arguments) {
                    files->required(false);
                    for (auto const& argument : arguments) {
-                       options.commands.push_back(verb + ' ' + argument);
+                       options.commands.push_back(std::string(verb).append(" ").append(argument));
                    }
                },
                text)

@@ -60,7 +60,7 @@ TEST(SignalSourceTest, SignalAfterTheLastSource_HasNoEffect) {
             {
                 SignalSource const sut(SIGTERM, [] {});
             }
-            std::raise(SIGTERM);
+            static_cast<void>(std::raise(SIGTERM));
             std::exit(7); // NOLINT(concurrency-mt-unsafe): the child has one thread of its own
         },
         testing::ExitedWithCode(7), "");

@@ -75,12 +75,16 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
         ->check(finiteBetween(0.1, longestAge))
         ->type_name("SECONDS");
     verb.excludes(optional.image);
-    verb.excludes(optional.json);
+    streams_.define(verb, optional);
     return verb;
 }
 
 int WatchCommand::run(CommandContext const& context) {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // the stream reports a closed output
+    if (streams_.isWanted(context)) {
+        return streams_.run(context, {names_, count_, secondsAs<std::chrono::milliseconds>(interval_),
+                                      std::chrono::seconds(context.options.wait.value_or(defaultWait))});
+    }
     watch::WatchOptions const options{names_,
                                       count_,
                                       secondsAs<std::chrono::milliseconds>(interval_),

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "tools/qelshm/app/ICommand.h"
+#include "tools/qelshm/verbs/WatchStreams.h"
 
 #include <cstdint>
 #include <optional>
@@ -29,6 +30,7 @@ private:
     std::optional<std::uint64_t> count_;
     double interval_ = 0.25;       ///< s between two snapshots
     std::optional<double> maxAge_; ///< s
+    WatchStreams streams_;
 };
 
 } // namespace qel::tools

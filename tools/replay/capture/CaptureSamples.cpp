@@ -26,11 +26,9 @@ std::uint64_t CaptureSamples::dueOf(inspect::CaptureSample const& sample) const 
 
 ReplaySample CaptureSamples::next() {
     auto const sample = next_.value();
-    auto mended = withoutCircles(sample.image);
-    ReplaySample const result{{reader_->startTime() + sample.time + shift_, dueOf(sample)},
-                              shift_,
-                              std::move(mended.image),
-                              mended.cut};
+    auto const mended = withoutCircles(sample.image);
+    ReplaySample result{
+        {reader_->startTime() + sample.time + shift_, dueOf(sample)}, shift_, mended.image, mended.cut};
     lastStep_ = sample.time > firstTime_ ? sample.time - lastTime_ : 0;
     lastTime_ = sample.time;
     ++taken_;

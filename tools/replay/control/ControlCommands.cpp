@@ -42,7 +42,7 @@ Command parseCommand(std::string_view line) {
         auto const text = line.substr(unsetVerb.size());
         return {std::string(text), std::nullopt, parsePattern(text, {"unset"})};
     }
-    throw InputError({inQuotes(line)}, "unknown command", "\"set NAME=VALUE[,STATE]\" or \"unset NAME\"");
+    throw InputError({inQuotes(line)}, "unknown command", R"("set NAME=VALUE[,STATE]" or "unset NAME")");
 }
 
 std::string answerTo(Command const& command, std::vector<std::string> const& names) {

@@ -59,7 +59,7 @@ public:
 private:
     /// A value with its last number, which it keeps while there is no reading.
     struct Output {
-        ValueId value;
+        ValueId value{};
         double number = 0.0;
 
         Reading give(std::optional<double> const& reading, std::uint64_t time,

@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
               {"find", "--older-than", "old"},
               "--older-than: \"old\" is not a duration of up to 316224000 s; durations are like 10, 10s, 5m, "
               "2h"},
-        Usage{"WatchAsJson", {"watch", "--json"}, "watch excludes --json"},
+        Usage{"WatchAsCsvAndJson", {"watch", "--csv", "--json"}, "--json excludes --csv"},
         Usage{"WatchOfAnImage", {"watch", "--image", "x"}, "watch excludes --image"},
         Usage{"UnknownShell", {"completion", "tcsh"}, "SHELL: tcsh not in {bash,fish,zsh}"},
         Usage{"ControlCharacters",

@@ -1,0 +1,103 @@
+// SPDX-FileCopyrightText: the libQelSharedMemory authors
+// SPDX-License-Identifier: Apache-2.0
+
+#include "format/ValueKeys.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TempFile.h"
+#include "tests/writer/WriterFixture.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <csignal>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace qel::test {
+
+namespace {
+
+namespace key = shm::key;
+
+constexpr long long unit = pointId(1, 0);
+constexpr long long inlet = pointId(1, 0, 1);
+
+/// A live unit with an inlet.
+class StreamTest : public testing::Test {
+protected:
+    void SetUp() override {
+        writer_.addStructure({{unit, {}}, {inlet, withKeys({key::voltage})}});
+        writer_.setActive();
+        store(230.0, eStatus_NoError);
+    }
+
+    void store(double number, eStatus_Bits state) {
+        writer_.updateMV(inlet | key::voltage, measured(number, 1686296078000, state));
+        writer_.propagateStates();
+    }
+
+    static std::vector<std::string> watch(std::vector<std::string> const& options) {
+        std::vector<std::string> command{QELSHM, "watch", "--interval", "0.01"};
+        command.insert(command.end(), options.begin(), options.end());
+        return command;
+    }
+
+    shm::QelSharedMemoryWriter writer_;
+};
+
+} // namespace
+
+TEST_F(StreamTest, Json_IsThePictureThenTheChanges) {
+    ChildProcess sut(watch({"--json", "--count", "3"}));
+    auto const picture = nlohmann::json::parse(sut.readLine().value_or("{}"));
+    EXPECT_EQ("picture", picture.at("event"));
+    EXPECT_EQ(230.0, picture.at("points").at(1).at("values").at(0).at("number"));
+
+    store(180.0, eStatus_LowAlarm);
+
+    std::vector<std::string> paths;
+    for (int line = 0; line < 3; ++line) {
+        paths.push_back(nlohmann::json::parse(sut.readLine().value_or("{}")).at("path"));
+    }
+    EXPECT_EQ((std::vector<std::string>{"unit1", "unit1/inlet1", "unit1/inlet1:voltage"}), paths);
+    EXPECT_EQ(0, sut.wait());
+}
+
+TEST_F(StreamTest, Csv_EndsWithASignalOrItsReader) {
+    ChildProcess sut(watch({"--csv", "unit1/inlet1"}));
+    ASSERT_TRUE(sut.readUntil("picture,"));
+    sut.signal(SIGTERM);
+    EXPECT_EQ(0, sut.wait());
+    ChildProcess alone(
+        {"bash", "-c", std::string(QELSHM) + " watch --csv | head -n 1; echo ${PIPESTATUS[0]}"});
+    EXPECT_EQ("event,now,name,number,unit,state,before,at\n0\n", alone.readAll());
+}
+
+TEST_F(StreamTest, CommandForEachChange_RunsToItsEndBeforeTheStreamEnds) {
+    TempFile const out("");
+    ChildProcess sut(watch({"--csv", "--count", "3", "--on-change", "sh", "--on-change=-c",
+                            "sleep 0.1; echo \"$QELSHM_NAME $QELSHM_STATE\" >>" + out.path()}));
+    ASSERT_TRUE(sut.readUntil("unit1/inlet1:voltage"));
+    store(180.0, eStatus_LowAlarm);
+    EXPECT_EQ(0, sut.wait());
+    std::ifstream file(out.path());
+    EXPECT_EQ("unit1 Child Alarm\nunit1/inlet1 On, Alarm\nunit1/inlet1:voltage Low Alarm\n",
+              std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+TEST_F(StreamTest, WhatTheCommandPrints_IsNotInTheStream) {
+    ChildProcess sut(watch({"--csv", "--count", "3", "--on-change", "echo", "intruder"}));
+    ASSERT_TRUE(sut.readUntil("unit1/inlet1:voltage"));
+    store(180.0, eStatus_LowAlarm);
+    EXPECT_THAT(sut.readAll(), testing::Not(testing::HasSubstr("intruder")));
+}
+
+TEST(StreamOfNothingTest, MissingRegion_IsAnErrorAfterTheWait) {
+    ChildProcess sut({QELSHM, "watch", "--json", "--wait", "0"}, ChildProcess::Errors::IntoOutput);
+    EXPECT_THAT(sut.readAll(), testing::HasSubstr("no active region after 0 s: "));
+    EXPECT_EQ(1, sut.wait());
+}
+
+} // namespace qel::test
