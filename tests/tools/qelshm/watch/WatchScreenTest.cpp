@@ -241,6 +241,7 @@ TEST_F(WatchScreenTest, Suspended_GivesTheTerminalBackAndComesAgain) {
     tmux_.press({"C-z"});
     ASSERT_TRUE(tmux_.shows("Stopped"));
     EXPECT_EQ("0", tmux_.fact("alternate_on"));
+    EXPECT_EQ("0", tmux_.fact("mouse_any_flag"));
     EXPECT_EQ("1", tmux_.fact("cursor_flag"));
     tmux_.type("echo $((20 + 22)); fg");
     tmux_.press({"Enter"});
