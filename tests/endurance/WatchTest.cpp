@@ -154,7 +154,8 @@ protected:
         if (lines.size() > lines_) {
             return "more lines than the screen has";
         }
-        for (unsigned char const byte : screen) {
+        for (char const character : screen) {
+            auto const byte = static_cast<unsigned char>(character);
             if (byte != '\n' && (byte < ' ' || byte == 0x7F)) {
                 return "a control character";
             }
@@ -201,7 +202,7 @@ protected:
         EXPECT_EQ("0", tmux_.fact("mouse_any_flag"));
     }
 
-    std::mt19937 random_;
+    std::mt19937 random_ = randomNumbers(1);
     std::unique_ptr<shm::QelSharedMemoryWriter> writer_;
     Tmux tmux_{80, 24};
     unsigned columns_ = 80;

@@ -18,6 +18,7 @@ std::vector<StyledLine> LinesPane::all(WatchedUnit const& unit, Row const* row) 
     constexpr std::uint64_t second = 1000; // ms
     std::vector<StyledLine> lines;
     if (kind_ == Pane::Events) {
+        lines.reserve(unit.events().events().size());
         for (auto const& event : unit.events().events()) {
             lines.push_back({tools::timeText(event.at / second * second) + "  " + event.text, event.style});
         }

@@ -30,6 +30,7 @@ protected:
 
     std::vector<std::string> events() const {
         std::vector<std::string> texts;
+        texts.reserve(sut.events().events().size());
         for (auto const& event : sut.events().events()) {
             texts.push_back(event.text);
         }
