@@ -38,7 +38,7 @@ extern "C" void qelRestoreTerminal(int number) {
             ::sigaction(number, &restoration.before[index], nullptr);
         }
     }
-    ::raise(number); // blocked until this function returns
+    static_cast<void>(::raise(number)); // blocked until this function returns
 }
 
 FatalSignals::FatalSignals(int terminal, termios const& settings, std::string const& text) {

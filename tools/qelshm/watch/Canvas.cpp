@@ -121,7 +121,7 @@ void Canvas::show() {
     refresh();
 }
 
-void Canvas::put(Area const& area, std::string const& text, Ink const& ink) {
+void Canvas::put(Area const& area, std::string const& text, Ink const& ink) const {
     auto const width = std::min(area.width, COLS - area.column);
     if (area.line < 0 || area.line >= LINES || area.column < 0 || width <= 0) {
         return;

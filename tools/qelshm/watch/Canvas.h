@@ -29,7 +29,7 @@ enum class MouseUse : std::uint8_t { None, Click, WheelUp, WheelDown };
 
 /// A key, or a use of the mouse. Reentrant.
 struct Input {
-    int key; ///< as curses numbers it
+    int key = 0; ///< as curses numbers it
     MouseUse mouse = MouseUse::None;
     int line = 0; ///< of the mouse
 };
@@ -55,7 +55,7 @@ public:
     /// Begins with an empty screen.
     void clear();
     /// Writes a text into an area, filled up with blanks; what does not fit is cut off.
-    void put(Area const& area, std::string const& text, Ink const& ink = {});
+    void put(Area const& area, std::string const& text, Ink const& ink = {}) const;
     /// Shows what was written.
     void show();
 

@@ -117,6 +117,7 @@ void DetailPane::drawBars(DetailView const& detail, Area const& first, int heigh
 
 void DetailPane::drawCurves(DetailView const& detail, Area const& first, int height) {
     std::vector<Curve> curves;
+    curves.reserve(detail.curves.size());
     for (auto const& curve : detail.curves) {
         curves.push_back({curve.history, curve.key});
     }

@@ -16,7 +16,9 @@ constexpr std::size_t stepsPerLine = std::tuple_size_v<BarGlyphs>;
 /// Height of a bar in eighths of a line, at least 1.
 std::size_t stepsOf(float number, GraphScale const& scale, std::size_t height) {
     auto const most = static_cast<double>(height * stepsPerLine - 1);
-    return 1 + static_cast<std::size_t>(std::lround(scale.partOf(static_cast<double>(number)) * most));
+    constexpr double slack = 1e-6; // a half goes up, in spite of what divisions round
+    return 1 +
+           static_cast<std::size_t>(std::lround(scale.partOf(static_cast<double>(number)) * most + slack));
 }
 
 Bucket bucketAt(History const& history, std::uint64_t newest, std::size_t back) {

@@ -11,7 +11,7 @@ namespace qel::watch {
 namespace {
 
 constexpr int leastName = 30;
-constexpr int ageColumn = 6;
+constexpr int ageColumn = 7; // ">1234d!"
 constexpr int rateColumn = 9;
 constexpr int numberColumn = 13;
 constexpr int leastWithType = 50;

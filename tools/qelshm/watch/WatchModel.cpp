@@ -3,7 +3,6 @@
 
 #include "tools/qelshm/watch/WatchModel.h"
 
-#include "tools/common/TimeText.h"
 #include "tools/qelshm/terminal/AgeText.h"
 #include "tools/qelshm/watch/AlarmSearch.h"
 
@@ -15,7 +14,6 @@ namespace qel::watch {
 namespace {
 
 constexpr std::size_t scrolledRows = 3;
-constexpr std::uint64_t msPerSecond = 1000;
 
 } // namespace
 
@@ -179,13 +177,8 @@ void WatchModel::mark() {
         return;
     }
     auto const svid = row->isPoint ? values[point.firstValue].svid : row->svid;
-    auto const marked = std::find(marks_.begin(), marks_.end(), svid);
-    if (marked != marks_.end()) {
-        marks_.erase(marked);
-    } else if (marks_.size() + 1 < mostCurves) {
-        marks_.push_back(svid);
-    } else {
-        say(std::to_string(marks_.size()) +
+    if (!marks_.toggle(svid)) {
+        say(std::to_string(CurveMarks::most) +
             " values are marked, which is the most; m on one of them removes its mark");
     }
 }
@@ -214,11 +207,6 @@ void WatchModel::erase() {
 void WatchModel::complete() {
     prompt_.complete(shown().structure());
     applyFilter();
-}
-
-void WatchModel::showPane(Pane pane) {
-    pane_ = pane_ == pane ? Pane::Graph : pane;
-    paneBack_ = 0;
 }
 
 void WatchModel::handle(Action action) {
@@ -279,27 +267,20 @@ bool WatchModel::handleMode(Action action) {
 }
 
 bool WatchModel::handlePane(Action action) {
-    auto const hidden = [&] {
-        auto const lines = allPaneLines().size();
-        return lines - std::min(lines, paneSize_);
-    };
-    // Events are read from the newest one back, the others from the beginning.
-    bool const isBack = (action == Action::PaneUp) == (pane_ == Pane::Events);
     switch (action) {
     case Action::LongerSpan:
     case Action::ShorterSpan:
         changeSpan(action == Action::LongerSpan);
         break;
     case Action::Why:
-        showPane(Pane::Why);
+        pane_.show(Pane::Why);
         break;
     case Action::Events:
-        showPane(Pane::Events);
+        pane_.show(Pane::Events);
         break;
     case Action::PaneUp:
     case Action::PaneDown:
-        paneBack_ =
-            isBack ? std::min(paneBack_ + 1, hidden()) : paneBack_ - std::min<std::size_t>(paneBack_, 1);
+        pane_.scroll(action == Action::PaneUp, shown(), cursor_.row());
         break;
     default:
         return false;
@@ -377,29 +358,6 @@ std::vector<RowView> WatchModel::visibleRows() const {
 
 DetailView WatchModel::detail() const {
     return detailOf(viewInput(), cursor_.row(), settings_.span);
-}
-
-std::vector<StyledLine> WatchModel::allPaneLines() const {
-    std::vector<StyledLine> lines;
-    if (pane_ == Pane::Events) {
-        for (auto const& event : shown().events().events()) {
-            lines.push_back(
-                {tools::timeText(event.at / msPerSecond * msPerSecond) + "  " + event.text, event.style});
-        }
-    } else if (pane_ == Pane::Why && !cursor_.isEmpty()) {
-        auto const& row = *cursor_.row();
-        lines = whyLines(shown(), row.isPoint ? row.index : shown().structure().values()[row.index].point);
-    }
-    return lines;
-}
-
-std::vector<StyledLine> WatchModel::paneLines() const {
-    auto lines = allPaneLines();
-    auto const count = std::min(lines.size(), paneSize_);
-    auto const back = std::min(paneBack_, lines.size() - count);
-    auto const first = pane_ == Pane::Events ? lines.size() - count - back : back;
-    auto const begin = lines.begin() + static_cast<std::ptrdiff_t>(first);
-    return {begin, begin + static_cast<std::ptrdiff_t>(count)};
 }
 
 } // namespace qel::watch

@@ -5,15 +5,16 @@
 /// The contents of the live table, without a terminal.
 #pragma once
 
+#include "tools/qelshm/watch/CurveMarks.h"
 #include "tools/qelshm/watch/DetailView.h"
 #include "tools/qelshm/watch/FilterPrompt.h"
 #include "tools/qelshm/watch/HeaderView.h"
+#include "tools/qelshm/watch/LinesPane.h"
 #include "tools/qelshm/watch/RowCursor.h"
 #include "tools/qelshm/watch/RowList.h"
 #include "tools/qelshm/watch/RowView.h"
 #include "tools/qelshm/watch/WatchSettings.h"
 #include "tools/qelshm/watch/WatchedUnit.h"
-#include "tools/qelshm/watch/WhyView.h"
 
 #include <chrono>
 #include <cstddef>
@@ -59,9 +60,6 @@ enum class Action : std::uint8_t {
     Quit,
 };
 
-/// What is below the table.
-enum class Pane : std::uint8_t { Graph, Why, Events };
-
 /// A table of points and values that can be folded, sorted and searched, with a cursor and a window of some lines, and a
 /// pane below it. It receives snapshots and actions and says what is visible. While it is paused, snapshots are still
 /// taken in, but it shows the unit as it was. Memory: see ValueTracker; while it is paused, twice.
@@ -69,9 +67,6 @@ enum class Pane : std::uint8_t { Graph, Why, Events };
 /// Threads: reentrant.
 class WatchModel {
 public:
-    /// The selected value and the marked ones.
-    static constexpr std::size_t mostCurves = 4;
-
     /// @param names    the selection
     /// @param interval time between two snapshots; determines how long a bucket of the histories lasts
     WatchModel(WatchedNames names, std::chrono::milliseconds interval, Freshness const& freshness = {},
@@ -84,7 +79,7 @@ public:
     void setPage(std::size_t lines) { cursor_.setPage(lines); }
 
     /// Sets the number of lines of the pane.
-    void setPaneLines(std::size_t lines) { paneSize_ = lines; }
+    void setPaneLines(std::size_t lines) { pane_.setSize(lines); }
 
     /// Does what the user asks for.
     void handle(Action action);
@@ -114,7 +109,7 @@ public:
     bool isDone() const { return isDone_; }
     bool isFollowing() const { return isFollowing_; }
     bool isPaused() const { return frozen_.has_value(); }
-    Pane pane() const { return pane_; }
+    Pane pane() const { return pane_.kind(); }
     SortOrder order() const { return settings_.order; }
     WatchSettings const& settings() const { return settings_; }
 
@@ -134,11 +129,11 @@ public:
     DetailView detail() const;
 
     /// @return the visible lines of a pane that is not the graph
-    std::vector<StyledLine> paneLines() const;
+    std::vector<StyledLine> paneLines() const { return pane_.lines(shown(), cursor_.row()); }
 
 private:
     WatchedUnit const& shown() const { return frozen_ ? *frozen_ : unit_; }
-    RowViewInput viewInput() const { return {shown(), freshness_, marks_}; }
+    RowViewInput viewInput() const { return {shown(), freshness_, marks_.svids()}; }
     UnitPoint const& pointOf(Row const& row) const;
     void rebuildRows();
     void fold(bool isFolded);
@@ -157,8 +152,6 @@ private:
     void goToAlarm(bool isForward);
     void followAlarms(std::vector<ValueChange> const& changes);
     void applyFilter();
-    void showPane(Pane pane);
-    std::vector<StyledLine> allPaneLines() const;
 
     WatchedUnit unit_;
     std::optional<WatchedUnit> frozen_; ///< while paused: as it was
@@ -169,11 +162,8 @@ private:
     FilterPrompt prompt_;
     TextFilter filter_;
     RowCursor cursor_;
-    std::vector<long long> marks_;
-    Pane pane_ = Pane::Graph;
-    std::size_t paneSize_ = 1;
-    std::size_t paneBack_ =
-        0; ///< lines between the visible ones and where the pane begins, or the newest event
+    CurveMarks marks_;
+    LinesPane pane_;
     std::string message_;
 
     bool isHelp_ = false;

@@ -244,6 +244,7 @@ void WatchScreen::drawFooter(WatchModel const& model) {
                        std::to_string(model.rowCount());
     int const width = static_cast<int>(place.size());
     std::vector<Piece> pieces;
+    pieces.reserve(keyHelp.size());
     for (auto const& help : keyHelp) {
         pieces.push_back({help.hint, help.rank, dim});
     }

@@ -13,6 +13,7 @@ namespace qel::watch {
 namespace {
 
 constexpr std::uint64_t shortestBucketMs = 2000; // with History::length, three minutes
+constexpr std::uint64_t clockToleranceMs = 60000;
 
 std::string contentText(UnitStructure const& structure) {
     return std::to_string(structure.points().size()) + " points, " +
@@ -93,8 +94,20 @@ std::vector<ValueChange> WatchedUnit::update(Snapshot const& snapshot) {
         })) {
         delivered_ = snapshot.ticks;
     }
+    newest_ = newestDelivery();
     noteStates(changes);
     return changes;
+}
+
+/// Times ahead of the clock tell nothing.
+std::uint64_t WatchedUnit::newestDelivery() const {
+    std::uint64_t newest = 0;
+    for (auto const& value : structure_.values()) {
+        if (auto const at = record(value).at; at <= snapshot_.now + clockToleranceMs) {
+            newest = std::max(newest, at);
+        }
+    }
+    return newest;
 }
 
 shm::record::QelShmMVal const& WatchedUnit::record(UnitValue const& value) const {
@@ -106,12 +119,15 @@ eStatus_Bits WatchedUnit::stateOf(UnitPoint const& point) const {
 }
 
 ValueAge WatchedUnit::ageOf(UnitValue const& value) const {
-    if (record(value).at == 0) {
+    auto const at = record(value).at;
+    if (at == 0) {
         return {0, true, false};
     }
-    auto const seen = tracker_.sinceDelivery(value.pos, snapshot_.ticks);
-    return seen ? ValueAge{*seen, false, false}
-                : ValueAge{tracker_.sinceSeen(value.pos, snapshot_.ticks), false, true};
+    if (auto const seen = tracker_.sinceDelivery(value.pos, snapshot_.ticks)) {
+        return {*seen, false, false};
+    }
+    auto const behind = newest_ - std::min(newest_, at);
+    return {std::max(tracker_.sinceSeen(value.pos, snapshot_.ticks), behind), false, true};
 }
 
 bool WatchedUnit::isStale(UnitValue const& value, Freshness const& freshness) const {

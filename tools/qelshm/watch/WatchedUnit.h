@@ -32,7 +32,9 @@ struct Freshness {
 struct ValueAge {
     std::uint64_t ms; ///< 0 for never
     bool isNever;     ///< the value was never delivered, so it has no number
-    bool isAtLeast;   ///< no delivery was seen; the last one was before the value was seen
+    bool
+        isAtLeast; ///< no delivery was seen: it is the time since the value was seen first, or the time by which the
+                   ///< newest delivery of all is newer, by the writer's clock
 };
 
 /// Takes snapshots and keeps what they have changed: deliveries, numbers, events. Copies are independent of each other.
@@ -86,12 +88,14 @@ private:
     void noteCondition(inspect::Condition before, eStatus_Bits stateBefore);
     void noteStates(std::vector<ValueChange> const& changes);
     void beginObject();
+    std::uint64_t newestDelivery() const;
 
     Snapshot snapshot_;
     inspect::RegionStatus status_;
     UnitStructure structure_;
     ValueTracker tracker_;
     EventLog events_;
+    std::uint64_t newest_ = 0; ///< by the writer's clock, ms since 1970 UTC; 0 for none
     unsigned structureChanges_ = 0;
     bool isBegun_ = false;
     std::optional<std::uint64_t> live_;       ///< ticks at which this object's content was there first

@@ -68,7 +68,7 @@ TEST_P(EachFatalSignalTest, Signal_RestoresTheTerminalThenEndsTheProcess) {
     EXPECT_EQ(GetParam(), signalOf([&] {
                   static_cast<void>(::signal(GetParam(), SIG_DFL)); // a sanitizer would exit instead
                   FatalSignals const sut(programSide, before, "back");
-                  ::raise(GetParam());
+                  static_cast<void>(::raise(GetParam()));
               }));
     EXPECT_TRUE(isAsBefore());
     EXPECT_EQ("back", output());
@@ -81,7 +81,7 @@ TEST_F(FatalSignalsTest, IgnoredSignal_StaysIgnored) {
     EXPECT_EQ(0, signalOf([&] {
                   static_cast<void>(::signal(SIGQUIT, SIG_IGN));
                   FatalSignals const sut(programSide, before, "back");
-                  ::raise(SIGQUIT);
+                  static_cast<void>(::raise(SIGQUIT));
               }));
     EXPECT_FALSE(isAsBefore());
 }
@@ -90,7 +90,7 @@ TEST_F(FatalSignalsTest, AfterTheObject_SignalsDoWhatTheyDidBefore) {
     EXPECT_EQ(SIGABRT, signalOf([&] {
                   static_cast<void>(::signal(SIGABRT, SIG_DFL));
                   { FatalSignals const sut(programSide, before, "back"); }
-                  ::raise(SIGABRT);
+                  static_cast<void>(::raise(SIGABRT));
               }));
     EXPECT_FALSE(isAsBefore());
 }
@@ -98,7 +98,7 @@ TEST_F(FatalSignalsTest, AfterTheObject_SignalsDoWhatTheyDidBefore) {
 TEST_F(FatalSignalsTest, LongText_IsCutOff) {
     EXPECT_EQ(SIGQUIT, signalOf([&] {
                   FatalSignals const sut(programSide, before, std::string(5000, 'x'));
-                  ::raise(SIGQUIT);
+                  static_cast<void>(::raise(SIGQUIT));
               }));
     EXPECT_EQ(std::string(100, 'x'), output());
 }

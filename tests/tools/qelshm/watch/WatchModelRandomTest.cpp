@@ -64,10 +64,12 @@ private:
         for (std::uint32_t device = 1; device <= devices; ++device) {
             auto const base = test::unitId + (static_cast<long long>(device - 1) << 56);
             auto const unit = unit_->point(base);
-            for (std::uint32_t inlet = 1; inlet <= pick(4); ++inlet) {
+            auto const inlets = pick(4);
+            for (std::uint32_t inlet = 1; inlet <= inlets; ++inlet) {
                 auto const point =
                     unit_->point((base & ~(0xFFLL << 32)) | (static_cast<long long>(inlet) << 32), unit);
-                for (std::uint16_t key = 1; key <= pick(5); ++key) {
+                auto const count = static_cast<std::uint16_t>(pick(5));
+                for (std::uint16_t key = 1; key <= count; ++key) {
                     unit_->value(point, key);
                     ++values_;
                 }

@@ -615,7 +615,7 @@ TEST_F(WatchModelTest, Marks_KeepCurvesInTheGraph) {
     EXPECT_EQ("inlet1 Active Power", sut.detail().curves[0].name);
     EXPECT_EQ("inlet1 Voltage", sut.detail().curves[1].name);
     act({Action::Mark, Action::Down, Action::Mark, Action::Down});
-    EXPECT_EQ(WatchModel::mostCurves, sut.detail().curves.size());
+    EXPECT_EQ(CurveMarks::most + 1, sut.detail().curves.size());
     act({Action::Open, Action::Down, Action::Down, Action::Mark});
     EXPECT_THAT(sut.header().note, HasSubstr("3 values are marked, which is the most"));
     act({Action::First, Action::Down, Action::Mark});

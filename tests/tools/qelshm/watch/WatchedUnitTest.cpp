@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
 #include <stdexcept>
 
 namespace qel::watch {
@@ -29,6 +30,7 @@ protected:
 
     std::vector<std::string> events() const {
         std::vector<std::string> texts;
+        texts.reserve(sut.events().events().size());
         for (auto const& event : sut.events().events()) {
             texts.push_back(event.text);
         }
@@ -84,6 +86,24 @@ TEST_F(WatchedUnitTest, Stale_IsWhatWasNotDeliveredForLonger) {
     EXPECT_TRUE(sut.isStale(valueAt(unit.inletPower), freshness));
     EXPECT_FALSE(sut.isStale(valueAt(unit.inletVoltage), freshness)) << "never delivered";
     EXPECT_FALSE(sut.isStale(valueAt(unit.socket2Power), freshness)) << "its state says it";
+}
+
+TEST_F(WatchedUnitTest, OldValueAmongFreshOnes_IsStaleAtOnce) {
+    constexpr std::uint64_t fiveHours = 18000000;
+    auto const now = unit.snapshot(0).now;
+    unit.deliver(unit.inletPower, 1.0, now);
+    unit.deliver(unit.inletVoltage, 1.0, now - fiveHours);
+    unit.deliver(unit.socket2Power, 1.0, std::numeric_limits<std::uint64_t>::max());
+    sut.update(unit.snapshot(0));
+    auto const age = sut.ageOf(valueAt(unit.inletVoltage));
+    EXPECT_EQ(fiveHours, age.ms);
+    EXPECT_TRUE(age.isAtLeast);
+    EXPECT_TRUE(sut.isStale(valueAt(unit.inletVoltage), {}));
+    EXPECT_FALSE(sut.isStale(valueAt(unit.inletPower), {}));
+    EXPECT_FALSE(sut.isStale(valueAt(unit.socket2Power), {})) << "its time tells nothing";
+    unit.deliver(unit.inletVoltage, 2.0, now - fiveHours + 1);
+    sut.update(unit.snapshot(1000));
+    EXPECT_FALSE(sut.isStale(valueAt(unit.inletVoltage), {})) << "a delivery was seen";
 }
 
 TEST_F(WatchedUnitTest, FirstSnapshot_IsNoEvent) {
