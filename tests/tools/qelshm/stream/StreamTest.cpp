@@ -57,9 +57,9 @@ TEST_F(StreamTest, Json_IsThePictureThenTheChanges) {
 
     store(180.0, eStatus_LowAlarm);
 
-    std::vector<std::string> paths;
-    for (int line = 0; line < 3; ++line) {
-        paths.push_back(nlohmann::json::parse(sut.readLine().value_or("{}")).at("path"));
+    std::vector<std::string> paths(3);
+    for (auto& path : paths) {
+        path = nlohmann::json::parse(sut.readLine().value_or("{}")).at("path");
     }
     EXPECT_EQ((std::vector<std::string>{"unit1", "unit1/inlet1", "unit1/inlet1:voltage"}), paths);
     EXPECT_EQ(0, sut.wait());

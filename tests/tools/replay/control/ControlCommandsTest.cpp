@@ -66,7 +66,7 @@ TEST_F(ControlCommandsTest, NothingDone_IsAnError) {
 }
 
 TEST_F(ControlCommandsTest, AnyOtherLine_IsAnErrorWithoutControlCharacters) {
-    std::string const rest = ": unknown command; expected \"set NAME=VALUE[,STATE]\" or \"unset NAME\"";
+    std::string const rest = R"(: unknown command; expected "set NAME=VALUE[,STATE]" or "unset NAME")";
     EXPECT_EQ("error: \"\"" + rest, sut_.answer(""));
     EXPECT_EQ("error: \"\\x1b[31m\"" + rest, sut_.answer("\x1B[31m"));
     EXPECT_EQ("error: \"set\"" + rest, sut_.answer("set"));
