@@ -37,9 +37,8 @@ void openStandardDescriptors() {
         if (::fcntl(descriptor, F_GETFD) != -1) {
             continue;
         }
-        // The lowest free descriptor is this one. Read-only, so that writing to it fails.
-        if (::open("/dev/null", O_RDONLY) !=
-            descriptor) { // NOLINT(android-cloexec-open): as standard as the others
+        // The lowest free descriptor is this one. Read-only, so that writing to it fails; inherited like the others.
+        if (::open("/dev/null", O_RDONLY) != descriptor) {
             throw std::system_error(errno, std::generic_category(), "/dev/null");
         }
     }

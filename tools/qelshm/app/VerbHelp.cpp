@@ -6,6 +6,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <set>
 #include <utility>
 #include <vector>
@@ -43,8 +44,9 @@ std::vector<CLI::Option const*> ownOptions(CLI::App const& verb) {
 std::vector<CLI::Option const*> commonOptions(CLI::App const& verb) {
     auto const& refused = Refusals::of(verb);
     return verb.get_parent()->get_options([&](CLI::Option const* option) {
-        return isVisible(option) && option->get_name() != "--version" &&
-               refused.count(const_cast<CLI::Option*>(option)) == 0; // NOLINT: only looked up
+        bool const isRefused = std::any_of(refused.begin(), refused.end(),
+                                           [&](CLI::Option const* each) { return each == option; });
+        return isVisible(option) && !isRefused && option->get_name() != "--version";
     });
 }
 
