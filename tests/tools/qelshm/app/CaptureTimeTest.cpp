@@ -4,9 +4,14 @@
 #include "tools/qelshm/app/CaptureTime.h"
 
 #include "tests/tools/qelshm/ImageFolder.h"
+#include "tests/tools/qelshm/QelshmRun.h"
 #include "tests/tools/qelshm/SampleCapture.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
 
 namespace qel::tools {
 
@@ -55,6 +60,36 @@ TEST(CaptureTimeTest, MomentOutside_NamesFirstAndLastTime) {
                      "2023-11-14T22:14:20Z",
                      error.what());
     }
+}
+
+TEST(CaptureTimeTest, EveryVerbThatTakesAnImage_ShowsTheMoment) {
+    test::ImageFolder const folder;
+    auto const file = test::sampleCapture();
+    std::vector<std::vector<std::string>> const verbs{
+        {"status"},          {"tree"}, {"list"},  {"get", "unit1/inlet1"},
+        {"find", "socket2"}, {"why"},  {"check"}, {"dump", "x.img"}};
+    for (auto const& verb : verbs) {
+        std::vector<std::string> arguments{"--image", file, "--at", "-35s", "--json"};
+        arguments.insert(arguments.end(), verb.begin(), verb.end());
+        auto const outcome = test::runQelshm(arguments);
+        EXPECT_EQ("", outcome.errors) << verb.front();
+        auto const document = nlohmann::json::parse(outcome.output);
+        EXPECT_EQ("2023-11-14T22:13:45Z", document.at("source").at("capture").at("time").at("text"))
+            << verb.front();
+        EXPECT_EQ(test::captureStart + 25000, document.at("now")) << "ages count from the sample";
+    }
+    auto const dumped = test::runQelshm({"--image", "x.img", "why"}).output;
+    EXPECT_EQ(dumped.substr(0, dumped.find('\n')), "the unit is Child Alarm") << "as it was at that moment";
+}
+
+TEST(CaptureTimeTest, MomentWithoutACapture_IsAnError) {
+    test::ImageFolder const folder;
+    auto const image = folder.add("healthy");
+    EXPECT_EQ(2, test::runQelshm({"--at", "-5s", "status"}).status);
+    EXPECT_EQ("qelshm: --at requires --image\n", test::runQelshm({"--at", "-5s", "status"}).errors);
+    EXPECT_EQ("qelshm: --at needs a capture of record; healthy.img is an image of a single moment\n",
+              test::runQelshm({"--image", image, "--at", "-5s", "status"}).errors);
+    EXPECT_EQ(2, test::runQelshm({"--image", image, "--at", "soon", "status"}).status);
 }
 
 } // namespace qel::tools
