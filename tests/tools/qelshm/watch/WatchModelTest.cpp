@@ -653,7 +653,7 @@ TEST_F(WatchModelTest, EventPane_EndsWithTheNewest) {
     EXPECT_THAT(sut.paneLines(), IsEmpty());
     for (unsigned round = 1; round <= 3; ++round) {
         unit.deliver(unit.inletPower, round, round, round % 2 == 0 ? eStatus_NoError : eStatus_HighAlarm);
-        sut.update(unit.snapshot(round * 1000));
+        sut.update(unit.snapshot(round * std::uint64_t{1000}));
     }
     ASSERT_EQ(2U, sut.paneLines().size());
     EXPECT_EQ("2023-06-09T00:00:03Z  unit1/inlet1:active-power: No Error => High Alarm",
