@@ -6,8 +6,8 @@
 #pragma once
 
 #include "inspect/capture/CaptureFormat.h"
-#include "inspect/image/InputFile.h"
 #include "inspect/image/Image.h"
+#include "inspect/image/InputFile.h"
 
 #include <cstddef>
 #include <cstdint>
