@@ -7,8 +7,8 @@
 
 #include "inspect/capture/CaptureFormat.h"
 #include "inspect/capture/FrameRegion.h"
-#include "inspect/image/InputFile.h"
 #include "inspect/image/Image.h"
+#include "inspect/image/InputFile.h"
 
 #include <cstddef>
 #include <cstdint>

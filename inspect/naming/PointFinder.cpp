@@ -41,22 +41,21 @@ std::uint32_t PointFinder::point(std::string_view text) const {
     if (found) {
         return *found;
     }
-    throw noPoint(text);
+    throw NotFoundError(noPointText(text));
 }
 
-NotFoundError PointFinder::noPoint(std::string_view text) const {
-    auto const problem = "there is no point " + quoted(text);
+std::string PointFinder::noPointText(std::string_view text) const {
+    auto problem = "there is no point " + quoted(text);
     if (tree_.nodes().empty()) {
-        return NotFoundError(problem + "; there are no points at all");
+        problem += "; there are no points at all";
+    } else if (!parseSvid(text)) { // ids that look alike belong to points that have nothing in common
+        Nearest nearest(text);
+        for (auto const& candidate : tree_.nodes()) {
+            nearest.add(pointPath(svidOf(candidate)));
+        }
+        problem += "; the nearest one is " + nearest.candidate();
     }
-    if (parseSvid(text)) {
-        return NotFoundError(problem); // ids that look alike belong to points that have nothing in common
-    }
-    Nearest nearest(text);
-    for (auto const& candidate : tree_.nodes()) {
-        nearest.add(pointPath(svidOf(candidate)));
-    }
-    return NotFoundError(problem + "; the nearest one is " + nearest.candidate());
+    return problem;
 }
 
 std::optional<std::uint32_t> PointFinder::node(long long svid) const {

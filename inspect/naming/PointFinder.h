@@ -38,9 +38,6 @@ public:
     /// @throws NotFoundError
     std::uint32_t point(std::string_view text) const;
 
-    /// What to tell somebody who asked for a point that does not exist.
-    NotFoundError noPoint(std::string_view text) const;
-
     /// Finds the node with an id. The key in the id is ignored.
     /// @return none if there is no such node
     std::optional<std::uint32_t> node(long long svid) const;
@@ -55,6 +52,7 @@ public:
     std::optional<std::uint32_t> value(std::uint32_t node, unsigned short key) const;
 
 private:
+    std::string noPointText(std::string_view text) const;
     std::string keysOf(PointNode const& node) const;
     long long svidOf(PointNode const& node) const { return image_.region().points[node.pos].guid; }
 

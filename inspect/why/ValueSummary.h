@@ -24,11 +24,11 @@ struct OldValue {
 
 /// Values by state and age. Each count stands for itself: a value in alarm may be stale, too.
 struct ValueSummary {
-    std::size_t alarm = 0;   ///< states of the class Alarm but "Lost", which have a count of their own
-    std::size_t warning = 0; ///< states of the class Warning
-    std::size_t lost = 0;    ///< state "Lost"
-    std::size_t never = 0;   ///< never delivered
-    std::size_t stale = 0;   ///< delivered, but long before the newest value
+    std::size_t alarm = 0;          ///< states of the class Alarm but "Lost", which have a count of their own
+    std::size_t warning = 0;        ///< states of the class Warning
+    std::size_t lost = 0;           ///< state "Lost"
+    std::size_t never = 0;          ///< never delivered
+    std::size_t stale = 0;          ///< delivered, but long before the newest value
     std::optional<OldValue> oldest; ///< the first of those that were delivered longest ago; none if none was
 };
 
