@@ -62,7 +62,8 @@ void AlarmCaptures::begin(std::uint64_t time) {
     });
     if (bounds_.files != 0 && files_.size() > bounds_.files) {
         if (::unlink(files_.front().c_str()) != 0 && errno != ENOENT) {
-            throw CaptureError("cannot remove " + files_.front() + ": " + std::generic_category().message(errno));
+            throw CaptureError("cannot remove " + files_.front() + ": " +
+                               std::generic_category().message(errno));
         }
         files_.erase(files_.begin());
     }

@@ -32,7 +32,8 @@ public:
     /// @param before samples up to this time before an alarm are written, as far as the memory of CaptureRing holds them
     /// @param after  and those up to this time after it began
     /// @param bounds the oldest file of this object that is too many is removed; CaptureBounds::files 0 keeps all
-    AlarmCaptures(Name name, std::chrono::milliseconds before, std::chrono::milliseconds after, CaptureBounds bounds);
+    AlarmCaptures(Name name, std::chrono::milliseconds before, std::chrono::milliseconds after,
+                  CaptureBounds bounds);
 
     void append(std::uint64_t time, Image const& image) override;
     void close() override;

@@ -209,7 +209,8 @@ Frame frameFrom(std::string_view head, std::string_view content, Image const& be
     auto const frame = checkedFrame(head, content);
     auto region = std::make_unique<shm::record::Region>(before.region());
     forEachRun(frame, [&](std::size_t word, std::string_view words) {
-        std::memcpy(reinterpret_cast<unsigned char*>(region.get()) + word * wordSize, words.data(), words.size());
+        std::memcpy(reinterpret_cast<unsigned char*>(region.get()) + word * wordSize, words.data(),
+                    words.size());
     });
     return {frame.elapsed, Image(std::move(region), frame.size)};
 }

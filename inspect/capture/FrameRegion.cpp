@@ -67,8 +67,8 @@ void FrameRegion::note(std::size_t word) {
         auto const field = (word - firstValue) % valueWords;
         bool const isTime = field == valueTime;
         hasChangedStates_ = hasChangedStates_ || (!isTime && field != valueNumber);
-        hasClearedTimes_ = hasClearedTimes_ ||
-                           (isTime && region_->values[(word - firstValue) / valueWords].at == 0);
+        hasClearedTimes_ =
+            hasClearedTimes_ || (isTime && region_->values[(word - firstValue) / valueWords].at == 0);
     } else {
         hasChangedStates_ = true;
     }

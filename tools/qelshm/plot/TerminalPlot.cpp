@@ -103,13 +103,13 @@ private:
         }
         auto const part =
             static_cast<double>(time - data_.from) / static_cast<double>(data_.until - data_.from);
-        return std::min(last, static_cast<std::size_t>(part * static_cast<double>(last) + 0.5));
+        return std::min(last, static_cast<std::size_t>(std::lround(part * static_cast<double>(last))));
     }
 
     std::size_t lineOf(double number) const {
         auto const last = static_cast<double>(canvas_.height() * BrailleCanvas::dotsDown - 1);
         auto const part = (axis_.high - number) / (axis_.high - axis_.low);
-        return static_cast<std::size_t>(std::clamp(part, 0.0, 1.0) * last + 0.5);
+        return static_cast<std::size_t>(std::lround(std::clamp(part, 0.0, 1.0) * last));
     }
 
     std::size_t rowOf(double number) const { return lineOf(number) / BrailleCanvas::dotsDown; }
@@ -244,7 +244,8 @@ std::string legend(PlotData const& data, TerminalSize const& size) {
                                               : "least " + numberText(curve, series.least()) + ", greatest " +
                                                     numberText(curve, series.greatest()) + ", last " +
                                                     numberText(curve, series.last());
-        auto const line = curveColoured(mark + name, index, size.isColoured) + "  " + numbers;
+        auto line = curveColoured(mark + name, index, size.isColoured);
+        line.append("  ").append(numbers);
         text += (size.isAscii ? tools::asciiOnly(line) : line) + '\n';
     }
     for (auto const& limit : data.limits) {

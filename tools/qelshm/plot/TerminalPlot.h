@@ -28,7 +28,8 @@ std::size_t dotColumns(std::size_t terminalWidth);
 
 /// Draws curves as lines of dots with axes, times, a row of warnings (~) and alarms (!) for each curve that has some,
 /// and a legend. Several curves have a letter each. Reentrant.
+/// @param terminal a smaller one than leastPlotWidth and leastPlotHeight counts as that large
 /// @return lines with their ends; more of them than the terminal has if there are many curves
-std::string terminalPlot(PlotData const& data, TerminalSize const& size);
+std::string terminalPlot(PlotData const& data, TerminalSize const& terminal);
 
 } // namespace qel::plot
