@@ -28,6 +28,12 @@ std::unique_ptr<shm::record::Region> copyOf(void const* bytes, std::uint64_t siz
 
 Image::Image() : Image(nullptr, 0) {}
 
+Image Image::wiped() {
+    auto region = std::make_unique<shm::record::Region>();
+    std::memset(static_cast<void*>(region.get()), shm::WIPE_BYTE, shm::REGION_SIZE);
+    return {std::move(region), shm::REGION_SIZE};
+}
+
 Image::Image(void const* bytes, std::uint64_t size) : Image(copyOf(bytes, size), size) {}
 
 Image::Image(std::unique_ptr<shm::record::Region> region, std::uint64_t size) : size_(size) {

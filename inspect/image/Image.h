@@ -26,6 +26,9 @@ public:
     /// The image of a source without bytes.
     Image();
 
+    /// A whole region as nobody has written to it: each byte is WIPE_BYTE.
+    static Image wiped();
+
     /// Copies from memory.
     /// @param bytes the source's first min(size, REGION_SIZE) bytes
     /// @param size  how many bytes the source has

@@ -69,6 +69,12 @@ TEST(ImageTest, AnImageOfNothingReadsAsWiped) {
     EXPECT_EQ(0xFFFF, image.value(8799)->key);
 }
 
+TEST(ImageTest, Wiped_HasEveryByteAndNothingInThem) {
+    auto const image = Image::wiped();
+    EXPECT_TRUE(image.isWhole());
+    EXPECT_EQ(std::string(shm::REGION_SIZE, static_cast<char>(shm::WIPE_BYTE)), image.bytes());
+}
+
 TEST(ImageTest, FindsSlotsByPositionAndNothingBehindTheLast) {
     auto const source = sourceBytes(rawRegionSize);
     Image const image(source.data(), source.size());

@@ -11,7 +11,6 @@
 #include "format/ValueKeys.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 namespace qel::test {
@@ -49,12 +48,6 @@ Image withPower(Image const& image, double watts, std::uint64_t time) {
     return {std::move(region), image.size()};
 }
 
-Image wiped() {
-    auto region = std::make_unique<shm::record::Region>();
-    std::memset(static_cast<void*>(region.get()), shm::WIPE_BYTE, shm::REGION_SIZE);
-    return {std::move(region), shm::REGION_SIZE};
-}
-
 /// As a new writing process leaves it before its first delivery.
 Image fresh(Image const& image) {
     auto region = std::make_unique<shm::record::Region>(image.region());
@@ -88,7 +81,7 @@ Image imageAt(std::uint64_t second, Images const& images) {
     if (second < 55) {
         return withPower(images.healthy, 1000.0, time);
     }
-    return second < 57 ? wiped() : fresh(images.healthy);
+    return second < 57 ? Image::wiped() : fresh(images.healthy);
 }
 
 } // namespace

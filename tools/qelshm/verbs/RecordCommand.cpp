@@ -20,7 +20,6 @@
 #include <CLI/Validators.hpp>
 
 #include <algorithm>
-#include <cstring>
 
 namespace qel::tools {
 
@@ -54,13 +53,6 @@ std::string compactTime(std::uint64_t time) {
         std::remove_if(text.begin(), text.end(), [](char letter) { return letter == '-' || letter == ':'; }),
         text.end());
     return text;
-}
-
-/// A region that nobody has written to. It stands for a missing one, because a capture with it can be replayed.
-inspect::Image wipedImage() {
-    auto region = std::make_unique<shm::record::Region>();
-    std::memset(static_cast<void*>(region.get()), shm::WIPE_BYTE, shm::REGION_SIZE);
-    return {std::move(region), shm::REGION_SIZE};
 }
 
 /// What there is to record at each moment.
@@ -97,7 +89,8 @@ private:
 
     std::function<void(std::string const&)> const& tell_;
     std::optional<inspect::RegionObject> object_;
-    inspect::Image wiped_ = wipedImage();
+    inspect::Image wiped_ =
+        inspect::Image::wiped(); ///< stands for a missing region, because it can be replayed
     std::string told_;
 };
 
