@@ -26,16 +26,15 @@ TEST(FindingCodeTest, NamesAreThoseThatScriptsKnow) {
     for (auto const& kind : findingKinds) {
         names.emplace_back(kind.name);
     }
-    EXPECT_THAT(names,
-                testing::ElementsAre(
-                    "region-too-short", "region-too-long", "version-unknown", "root-id-wrong",
-                    "root-unused-set", "reserved-changed", "link-out-of-range", "link-to-unused-slot",
-                    "head-not-first", "next-not-mirrored", "prev-not-mirrored", "parent-mismatch",
-                    "point-linked-twice", "value-linked-twice", "pos-mismatch", "id-has-key", "id-of-root",
-                    "id-not-unique", "kind-not-of-list", "order-broken", "key-missing", "key-not-unique",
-                    "state-out-of-range", "number-not-finite", "child-not-listed", "state-not-folded",
-                    "global-state-not-folded", "owner-not-expected", "mode-too-loose", "name-not-unique",
-                    "time-out-of-range", "time-ahead"));
+    EXPECT_THAT(names, testing::ElementsAre(
+                           "region-too-short", "region-too-long", "version-unknown", "root-id-wrong",
+                           "root-unused-set", "reserved-changed", "link-out-of-range", "link-to-unused-slot",
+                           "head-not-first", "next-not-mirrored", "prev-not-mirrored", "parent-mismatch",
+                           "point-linked-twice", "value-linked-twice", "pos-mismatch", "id-has-key",
+                           "id-of-root", "id-not-unique", "kind-not-of-list", "order-broken", "key-missing",
+                           "key-not-unique", "state-out-of-range", "number-not-finite", "child-not-listed",
+                           "state-not-folded", "global-state-not-folded", "owner-not-expected",
+                           "mode-too-loose", "name-not-unique", "time-out-of-range", "time-ahead"));
 }
 
 TEST(FindingCodeTest, EachHasOneLineOfExplanation_AndOnlyFourAreNotes) {

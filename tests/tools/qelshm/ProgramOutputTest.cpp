@@ -44,8 +44,7 @@ ShellOutcome shellOutcome(std::string const& line) {
 /// Runs a program with its output full and with its output closed.
 void expectFailure(std::string const& program, std::string const& arguments, std::string const& path) {
     for (std::string const output : {" >/dev/full", " >&-"}) {
-        auto const line = path + ' ' + arguments;
-        auto const outcome = shellOutcome(line + output);
+        auto const outcome = shellOutcome((path + ' ').append(arguments).append(output));
         EXPECT_EQ(1, outcome.status) << arguments << output;
         EXPECT_EQ(program + ": the output cannot be written\n", outcome.errors) << arguments << output;
     }
@@ -76,6 +75,7 @@ std::vector<std::string> verbs() {
     auto const optional = tools::defineQelshmOptions(app, options);
     auto const commands = tools::allCommands();
     std::vector<std::string> names;
+    names.reserve(commands.size());
     for (auto const& command : commands) {
         names.push_back(command->define(app, optional).get_name());
     }
@@ -156,8 +156,11 @@ TEST(ProgramOutputManagerTest, HardwareManager_ServesOnAndFailsInTheEnd) {
     std::string const ask = "gdbus call --system --dest org.qel.HardwareManager --object-path / --method "
                             "org.qel.HardwareManager.initialized >&2 2>/dev/null";
     for (std::string const output : {">/dev/full", ">&-", "<&- >&- 2>&-"}) {
-        auto const outcome = shellOutcome(QEL_HARDWARE_MANAGER " " + output + " & for try in {1..100}; do " +
-                                          ask + " && break; sleep 0.1; done; kill $!; wait $!");
+        auto line = QEL_HARDWARE_MANAGER " " + output;
+        line.append(" & for try in {1..100}; do ")
+            .append(ask)
+            .append(" && break; sleep 0.1; done; kill $!; wait $!");
+        auto const outcome = shellOutcome(line);
         EXPECT_EQ(1, outcome.status) << output;
         EXPECT_THAT(outcome.errors, testing::StartsWith("(0,)\n")) << output;
         bool const isTold = output.find("2>") == std::string::npos;
