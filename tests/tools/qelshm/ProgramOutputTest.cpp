@@ -7,6 +7,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFile.h"
 #include "tests/tools/qelshm/ImageFolder.h"
+#include "tests/tools/qelshm/SampleCapture.h"
 #include "tests/tools/replay/QelReplayProcess.h"
 
 #include "inspect/capture/CaptureReader.h"
@@ -63,6 +64,9 @@ std::map<std::string, std::string> printingArguments() {
             {"diff", "live live --json"},
             {"hz", "--duration 0.05"},
             {"record", "--duration 0.05 \"$(mktemp -u)\""},
+            {"log", "night.rec"},
+            {"export", "night.rec --csv"},
+            {"plot", "night.rec unit1/inlet1/circuit1/socket2:active-power"},
             {"watch", "--count 3 --interval 0.05"},
             {"wait", "active"},
             {"complete", "name u"},
@@ -87,6 +91,7 @@ protected:
     ProgramOutputTest() { EXPECT_TRUE(replay_.readUntil("region active")); }
 
     ImageFolder const folder_;
+    std::string const capture_ = sampleCapture(); // before the replay, because it has a writer of its own
     TempFile const file_{outputRows};
     QelReplayProcess replay_{{"--speed", "10", "--loop", file_.path()}};
 };
