@@ -25,9 +25,9 @@ struct CaptureEvent {
         Change,   ///< see difference
     };
 
-    std::uint64_t time; ///< ms since 1970 UTC; of a gap: of the sample behind it
-    Kind kind;
-    std::uint64_t gap; ///< length of a gap in ms
+    std::uint64_t time = 0; ///< ms since 1970 UTC; of a gap: of the sample behind it
+    Kind kind = Kind::Change;
+    std::uint64_t gap = 0; ///< length of a gap in ms
     std::optional<Difference>
         difference; ///< of a change; neither a number nor the region's version or activity
 };

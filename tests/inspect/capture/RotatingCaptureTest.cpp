@@ -25,7 +25,7 @@ using RotatingCaptureTest = test::CaptureTest;
 
 /// Random images of a whole region, 100 ms apart, from 1000 on.
 std::vector<Image> append(RotatingCapture& sut, std::size_t count) {
-    auto const images = test::randomImages(count, 12);
+    auto images = test::randomImages(count, 12);
     for (std::size_t index = 0; index < count; ++index) {
         sut.append(1000 + index * 100, images[index]);
     }

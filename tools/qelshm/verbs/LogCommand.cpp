@@ -82,17 +82,25 @@ std::string line(CaptureEvent const& event, bool isColoured) {
 }
 
 Json jsonEvent(CaptureEvent const& event) {
-    auto const& difference = event.difference;
-    auto const key = difference ? difference->key : std::nullopt;
-    return {{"at", jsonTime(event.time)},
-            {"event", eventName(event)},
-            {"svid", difference ? Json(shm::svidText(difference->svid)) : Json()},
-            {"path", difference ? textOrNull(difference->path) : Json()},
-            {"key", key ? Json(*key) : Json()},
-            {"name", key ? Json(shm::keyName(*key)) : Json()},
-            {"before", difference ? jsonSide(difference->before, *difference) : Json()},
-            {"after", difference ? jsonSide(difference->after, *difference) : Json()},
-            {"gapMs", event.kind == CaptureEvent::Kind::Gap ? Json(event.gap) : Json()}};
+    Json document{{"at", jsonTime(event.time)}, {"event", eventName(event)}};
+    for (char const* const name : {"svid", "path", "key", "name", "before", "after", "gapMs"}) {
+        document[name] = nullptr;
+    }
+    if (event.kind == CaptureEvent::Kind::Gap) {
+        document["gapMs"] = event.gap;
+    }
+    if (event.difference) {
+        auto const& difference = *event.difference;
+        document["svid"] = shm::svidText(difference.svid);
+        document["path"] = textOrNull(difference.path);
+        document["before"] = jsonSide(difference.before, difference);
+        document["after"] = jsonSide(difference.after, difference);
+        if (difference.key) {
+            document["key"] = *difference.key;
+            document["name"] = shm::keyName(*difference.key);
+        }
+    }
+    return document;
 }
 
 } // namespace

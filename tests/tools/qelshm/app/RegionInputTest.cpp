@@ -10,12 +10,14 @@
 #include "tests/tools/qelshm/SampleCapture.h"
 #include "tests/tools/qelshm/SampleImages.h"
 
+#include "inspect/image/FileDescriptor.h"
 #include "inspect/image/ImageFile.h"
 #include "inspect/naming/StateClass.h"
 
 #include <gmock/gmock.h>
 
-#include <cstdio>
+#include <unistd.h>
+
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -115,10 +117,14 @@ TEST(RegionInputTest, DamagedCapture_IsToldAndShown) {
 }
 
 TEST(RegionInputTest, CaptureInAPipe_IsAnError) {
-    test::ImageFolder const folder;
-    test::sampleCapture();
-    std::unique_ptr<FILE, int (*)(FILE*)> const pipe(::popen("head -c 100 night.rec", "r"), ::pclose);
-    auto const name = "/dev/fd/" + std::to_string(::fileno(pipe.get()));
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(0, ::pipe(ends));
+    inspect::FileDescriptor const output(ends[0]);
+    {
+        inspect::FileDescriptor const input(ends[1]);
+        EXPECT_EQ(0, inspect::writeAll(input.number(), "QELSHREC and more"));
+    }
+    auto const name = "/dev/fd/" + std::to_string(output.number());
     try {
         fileInput(name);
         FAIL() << "no error";
