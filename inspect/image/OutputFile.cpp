@@ -50,7 +50,8 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
     temporary_ = target_ + ".new-" + std::to_string(::getpid());
     fd_ = FileDescriptor(::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anyone));
     if (!fd_) {
-        cannotWrite(std::exchange(temporary_, {}), errno); // another process may own it
+        temporary_.clear(); // another process may own it
+        cannotWrite(path_, errno);
     }
 }
 

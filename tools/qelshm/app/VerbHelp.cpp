@@ -43,10 +43,14 @@ std::vector<CLI::Option const*> ownOptions(CLI::App const& verb) {
 
 std::vector<CLI::Option const*> commonOptions(CLI::App const& verb) {
     auto const& refused = Refusals::of(verb);
+    auto const isRefused = [&](CLI::Option const* option) {
+        return std::any_of(refused.begin(), refused.end(),
+                           [&](CLI::Option const* each) { return each == option; });
+    };
     return verb.get_parent()->get_options([&](CLI::Option const* option) {
-        bool const isRefused = std::any_of(refused.begin(), refused.end(),
-                                           [&](CLI::Option const* each) { return each == option; });
-        return isVisible(option) && !isRefused && option->get_name() != "--version";
+        auto const needed = option->get_needs();
+        bool const isUsable = !isRefused(option) && std::none_of(needed.begin(), needed.end(), isRefused);
+        return isVisible(option) && isUsable && option->get_name() != "--version";
     });
 }
 
