@@ -20,7 +20,7 @@ std::vector<std::uint64_t> timesIn(CaptureRing& sut, std::vector<Image> const& i
     std::vector<std::uint64_t> times;
     sut.drain([&](std::uint64_t time, Image const& image) {
         times.push_back(time);
-        test::expectSame(images.at(time / 100), image);
+        test::expectSame(images.at(static_cast<std::size_t>(time / 100)), image);
     });
     return times;
 }

@@ -60,7 +60,8 @@ TEST_F(RotatingCaptureTest, EveryFile_IsAWholeCaptureWithinItsBound) {
         EXPECT_TRUE(std::filesystem::file_size(file) <= most || timeline.samples() == 1);
         forEachSample(
             timeline, timeline.first(), timeline.last(), [&](CaptureReader const& reader, auto /*next*/) {
-                test::expectSame(images.at((reader.moment() - 1000) / 100), reader.region().image());
+                test::expectSame(images.at(static_cast<std::size_t>((reader.moment() - 1000) / 100)),
+                                 reader.region().image());
             });
         next = timeline.last() + 100;
     }

@@ -17,7 +17,6 @@ namespace qel::test {
 
 namespace {
 
-using testing::HasSubstr;
 
 std::string const socket2 = "unit1/inlet1/circuit1/socket2";
 
