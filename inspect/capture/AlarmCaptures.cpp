@@ -19,6 +19,12 @@ AlarmCaptures::AlarmCaptures(Name name, std::chrono::milliseconds before, std::c
       after_(static_cast<std::uint64_t>(after.count())),
       bounds_(bounds) {}
 
+void AlarmCaptures::tryFile(std::uint64_t time) const {
+    auto const file = name_(time);
+    CaptureWriter const writer(file, time);
+    ::unlink(file.c_str());
+}
+
 void AlarmCaptures::append(std::uint64_t time, Image const& image) {
     bool const isAlarm = alarms_.add(image);
     if (writer_ && time > end_ && !isAlarm) {
@@ -29,7 +35,9 @@ void AlarmCaptures::append(std::uint64_t time, Image const& image) {
     }
     if (writer_) {
         write(time, image);
-        return;
+        if (writer_ || !isAlarm) {
+            return;
+        }
     }
     ring_.add(time, image);
     ring_.forgetBefore(time - std::min(time, before_));
@@ -49,6 +57,9 @@ void AlarmCaptures::close() {
 void AlarmCaptures::begin(std::uint64_t time) {
     auto const file = name_(time);
     bool isFirst = true;
+    if (bounds_.size != 0) {
+        ring_.forgetBeyond(bounds_.size);
+    }
     ring_.drain([&](std::uint64_t sampleTime, Image const& image) {
         if (isFirst) {
             writer_.emplace(file, sampleTime);
@@ -56,9 +67,7 @@ void AlarmCaptures::begin(std::uint64_t time) {
             start_ = sampleTime;
             isFirst = false;
         }
-        if (writer_) {
-            write(sampleTime, image);
-        }
+        write(sampleTime, image);
     });
     if (bounds_.files != 0 && files_.size() > bounds_.files) {
         if (::unlink(files_.front().c_str()) != 0 && errno != ENOENT) {

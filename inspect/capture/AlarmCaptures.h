@@ -21,7 +21,9 @@
 namespace qel::inspect {
 
 /// Writes only what happens before and after alarms, into a file of its own for each. An alarm that begins while a file
-/// is open makes that file longer. A file that reaches its bound ends; what is left goes into no file.
+/// is open makes that file longer. A file holds its alarm: if the bound is too small for everything before it, the oldest
+/// samples are left out. A file that reaches its bound ends; what is left goes into no file, unless it is an alarm, which
+/// gets the next file.
 ///
 /// Threads: reentrant.
 class AlarmCaptures : public ICaptureSink {
@@ -34,6 +36,10 @@ public:
     /// @param bounds the oldest file of this object that is too many is removed; CaptureBounds::files 0 keeps all
     AlarmCaptures(Name name, std::chrono::milliseconds before, std::chrono::milliseconds after,
                   CaptureBounds bounds);
+
+    /// Makes the file of an alarm at this time and removes it, so that a problem shows before there is an alarm.
+    /// @throws CaptureError as append()
+    void tryFile(std::uint64_t time) const;
 
     void append(std::uint64_t time, Image const& image) override;
     void close() override;

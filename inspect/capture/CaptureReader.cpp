@@ -19,11 +19,17 @@
 
 namespace qel::inspect {
 
-CaptureReader::CaptureReader(std::string path) : path_(std::move(path)), file_(path_) {
-    if (!file_) {
+CaptureReader::CaptureReader(std::string path)
+    : CaptureReader(path, std::make_shared<InputFile const>(path)) {}
+
+CaptureReader::CaptureReader(std::string path, std::shared_ptr<InputFile const> file)
+    : path_(std::move(path)),
+      file_(std::move(file)) {
+    if (!*file_) {
         fail(std::generic_category().message(errno));
     }
-    auto const header = take(CAPTURE_HEADER_SIZE);
+    isRegular_ = file_->isRegular();
+    auto const header = take(0, CAPTURE_HEADER_SIZE);
     if (header.size() < CAPTURE_HEADER_SIZE) {
         fail("it is not a capture, or it ends within the header");
     }
@@ -68,7 +74,7 @@ bool CaptureReader::load() {
     if (loaded_) {
         return true;
     }
-    auto const head = take(FRAME_HEAD_SIZE);
+    auto const head = take(offset_, FRAME_HEAD_SIZE);
     if (head.empty()) {
         return false;
     }
@@ -77,7 +83,7 @@ bool CaptureReader::load() {
         failInSample("damaged: there is no sample of that length");
     }
     auto loaded = std::make_unique<Loaded>();
-    loaded->content = take(*size);
+    loaded->content = take(offset_ + FRAME_HEAD_SIZE, *size);
     if (head.size() < FRAME_HEAD_SIZE || loaded->content.size() < *size) {
         failInSample("cut off");
     }
@@ -95,11 +101,14 @@ bool CaptureReader::load() {
 }
 
 /// Fewer bytes at the end of the file.
-std::string CaptureReader::take(std::size_t count) const {
+std::string CaptureReader::take(std::uint64_t offset, std::size_t count) const {
     std::string bytes(count, '\0');
     try {
         bytes.resize(readAll(
-            [this](void* buffer, std::size_t size, off_t /*offset*/) { return file_.read(buffer, size); },
+            [&](void* buffer, std::size_t size, off_t done) {
+                return isRegular_ ? file_->readAt(buffer, size, static_cast<off_t>(offset) + done)
+                                  : file_->read(buffer, size); // a pipe has no offsets
+            },
             bytes.data(), count));
     } catch (std::system_error const& error) {
         fail(error.code().message());

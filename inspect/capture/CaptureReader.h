@@ -34,6 +34,12 @@ public:
     /// @throws CaptureError "cannot read FILE: No such file or directory"
     explicit CaptureReader(std::string path);
 
+    /// Reads a file that is open already. Several readers can share a regular file; each begins at its start.
+    /// @param path what the file is called in errors
+    /// @param file none if it cannot be opened, with errno
+    /// @throws CaptureError as above
+    CaptureReader(std::string path, std::shared_ptr<InputFile const> file);
+
     /// The start of the capture, ms since 1970 UTC.
     std::uint64_t startTime() const { return startTime_; }
 
@@ -78,12 +84,13 @@ private:
 
     bool load();
     std::uint64_t momentOf(std::uint64_t time) const;
-    std::string take(std::size_t count) const;
+    std::string take(std::uint64_t offset, std::size_t count) const;
     [[noreturn]] void fail(std::string const& problem) const;
     [[noreturn]] void failInSample(std::string const& problem);
 
     std::string path_;
-    InputFile file_;
+    std::shared_ptr<InputFile const> file_;
+    bool isRegular_ = false;
     std::uint64_t startTime_ = 0;
     std::uint64_t offset_ = 0;
     std::uint64_t samples_ = 0;

@@ -30,6 +30,15 @@ void CaptureRing::forgetBefore(std::uint64_t time) {
     }
 }
 
+void CaptureRing::forgetBeyond(std::uint64_t most) {
+    auto const size = [this] {
+        return CAPTURE_HEADER_SIZE + frameOf(0, Image(), oldest_->image).size() + bytes_;
+    };
+    while (!changes_.empty() && size() > most) {
+        forgetOldest();
+    }
+}
+
 void CaptureRing::drain(std::function<void(std::uint64_t time, Image const& image)> const& take) {
     while (oldest_) {
         take(oldest_->time, oldest_->image);

@@ -35,6 +35,10 @@ public:
     /// Forgets the samples before a time, but never the newest.
     void forgetBefore(std::uint64_t time);
 
+    /// Forgets the oldest samples until a capture of the others is not larger than this, but never the newest.
+    /// @param most bytes of the file
+    void forgetBeyond(std::uint64_t most);
+
     /// Hands the samples over, the oldest first, and forgets them all.
     void drain(std::function<void(std::uint64_t time, Image const& image)> const& take);
 

@@ -4,6 +4,7 @@
 #include "inspect/capture/CaptureTimeline.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace qel::inspect {
@@ -20,8 +21,10 @@ std::size_t bitsOf(std::uint64_t number) {
 
 } // namespace
 
-CaptureTimeline::CaptureTimeline(std::string path) : path_(std::move(path)) {
-    CaptureReader reader(path_);
+CaptureTimeline::CaptureTimeline(std::string path)
+    : path_(std::move(path)),
+      file_(std::make_shared<InputFile const>(path_)) {
+    CaptureReader reader(path_, file_);
     try {
         std::uint64_t before = 0;
         while (reader.advance()) {
@@ -79,6 +82,18 @@ std::optional<std::uint64_t> CaptureTimeline::timeOf(CaptureMoment const& moment
     return std::nullopt;
 }
 
+std::uint64_t CaptureTimeline::unboundedTimeOf(CaptureMoment const& moment) const {
+    switch (moment.from) {
+    case CaptureMoment::From::Clock:
+        return moment.ms;
+    case CaptureMoment::From::Start:
+        return first_ + std::min(moment.ms, std::numeric_limits<std::uint64_t>::max() - first_);
+    case CaptureMoment::From::End:
+        return last_ - std::min(moment.ms, last_);
+    }
+    return last_;
+}
+
 CaptureSample CaptureTimeline::at(std::uint64_t time) const {
     if (time >= last_) {
         return {last_, lastImage_};
@@ -92,7 +107,7 @@ CaptureSample CaptureTimeline::at(std::uint64_t time) const {
 
 void forEachSample(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
                    SampleVisit const& visit) {
-    CaptureReader reader(timeline.path());
+    auto reader = timeline.reader();
     auto const nextUpTo = [&](std::uint64_t limit) {
         auto const next = reader.samples() < timeline.samples() ? reader.nextMoment() : std::nullopt;
         return next && *next <= limit ? next : std::nullopt;

@@ -7,11 +7,13 @@
 
 #include "inspect/capture/CaptureReader.h"
 #include "inspect/image/Image.h"
+#include "inspect/image/InputFile.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -31,7 +33,7 @@ struct CaptureMoment {
 
 /// The first and the last time of a capture and what lies between. It reads the capture once when it is made, in time
 /// that grows with the file and in memory that does not. A capture that was cut off or damaged ends with its last
-/// complete sample.
+/// complete sample. The file stays open, so that it can be renamed or replaced while it is read.
 ///
 /// Threads: reentrant.
 class CaptureTimeline {
@@ -40,6 +42,9 @@ public:
     explicit CaptureTimeline(std::string path);
 
     std::string const& path() const { return path_; }
+
+    /// Reads the same file from its start, whatever has that path now.
+    CaptureReader reader() const { return {path_, file_}; }
 
     /// Time of the first sample, ms since 1970 UTC.
     std::uint64_t first() const { return first_; }
@@ -63,6 +68,9 @@ public:
     /// @return none if it is not between first and last
     std::optional<std::uint64_t> timeOf(CaptureMoment const& moment) const;
 
+    /// The same, whether there are samples or not: before 1970 is 0, and beyond 64 bits the greatest number.
+    std::uint64_t unboundedTimeOf(CaptureMoment const& moment) const;
+
     /// The last sample up to a time.
     /// @param time ms since 1970 UTC, from first() to last()
     /// @return with its time in ms since 1970 UTC
@@ -79,6 +87,7 @@ private:
     void note(std::uint64_t elapsed);
 
     std::string path_;
+    std::shared_ptr<InputFile const> file_;
     std::uint64_t first_ = 0;
     std::uint64_t last_ = 0;
     std::uint64_t samples_ = 0;

@@ -59,6 +59,15 @@ void InputFile::letReadsWait() const {
     }
 }
 
+bool InputFile::isRegular() const {
+    struct stat status = {};
+    return ::fstat(descriptor_.number(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+ssize_t InputFile::readAt(void* bytes, std::size_t count, off_t offset) const {
+    return ::pread(descriptor_.number(), bytes, count, offset);
+}
+
 std::uint64_t InputFile::regularSize() const {
     struct stat status = {};
     bool const isRegular = ::fstat(descriptor_.number(), &status) == 0 && S_ISREG(status.st_mode);

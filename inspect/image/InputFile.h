@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Files that are read from their start to their end.
+/// Files that are read.
 #pragma once
 
 #include "inspect/image/FileDescriptor.h"
@@ -33,6 +33,12 @@ public:
 
     /// Reads at most `count` bytes, like read(). From a pipe that nobody writes to it fails with ENODATA.
     ssize_t read(void* bytes, std::size_t count) const;
+
+    /// Whether it can be read anywhere and again.
+    bool isRegular() const;
+
+    /// Reads at most `count` bytes of a regular file from an offset, like pread().
+    ssize_t readAt(void* bytes, std::size_t count, off_t offset) const;
 
     /// The size of a regular file, 0 for others.
     std::uint64_t regularSize() const;

@@ -13,7 +13,8 @@
 namespace qel::inspect {
 
 /// Replaces a regular file as a whole: the bytes go to a new file beside it, which takes its name when they are stored
-/// safely; on failure the old file stays. A device or pipe is written directly. The live object is refused.
+/// safely; on failure the old file stays. Until then the new file has no name, where the file system can do that, so that
+/// nothing of it stays if the process is killed. A device or pipe is written directly. The live object is refused.
 ///
 /// Threads: reentrant.
 class OutputFile {
@@ -31,9 +32,12 @@ public:
     void finish();
 
 private:
+    void giveName();
+
     std::string path_;      ///< as the user named it
     std::string target_;    ///< behind symbolic links
     std::string temporary_; ///< name of the new file; "" for a device or pipe
+    bool isNamed_ = true;   ///< whether the new file has that name
     FileDescriptor fd_;
 };
 

@@ -92,4 +92,39 @@ TEST_F(AlarmCapturesTest, Bounds_LimitSizeAndNumber) {
     EXPECT_EQ(30U, rangeOf("at30000").first);
 }
 
+TEST_F(AlarmCapturesTest, MoreBeforeThanTheBound_KeepsTheAlarm) {
+    auto whole = capturesOf(std::chrono::seconds(20), std::chrono::seconds(0), {0, 0});
+    record(whole, 31, {30});
+    auto const size = whole.bytes();
+    std::filesystem::remove(path("at30000"));
+    auto sut = capturesOf(std::chrono::seconds(20), std::chrono::seconds(0), {size - 1, 0});
+    record(sut, 31, {30});
+    sut.close();
+    EXPECT_THAT(sut.files(), ElementsAre(path("at30000")));
+    auto const [first, last] = rangeOf("at30000");
+    EXPECT_EQ(30U, last);
+    EXPECT_GT(first, 10U);
+    EXPECT_LT(first, 15U) << "no more is dropped than needed";
+    EXPECT_LT(std::filesystem::file_size(path("at30000")), size);
+}
+
+TEST_F(AlarmCapturesTest, BoundBelowOneSample_StillKeepsTheAlarm) {
+    auto sut = capturesOf(std::chrono::seconds(20), std::chrono::seconds(5), {1, 0});
+    record(sut, 33, {30});
+    EXPECT_THAT(sut.files(), ElementsAre(path("at30000")));
+    EXPECT_EQ(std::pair(std::uint64_t{30}, std::uint64_t{30}), rangeOf("at30000"));
+}
+
+TEST_F(AlarmCapturesTest, AlarmThatReachesTheBound_HasAFileOfItsOwn) {
+    auto whole = capturesOf(std::chrono::seconds(0), std::chrono::seconds(100), {0, 0});
+    record(whole, 25, {20});
+    auto const size = whole.bytes();
+    std::filesystem::remove(path("at20000"));
+    auto sut = capturesOf(std::chrono::seconds(0), std::chrono::seconds(100), {size, 0});
+    record(sut, 28, {20, 25});
+    EXPECT_THAT(sut.files(), ElementsAre(path("at20000"), path("at25000")));
+    EXPECT_EQ(std::pair(std::uint64_t{20}, std::uint64_t{24}), rangeOf("at20000"));
+    EXPECT_EQ(std::pair(std::uint64_t{25}, std::uint64_t{27}), rangeOf("at25000"));
+}
+
 } // namespace qel::inspect

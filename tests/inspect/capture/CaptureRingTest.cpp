@@ -3,6 +3,8 @@
 
 #include "inspect/capture/CaptureRing.h"
 
+#include "inspect/capture/CaptureFormat.h"
+
 #include "tests/inspect/capture/CaptureFixture.h"
 
 #include <gmock/gmock.h>
@@ -51,6 +53,21 @@ TEST(CaptureRingTest, ForgetBefore_KeepsTheNewest) {
     EXPECT_EQ(3U, sut.samples());
     sut.forgetBefore(10000);
     EXPECT_THAT(timesIn(sut, images), ElementsAre(400));
+}
+
+TEST(CaptureRingTest, ForgetBeyond_KeepsWhatACaptureOfThatSizeHolds) {
+    auto const images = test::randomImages(5, 3);
+    CaptureRing sut;
+    for (std::size_t index = 0; index < images.size(); ++index) {
+        sut.add(index * 100, images[index]);
+    }
+    auto const whole = CAPTURE_HEADER_SIZE + frameOf(0, Image(), images[0]).size() + sut.bytes();
+    sut.forgetBeyond(whole);
+    EXPECT_EQ(5U, sut.samples());
+    sut.forgetBeyond(whole - 1);
+    EXPECT_LT(sut.samples(), 5U);
+    sut.forgetBeyond(0);
+    EXPECT_THAT(timesIn(sut, images), ElementsAre(400)) << "the newest stays";
 }
 
 TEST(CaptureRingTest, Memory_IsBounded) {

@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <limits>
 #include <vector>
 
@@ -81,6 +82,17 @@ TEST_F(CaptureTimelineTest, TimeOf_MomentOutsideIsNone) {
     }
 }
 
+TEST_F(CaptureTimelineTest, UnboundedTimeOf_GoesBeyondTheSamples) {
+    record({100, 60100});
+    CaptureTimeline const sut(path());
+    constexpr auto greatest = std::numeric_limits<std::uint64_t>::max();
+    EXPECT_EQ(7U, sut.unboundedTimeOf({From::Clock, 7}));
+    EXPECT_EQ(start + 90100, sut.unboundedTimeOf({From::Start, 90000}));
+    EXPECT_EQ(start - 29900, sut.unboundedTimeOf({From::End, 90000}));
+    EXPECT_EQ(greatest, sut.unboundedTimeOf({From::Start, greatest}));
+    EXPECT_EQ(0U, sut.unboundedTimeOf({From::End, greatest}));
+}
+
 TEST_F(CaptureTimelineTest, CutOff_EndsWithTheLastCompleteSample) {
     record({0, 1000, 2000});
     auto const whole = content(path());
@@ -130,6 +142,19 @@ TEST_F(CaptureTimelineTest, ForEachSample_BeginsWithTheSampleThatHolds) {
                   });
     EXPECT_THAT(times, ElementsAre(1000, 2000, 3000));
     EXPECT_THAT(nexts, ElementsAre(Optional(start + 2000), Optional(start + 3000), std::nullopt));
+}
+
+TEST_F(CaptureTimelineTest, ReplacedWhileItIsRead_StaysTheSameCapture) {
+    record({0, 1000, 2000});
+    CaptureTimeline const sut(path());
+    auto const images = images_;
+    std::filesystem::rename(path(), path("older"));
+    record({500, 700});
+    std::vector<std::uint64_t> times;
+    forEachSample(sut, sut.first(), sut.last(),
+                  [&](CaptureReader const& reader, auto /*next*/) { times.push_back(reader.time()); });
+    EXPECT_THAT(times, ElementsAre(0, 1000, 2000));
+    test::expectSame(images[1], sut.at(start + 1500).image);
 }
 
 TEST_F(CaptureTimelineTest, TimesBeyondAllBounds_EndAtTheGreatestNumber) {

@@ -56,6 +56,19 @@ TEST_F(InputFileTest, RegularFile_HasBytesAndASize) {
     EXPECT_EQ("", readOnce(sut));
 }
 
+TEST_F(InputFileTest, RegularFile_CanBeReadAnywhereAndAgain) {
+    fill(path("file"), "some bytes");
+    InputFile const sut(path("file"));
+    EXPECT_TRUE(sut.isRegular());
+    for (int time = 0; time < 2; ++time) {
+        std::array<char, 5> bytes{};
+        EXPECT_EQ(5, sut.readAt(bytes.data(), bytes.size(), 5));
+        EXPECT_EQ("bytes", std::string(bytes.data(), bytes.size()));
+    }
+    EXPECT_EQ("some bytes", readOnce(sut)) << "reads in turn go on where they were";
+    EXPECT_FALSE(InputFile(pipePath()).isRegular());
+}
+
 TEST_F(InputFileTest, FileThatIsNotThere_IsNotOpenedAndErrnoSaysWhy) {
     InputFile const sut(path("none"));
     EXPECT_EQ(ENOENT, errno);

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <string>
 
@@ -38,6 +41,32 @@ TEST_F(OutputFileTest, Unfinished_LeavesTheOldFileAndNothingElse) {
     }
     EXPECT_EQ("old", content(path()));
     EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(path("")), {}));
+}
+
+TEST_F(OutputFileTest, Interrupted_LeavesNothing) {
+    fill(path(), "old");
+    FileDescriptor const probe(::open(path("").c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600));
+    if (!probe) {
+        GTEST_SKIP() << "this file system has no files without names";
+    }
+    OutputFile sut(path());
+    sut.write("half");
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(path("")), {}))
+        << "what a signal would leave";
+    sut.finish();
+    EXPECT_EQ("half", content(path()));
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator(path("")), {}));
+}
+
+TEST_F(OutputFileTest, NewFile_HasTheUsualRights) {
+    {
+        OutputFile sut(path());
+        sut.finish();
+    }
+    auto const mask = ::umask(0);
+    ::umask(mask);
+    EXPECT_EQ(static_cast<std::filesystem::perms>(0666U & ~mask),
+              std::filesystem::status(path()).permissions());
 }
 
 TEST_F(OutputFileTest, FullDisk_IsAnErrorThatLeavesTheOldFile) {

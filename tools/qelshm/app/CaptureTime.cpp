@@ -62,12 +62,20 @@ std::string captureTimeProblem(std::string const& text) {
                      "(from its start) or -10m (before its end); units: s, m, h, d";
 }
 
+std::string inPipeText(std::string const& file) {
+    return file + " is a capture in a pipe; save it to a file first";
+}
+
+std::string outsideText(inspect::CaptureTimeline const& timeline, std::string const& text) {
+    return text + " is outside the capture " + timeline.path() + ", which lasts from " +
+           momentText(timeline.first()) + " to " + momentText(timeline.last());
+}
+
 std::uint64_t captureTime(inspect::CaptureTimeline const& timeline, std::string const& text) {
     auto const moment = parseCaptureTime(text);
     auto const time = moment ? timeline.timeOf(*moment) : std::nullopt;
     if (!time) {
-        throw CaptureTimeError(text + " is outside the capture " + timeline.path() + ", which lasts from " +
-                               momentText(timeline.first()) + " to " + momentText(timeline.last()));
+        throw CaptureTimeError(outsideText(timeline, text));
     }
     return *time;
 }

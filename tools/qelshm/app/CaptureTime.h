@@ -35,8 +35,14 @@ std::optional<inspect::CaptureMoment> parseCaptureTime(std::string_view text);
 /// @return what is wrong with it, "" for nothing
 std::string captureTimeProblem(std::string const& text);
 
+/// What is wrong with a capture that can be read only once. Reentrant.
+std::string inPipeText(std::string const& file);
+
+/// What is wrong with a moment that a capture does not have; it names the first and the last time. Reentrant.
+std::string outsideText(inspect::CaptureTimeline const& timeline, std::string const& text);
+
 /// The moment in a capture, in ms since 1970 UTC. Reentrant.
-/// @throws CaptureTimeError if it lies outside; it names the first and the last time
+/// @throws CaptureTimeError if it lies outside, with outsideText()
 std::uint64_t captureTime(inspect::CaptureTimeline const& timeline, std::string const& text);
 
 } // namespace qel::tools

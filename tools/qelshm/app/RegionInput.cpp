@@ -82,7 +82,7 @@ RegionInput fileInput(std::string const& file, std::string const& at) {
     }
     auto const image = inspect::readImage(file);
     if (inspect::beginsAsCapture(image.bytes())) {
-        throw CaptureTimeError(file + " is a capture in a pipe; save it to a file first");
+        throw CaptureTimeError(inPipeText(file));
     }
     if (!at.empty()) {
         throw CaptureTimeError("--at needs a capture of record; " + file + " is an image of a single moment");

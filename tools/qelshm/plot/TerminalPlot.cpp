@@ -7,6 +7,7 @@
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/plot/Axis.h"
 #include "tools/qelshm/plot/BrailleCanvas.h"
+#include "tools/qelshm/terminal/ExactText.h"
 #include "tools/qelshm/terminal/Style.h"
 #include "tools/qelshm/terminal/Utf8Text.h"
 
@@ -250,7 +251,8 @@ std::string legend(PlotData const& data, TerminalSize const& size) {
     }
     for (auto const& limit : data.limits) {
         auto const label = tools::safeText(limit.label);
-        auto const number = numberText(data.curves.front(), limit.number);
+        auto const& unit = data.curves.front().unit;
+        auto const number = tools::exactText(limit.number) + (unit.empty() ? "" : ' ' + unit);
         auto const line = "- - " + number + (label.empty() ? "" : "  " + label);
         text += (size.isAscii ? tools::asciiOnly(line) : line) + '\n';
     }

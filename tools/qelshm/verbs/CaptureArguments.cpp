@@ -5,11 +5,14 @@
 
 #include "tools/qelshm/app/CaptureTime.h"
 
+#include "inspect/image/ImageFile.h"
 #include "inspect/naming/PointFinder.h"
 
 #include <CLI/App.hpp>
 
 #include <algorithm>
+#include <filesystem>
+#include <system_error>
 
 namespace qel::tools {
 
@@ -39,6 +42,11 @@ void CaptureArguments::define(CLI::App& verb, OptionalOptions const& optional, s
 }
 
 inspect::CaptureTimeline CaptureArguments::timeline(CommandContext const& context) const {
+    std::error_code ignored; // told when the file is opened
+    auto const status = std::filesystem::status(file_, ignored);
+    if (std::filesystem::is_other(status)) { // it is read more than once
+        throw CaptureTimeError(inPipeText(file_));
+    }
     inspect::CaptureTimeline timeline(file_);
     if (!timeline.damage().empty()) {
         context.tell("warning: " + timeline.damage());
@@ -47,12 +55,32 @@ inspect::CaptureTimeline CaptureArguments::timeline(CommandContext const& contex
 }
 
 CaptureRange CaptureArguments::range(inspect::CaptureTimeline const& timeline) const {
-    CaptureRange const range{from_.empty() ? timeline.first() : captureTime(timeline, from_),
-                             until_.empty() ? timeline.last() : captureTime(timeline, until_)};
+    auto const first = timeline.first();
+    auto const last = timeline.last();
+    auto const timeOf = [&](std::string const& text, std::uint64_t otherwise) {
+        auto const moment = parseCaptureTime(text);
+        return moment ? timeline.unboundedTimeOf(*moment) : otherwise;
+    };
+    CaptureRange const range{timeOf(from_, std::min(first, timeOf(until_, last))),
+                             timeOf(until_, std::max(last, timeOf(from_, first)))};
     if (range.until < range.from) {
         throw CaptureTimeError("--to " + until_ + " is before --from " + from_);
     }
-    return range;
+    if (range.from > last) {
+        throw CaptureTimeError(outsideText(timeline, from_));
+    }
+    if (range.until < first) {
+        throw CaptureTimeError(outsideText(timeline, until_));
+    }
+    return {std::max(range.from, first), std::min(range.until, last)};
+}
+
+void CaptureArguments::requireOther(std::string const& output) const {
+    std::error_code ignored; // what is not there is not the capture
+    if (std::filesystem::equivalent(file_, output, ignored)) {
+        throw inspect::ImageFileError("cannot write " + output +
+                                      ": it is the capture that is read; choose another file");
+    }
 }
 
 std::vector<inspect::ValuePattern> CaptureArguments::patterns() const {

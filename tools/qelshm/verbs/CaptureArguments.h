@@ -34,10 +34,16 @@ public:
 
     /// Reads the capture's times. A damaged end is told.
     /// @throws inspect::CaptureError
+    /// @throws CaptureTimeError if it is in a pipe
     inspect::CaptureTimeline timeline(CommandContext const& context) const;
 
-    /// @throws CaptureTimeError if a moment is outside of the capture, or --to is before --from
+    /// What the capture has of the part that was asked for.
+    /// @throws CaptureTimeError if it has nothing of it, or --to is before --from
     CaptureRange range(inspect::CaptureTimeline const& timeline) const;
+
+    /// @param output a file that the verb is to write
+    /// @throws inspect::ImageFileError if that is the capture, which would be lost
+    void requireOther(std::string const& output) const;
 
     std::vector<inspect::ValuePattern> patterns() const;
 

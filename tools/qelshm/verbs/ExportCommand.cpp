@@ -5,12 +5,12 @@
 
 #include "tools/common/Choices.h"
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Numbers.h"
 #include "tools/qelshm/terminal/TextTable.h"
 
 #include "inspect/image/OutputFile.h"
 
 #include <CLI/App.hpp>
-#include <CLI/Validators.hpp>
 
 namespace qel::tools {
 
@@ -38,16 +38,17 @@ CLI::App& ExportCommand::define(CLI::App& app, OptionalOptions const& optional) 
         ->capture_default_str();
     verb.add_option("--interval", interval_,
                     "Time between two rows, 0.001 to 86400; that of the samples by default")
-        ->check(CLI::Range(0.001, 86400.0).description(""))
+        ->check(finiteBetween(0.001, 86400.0))
         ->type_name("SECONDS");
     verb.add_option("-o,--output", output_,
-                    "Write to a file, as a whole or not at all, instead of standard output")
+                    "Write to a file, as a whole or not at all, instead of standard output, which is -")
         ->type_name("FILE");
     verb.excludes(optional.json);
     return verb;
 }
 
 int ExportCommand::run(CommandContext const& context) {
+    arguments_.requireOther(output_);
     auto const timeline = arguments_.timeline(context);
     auto const range = arguments_.range(timeline);
     std::optional<std::uint64_t> interval;
@@ -56,7 +57,7 @@ int ExportCommand::run(CommandContext const& context) {
     }
     CsvExport const table(arguments_.patterns(), arguments_.values(timeline, range),
                           layout_ == "long" ? CsvLayout::Long : CsvLayout::Wide, interval);
-    if (output_.empty()) {
+    if (output_.empty() || output_ == "-") {
         table.write(timeline, range, [&](std::string_view text) { writeOutput(context.out, text); });
         return exitSuccess;
     }

@@ -82,7 +82,8 @@ CLI::App& PlotCommand::define(CLI::App& app, OptionalOptions const& optional) {
     auto& verb = *app.add_subcommand("plot", "Draw values of a capture over time");
     verb.footer(plotHelp);
     arguments_.define(verb, optional, "Values to draw", true);
-    verb.add_option("-o,--output", output_, "Write SVG to a file instead of drawing on the terminal")
+    verb.add_option("-o,--output", output_,
+                    "Write SVG to a file instead of drawing on the terminal; - is standard output")
         ->type_name("FILE");
     verb.add_option("--limit", limits_, "Draw a line at a number; repeatable")
         ->check(limitProblem)
@@ -100,12 +101,17 @@ CLI::App& PlotCommand::define(CLI::App& app, OptionalOptions const& optional) {
 }
 
 int PlotCommand::run(CommandContext const& context) {
+    arguments_.requireOther(output_);
     auto const timeline = arguments_.timeline(context);
     if (output_.empty()) {
         printOnTerminal(context, timeline);
         return exitSuccess;
     }
     auto const svg = plot::runGnuplot(plot::gnuplotScript(data(timeline, picture.width), picture));
+    if (output_ == "-") {
+        writeOutput(context.out, svg);
+        return exitSuccess;
+    }
     inspect::OutputFile file(output_);
     file.write(svg);
     file.finish();

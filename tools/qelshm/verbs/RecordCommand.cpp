@@ -128,9 +128,9 @@ CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) 
             ->check(CLI::Range(std::size_t{1}, std::size_t{10000}).description(""))
             ->type_name("N");
     verb.add_option("--on-alarm", onAlarm_,
-                    "Keep only this time before and after each alarm, in a file of its own: x.TIME.rec")
+                    "Keep only these minutes before and after each alarm, in a file of its own: x.TIME.rec")
         ->check(marginsProblem)
-        ->type_name("MINUTES[,MINUTES]");
+        ->type_name("BEFORE[,AFTER]");
     verb.callback([this, size, files] {
         if (files->count() != 0 && size->count() == 0 && onAlarm_.empty()) {
             throw CLI::RequiresError("--max-files", "--max-size or --on-alarm");
@@ -140,7 +140,7 @@ CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) 
     return verb;
 }
 
-std::unique_ptr<inspect::ICaptureSink> RecordCommand::sink() const {
+std::unique_ptr<inspect::ICaptureSink> RecordCommand::sink(std::uint64_t now) const {
     inspect::CaptureBounds bounds;
     bounds.size = parseBytes(maxSize_).value_or(0);
     if (auto const margins = parseMargins(onAlarm_); margins && !onAlarm_.empty()) {
@@ -148,7 +148,10 @@ std::unique_ptr<inspect::ICaptureSink> RecordCommand::sink() const {
         auto const name = [this](std::uint64_t time) {
             return inspect::captureName(file_, compactTime(time));
         };
-        return std::make_unique<inspect::AlarmCaptures>(name, margins->before, margins->after, bounds);
+        auto captures =
+            std::make_unique<inspect::AlarmCaptures>(name, margins->before, margins->after, bounds);
+        captures->tryFile(now);
+        return captures;
     }
     bounds.files = maxFiles_.value_or(bounds.size == 0 ? 1 : usualFiles);
     return std::make_unique<inspect::RotatingCapture>(file_, bounds);
@@ -159,7 +162,7 @@ int RecordCommand::run(CommandContext const& context) {
     auto input = openInput(context.options, context.tell);
     requireOpened(input);
     StopSignals const stop;
-    auto const sink = this->sink();
+    auto const sink = this->sink(input.now);
     Samples samples(input, context.tell);
     auto const startTime = input.now;
     auto const start = Clock::now();

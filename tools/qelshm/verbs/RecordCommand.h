@@ -30,7 +30,7 @@ public:
     int run(CommandContext const& context) override;
 
 private:
-    std::unique_ptr<inspect::ICaptureSink> sink() const;
+    std::unique_ptr<inspect::ICaptureSink> sink(std::uint64_t now) const;
     void print(CommandContext const& context, RegionInput const& input,
                inspect::ICaptureSink const& sink) const;
 

@@ -74,7 +74,7 @@ TEST(TerminalPlotTest, UnitsAndLimits_AreShown) {
     auto data = plotOf({curve("a:x", "W", 0, 10)});
     data.limits = {{20.0, "fuse\x1b[2J"}};
     auto const text = terminalPlot(data, plain);
-    EXPECT_THAT(text, AllOf(HasSubstr("- - - -"), HasSubstr("- - 20.0 W  fuse\\x1B[2J"), HasSubstr("20 ┤")));
+    EXPECT_THAT(text, AllOf(HasSubstr("- - - -"), HasSubstr("- - 20 W  fuse\\x1B[2J"), HasSubstr("20 ┤")));
     auto const two = terminalPlot(plotOf({curve("a:x", "W", 0, 10), curve("b:y", "V", 5, 1)}), plain);
     EXPECT_THAT(two, AllOf(HasSubstr(" W\n"), HasSubstr(" V\n")));
 }

@@ -97,6 +97,32 @@ TEST_F(ExportCommandTest, Output_IsAWholeFile) {
     EXPECT_EQ(2, std::distance(std::filesystem::directory_iterator("."), {}));
 }
 
+TEST_F(ExportCommandTest, OutputThatIsTheCapture_IsRefused) {
+    auto const before = contentOf(file_);
+    std::filesystem::create_symlink(file_, "link.rec");
+    for (std::string const output : {"night.rec", "./night.rec", "link.rec"}) {
+        auto const outcome = runExport({socket2, "-o", output});
+        EXPECT_EQ(1, outcome.status);
+        EXPECT_EQ("qelshm: cannot write " + output +
+                      ": it is the capture that is read; choose another file\n",
+                  outcome.errors);
+        EXPECT_EQ(before, contentOf(file_));
+    }
+}
+
+TEST_F(ExportCommandTest, OutputToADash_IsStandardOutput) {
+    auto const outcome = runExport({socket2, "-o", "-"});
+    EXPECT_EQ(0, outcome.status) << outcome.errors;
+    EXPECT_EQ(runExport({socket2}).output, outcome.output);
+    EXPECT_FALSE(std::filesystem::exists("-"));
+}
+
+TEST_F(ExportCommandTest, IntervalThatIsNoNumber_IsWrongUsage) {
+    for (auto const* const interval : {"nan", "inf", "0", "86401"}) {
+        EXPECT_EQ(2, runExport({socket2, "--interval", interval}).status) << interval;
+    }
+}
+
 TEST_F(ExportCommandTest, NameThatSelectsNothing_IsAnError) {
     auto const outcome = runExport({socket2, "unit1/inlet9:voltage"});
     EXPECT_EQ(1, outcome.status);

@@ -10,6 +10,11 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
 namespace qel::test {
 
 using testing::AllOf;
@@ -66,6 +71,47 @@ TEST(LogCommandTest, WrongArguments_AreClearErrors) {
     EXPECT_THAT(pattern.errors, HasSubstr("unit1//x"));
     EXPECT_EQ(2, runQelshm({"log", file, "--from", "yesterday"}).status);
     EXPECT_EQ(2, runQelshm({"log"}).status);
+}
+
+TEST(LogCommandTest, CaptureInAPipe_IsAnError) {
+    ImageFolder const folder;
+    ASSERT_EQ(0, ::mkfifo("fifo", 0600));
+    auto const outcome = runQelshm({"log", "fifo"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: fifo is a capture in a pipe; save it to a file first\n", outcome.errors);
+}
+
+TEST(LogCommandTest, RangeLongerThanTheCapture_IsTheWholeCapture) {
+    ImageFolder const folder;
+    auto const file = sampleCapture();
+    auto const whole = runQelshm({"log", file}).output;
+    std::vector<std::vector<std::string>> const ranges{
+        {"--from", "-8h"},
+        {"--to", "+8h"},
+        {"--from", "-1000000000d", "--to", "+1000000000d"},
+        {"--from", "2023-11-14T00:00:00Z", "--to", "2023-11-15T00:00:00Z"}};
+    for (auto const& range : ranges) {
+        std::vector<std::string> words{"log", file};
+        words.insert(words.end(), range.begin(), range.end());
+        auto const outcome = runQelshm(words);
+        EXPECT_EQ("", outcome.errors);
+        EXPECT_EQ(whole, outcome.output) << range[1];
+    }
+}
+
+TEST(LogCommandTest, RangeOutsideTheCapture_IsAnError) {
+    ImageFolder const folder;
+    auto const file = sampleCapture();
+    std::string const lasts = " is outside the capture night.rec, which lasts from 2023-11-14T22:13:20Z to "
+                              "2023-11-14T22:14:20Z\n";
+    EXPECT_EQ("qelshm: 2023-11-14T00:00:00Z" + lasts,
+              runQelshm({"log", file, "--to", "2023-11-14T00:00:00Z"}).errors);
+    EXPECT_EQ("qelshm: 2023-11-15T00:00:00Z" + lasts,
+              runQelshm({"log", file, "--from", "2023-11-15T00:00:00Z"}).errors);
+    EXPECT_EQ("qelshm: -7h" + lasts, runQelshm({"log", file, "--from", "-8h", "--to", "-7h"}).errors);
+    EXPECT_EQ("qelshm: --to -8h is before --from -7h\n",
+              runQelshm({"log", file, "--from", "-7h", "--to", "-8h"}).errors);
+    EXPECT_EQ(1, runQelshm({"--image", file, "--at", "-8h", "status"}).status) << "a moment is exact";
 }
 
 } // namespace qel::test

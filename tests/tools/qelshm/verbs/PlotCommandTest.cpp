@@ -50,11 +50,37 @@ TEST_F(PlotCommandTest, LimitOfSeveralUnits_IsAnError) {
 
 TEST_F(PlotCommandTest, SeveralLimits_AreDrawn) {
     auto const output = runPlot({"--limit", "240=high", "unit1/inlet1:voltage", "--limit", "220"}).output;
-    EXPECT_THAT(output, testing::HasSubstr("- - 240.0 V  high\n- - 220.0 V\n"));
+    EXPECT_THAT(output, testing::HasSubstr("- - 240 V  high\n- - 220 V\n"));
 }
 
 TEST_F(PlotCommandTest, WithoutNames_IsWrongUsage) {
     EXPECT_EQ(2, runPlot({}).status);
+}
+
+TEST_F(PlotCommandTest, OutputThatIsTheCapture_IsRefusedBeforeGnuplotRuns) {
+    std::string const before = std::getenv("PATH");
+    ::setenv("PATH", "/nowhere", 1);
+    auto const outcome = runPlot({"unit1/inlet1:voltage", "-o", "./night.rec"});
+    ::setenv("PATH", before.c_str(), 1);
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: cannot write ./night.rec: it is the capture that is read; choose another file\n",
+              outcome.errors);
+    EXPECT_EQ(0, runQelshm({"log", "night.rec"}).status);
+}
+
+TEST_F(PlotCommandTest, OutputToADash_IsSvgOnStandardOutput) {
+    auto const outcome = runPlot({"unit1/inlet1:voltage", "-o", "-"});
+    if (outcome.errors.find("there is no gnuplot") != std::string::npos) {
+        GTEST_SKIP() << "there is no gnuplot: tools/install-packages test";
+    }
+    EXPECT_EQ(0, outcome.status) << outcome.errors;
+    EXPECT_THAT(outcome.output, testing::StartsWith("<?xml"));
+    EXPECT_FALSE(std::filesystem::exists("-"));
+}
+
+TEST_F(PlotCommandTest, LargeLimit_IsShort) {
+    EXPECT_THAT(runPlot({"unit1/inlet1:voltage", "--limit", "1e30=far"}).output,
+                testing::HasSubstr("- - 1e+30 V  far\n"));
 }
 
 TEST_F(PlotCommandTest, MissingGnuplot_WritesNoFile) {

@@ -154,6 +154,17 @@ TEST(RecordCommandTest, OnAlarm_KeepsOnlyAlarms) {
     EXPECT_EQ(3U, samplesOf("unit.20231114T221320Z.rec").size());
 }
 
+TEST(RecordCommandTest, OnAlarmWhereNothingCanBeWritten_IsAnErrorAtOnce) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    region.activate();
+    auto const outcome = runQelshm({"record", "nodir/unit.rec", "--on-alarm", "1", "--count", "3",
+                                    "--interval", "0.01", "--now", "1700000000000"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: cannot record to nodir/unit.20231114T221320Z.rec: No such file or directory\n",
+              outcome.errors);
+}
+
 TEST(RecordCommandTest, FullDisk_SaysSoAndLeavesWhatWasWritten) {
     ImageFolder const folder;
     ForgedRegion const region;
