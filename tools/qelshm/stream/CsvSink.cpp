@@ -38,6 +38,9 @@ CsvSink::CsvSink(std::ostream& out, watch::WatchedNames names, std::optional<std
 void CsvSink::take(Report const& report) {
     if (report.isPictureNew) {
         picture(report);
+    } else if (report.isConditionNew && report.status.condition != inspect::Condition::Active) {
+        out_ << "condition," << tools::timeText(report.snapshot.now) << ",,,,"
+             << inspect::conditionName(report.status.condition) << ",,\n";
     }
     for (auto const& change : report.changes) {
         if (!count_.take()) {
