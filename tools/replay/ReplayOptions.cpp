@@ -75,7 +75,7 @@ Values set by hand:
   A replay of recordings that was started with --control PATH takes values over a socket, which only its user may use:
     qel-replay --set unit1/inlet1:active-power=4000,alarm --control PATH
   NAME is a value's name as in qelshm(1), also with wildcards. VALUE is in the unit in which qelshm shows it. STATE is
-  the name of a state, such as alarm, high-warning or lost; without it: no-error. The values keep both until --unset NAME
+  the name of a state, such as alarm, high-warning or lost, or its number; without it: no-error. The values keep both until --unset NAME
   or the end of the replay, with the time of each row, while all others go on; also after the last row, with --hold.
 
 Output:

@@ -53,7 +53,7 @@ int sendCommands(CLI::App const& app, ReplayOptions const& options) {
         }
         std::cout << safeText(answer) << std::endl;
     }
-    return exitSuccess;
+    return statusOfOutput(app);
 }
 
 int replay(int argc, char const* const* argv) {

@@ -158,6 +158,16 @@ TEST(ProgramOutputReplayTest, Replay_IsPlayedToItsEndAndFails) {
     EXPECT_EQ("0\n", piped.errors) << "the reader is gone, the region was not needed less";
 }
 
+TEST(ProgramOutputReplayTest, AnswerToACommand_ThatCannotBeWrittenIsAFailure) {
+    TempFile const file(outputRows);
+    auto const control = " --control " + file.path() + ".socket";
+    QelReplayProcess replay({"--speed", "0", "--hold", "--control", file.path() + ".socket", file.path()});
+    ASSERT_TRUE(replay.readUntil("the region stays"));
+    expectFailure("qel-replay", "--set unit1/inlet1:voltage=1" + control, QEL_REPLAY);
+    EXPECT_EQ(0, shellOutcome(QEL_REPLAY " --unset unit1/inlet1:voltage" + control + " >/dev/null").status)
+        << "it was set";
+}
+
 // It must not answer on what was meant to be its output, nor end before it is told to.
 TEST(ProgramOutputManagerTest, HardwareManager_ServesOnAndFailsInTheEnd) {
     std::string const ask = "gdbus call --system --dest org.qel.HardwareManager --object-path / --method "

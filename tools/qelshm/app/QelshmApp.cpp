@@ -7,6 +7,7 @@
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Output.h"
 #include "tools/common/SafeText.h"
+#include "tools/qelshm/app/TrailingCommand.h"
 #include "tools/qelshm/app/VerbHelp.h"
 #include "tools/qelshm/terminal/Style.h"
 
@@ -22,7 +23,6 @@
 #include <exception>
 #include <ostream>
 #include <string>
-#include <string_view>
 
 namespace qel::tools {
 
@@ -31,19 +31,25 @@ namespace {
 constexpr int schemaVersion = 1; ///< of docs/reference/qelshm-schema.json
 
 /// What programs get that asked for JSON. Standard error has the same for people.
-/// @param verb "" if it is unknown
+/// @param verb "" if it is unknown; "watch" prints a document a line, so that its last one must be a line, too
 void printFailure(std::ostream& out, std::string const& verb, std::string const& problem) {
     using Json = nlohmann::ordered_json;
-    constexpr int indent = 2;
+    int const indent = verb == "watch" ? -1 : 2;
     Json const document{{"schema", schemaVersion},
                         {"verb", verb.empty() ? Json() : Json(verb)},
                         {"error", safeText(problem)}};
     out << document.dump(indent, ' ', true, Json::error_handler_t::replace) << std::endl;
 }
 
-bool asksForJson(int argc, char const* const* argv) {
-    return std::any_of(argv, argv + argc,
-                       [](char const* word) { return word == std::string_view("--json"); });
+bool asksForJson(std::vector<std::string> const& words) {
+    return std::find(words.begin(), words.end(), "--json") != words.end();
+}
+
+std::vector<char const*> argumentsOf(std::vector<std::string> const& words) {
+    std::vector<char const*> arguments(words.size());
+    std::transform(words.begin(), words.end(), arguments.begin(),
+                   [](std::string const& word) { return word.c_str(); });
+    return arguments;
 }
 
 std::string parsedVerb(CLI::App const& app) {
@@ -64,12 +70,15 @@ int runQelshm(int argc, char const* const* argv, std::ostream& out,
     for (auto const& command : commands) {
         verbs.push_back(&command->define(app, optional));
     }
+    auto const words = withTrailingCommand(argc, argv, "--on-change");
     auto const tellProgram = [&](std::string const& problem) {
-        if (options.isJson || asksForJson(argc, argv)) {
+        if (options.isJson || asksForJson(words)) {
             printFailure(out, parsedVerb(app), problem);
         }
     };
-    if (auto const status = parseCommandLine(app, argc, argv, tellProgram)) {
+    auto const arguments = argumentsOf(words);
+    if (auto const status =
+            parseCommandLine(app, static_cast<int>(arguments.size()), arguments.data(), tellProgram)) {
         return *status;
     }
     auto const tell = [&](std::string const& message) {

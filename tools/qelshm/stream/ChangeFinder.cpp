@@ -3,20 +3,13 @@
 
 #include "tools/qelshm/stream/ChangeFinder.h"
 
+#include "tools/qelshm/watch/SameNumber.h"
+
 #include "inspect/naming/ValuePath.h"
 
-#include <cmath>
 #include <utility>
 
 namespace qel::stream {
-
-namespace {
-
-bool isSameNumber(double left, double right) {
-    return left == right || (std::isnan(left) && std::isnan(right));
-}
-
-} // namespace
 
 Report ChangeFinder::update(watch::Snapshot const& snapshot, inspect::RegionStatus const& status) {
     bool const isActive = status.condition == inspect::Condition::Active;
@@ -51,7 +44,7 @@ void ChangeFinder::compare(Report& report, Change change, long long svid) {
     Seen const now{change.number, change.state};
     auto const [entry, isNew] = seen_.try_emplace(svid, now);
     auto const before = std::exchange(entry->second, now);
-    if (isNew || (before.state == now.state && isSameNumber(before.number, now.number))) {
+    if (isNew || (before.state == now.state && watch::isSameNumber(before.number, now.number))) {
         return;
     }
     change.before = before.state;

@@ -5,6 +5,7 @@
 
 #include "tools/common/TimeText.h"
 #include "tools/qelshm/stream/PlainText.h"
+#include "tools/qelshm/terminal/CsvText.h"
 
 #include "format/KeyTable.h"
 #include "format/StateName.h"
@@ -15,21 +16,6 @@
 #include <utility>
 
 namespace qel::stream {
-
-namespace {
-
-std::string field(std::string_view text) {
-    if (text.find_first_of(",\"\n\r") == std::string_view::npos) {
-        return std::string(text);
-    }
-    std::string quoted = "\"";
-    for (char const character : text) {
-        quoted += character == '"' ? "\"\"" : std::string(1, character);
-    }
-    return quoted + '"';
-}
-
-} // namespace
 
 struct CsvSink::Row {
     std::string_view event;
@@ -52,6 +38,9 @@ CsvSink::CsvSink(std::ostream& out, watch::WatchedNames names, std::optional<std
 void CsvSink::take(Report const& report) {
     if (report.isPictureNew) {
         picture(report);
+    } else if (report.isConditionNew && report.status.condition != inspect::Condition::Active) {
+        out_ << "condition," << tools::timeText(report.snapshot.now) << ",,,,"
+             << inspect::conditionName(report.status.condition) << ",,\n";
     }
     for (auto const& change : report.changes) {
         if (!count_.take()) {
@@ -83,11 +72,11 @@ void CsvSink::picture(Report const& report) {
 }
 
 void CsvSink::write(Row const& row) {
-    out_ << row.event << ',' << tools::timeText(row.now) << ',' << field(row.name) << ','
+    out_ << row.event << ',' << tools::timeText(row.now) << ',' << tools::csvText(row.name) << ','
          << (row.key ? plainNumber(row.number, row.state) : "") << ','
-         << field(row.key ? shm::keyUnit(*row.key) : std::string_view()) << ','
-         << field(shm::stateName(row.state)) << ','
-         << field(row.before ? shm::stateName(*row.before) : std::string_view()) << ','
+         << tools::csvText(row.key ? shm::keyUnit(*row.key) : std::string_view()) << ','
+         << tools::csvText(shm::stateName(row.state)) << ','
+         << tools::csvText(row.before ? shm::stateName(*row.before) : std::string_view()) << ','
          << (row.at == 0 ? "" : tools::momentText(row.at)) << '\n';
 }
 

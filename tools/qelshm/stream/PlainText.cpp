@@ -3,10 +3,10 @@
 
 #include "tools/qelshm/stream/PlainText.h"
 
+#include "tools/qelshm/terminal/ExactText.h"
+
 #include "inspect/naming/StateClass.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 
 namespace qel::stream {
@@ -17,8 +17,7 @@ std::string plainNumber(double number, eStatus_Bits state) {
         !std::isfinite(number)) {
         return "";
     }
-    std::array<char, 32> text{};
-    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), number).ptr};
+    return tools::exactText(number);
 }
 
 } // namespace qel::stream

@@ -4,6 +4,7 @@
 #include "tools/qelshm/verbs/CsvExport.h"
 
 #include "tools/common/TimeText.h"
+#include "tools/qelshm/terminal/CsvText.h"
 #include "tools/qelshm/terminal/ExactText.h"
 
 #include "format/KeyTable.h"
@@ -19,18 +20,6 @@ namespace {
 using inspect::SelectedValues;
 
 constexpr std::string_view lineEnd = "\n";
-
-/// In quotes if it has to be.
-std::string cell(std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) {
-        return std::string(text);
-    }
-    std::string quoted(1, '"');
-    for (char const letter : text) {
-        quoted.append(letter == '"' ? 2 : 1, letter);
-    }
-    return quoted + '"';
-}
 
 std::string numberCell(std::optional<double> number) {
     return number ? exactText(*number) : std::string();
@@ -122,7 +111,7 @@ std::string CsvExport::header() const {
         return line.append(",name,number,unit,state").append(lineEnd);
     }
     for (auto const& value : values_) {
-        line.append(",").append(cell(columnName(value)));
+        line.append(",").append(csvText(columnName(value)));
     }
     return line.append(lineEnd);
 }
@@ -147,13 +136,13 @@ std::string CsvExport::longRows(std::uint64_t time, SelectedValues const* select
         auto const state = value == nullptr ? std::string_view() : shm::stateName(value->state);
         lines.append(moment)
             .append(",")
-            .append(cell(inspect::valuePath(name.point, name.key)))
+            .append(csvText(inspect::valuePath(name.point, name.key)))
             .append(",")
             .append(numberCell(inspect::deliveredNumber(value)))
             .append(",")
-            .append(cell(shm::keyUnit(name.key)))
+            .append(csvText(shm::keyUnit(name.key)))
             .append(",")
-            .append(cell(state))
+            .append(csvText(state))
             .append(lineEnd);
     }
     return lines;

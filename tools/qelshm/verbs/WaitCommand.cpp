@@ -85,7 +85,7 @@ int WaitCommand::run(CommandContext const& context) {
     for (;;) {
         auto input = liveInput();
         input.now = context.options.now.value_or(input.now);
-        auto const event = look(conditions, input);
+        auto const event = look(conditions, input, context);
         auto const now = Clock::now();
         if (event || now >= end) {
             print(event, input, std::chrono::duration_cast<std::chrono::milliseconds>(now - start), context);
@@ -96,13 +96,14 @@ int WaitCommand::run(CommandContext const& context) {
 }
 
 std::optional<WaitCommand::Event> WaitCommand::look(std::vector<WaitCondition> const& conditions,
-                                                    RegionInput const& input) {
+                                                    RegionInput const& input, CommandContext const& context) {
     auto const status = inspect::regionStatus(input.source, input.image, input.now, std::nullopt);
     if (status.condition != inspect::Condition::Active) {
         return std::nullopt;
     }
     inspect::PointTree const tree(input.image);
     inspect::StructureFingerprint const fingerprint(input.image, tree);
+    bool const isFirst = !before_;
     bool const isChanged = before_ && *before_ != fingerprint;
     before_ = before_.value_or(fingerprint);
     for (auto const& condition : conditions) {
@@ -114,6 +115,11 @@ std::optional<WaitCommand::Event> WaitCommand::look(std::vector<WaitCondition> c
         }
         if (auto met = condition.metBy(input.image, tree)) {
             return Event{condition.text(), std::move(met), {}};
+        }
+    }
+    for (auto const& condition : conditions) {
+        if (isFirst && condition.isOfNothing(input.image, tree)) {
+            context.tell("nothing has the name in \"" + condition.text() + "\" yet; waiting for it");
         }
     }
     return std::nullopt;

@@ -36,7 +36,9 @@ private:
         std::string line;                      ///< what to print of the region
     };
 
-    std::optional<Event> look(std::vector<WaitCondition> const& conditions, RegionInput const& input);
+    /// The first look at an active region tells of names of nothing.
+    std::optional<Event> look(std::vector<WaitCondition> const& conditions, RegionInput const& input,
+                              CommandContext const& context);
     static void print(std::optional<Event> const& event, RegionInput const& input,
                       std::chrono::milliseconds elapsed, CommandContext const& context);
 

@@ -8,6 +8,7 @@
 #include "inspect/naming/StateClass.h"
 #include "inspect/naming/StateWord.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -181,6 +182,18 @@ std::optional<WaitCondition::Met> WaitCondition::metBy(inspect::Image const& ima
         }
     }
     return std::nullopt;
+}
+
+bool WaitCondition::isOfNothing(inspect::Image const& image, inspect::PointTree const& tree) const {
+    auto const& region = image.region();
+    return pattern_ && std::none_of(tree.nodes().begin(), tree.nodes().end(), [&](auto const& node) {
+               auto const point = region.points[node.pos].guid;
+               auto const values = tree.valuesOf(node);
+               return pattern_->matchesPoint(point) &&
+                      (kind_ == Kind::PointState || std::any_of(values.begin(), values.end(), [&](auto pos) {
+                           return pattern_->matches(point, region.values[pos].key);
+                       }));
+           });
 }
 
 } // namespace qel::tools

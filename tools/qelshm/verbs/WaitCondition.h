@@ -62,6 +62,9 @@ public:
     /// @return none also for Active and Structure, which the caller has to look after
     std::optional<Met> metBy(inspect::Image const& image, inspect::PointTree const& tree) const;
 
+    /// Whether the condition has a name, and the region has nothing of this name.
+    bool isOfNothing(inspect::Image const& image, inspect::PointTree const& tree) const;
+
 private:
     enum class Comparison : std::uint8_t { Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual };
     enum class StateGroup : std::uint8_t { Alarm, Warning };

@@ -31,7 +31,8 @@ constexpr char const* footer =
     "Follows the shared memory when a new writer creates it again.\n\n"
     "Examples:\n"
     "  qelshm watch unit1/inlet1\n"
-    "  qelshm watch --count 10 >changes.txt";
+    "  qelshm watch --count 10 >changes.txt\n"
+    "  qelshm watch unit1 --on-change sh -c 'echo $QELSHM_NAME: $QELSHM_STATE >>changes.txt'";
 
 constexpr std::uint64_t mostLines = 1000000000000;
 constexpr unsigned defaultWait = 5;       ///< s

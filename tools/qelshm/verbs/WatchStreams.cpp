@@ -24,8 +24,11 @@ void WatchStreams::define(CLI::App& verb, OptionalOptions const& optional) {
     verb.add_flag("--csv", isCsv_, "Print the values, then each change, as CSV rows")
         ->excludes(optional.json)
         ->group(group);
-    verb.add_option("--on-change", command_,
-                    "Run the command for each change of a state, with the change in its environment")
+    verb.add_option(
+            "--on-change", command_,
+            "Run the command with all words after it for each change of a state; its environment has the "
+            "change")
+        ->allow_extra_args(false) // each word comes as a value of its own, see TrailingCommand.h
         ->type_name("COMMAND")
         ->group(group);
     verb.add_flag("--syslog", isSyslog_, "Write each change of a state to the system's log")->group(group);

@@ -3,17 +3,13 @@
 
 #include "tools/qelshm/watch/ValueTracker.h"
 
-#include "inspect/naming/StateClass.h"
+#include "tools/qelshm/watch/SameNumber.h"
 
-#include <cmath>
+#include "inspect/naming/StateClass.h"
 
 namespace qel::watch {
 
 namespace {
-
-bool isSameNumber(double left, double right) {
-    return left == right || (std::isnan(left) && std::isnan(right));
-}
 
 /// False while there is no value yet, and for a number that is no state.
 bool hasNumber(eStatus_Bits state) {

@@ -5,9 +5,8 @@
 
 #include "format/StateName.h"
 #include "format/ValueFormatter.h"
+#include "inspect/naming/StateWord.h"
 
-#include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -17,18 +16,6 @@ namespace qel::tools {
 namespace {
 
 constexpr std::string_view grammar = "NAME=VALUE[,STATE], such as unit1/inlet1:active-power=4000,alarm";
-
-/// Letters and digits only, in lower case.
-std::string lettersOf(std::string_view text) {
-    std::string letters;
-    for (char const character : text) {
-        auto const byte = static_cast<unsigned char>(character);
-        if (std::isalnum(byte) != 0) {
-            letters += static_cast<char>(std::tolower(byte));
-        }
-    }
-    return letters;
-}
 
 double readNumber(std::string_view text, InputPlace const& place) {
     double number = 0.0;
@@ -42,24 +29,17 @@ double readNumber(std::string_view text, InputPlace const& place) {
 }
 
 eStatus_Bits readState(std::string_view text, InputPlace const& place) {
-    auto const state = parseState(text);
+    auto const state = inspect::parseState(text);
     if (!state) {
-        throw InputError(place, inQuotes(text) + " is not a state",
-                         "a state such as alarm, high-alarm, low-warning, lost, no-error, on or off; "
-                         "qelshm-region(5) lists all");
+        throw InputError(
+            place, inQuotes(text) + " is not a state",
+            "a state such as alarm, high-alarm, low-warning, lost, no-error, on or off, or its number; "
+            "qelshm-region(5) lists all");
     }
     return *state;
 }
 
 } // namespace
-
-std::optional<eStatus_Bits> parseState(std::string_view text) {
-    auto const letters = lettersOf(text);
-    auto const* const row =
-        std::find_if(shm::stateTable.begin(), shm::stateTable.end(),
-                     [&](auto const& candidate) { return lettersOf(candidate.text) == letters; });
-    return row == shm::stateTable.end() ? std::nullopt : std::optional(row->code);
-}
 
 inspect::ValuePattern parsePattern(std::string_view text, InputPlace const& place) {
     try {

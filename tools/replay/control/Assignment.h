@@ -10,7 +10,6 @@
 #include "domain/eStatus_Bits.h"
 #include "inspect/naming/ValuePattern.h"
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,9 +30,6 @@ Assignment parseAssignment(std::string_view text, InputPlace const& place);
 /// Reads the name of points or values whose numbers are released. Reentrant.
 /// @throws InputError
 inspect::ValuePattern parsePattern(std::string_view text, InputPlace const& place);
-
-/// The state of a name, in any letter case, whatever stands between its words: "high-alarm", "On, Alarm". Reentrant.
-std::optional<eStatus_Bits> parseState(std::string_view text);
 
 /// "4000.0 W, Alarm". Reentrant.
 /// @param number in the unit in which readers see it

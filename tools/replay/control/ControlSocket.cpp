@@ -22,7 +22,8 @@ namespace {
 
 constexpr char lineEnd = '\n';
 constexpr mode_t ownerOnly = 0600;
-constexpr int mostWaiting = 64; // connections that are not accepted yet
+constexpr int mostWaiting = 64;     // connections that are not accepted yet
+constexpr guint acceptPause = 1000; // ms
 
 [[noreturn]] void fail(std::string const& path, std::string const& reason) {
     throw std::runtime_error("cannot take commands at " + path + ": " + reason);
@@ -59,14 +60,7 @@ ControlSocket::ControlSocket(std::string path, Answer answer)
       answer_(std::move(answer)),
       socket_(newSocket(path_)) {
     listen();
-    source_.reset(g_socket_create_source(socket_.get(), G_IO_IN, nullptr));
-    GSocketSourceFunc const onClient = [](GSocket* /*socket*/, GIOCondition /*condition*/,
-                                          gpointer self) -> gboolean {
-        static_cast<ControlSocket*>(self)->accept();
-        return G_SOURCE_CONTINUE;
-    };
-    g_source_set_callback(source_.get(), G_SOURCE_FUNC(onClient), this, nullptr);
-    g_source_attach(source_.get(), nullptr);
+    watchForClients();
 }
 
 ControlSocket::~ControlSocket() {
@@ -127,11 +121,41 @@ void ControlSocket::removeStale() const {
     static_cast<void>(::unlink(path_.c_str()));
 }
 
+void ControlSocket::watchForClients() {
+    source_.reset(g_socket_create_source(socket_.get(), G_IO_IN, nullptr));
+    GSocketSourceFunc const onClient = [](GSocket* /*socket*/, GIOCondition /*condition*/,
+                                          gpointer self) -> gboolean {
+        static_cast<ControlSocket*>(self)->accept();
+        return G_SOURCE_CONTINUE; // without effect if accept() has replaced the source
+    };
+    g_source_set_callback(source_.get(), G_SOURCE_FUNC(onClient), this, nullptr);
+    g_source_attach(source_.get(), nullptr);
+}
+
+void ControlSocket::pauseAccepting() {
+    source_.reset(g_timeout_source_new(acceptPause));
+    GSourceFunc const onPauseOver = [](gpointer self) -> gboolean {
+        static_cast<ControlSocket*>(self)->watchForClients();
+        return G_SOURCE_REMOVE;
+    };
+    g_source_set_callback(source_.get(), onPauseOver, this, nullptr);
+    g_source_attach(source_.get(), nullptr);
+}
+
+// Without a free descriptor the client keeps waiting, and the main loop would call again and again.
 void ControlSocket::accept() {
     GError* failure = nullptr;
     shm::GObjectPtr<GSocket> socket(g_socket_accept(socket_.get(), nullptr, &failure));
     if (!socket) {
-        g_clear_error(&failure); // the client is gone, or there are too many descriptors: it may come again
+        shm::GErrorPtr const error(failure);
+        if (isWouldBlock(failure)) { // the client is gone
+            return;
+        }
+        if (clients_.empty()) {
+            pauseAccepting();
+        } else {
+            clients_.pop_front();
+        }
         return;
     }
     g_socket_set_blocking(socket.get(), FALSE);

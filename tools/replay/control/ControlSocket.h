@@ -21,7 +21,8 @@ namespace qel::tools {
 
 /// Listens on a socket of its own in the file system, which only its user may use, and answers each line with a line. It
 /// runs on the default main context and never waits for a client: what a client does not read stays with the client,
-/// and it sends no further command meanwhile. Removes the socket when destroyed.
+/// and it sends no further command meanwhile. Without a free descriptor, a new client replaces the one that was silent
+/// longest, or waits for a second at a time. Removes the socket when destroyed.
 ///
 /// Threads: thread-bound to the thread that runs the default main context.
 class ControlSocket {
@@ -67,6 +68,8 @@ private:
 
     void listen();
     void removeStale() const;
+    void watchForClients();
+    void pauseAccepting();
     void accept();
     Clients::iterator find(Client const* client);
     bool serve(Client& client);
@@ -79,7 +82,7 @@ private:
     Answer answer_;
     shm::GObjectPtr<GSocket> socket_;
     struct stat own_ {}; // of the socket in the file system
-    SourcePtr source_;
+    SourcePtr source_;   // of new clients, or of the end of a pause
     Clients clients_;
 };
 

@@ -45,6 +45,19 @@ TEST(QelshmAppTest, EveryVerbWithoutARegion_PrintsAJsonDocument) {
     }
 }
 
+TEST(QelshmAppTest, WatchThatFails_PrintsItsDocumentOnOneLineLikeTheOthers) {
+    for (std::vector<std::string> const& arguments : std::vector<std::vector<std::string>>{
+             {"watch", "--json", "--wait", "0"}, {"--json", "watch", "inlet"}, {"watch", "--json", "--no"}}) {
+        auto const output = runQelshm(arguments).output;
+        ASSERT_EQ('\n', output.back());
+        auto const lastLine = output.substr(output.rfind('\n', output.size() - 2) + 1);
+        auto const document = nlohmann::json::parse(lastLine, nullptr, false);
+        ASSERT_TRUE(document.is_object()) << output;
+        EXPECT_EQ("watch", document.at("verb"));
+        EXPECT_NE("", document.at("error"));
+    }
+}
+
 TEST(QelshmAppTest, TextOfAnError_CannotHarmATerminal) {
     auto const outcome = runQelshm({"--json", "list", "--image", "\x1b[2J"});
     EXPECT_THAT(nlohmann::json::parse(outcome.output).at("error"),

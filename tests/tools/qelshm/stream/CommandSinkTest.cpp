@@ -9,6 +9,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -105,7 +109,10 @@ TEST_F(CommandSinkTest, FailedCommand_IsTold) {
 }
 
 TEST_F(CommandSinkTest, ChangesBeyondTheQueue_AreDroppedAndTold) {
-    auto sut = sinkOf({"sh", "-c", "sleep 20"});
+    auto const fifo = out.path() + ".fifo";
+    ASSERT_EQ(0, ::mkfifo(fifo.c_str(), 0600));
+    int const held = ::open(fifo.c_str(), O_RDWR | O_CLOEXEC);
+    auto sut = sinkOf({"sh", "-c", "read -r line <\"$0\"", fifo}); // runs until a line comes
     lookWith(sut);
     for (std::size_t round = 0; round < CommandSink::mostWaiting + 6; ++round) {
         alarm(sut, round % 2 == 0);
@@ -114,6 +121,11 @@ TEST_F(CommandSinkTest, ChangesBeyondTheQueue_AreDroppedAndTold) {
     sut.end();
     ASSERT_EQ(2U, told.size());
     EXPECT_EQ("sh was not run for 1005 changes", told.back());
+    // A line rather than the end of the FIFO: the command may not have opened it yet.
+    EXPECT_EQ(1, ::write(held, "\n", 1));
+    finish(sut);
+    ::close(held);
+    ::unlink(fifo.c_str());
 }
 
 TEST_F(CommandSinkTest, VariablesOfAnOuterCommand_AreNotPassedOn) {

@@ -54,6 +54,16 @@ TEST_F(CsvSinkTest, Changes_AreRowsWithTheFormerState) {
               take(sut));
 }
 
+TEST_F(CsvSinkTest, RegionThatGoes_IsARowOfItsConditionAndAPictureWhenItIsBack) {
+    CsvSink sut(out, names, std::nullopt);
+    take(sut);
+    unit.region().root.version = 0;
+    EXPECT_EQ("condition,2023-06-09T07:34:40Z,,,,inactive,,\n", take(sut));
+    EXPECT_EQ("", take(sut)) << "it is said once";
+    unit.region().root.version = shm::ACTIVE_VERSION;
+    EXPECT_EQ(0U, take(sut).find("picture,"));
+}
+
 TEST_F(CsvSinkTest, Count_EndsTheRows) {
     CsvSink sut(out, names, 1);
     take(sut);

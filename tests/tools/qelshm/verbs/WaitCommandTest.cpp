@@ -55,6 +55,18 @@ TEST_F(WaitCommandTest, TimeThatIsOver_IsStatusOne) {
     EXPECT_GE(document.at("elapsedMs"), 300);
 }
 
+TEST_F(WaitCommandTest, NameOfNothing_IsToldOnceAndWaitedFor) {
+    ASSERT_TRUE(replay_.readUntil("region active"));
+    auto const outcome = runQelshm({"wait", "unit1/inlet9:state=alarm", "unit1/inlet1:current>1",
+                                    "unit1/inlet1:active-power<0", "unit1/**:state=lost", "structure",
+                                    "--timeout", "300ms", "--interval", "0.05"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: nothing has the name in \"unit1/inlet9:state=alarm\" yet; waiting for it\n"
+              "qelshm: nothing has the name in \"unit1/inlet1:current>1\" yet; waiting for it\n"
+              "qelshm: no condition was met in time\n",
+              outcome.errors);
+}
+
 TEST(WaitCommandRegionTest, ActiveRegion_IsWaitedFor) {
     ChildProcess sut({QELSHM, "wait", "active", "--timeout", "30", "--interval", "0.05"});
     TempFile const file("timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n");

@@ -42,10 +42,16 @@ TEST(AssignmentTest, State_MayHaveCommasBlanksAndHyphens) {
 
 TEST(AssignmentTest, StateOfEachName_IsThatState) {
     for (auto const& row : shm::stateTable) {
-        EXPECT_EQ(row.code, parseState(row.text)) << row.text;
+        auto const text = "unit1:voltage=1," + std::string(row.text);
+        EXPECT_EQ(row.code, parseAssignment(text, {"set"}).state) << row.text;
     }
-    EXPECT_EQ(std::nullopt, parseState(""));
-    EXPECT_EQ(std::nullopt, parseState("alarms"));
+}
+
+TEST(AssignmentTest, StateOfEachNumber_IsThatState) {
+    for (auto const& row : shm::stateTable) {
+        auto const text = "unit1:voltage=1," + std::to_string(static_cast<int>(row.code));
+        EXPECT_EQ(row.code, parseAssignment(text, {"set"}).state) << row.text;
+    }
 }
 
 TEST(AssignmentTest, WrongText_IsRefused) {
@@ -63,6 +69,8 @@ TEST(AssignmentTest, WrongText_IsRefused) {
     EXPECT_EQ(0U, failureOf("unit1:charm=1").find("set: \"charm\" is not the name of a value"));
     EXPECT_EQ(0U,
               failureOf("unit1:voltage=1,loud").find("set: \"loud\" is not a state; expected a state such"));
+    EXPECT_EQ(0U, failureOf("unit1:voltage=1,alarms").find("set: \"alarms\" is not a state; "));
+    EXPECT_EQ(0U, failureOf("unit1:voltage=1,4711").find("set: \"4711\" is not a state; "));
     EXPECT_EQ(0U, failureOf("unit1:voltage=1,").find("set: \"\" is not a state; "));
 }
 

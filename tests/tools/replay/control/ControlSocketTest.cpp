@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -74,6 +75,25 @@ public:
 
 private:
     int socket_;
+};
+
+/// While it lives, this process can open no further descriptor.
+class NoMoreDescriptors {
+public:
+    NoMoreDescriptors() {
+        EXPECT_EQ(0, ::getrlimit(RLIMIT_NOFILE, &before_));
+        int const next = ::dup(STDIN_FILENO);
+        ::close(next);
+        auto limit = before_;
+        limit.rlim_cur = static_cast<rlim_t>(next);
+        EXPECT_EQ(0, ::setrlimit(RLIMIT_NOFILE, &limit));
+    }
+    ~NoMoreDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+    NoMoreDescriptors(NoMoreDescriptors const&) = delete;
+    NoMoreDescriptors& operator=(NoMoreDescriptors const&) = delete;
+
+private:
+    rlimit before_{};
 };
 
 class ControlSocketTest : public testing::Test {
@@ -250,6 +270,36 @@ TEST_F(ControlSocketTest, ManyClients_ReplaceTheOneThatWasSilentLongest) {
         }
         EXPECT_EQ("", silent.front()->readAll()) << "closed";
         EXPECT_EQ("<c>", ControlClient(path_).ask("c"));
+    });
+}
+
+TEST_F(ControlSocketTest, WithoutAFreeDescriptor_AClientWaitsAndTheReplayGoesOn) {
+    auto const sut = open();
+    RawClient const client(path_);
+    client.send("a");
+    client.end();
+    {
+        NoMoreDescriptors const none;
+        int busy = 0;
+        for (int round = 0; round < 100; ++round) {
+            busy += g_main_context_iteration(nullptr, FALSE) != FALSE ? 1 : 0;
+        }
+        EXPECT_LT(busy, 10);
+    }
+    serve([&] { EXPECT_EQ("<a>\n", client.readAll()); });
+}
+
+TEST_F(ControlSocketTest, WithoutAFreeDescriptor_TheClientThatWasSilentLongestMakesPlace) {
+    auto const sut = open();
+    RawClient const silent(path_);
+    serve([&] { EXPECT_EQ("<a>", ControlClient(path_).ask("a")); }); // by now the silent one is accepted
+    RawClient const next(path_);
+    next.send("b");
+    next.end();
+    NoMoreDescriptors const none;
+    serve([&] {
+        EXPECT_EQ("", silent.readAll()) << "closed";
+        EXPECT_EQ("<b>\n", next.readAll());
     });
 }
 
