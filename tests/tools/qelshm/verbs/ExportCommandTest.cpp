@@ -17,7 +17,6 @@ namespace qel::test {
 
 namespace {
 
-
 std::string const socket2 = "unit1/inlet1/circuit1/socket2";
 
 std::string contentOf(std::string const& file) {
