@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
 
 namespace qel::watch {
 
@@ -90,20 +89,22 @@ CurvePlot plotOf(std::vector<Curve> const& curves, std::uint64_t newest, std::si
     for (std::size_t index = 0; index < curves.size(); ++index) {
         auto const& curve = curves[index];
         auto const scale = scaleOf(curves, curve.key, newest, width);
-        std::optional<std::size_t> before;
+        std::size_t before = 0;
+        bool hasBefore = false;
         for (std::size_t column = 0; column < width; ++column) {
             auto const back = width - 1 - column;
             auto const bucket = back <= newest ? curve.history->at(newest - back) : Bucket();
             if (bucket.isEmpty()) {
-                before.reset();
+                hasBefore = false;
                 continue;
             }
             auto const part = scale.partOf(static_cast<double>(bucket.last));
             auto const dot =
                 static_cast<std::size_t>(std::lround(part * static_cast<double>(height * dotsPerLine - 1)));
-            drawing.stroke(index, column, before.value_or(dot), dot, 0);
+            drawing.stroke(index, column, hasBefore ? before : dot, dot, 0);
             drawing.stroke(index, column, dot, dot, 1);
             before = dot;
+            hasBefore = true;
         }
         plot.scales.push_back(scale);
     }
