@@ -278,7 +278,7 @@ TEST_F(ControlSocketTest, ManyClients_ReplaceTheOneThatWasSilentLongest) {
 }
 
 TEST_F(ControlSocketTest, WithoutAFreeDescriptor_AClientWaitsAndTheReplayGoesOn) {
-    if (underAddressSanitizer) {
+    if (test::underAddressSanitizer) {
         GTEST_SKIP() << withoutDescriptors;
     }
     auto const sut = open();
@@ -297,7 +297,7 @@ TEST_F(ControlSocketTest, WithoutAFreeDescriptor_AClientWaitsAndTheReplayGoesOn)
 }
 
 TEST_F(ControlSocketTest, WithoutAFreeDescriptor_TheClientThatWasSilentLongestMakesPlace) {
-    if (underAddressSanitizer) {
+    if (test::underAddressSanitizer) {
         GTEST_SKIP() << withoutDescriptors;
     }
     auto const sut = open();
