@@ -19,7 +19,7 @@
 
 namespace qel::inspect {
 
-CaptureReader::CaptureReader(std::string path)
+CaptureReader::CaptureReader(std::string const& path)
     : CaptureReader(path, std::make_shared<InputFile const>(path)) {}
 
 CaptureReader::CaptureReader(std::string path, std::shared_ptr<InputFile const> file)

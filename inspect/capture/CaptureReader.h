@@ -32,7 +32,7 @@ class CaptureReader {
 public:
     /// Opens the file and reads its header.
     /// @throws CaptureError "cannot read FILE: No such file or directory"
-    explicit CaptureReader(std::string path);
+    explicit CaptureReader(std::string const& path);
 
     /// Reads a file that is open already. Several readers can share a regular file; each begins at its start.
     /// @param path what the file is called in errors
