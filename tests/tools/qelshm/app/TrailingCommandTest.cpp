@@ -29,6 +29,7 @@ TEST(TrailingCommandTest, OtherWords_StayAsTheyAre) {
                               Words{"qelshm", "-x", "--run", "sh"}, Words{"qelshm", "-x", "--run=sh"},
                               Words{"qelshm", "--runs", "sh", "-x"}}) {
         std::vector<char const*> texts;
+        texts.reserve(words.size());
         for (auto const& word : words) {
             texts.push_back(word.c_str());
         }
