@@ -76,8 +76,7 @@ std::size_t SelectedValues::indexOf(Id const& id) {
 }
 
 std::optional<double> deliveredNumber(shm::record::QelShmMVal const* value) {
-    bool const isThere =
-        value != nullptr && classOf(value->state) != StateClass::NoValue && std::isfinite(value->value);
+    bool const isThere = value != nullptr && hasNumber(value->state) && std::isfinite(value->value);
     return isThere ? std::optional(value->value) : std::nullopt;
 }
 

@@ -73,4 +73,9 @@ StateClass classOf(eStatus_Bits state) {
     return row != nullptr ? row->kind : StateClass::NoState;
 }
 
+bool hasNumber(eStatus_Bits state) {
+    auto const kind = classOf(state);
+    return kind != StateClass::NoState && kind != StateClass::NoValue;
+}
+
 } // namespace qel::inspect

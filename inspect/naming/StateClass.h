@@ -27,4 +27,8 @@ enum class StateClass : std::uint8_t {
 /// The class of a state; any number is allowed. Reentrant.
 StateClass classOf(eStatus_Bits state);
 
+/// Whether a value in a state has a number to show: not before the first delivery, nor with a number that is no state.
+/// Reentrant.
+bool hasNumber(eStatus_Bits state);
+
 } // namespace qel::inspect

@@ -23,17 +23,17 @@ std::uint64_t newestTime(Image const& image, PointTree const& tree, std::uint64_
     return newest;
 }
 
-void countState(ValueSummary& summary, eStatus_Bits state) {
+} // namespace
+
+void StateCounts::add(eStatus_Bits state) {
     if (state == eStatus_Lost) {
-        ++summary.lost;
+        ++lost;
         return;
     }
     auto const kind = classOf(state);
-    summary.alarm += kind == StateClass::Alarm ? 1 : 0;
-    summary.warning += kind == StateClass::Warning ? 1 : 0;
+    alarm += kind == StateClass::Alarm ? 1 : 0;
+    warning += kind == StateClass::Warning ? 1 : 0;
 }
-
-} // namespace
 
 ValueSummary valueSummary(Image const& image, PointTree const& tree, std::uint64_t now,
                           std::chrono::milliseconds staleAfter) {
@@ -43,7 +43,7 @@ ValueSummary valueSummary(Image const& image, PointTree const& tree, std::uint64
     for (auto const& node : tree.nodes()) {
         for (auto const pos : tree.valuesOf(node)) {
             auto const& value = image.region().values[pos];
-            countState(summary, value.state);
+            summary.add(value.state);
             if (value.at == 0) {
                 ++summary.never;
                 continue;

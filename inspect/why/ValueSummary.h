@@ -8,6 +8,8 @@
 #include "inspect/image/Image.h"
 #include "inspect/image/PointTree.h"
 
+#include "domain/eStatus_Bits.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -22,11 +24,17 @@ struct OldValue {
     std::uint64_t at = 0; ///< ms since 1970 UTC
 };
 
+/// Values by state. Reentrant.
+struct StateCounts {
+    std::size_t alarm = 0;   ///< states of the class Alarm but "Lost", which have a count of their own
+    std::size_t warning = 0; ///< states of the class Warning
+    std::size_t lost = 0;    ///< state "Lost"
+
+    void add(eStatus_Bits state);
+};
+
 /// Values by state and age. Each count stands for itself: a value in alarm may be stale, too.
-struct ValueSummary {
-    std::size_t alarm = 0;          ///< states of the class Alarm but "Lost", which have a count of their own
-    std::size_t warning = 0;        ///< states of the class Warning
-    std::size_t lost = 0;           ///< state "Lost"
+struct ValueSummary : StateCounts {
     std::size_t never = 0;          ///< never delivered
     std::size_t stale = 0;          ///< delivered, but long before the newest value
     std::optional<OldValue> oldest; ///< the first of those that were delivered longest ago; none if none was

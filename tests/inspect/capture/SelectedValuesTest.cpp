@@ -105,6 +105,9 @@ TEST(DeliveredNumberTest, NothingDelivered_HasNoNumber) {
     value.state = eStatus_ExpectedValue;
     EXPECT_EQ(std::nullopt, deliveredNumber(&value));
     EXPECT_EQ(std::nullopt, deliveredNumber(nullptr));
+    value.value = 1.5;
+    value.state = static_cast<eStatus_Bits>(1000);
+    EXPECT_EQ(std::nullopt, deliveredNumber(&value)) << "a number that is no state";
 }
 
 } // namespace qel::inspect

@@ -37,4 +37,14 @@ TEST(StateClassTest, ClassOf_NumberThatIsNoState) {
     }
 }
 
+TEST(StateClassTest, NumberIsThere_FromTheFirstDeliveryOn_InEveryState) {
+    constexpr int least = -100;
+    constexpr int most = 200;
+    for (int number = least; number <= most; ++number) {
+        auto const state = static_cast<eStatus_Bits>(number);
+        bool const isNone = number < 0 || number > eStatus_SlaveVersionTooNew;
+        EXPECT_EQ(!isNone, hasNumber(state)) << number;
+    }
+}
+
 } // namespace qel::inspect

@@ -3,42 +3,20 @@
 
 #include "tools/qelshm/app/CaptureTime.h"
 
+#include "tools/common/Durations.h"
 #include "tools/common/TimeText.h"
 
-#include <charconv>
+#include <cctype>
 
 namespace qel::tools {
 
 namespace {
 
-/// Milliseconds of a unit; 0 for any other letter.
-std::uint64_t unitOf(char letter) {
-    constexpr std::uint64_t second = 1000;
-    switch (letter) {
-    case 's':
-        return second;
-    case 'm':
-        return second * 60;
-    case 'h':
-        return second * 3600;
-    case 'd':
-        return second * 86400;
-    default:
-        return 0;
-    }
-}
-
-/// "90s"; none for any other text.
-std::optional<std::uint64_t> parseDuration(std::string_view text) {
-    constexpr std::uint64_t longest = 1000000000; // of any unit, so that no product overflows
-    if (text.empty() || unitOf(text.back()) == 0) {
-        return std::nullopt;
-    }
-    std::uint64_t number = 0;
-    auto const* const end = text.data() + text.size() - 1;
-    auto const result = std::from_chars(text.data(), end, number);
-    bool const isNumber = result.ec == std::errc() && result.ptr == end && number <= longest;
-    return isNumber ? std::optional(number * unitOf(text.back())) : std::nullopt;
+/// "90s"; none for any other text, and for a number without a unit.
+std::optional<std::uint64_t> msOf(std::string_view text) {
+    bool const hasUnit = !text.empty() && std::isalpha(static_cast<unsigned char>(text.back())) != 0;
+    auto const duration = hasUnit ? parseDuration(text) : std::nullopt;
+    return duration ? std::optional(static_cast<std::uint64_t>(duration->count())) : std::nullopt;
 }
 
 } // namespace
@@ -46,7 +24,7 @@ std::optional<std::uint64_t> parseDuration(std::string_view text) {
 std::optional<inspect::CaptureMoment> parseCaptureTime(std::string_view text) {
     using From = inspect::CaptureMoment::From;
     if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
-        auto const duration = parseDuration(text.substr(1));
+        auto const duration = msOf(text.substr(1));
         auto const from = text.front() == '-' ? From::End : From::Start;
         return duration ? std::optional(inspect::CaptureMoment{from, *duration}) : std::nullopt;
     }
@@ -59,7 +37,7 @@ std::string captureTimeProblem(std::string const& text) {
                ? ""
                : '"' + text +
                      "\" is no moment of a capture; expected for example 2023-11-14T22:13:20Z, +5m "
-                     "(from its start) or -10m (before its end); units: s, m, h, d";
+                     "(from its start) or -10m (before its end); units: ms, s, m, h, d";
 }
 
 std::string inPipeText(std::string const& file) {

@@ -15,6 +15,7 @@
 #include "inspect/naming/PointPath.h"
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <system_error>
 #include <thread>
@@ -131,6 +132,14 @@ inspect::Findings objectFindings(RegionInput const& input) {
     }
     constexpr uid_t root = 0;
     return inspect::checkObject(*object, object->uid == root ? std::nullopt : managerUser());
+}
+
+void requireOtherThanCapture(std::string const& capture, std::string const& output) {
+    std::error_code ignored; // what is not there is not the capture
+    if (std::filesystem::equivalent(capture, output, ignored)) {
+        throw inspect::ImageFileError("cannot write " + output +
+                                      ": it is the capture that is read; choose another file");
+    }
 }
 
 void requireOpened(RegionInput const& input) {

@@ -69,6 +69,10 @@ RegionInput openInput(QelshmOptions const& options, std::function<void(std::stri
 /// @return findings; none for an image file or an absent object
 inspect::Findings objectFindings(RegionInput const& input);
 
+/// Requires that an output is not the capture that is read, which would be lost. Reentrant.
+/// @throws inspect::ImageFileError
+void requireOtherThanCapture(std::string const& capture, std::string const& output);
+
 /// Requires an image file or a live object that could be opened. Reentrant.
 /// @throws NothingThereError
 void requireOpened(RegionInput const& input);

@@ -25,17 +25,6 @@ constexpr std::array<std::uint64_t, 28> timeSteps{
     30 * second, minute,   2 * minute, 5 * minute, 10 * minute, 15 * minute, 30 * minute,
     hour,        2 * hour, 3 * hour,   6 * hour,   12 * hour,   day,         2 * day};
 
-/// The least of 1, 2 and 5 times a power of ten that is not below.
-double roundStep(double step) {
-    auto const power = std::pow(10.0, std::floor(std::log10(step)));
-    for (double const factor : {1.0, 2.0, 5.0}) {
-        if (step <= factor * power * (1.0 + 1e-9)) {
-            return factor * power;
-        }
-    }
-    return 10.0 * power;
-}
-
 std::string tickText(std::uint64_t time, std::uint64_t step) {
     constexpr std::size_t dayStart = 5; // "1970-" before
     constexpr std::size_t clockStart = 11;
@@ -51,6 +40,17 @@ std::string tickText(std::uint64_t time, std::uint64_t step) {
 }
 
 } // namespace
+
+double roundStep(double step) {
+    constexpr double slack = 1e-9;
+    auto const power = std::pow(10.0, std::floor(std::log10(step)));
+    for (double const factor : {1.0, 2.0, 5.0}) {
+        if (step <= factor * power * (1.0 + slack)) {
+            return factor * power;
+        }
+    }
+    return 10.0 * power;
+}
 
 std::vector<double> NumberAxis::ticks() const {
     std::vector<double> ticks;

@@ -12,6 +12,10 @@
 
 namespace qel::plot {
 
+/// The least of 1, 2 and 5 times a power of ten that is not below a number, but for what a division rounds.
+/// @param step greater than 0
+double roundStep(double step);
+
 /// The range of an axis, with round numbers at both ends. Reentrant.
 struct NumberAxis {
     double low;

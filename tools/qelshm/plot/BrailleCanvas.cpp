@@ -9,20 +9,6 @@
 
 namespace qel::plot {
 
-namespace {
-
-/// The bit of a dot in a braille character, by row and column.
-constexpr std::array<std::array<std::uint8_t, BrailleCanvas::dotsAcross>, BrailleCanvas::dotsDown> dotBits{
-    {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}}};
-
-/// U+2800 and the dots, in UTF-8.
-std::string braille(std::uint8_t dots) {
-    constexpr unsigned low = 0x3F;
-    return {'\xE2', static_cast<char>(0xA0U | dots >> 6U), static_cast<char>(0x80U | (dots & low))};
-}
-
-} // namespace
-
 BrailleCanvas::BrailleCanvas(std::size_t width, std::size_t height)
     : width_(width),
       height_(height),
@@ -56,7 +42,7 @@ BrailleCanvas::Glyph BrailleCanvas::glyph(std::size_t column, std::size_t row) c
     if (cell.letter != '\0') {
         return {std::string(1, cell.letter), cell.curve};
     }
-    return {cell.dots == 0 ? " " : braille(cell.dots), cell.curve};
+    return {cell.dots == 0 ? " " : brailleText(cell.dots), cell.curve};
 }
 
 BrailleCanvas::Glyph BrailleCanvas::asciiGlyph(std::size_t column, std::size_t row,
@@ -72,7 +58,7 @@ BrailleCanvas::Cell& BrailleCanvas::cellAt(std::size_t x, std::size_t y) {
 
 void BrailleCanvas::dot(std::size_t curve, std::size_t x, std::size_t y) {
     auto& cell = cellAt(x, y);
-    cell.dots = static_cast<std::uint8_t>(cell.dots | dotBits.at(y % dotsDown).at(x % dotsAcross));
+    cell.dots = static_cast<std::uint8_t>(cell.dots | brailleDot(y % dotsDown, x % dotsAcross));
     cell.curve = curve;
 }
 

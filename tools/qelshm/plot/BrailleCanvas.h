@@ -5,6 +5,8 @@
 /// A drawing of dots in characters.
 #pragma once
 
+#include "tools/qelshm/plot/Braille.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -17,8 +19,8 @@ namespace qel::plot {
 /// Threads: reentrant.
 class BrailleCanvas {
 public:
-    static constexpr std::size_t dotsAcross = 2; ///< of a character
-    static constexpr std::size_t dotsDown = 4;   ///< of a character
+    static constexpr std::size_t dotsAcross = brailleDotsAcross; ///< of a character
+    static constexpr std::size_t dotsDown = brailleDotsDown;     ///< of a character
 
     /// A character and the number of the curve that drew on it last.
     struct Glyph {

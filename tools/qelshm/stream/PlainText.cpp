@@ -12,12 +12,7 @@
 namespace qel::stream {
 
 std::string plainNumber(double number, eStatus_Bits state) {
-    auto const kind = inspect::classOf(state);
-    if (kind == inspect::StateClass::NoState || kind == inspect::StateClass::NoValue ||
-        !std::isfinite(number)) {
-        return "";
-    }
-    return tools::exactText(number);
+    return inspect::hasNumber(state) && std::isfinite(number) ? tools::exactText(number) : "";
 }
 
 } // namespace qel::stream

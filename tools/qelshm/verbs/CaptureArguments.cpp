@@ -4,6 +4,7 @@
 #include "tools/qelshm/verbs/CaptureArguments.h"
 
 #include "tools/qelshm/app/CaptureTime.h"
+#include "tools/qelshm/app/RegionInput.h"
 
 #include "inspect/image/ImageFile.h"
 #include "inspect/naming/PointFinder.h"
@@ -76,11 +77,7 @@ CaptureRange CaptureArguments::range(inspect::CaptureTimeline const& timeline) c
 }
 
 void CaptureArguments::requireOther(std::string const& output) const {
-    std::error_code ignored; // what is not there is not the capture
-    if (std::filesystem::equivalent(file_, output, ignored)) {
-        throw inspect::ImageFileError("cannot write " + output +
-                                      ": it is the capture that is read; choose another file");
-    }
+    requireOtherThanCapture(file_, output);
 }
 
 std::vector<inspect::ValuePattern> CaptureArguments::patterns() const {

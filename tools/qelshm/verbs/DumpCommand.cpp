@@ -52,6 +52,9 @@ int DumpCommand::run(CommandContext const& context) {
         writeOutput(context.out, input.image.bytes());
         return exitSuccess;
     }
+    if (input.capture) {
+        requireOtherThanCapture(input.file, file_);
+    }
     inspect::writeImage(input.image, file_);
     if (context.options.isJson) {
         auto document = jsonDocument("dump", input, {});

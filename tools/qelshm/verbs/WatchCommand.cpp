@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/verbs/WatchCommand.h"
 
+#include "tools/common/ExitStatus.h"
 #include "tools/common/Numbers.h"
 #include "tools/qelshm/watch/Watch.h"
 
@@ -12,7 +13,6 @@
 #include <CLI/Validators.hpp>
 
 #include <csignal>
-#include <ostream>
 
 namespace qel::tools {
 
@@ -82,17 +82,13 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
 
 int WatchCommand::run(CommandContext const& context) {
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // the stream reports a closed output
-    if (streams_.isWanted(context)) {
-        return streams_.run(context, {names_, count_, secondsAs<std::chrono::milliseconds>(interval_),
-                                      std::chrono::seconds(context.options.wait.value_or(defaultWait))});
+    auto const interval = secondsAs<std::chrono::milliseconds>(interval_);
+    if (!count_ && !streams_.isWanted(context) && watch::canShowTable()) {
+        watch::showTable({names_, interval, context.isColoured, freshnessOf(maxAge_)}, context.tell);
+        return exitSuccess;
     }
-    watch::WatchOptions const options{names_,
-                                      count_,
-                                      secondsAs<std::chrono::milliseconds>(interval_),
-                                      std::chrono::seconds(context.options.wait.value_or(defaultWait)),
-                                      context.isColoured,
-                                      freshnessOf(maxAge_)};
-    return watch::runWatch(options, context.out, context.tell);
+    return streams_.run(context, {names_, count_, interval,
+                                  std::chrono::seconds(context.options.wait.value_or(defaultWait))});
 }
 
 } // namespace qel::tools

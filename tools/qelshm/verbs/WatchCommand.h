@@ -22,7 +22,7 @@ class WatchCommand : public ICommand {
 public:
     CLI::App& define(CLI::App& app, OptionalOptions const& optional) override;
 
-    /// @throws std::runtime_error, see watch::runWatch()
+    /// @throws std::runtime_error, see watch::showTable() and stream::runStream()
     int run(CommandContext const& context) override;
 
 private:

@@ -19,7 +19,7 @@ class App;
 
 namespace qel::tools {
 
-/// --csv, --on-change and --syslog, and the streams that they and --json select.
+/// --csv, --on-change and --syslog, and the streams that they and --json select; lines of text without any of them.
 ///
 /// Threads: thread-bound to the main thread.
 class WatchStreams {

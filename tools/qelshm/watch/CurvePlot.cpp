@@ -3,26 +3,17 @@
 
 #include "tools/qelshm/watch/CurvePlot.h"
 
+#include "tools/qelshm/plot/Braille.h"
 #include "tools/qelshm/watch/Graph.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace qel::watch {
 
 namespace {
 
-constexpr std::size_t dotsPerLine = 4;
-
-/// The dots of a cell from its top, left and right.
-constexpr std::array<std::array<unsigned, 2>, dotsPerLine> dots{
-    {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}}};
-
-std::string brailleText(unsigned pattern) {
-    // U+2800 with the pattern in its low byte, as UTF-8.
-    return {'\xE2', static_cast<char>(0xA0U | pattern >> 6U), static_cast<char>(0x80U | (pattern & 0x3FU))};
-}
+constexpr std::size_t dotsPerLine = plot::brailleDotsDown;
 
 GraphScale scaleOf(std::vector<Curve> const& curves, unsigned short key, std::uint64_t newest,
                    std::size_t width) {
@@ -50,7 +41,8 @@ public:
             auto& cell = cells_.at(line * width_ + column);
             if (cell.pattern == 0 || cell.curve == curve) {
                 cell.curve = curve;
-                cell.pattern |= dots.at(dotsPerLine - 1 - dot % dotsPerLine).at(side);
+                cell.pattern = static_cast<std::uint8_t>(
+                    cell.pattern | plot::brailleDot(dotsPerLine - 1 - dot % dotsPerLine, side));
             }
         }
     }
@@ -61,7 +53,7 @@ public:
             auto const& cell = cells_[index];
             auto glyph = std::string(" ");
             if (cell.pattern != 0) {
-                glyph = glyphs == PlotGlyphs::Dots ? brailleText(cell.pattern)
+                glyph = glyphs == PlotGlyphs::Dots ? plot::brailleText(cell.pattern)
                                                    : std::string(1, static_cast<char>('a' + cell.curve));
             }
             all[index / width_].push_back({std::move(glyph), cell.curve});
@@ -71,7 +63,7 @@ public:
 
 private:
     struct Cell {
-        unsigned pattern = 0;
+        std::uint8_t pattern = 0; ///< bits of brailleDot()
         std::size_t curve = 0;
     };
 

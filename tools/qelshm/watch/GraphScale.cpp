@@ -3,26 +3,12 @@
 
 #include "tools/qelshm/watch/GraphScale.h"
 
+#include "tools/qelshm/plot/Axis.h"
+
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace qel::watch {
-
-namespace {
-
-/// The least of 1, 2 and 5 times a power of ten that is not below the number.
-double roundStep(double number) {
-    auto const power = std::pow(10.0, std::floor(std::log10(number)));
-    for (double const factor : std::array<double, 3>{1.0, 2.0, 5.0}) {
-        if (number <= factor * power) {
-            return factor * power;
-        }
-    }
-    return 10.0 * power;
-}
-
-} // namespace
 
 double GraphScale::partOf(double number) const {
     return std::clamp((number - low) / (high - low), 0.0, 1.0);
@@ -49,7 +35,7 @@ GraphScale scaleAround(double least, double greatest) {
     } else if (high < 0.0 && -high <= width) {
         high = 0.0;
     }
-    auto const step = roundStep((high - low) / steps);
+    auto const step = plot::roundStep((high - low) / steps);
     // A limit that is round already stays, in spite of what the division rounds.
     return {std::floor(low / step + slack) * step, std::ceil(high / step - slack) * step};
 }

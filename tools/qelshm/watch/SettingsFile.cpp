@@ -5,7 +5,7 @@
 
 #include "tools/common/SafeText.h"
 
-#include <unistd.h>
+#include "inspect/image/OutputFile.h"
 
 #include <cstdlib>
 #include <exception>
@@ -73,16 +73,9 @@ void SettingsFile::write(WatchSettings const& settings) const {
     // A link that somebody put there stays.
     auto const target = fs::weakly_canonical(path_);
     fs::create_directories(target.parent_path());
-    auto const fresh = target.string() + '.' + std::to_string(::getpid());
-    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-    file << settingsText(settings);
-    file.close();
-    if (!file) {
-        std::error_code ignored;
-        fs::remove(fresh, ignored);
-        throw std::runtime_error("it cannot be written");
-    }
-    fs::rename(fresh, target);
+    inspect::OutputFile file(target.string());
+    file.write(settingsText(settings));
+    file.finish();
 }
 
 bool SettingsFile::save(WatchSettings const& settings) const noexcept {

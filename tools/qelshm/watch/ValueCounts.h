@@ -7,16 +7,15 @@
 
 #include "tools/qelshm/watch/WatchedUnit.h"
 
+#include "inspect/why/ValueSummary.h"
+
 #include <cstddef>
 
 namespace qel::watch {
 
-/// Numbers of the selected values. The first three are told by the state, the others by the deliveries, so a value may
+/// Numbers of the selected values. Those of StateCounts are told by the state, the others by the deliveries, so a value may
 /// count twice. Reentrant.
-struct ValueCounts {
-    std::size_t alarm = 0; ///< without the lost ones
-    std::size_t warning = 0;
-    std::size_t lost = 0;  ///< do not count for the state of the unit
+struct ValueCounts : inspect::StateCounts {
     std::size_t never = 0; ///< never delivered
     std::size_t stale = 0; ///< see WatchedUnit::isStale()
 };

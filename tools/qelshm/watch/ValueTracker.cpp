@@ -11,12 +11,6 @@ namespace qel::watch {
 
 namespace {
 
-/// False while there is no value yet, and for a number that is no state.
-bool hasNumber(eStatus_Bits state) {
-    auto const kind = inspect::classOf(state);
-    return kind != inspect::StateClass::NoState && kind != inspect::StateClass::NoValue;
-}
-
 std::optional<std::uint64_t> since(std::optional<std::uint64_t> moment, std::uint64_t ticks) {
     return moment ? std::optional(ticks - *moment) : std::nullopt;
 }
@@ -63,7 +57,7 @@ std::vector<ValueChange> ValueTracker::update(UnitStructure const& structure, in
         track.at = slot.at;
         track.state = slot.state;
         track.round = round_;
-        if (!track.histories.empty() && hasNumber(slot.state) && slot.at != 0) {
+        if (!track.histories.empty() && inspect::hasNumber(slot.state) && slot.at != 0) {
             track.histories.front().add(bucket(ticks), slot.value);
             track.statistics.addNumber(slot.value);
         }

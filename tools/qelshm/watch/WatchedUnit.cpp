@@ -4,6 +4,7 @@
 #include "tools/qelshm/watch/WatchedUnit.h"
 
 #include "format/StateName.h"
+#include "inspect/image/RegionStatus.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +14,6 @@ namespace qel::watch {
 namespace {
 
 constexpr std::uint64_t shortestBucketMs = 2000; // with History::length, three minutes
-constexpr std::uint64_t clockToleranceMs = 60000;
 
 std::string contentText(UnitStructure const& structure) {
     return std::to_string(structure.points().size()) + " points, " +
@@ -103,7 +103,7 @@ std::vector<ValueChange> WatchedUnit::update(Snapshot const& snapshot) {
 std::uint64_t WatchedUnit::newestDelivery() const {
     std::uint64_t newest = 0;
     for (auto const& value : structure_.values()) {
-        if (auto const at = record(value).at; at <= snapshot_.now + clockToleranceMs) {
+        if (auto const at = record(value).at; !inspect::isAhead(at, snapshot_.now)) {
             newest = std::max(newest, at);
         }
     }

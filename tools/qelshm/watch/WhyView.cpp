@@ -8,24 +8,11 @@
 #include "inspect/image/PointTree.h"
 #include "inspect/naming/ValuePath.h"
 #include "inspect/why/Causes.h"
+#include "inspect/why/ValueSummary.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace qel::watch {
-
-namespace {
-
-/// How many values of a point and of the points below it are lost.
-std::size_t lostBelow(WatchedUnit const& unit, std::uint32_t point) {
-    auto const& values = unit.structure().values();
-    auto const end = unit.structure().points()[point].end;
-    return static_cast<std::size_t>(std::count_if(values.begin(), values.end(), [&](UnitValue const& value) {
-        return value.point >= point && value.point < end && unit.stateOf(value) == eStatus_Lost;
-    }));
-}
-
-} // namespace
 
 std::vector<StyledLine> whyLines(WatchedUnit const& unit, std::uint32_t point) {
     auto const& image = unit.snapshot().image;
@@ -56,7 +43,7 @@ std::vector<StyledLine> whyLines(WatchedUnit const& unit, std::uint32_t point) {
                              tools::Style::Plain});
         }
     }
-    if (auto const lost = lostBelow(unit, point); lost != 0) {
+    if (auto const lost = inspect::lostValues(image, tree, point); lost != 0) {
         lines.push_back(
             {std::to_string(lost) + (lost == 1 ? " value is" : " values are") + " Lost, which does not count",
              tools::Style::Alarm});

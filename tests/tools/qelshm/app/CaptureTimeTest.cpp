@@ -37,11 +37,14 @@ TEST(CaptureTimeTest, ClockStartAndEnd_AreRead) {
     expectMoment(From::End, 7200000, "-2h");
     expectMoment(From::End, 86400000, "-1d");
     expectMoment(From::Start, 0, "+0s");
+    expectMoment(From::End, 5400000, "-1.5h");
+    expectMoment(From::Start, 500, "+500ms");
 }
 
 TEST(CaptureTimeTest, OtherTexts_AreRefused) {
-    for (auto const* const text : {"", "-", "10m", "-10", "-m", "+5 m", "-1.5h", "--5s", "-5x", "yesterday",
-                                   "2023-11-14 22:13:20", "-99999999999d", "-18446744073709551616s"}) {
+    for (auto const* const text :
+         {"", "-", "10m", "-10", "-m", "+5 m", "--5s", "-5x", "yesterday", "2023-11-14 22:13:20", "-400000d",
+          "-99999999999d", "-18446744073709551616s"}) {
         EXPECT_FALSE(parseCaptureTime(text)) << text;
         EXPECT_THAT(captureTimeProblem(text),
                     testing::HasSubstr("is no moment of a capture; expected for example"));

@@ -6,6 +6,7 @@
 #include "tests/support/ForgedRegion.h"
 #include "tests/tools/qelshm/ImageFolder.h"
 #include "tests/tools/qelshm/QelshmRun.h"
+#include "tests/tools/qelshm/SampleCapture.h"
 #include "tests/tools/qelshm/SampleImages.h"
 
 #include "inspect/image/ImageFile.h"
@@ -54,6 +55,17 @@ TEST(DumpCommandTest, NoObject_WritesNoFile) {
     EXPECT_EQ(1, outcome.status);
     EXPECT_EQ("qelshm: there is no shared-memory object QelSharedMemory\n", outcome.errors);
     EXPECT_FALSE(std::filesystem::exists("saved.img"));
+}
+
+TEST(DumpCommandTest, FileThatIsTheCapture_IsRefused) {
+    ImageFolder const folder;
+    auto const file = sampleCapture();
+    auto const before = bytesOf(file);
+    auto const outcome = runQelshm({"--image", file, "dump", "./" + file});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("qelshm: cannot write ./" + file + ": it is the capture that is read; choose another file\n",
+              outcome.errors);
+    EXPECT_EQ(before, bytesOf(file));
 }
 
 TEST(DumpCommandTest, Hyphen_IsStandardOutput) {

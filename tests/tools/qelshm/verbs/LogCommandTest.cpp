@@ -88,7 +88,7 @@ TEST(LogCommandTest, RangeLongerThanTheCapture_IsTheWholeCapture) {
     std::vector<std::vector<std::string>> const ranges{
         {"--from", "-8h"},
         {"--to", "+8h"},
-        {"--from", "-1000000000d", "--to", "+1000000000d"},
+        {"--from", "-300000d", "--to", "+300000d"},
         {"--from", "2023-11-14T00:00:00Z", "--to", "2023-11-15T00:00:00Z"}};
     for (auto const& range : ranges) {
         std::vector<std::string> words{"log", file};
