@@ -34,9 +34,16 @@ public:
         if (error) {
             throw std::runtime_error(error->message);
         }
-        g_dbus_connection_signal_subscribe(connection_.get(), nullptr, name_, "shmStructureChanged", "/",
-                                           nullptr, G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
+        subscription_ =
+            g_dbus_connection_signal_subscribe(connection_.get(), nullptr, name_, "shmStructureChanged", "/",
+                                               nullptr, G_DBUS_SIGNAL_FLAGS_NONE, onSignal, this, nullptr);
     }
+    Client(Client const&) = delete;
+    Client& operator=(Client const&) = delete;
+
+    // A signal that waits for the main context keeps the connection, and would be counted by the next client on this
+    // place of the stack.
+    ~Client() { g_dbus_connection_signal_unsubscribe(connection_.get(), subscription_); }
 
     /// What "initialized" answers; nothing if the call fails.
     std::optional<int> initialized() {
@@ -94,6 +101,7 @@ private:
     std::string error_;
     bool isAnswered_ = false;
     int signals_ = 0;
+    guint subscription_ = 0;
 };
 
 } // namespace qel::test

@@ -116,14 +116,14 @@ TEST(QelHardwareManagerTest, StructureThatChanged_IsAnnounced) {
     ASSERT_EQ(0, client.initialized()) << "the subscription is in place";
     Writer const writer;
     int lines = sut.linesUntil("region active: 6 points, 8 values");
-    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == lines; }));
+    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == lines; })) << client.signals();
 
     writer.signal(SIGUSR1);
     lines += sut.linesUntil("structure changed and announced: 7 points, 9 values");
-    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == lines; }));
+    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == lines; })) << client.signals();
     writer.signal(SIGUSR1);
     lines += sut.linesUntil("structure changed and announced: 6 points, 8 values");
-    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == lines; }));
+    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == lines; })) << client.signals();
 
     sut.signal(SIGTERM);
     EXPECT_EQ("qel-hardware-manager: ended by a signal\n", sut.readAll());
@@ -151,9 +151,9 @@ TEST(QelHardwareManagerTest, WithoutAnInterval_AnnouncesOnRequestOnly) {
     sut.signal(SIGUSR1);
 
     EXPECT_EQ("qel-hardware-manager: change of structure announced on request", sut.readLine());
-    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == 1; }));
+    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == 1; })) << client.signals();
     sut.signal(SIGUSR1);
-    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == 2; }));
+    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == 2; })) << client.signals();
 }
 
 class HardwareManagerSignalTest : public testing::TestWithParam<int> {};
@@ -225,7 +225,7 @@ TEST(QelHardwareManagerTest, Quiet_WritesNothing) {
     Client client;
     EXPECT_TRUE(Client::waitFor([&] { return client.initialized().has_value(); }));
     sut.signal(SIGUSR1);
-    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == 1; }));
+    EXPECT_TRUE(Client::waitFor([&] { return client.signals() == 1; })) << client.signals();
     sut.signal(SIGTERM);
     EXPECT_EQ("", sut.readAll());
     EXPECT_EQ(0, sut.wait());
