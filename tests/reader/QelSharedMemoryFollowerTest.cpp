@@ -495,7 +495,8 @@ TEST_F(QelSharedMemoryFollowerTest, ConnectionClosed_AnotherReaderHearsAgain) {
         g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
         g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
     }
-    EXPECT_TRUE(eventually([&] { return sut->condition() == QelShmCondition::Active && readers() == 2; }));
+    // A try that gets the closed connection, which is the shared one until its last user is gone, fails.
+    EXPECT_TRUE(eventually([&] { return sut->condition() == QelShmCondition::Active && readers() > 1; }));
     EXPECT_EQ(voided, Conditions{QelShmCondition::Active});
     expectNumber(1);
     auto const before = sut->reader()->modifications();
