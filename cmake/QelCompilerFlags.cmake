@@ -45,7 +45,7 @@ endfunction()
 # EXCEPT: sources that use the same names for different things.
 function(qel_compile_jointly target)
   cmake_parse_arguments(PARSE_ARGV 1 jointly "" "" "EXCEPT")
-  set_target_properties(${target} PROPERTIES UNITY_BUILD ${QEL_QUICK_BUILD} UNITY_BUILD_BATCH_SIZE 6)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${QEL_QUICK_BUILD} UNITY_BUILD_BATCH_SIZE 12)
   set_source_files_properties(${jointly_EXCEPT} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   if(QEL_QUICK_BUILD)
     # Warnings about names of other sources, and about fixtures in unnamed namespaces, are false here.

@@ -10,16 +10,14 @@ namespace qel::inspect {
 
 namespace {
 
-constexpr auto wordSize = CAPTURE_WORD_SIZE;
-
 /// Of a record, counted in words: where a word lies that hold neither state nor structure.
-constexpr std::size_t pointWords = sizeof(shm::record::QelShmMP) / wordSize;
-constexpr std::size_t pointTime = offsetof(shm::record::QelShmMP, at) / wordSize;
-constexpr std::size_t valueWords = sizeof(shm::record::QelShmMVal) / wordSize;
-constexpr std::size_t valueNumber = offsetof(shm::record::QelShmMVal, value) / wordSize;
-constexpr std::size_t valueTime = offsetof(shm::record::QelShmMVal, at) / wordSize;
-constexpr std::size_t firstValue = offsetof(shm::record::Region, values) / wordSize;
-constexpr std::size_t rootWord = offsetof(shm::record::Region, root) / wordSize;
+constexpr std::size_t pointWords = sizeof(shm::record::QelShmMP) / CAPTURE_WORD_SIZE;
+constexpr std::size_t pointTime = offsetof(shm::record::QelShmMP, at) / CAPTURE_WORD_SIZE;
+constexpr std::size_t valueWords = sizeof(shm::record::QelShmMVal) / CAPTURE_WORD_SIZE;
+constexpr std::size_t valueNumber = offsetof(shm::record::QelShmMVal, value) / CAPTURE_WORD_SIZE;
+constexpr std::size_t valueTime = offsetof(shm::record::QelShmMVal, at) / CAPTURE_WORD_SIZE;
+constexpr std::size_t firstValue = offsetof(shm::record::Region, values) / CAPTURE_WORD_SIZE;
+constexpr std::size_t rootWord = offsetof(shm::record::Region, root) / CAPTURE_WORD_SIZE;
 
 } // namespace
 
@@ -52,10 +50,10 @@ std::size_t FrameRegion::kept() const {
 }
 
 void FrameRegion::store(std::size_t word, std::string_view words) {
-    auto const offset = word * wordSize;
+    auto const offset = word * CAPTURE_WORD_SIZE;
     auto const count = std::min(words.size(), kept() - std::min(kept(), offset));
     std::memcpy(reinterpret_cast<unsigned char*>(region_.get()) + offset, words.data(), count);
-    for (auto const end = word + words.size() / wordSize; word < end; ++word) {
+    for (auto const end = word + words.size() / CAPTURE_WORD_SIZE; word < end; ++word) {
         note(word);
     }
 }
