@@ -3,8 +3,12 @@
 
 // The live table of qelshm, used and disturbed at random.
 #include "tests/support/ChangingUnit.h"
+#include "tests/support/ProgressPage.h"
 #include "tests/support/RandomNumbers.h"
 #include "tests/support/Rounds.h"
+#include "tests/support/Sanitizers.h"
+#include "tests/support/TempFile.h"
+#include "tests/system/Peers.h"
 #include "tests/tools/qelshm/watch/Tmux.h"
 #include "writer/QelSharedMemoryWriter.h"
 
@@ -12,11 +16,13 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <iostream>
 #include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace qel::test {
@@ -24,6 +30,14 @@ namespace qel::test {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+// Runs with a seed each; CTest starts them side by side. Together they last a minute, or an hour when the environment
+// asks for endurance. Under a sanitizer they last 16 s: everything is several times slower there, and a suite is one
+// process.
+constexpr int runs = 4;
+constexpr bool underSanitizer = underAddressSanitizer || underThreadSanitizer;
+constexpr int briefSeconds = underSanitizer ? 4 : 15;
+constexpr int longSeconds = 900;
 
 // By the multiplexer's names: all but those that end or suspend the program.
 std::vector<std::string> const keys{
@@ -41,12 +55,13 @@ struct Counts {
     unsigned words = 0;
     unsigned sizes = 0;
     unsigned structures = 0;
-    unsigned restarts = 0;
+    unsigned ends = 0;
+    unsigned kills = 0;
     unsigned updates = 0;
     unsigned screens = 0;
 };
 
-class WatchTest : public testing::Test {
+class WatchTest : public testing::TestWithParam<int> {
 protected:
     std::uint32_t pick(std::uint32_t count) {
         return std::uniform_int_distribution<std::uint32_t>(0, count - 1)(random_);
@@ -79,23 +94,44 @@ protected:
         ++counts_.updates;
     }
 
+    // Another process writes without a pause and is killed at some moment. It leaves the region behind as it was then.
+    void killWriter() {
+        writer_.reset();
+        Writer writer;
+        ProgressPage const page(progress_.path());
+        writer.process().writeLine("storm " + std::to_string(pick(1000000)) + " 0 " + progress_.path());
+        std::this_thread::sleep_for(std::chrono::milliseconds(pick(60)));
+        writer.process().signal(SIGKILL);
+        ASSERT_EQ(128 + SIGKILL, writer.process().wait());
+        ++counts_.kills;
+    }
+
+    // For some steps there is no writer: either no region, or one that nobody writes.
     void disturbUnit() {
-        switch (pick(12)) {
+        if (!writer_) {
+            if (pick(4) == 0) {
+                startWriter();
+            }
+            return;
+        }
+        switch (pick(16)) {
         case 0:
             writer_.reset();
-            startWriter();
-            ++counts_.restarts;
+            ++counts_.ends;
             break;
         case 1:
+            killWriter();
+            break;
         case 2:
+        case 3:
             writer_->modifyStructure(changingUnit::part(random_));
             ++counts_.structures;
             break;
-        case 3:
+        case 4:
             writer_->removeStructure({});
             ++counts_.structures;
             break;
-        case 4:
+        case 5:
             writer_->modifyStructure(changingUnit::whole());
             ++counts_.structures;
             break;
@@ -203,6 +239,7 @@ protected:
     }
 
     std::mt19937 random_ = randomNumbers(1);
+    TempFile progress_{""};
     std::unique_ptr<shm::QelSharedMemoryWriter> writer_;
     Tmux tmux_{80, 24};
     unsigned columns_ = 80;
@@ -213,13 +250,14 @@ protected:
 
 } // namespace
 
-TEST_F(WatchTest, AnyKeysSizesAndChangesOfTheUnit_LeaveAValidScreenAndTheTerminalInOrder) {
-    auto const seed = static_cast<std::uint32_t>(rounds(1, static_cast<int>(std::random_device()() >> 1U)));
+TEST_P(WatchTest, AnyKeysSizesAndChangesOfTheUnit_LeaveAValidScreenAndTheTerminalInOrder) {
+    auto const seed =
+        static_cast<std::uint32_t>(rounds(GetParam(), static_cast<int>(std::random_device()() >> 1U)));
     random_ = randomNumbers(seed);
     SCOPED_TRACE("seed " + std::to_string(seed));
     startWriter();
     startWatch();
-    auto const end = Clock::now() + std::chrono::seconds(rounds(20, 3600));
+    auto const end = Clock::now() + std::chrono::seconds(rounds(briefSeconds, longSeconds));
     for (int step = 0; Clock::now() < end && !HasFatalFailure(); ++step) {
         disturbUnit();
         disturbScreen();
@@ -232,8 +270,10 @@ TEST_F(WatchTest, AnyKeysSizesAndChangesOfTheUnit_LeaveAValidScreenAndTheTermina
     }
     std::cout << "seed " << seed << ": " << counts_.keys << " keys, " << counts_.words << " words, "
               << counts_.sizes << " sizes, " << counts_.updates << " batches of 20 updates, "
-              << counts_.structures << " structure changes, " << counts_.restarts << " restarts, "
-              << counts_.screens << " screens\n";
+              << counts_.structures << " structure changes, " << counts_.ends << " ends and " << counts_.kills
+              << " kills of the writer, " << counts_.screens << " screens\n";
 }
+
+INSTANTIATE_TEST_SUITE_P(SideBySide, WatchTest, testing::Range(1, runs + 1));
 
 } // namespace qel::test
