@@ -38,6 +38,7 @@ constexpr int runs = 4;
 constexpr bool underSanitizer = underAddressSanitizer || underThreadSanitizer;
 constexpr int briefSeconds = underSanitizer ? 4 : 15;
 constexpr int longSeconds = 900;
+constexpr std::chrono::seconds patience(60); // on a machine that is busy with other work
 
 // By the multiplexer's names: all but those that end or suspend the program.
 std::vector<std::string> const keys{
@@ -216,10 +217,11 @@ protected:
 
     void expectScreen(std::string const& after) {
         std::string screen;
-        bool const isRight = tmux_.becomes([&](std::string const& now) {
+        auto const isValid = [&](std::string const& now) {
             screen = now;
             return objection(now).empty();
-        });
+        };
+        bool const isRight = tmux_.becomes(isValid, patience);
         ++counts_.screens;
         ASSERT_TRUE(isRight) << after << ": " << objection(screen) << " at " << columns_ << 'x' << lines_
                              << '\n'
