@@ -13,11 +13,12 @@
 namespace qel::inspect {
 
 AlarmCaptures::AlarmCaptures(Name name, std::chrono::milliseconds before, std::chrono::milliseconds after,
-                             CaptureBounds bounds)
+                             CaptureBounds bounds, AlarmEdges alarms)
     : name_(std::move(name)),
       before_(static_cast<std::uint64_t>(before.count())),
       after_(static_cast<std::uint64_t>(after.count())),
-      bounds_(bounds) {}
+      bounds_(bounds),
+      alarms_(std::move(alarms)) {}
 
 void AlarmCaptures::tryFile(std::uint64_t time) const {
     auto const file = name_(time);

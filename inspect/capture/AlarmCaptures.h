@@ -34,8 +34,9 @@ public:
     /// @param before samples up to this time before an alarm are written, as far as the memory of CaptureRing holds them
     /// @param after  and those up to this time after it began
     /// @param bounds the oldest file of this object that is too many is removed; CaptureBounds::files 0 keeps all
+    /// @param alarms which alarms count
     AlarmCaptures(Name name, std::chrono::milliseconds before, std::chrono::milliseconds after,
-                  CaptureBounds bounds);
+                  CaptureBounds bounds, AlarmEdges alarms = AlarmEdges());
 
     /// Makes the file of an alarm at this time and removes it, so that a problem shows before there is an alarm.
     /// @throws CaptureError as append()

@@ -19,8 +19,9 @@ bool AlarmEdges::add(Image const& image) {
     for (auto const& node : tree.nodes()) {
         for (auto const pos : tree.valuesOf(node)) {
             auto const& value = image.region().values[pos];
-            if (classOf(value.state) == StateClass::Alarm) {
-                now.emplace(image.region().points[node.pos].guid, value.key);
+            auto const point = image.region().points[node.pos].guid;
+            if (classOf(value.state) == StateClass::Alarm && selectsValue(patterns_, point, value.key)) {
+                now.emplace(point, value.key);
             }
         }
     }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "inspect/image/Image.h"
+#include "inspect/naming/ValuePattern.h"
 
 #include <set>
 #include <utility>
@@ -17,11 +18,15 @@ namespace qel::inspect {
 /// Threads: reentrant.
 class AlarmEdges {
 public:
+    /// @param patterns select the values whose alarms count; without any, all values
+    explicit AlarmEdges(ValuePatterns patterns = {}) : patterns_(std::move(patterns)) {}
+
     /// Takes the next image. An image that is not active changes nothing.
-    /// @return whether a value is in alarm that was not in the active image before, or in the first one
+    /// @return whether a selected value is in alarm that was not in the active image before, or in the first one
     bool add(Image const& image);
 
 private:
+    ValuePatterns patterns_;
     std::set<std::pair<long long, unsigned short>> alarmed_; ///< point and key
 };
 

@@ -4,6 +4,7 @@
 #include "inspect/capture/CaptureLog.h"
 
 #include "inspect/image/PointTree.h"
+#include "inspect/naming/PointFinder.h"
 
 #include <algorithm>
 
@@ -100,6 +101,45 @@ void CaptureLog::read(CaptureTimeline const& timeline, std::uint64_t from, std::
     });
     forEachSample(timeline, timeline.first(), until,
                   [&](CaptureReader const& reader, auto /*next*/) { reading.add(reader); });
+}
+
+std::optional<std::size_t> CaptureLog::unmatched(CaptureTimeline const& timeline, std::uint64_t from,
+                                                 std::uint64_t until) const {
+    std::vector<bool> isMatched(patterns_.size());
+    auto const match = [&](Image const& image) {
+        PointTree const tree(image);
+        PointFinder const finder(image, tree);
+        for (std::size_t index = 0; index < patterns_.size(); ++index) {
+            isMatched[index] = isMatched[index] || finder.hasMatch(patterns_[index]);
+        }
+    };
+    std::optional<Image> before; // the last active one: what has vanished since then is an event
+    bool isFirst = true;
+    anySample(timeline, timeline.first(), until, [&](CaptureReader const& reader, auto /*next*/) {
+        auto const& region = reader.region();
+        bool const isOther = region.isActive() && (isFirst || region.hasChangedStates());
+        isFirst = isFirst && !isOther;
+        if (reader.moment() < from) {
+            if (isOther) {
+                before = region.image();
+            }
+            return false;
+        }
+        if (before) {
+            match(*before);
+            before.reset();
+        }
+        if (isOther) {
+            match(region.image());
+        }
+        return std::find(isMatched.begin(), isMatched.end(), false) == isMatched.end();
+    });
+    if (before) {
+        match(*before);
+    }
+    auto const none = std::find(isMatched.begin(), isMatched.end(), false);
+    return none == isMatched.end() ? std::nullopt
+                                   : std::optional(static_cast<std::size_t>(none - isMatched.begin()));
 }
 
 bool CaptureLog::isSelected(Difference const& difference) const {

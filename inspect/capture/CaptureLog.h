@@ -9,6 +9,7 @@
 #include "inspect/compare/Difference.h"
 #include "inspect/naming/ValuePattern.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -46,7 +47,7 @@ public:
 
     /// @param patterns select points and values; without any, everything. Events of the whole region are always
     ///                 selected, except for its global state.
-    explicit CaptureLog(std::vector<ValuePattern> patterns) : patterns_(std::move(patterns)) {}
+    explicit CaptureLog(ValuePatterns patterns) : patterns_(std::move(patterns)) {}
 
     /// Reads a capture.
     /// @param from  ms since 1970 UTC; events before are left out
@@ -55,10 +56,19 @@ public:
     void read(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
               Handler const& handler) const;
 
+    /// Finds a pattern that selects no point and no value in a part of a capture, nor in the active sample before. Reads
+    /// only as far as needed.
+    /// @param from  ms since 1970 UTC
+    /// @param until ms since 1970 UTC
+    /// @return the index of the first one; none if each pattern selects something
+    /// @throws CaptureError if the file cannot be read any more
+    std::optional<std::size_t> unmatched(CaptureTimeline const& timeline, std::uint64_t from,
+                                         std::uint64_t until) const;
+
 private:
     bool isSelected(Difference const& difference) const;
 
-    std::vector<ValuePattern> patterns_;
+    ValuePatterns patterns_;
 };
 
 } // namespace qel::inspect

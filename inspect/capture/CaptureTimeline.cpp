@@ -107,6 +107,15 @@ CaptureSample CaptureTimeline::at(std::uint64_t time) const {
 
 void forEachSample(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
                    SampleVisit const& visit) {
+    anySample(timeline, from, until, [&](CaptureReader const& reader, std::optional<std::uint64_t> next) {
+        visit(reader, next);
+        return false;
+    });
+}
+
+bool anySample(
+    CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
+    std::function<bool(CaptureReader const& reader, std::optional<std::uint64_t> next)> const& isWanted) {
     auto reader = timeline.reader();
     auto const nextUpTo = [&](std::uint64_t limit) {
         auto const next = reader.samples() < timeline.samples() ? reader.nextMoment() : std::nullopt;
@@ -116,14 +125,17 @@ void forEachSample(CaptureTimeline const& timeline, std::uint64_t from, std::uin
         reader.advance();
     }
     auto next = nextUpTo(until);
-    if (reader.samples() != 0) {
-        visit(reader, next);
+    if (reader.samples() != 0 && isWanted(reader, next)) {
+        return true;
     }
     while (next) {
         reader.advance();
         next = nextUpTo(until);
-        visit(reader, next);
+        if (isWanted(reader, next)) {
+            return true;
+        }
     }
+    return false;
 }
 
 } // namespace qel::inspect

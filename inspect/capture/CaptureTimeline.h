@@ -108,4 +108,11 @@ using SampleVisit = std::function<void(CaptureReader const& reader, std::optiona
 void forEachSample(CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
                    SampleVisit const& visit);
 
+/// The same up to the first sample that a function accepts. Reentrant.
+/// @return whether it accepted one
+/// @throws CaptureError if the file cannot be read any more
+bool anySample(
+    CaptureTimeline const& timeline, std::uint64_t from, std::uint64_t until,
+    std::function<bool(CaptureReader const& reader, std::optional<std::uint64_t> next)> const& isWanted);
+
 } // namespace qel::inspect

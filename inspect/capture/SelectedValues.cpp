@@ -9,7 +9,6 @@
 #include "region/SvidParts.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 
 namespace qel::inspect {
@@ -53,11 +52,9 @@ bool SelectedValues::isSelected(Id const& id) {
     if (isSelected_.size() >= most) {
         isSelected_.clear(); // a damaged capture may name any number of values
     }
-    auto const [place, isNew] = isSelected_.try_emplace(id, patterns_.empty());
-    if (isNew && !place->second) {
-        place->second = std::any_of(patterns_.begin(), patterns_.end(), [&](ValuePattern const& pattern) {
-            return pattern.matches(id.first, id.second);
-        });
+    auto const [place, isNew] = isSelected_.try_emplace(id, false);
+    if (isNew) {
+        place->second = selectsValue(patterns_, id.first, id.second);
     }
     return place->second;
 }
@@ -76,8 +73,7 @@ std::size_t SelectedValues::indexOf(Id const& id) {
 }
 
 std::optional<double> deliveredNumber(shm::record::QelShmMVal const* value) {
-    bool const isThere = value != nullptr && hasNumber(value->state) && std::isfinite(value->value);
-    return isThere ? std::optional(value->value) : std::nullopt;
+    return value != nullptr ? numberIn(value->state, value->value) : std::nullopt;
 }
 
 } // namespace qel::inspect

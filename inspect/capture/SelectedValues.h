@@ -39,7 +39,7 @@ public:
     };
 
     /// @param patterns without any, all values
-    explicit SelectedValues(std::vector<ValuePattern> patterns) : patterns_(std::move(patterns)) {}
+    explicit SelectedValues(ValuePatterns patterns) : patterns_(std::move(patterns)) {}
 
     /// Takes the next sample.
     /// @param region must live until the next call
@@ -61,7 +61,7 @@ private:
     bool isSelected(Id const& id);
     std::size_t indexOf(Id const& id);
 
-    std::vector<ValuePattern> patterns_;
+    ValuePatterns patterns_;
     std::map<Id, bool> isSelected_; ///< as far as known
     std::vector<Name> names_;
     std::map<Id, std::size_t> indexOf_;

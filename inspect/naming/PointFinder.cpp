@@ -90,6 +90,20 @@ std::optional<std::uint32_t> PointFinder::value(std::uint32_t node, unsigned sho
     return found == positions.end() ? std::nullopt : std::optional(*found);
 }
 
+bool PointFinder::hasMatch(ValuePattern const& pattern) const {
+    auto const& nodes = tree_.nodes();
+    return std::any_of(nodes.begin(), nodes.end(), [&](PointNode const& node) {
+        auto const point = svidOf(node);
+        if (!pattern.hasKey()) {
+            return pattern.matchesPoint(point);
+        }
+        auto const values = tree_.valuesOf(node);
+        return std::any_of(values.begin(), values.end(), [&](std::uint32_t pos) {
+            return pattern.matches(point, image_.region().values[pos].key);
+        });
+    });
+}
+
 std::string PointFinder::keysOf(PointNode const& node) const {
     std::string names;
     std::size_t listed = 0;

@@ -7,6 +7,7 @@
 
 #include "inspect/image/Image.h"
 #include "inspect/image/PointTree.h"
+#include "inspect/naming/ValuePattern.h"
 
 #include <cstdint>
 #include <optional>
@@ -50,6 +51,9 @@ public:
     /// Finds the position of a node's first value with a key.
     /// @return none if there is no such value
     std::optional<std::uint32_t> value(std::uint32_t node, unsigned short key) const;
+
+    /// Whether a pattern selects anything: a value, or a point if the pattern does not speak of values.
+    bool hasMatch(ValuePattern const& pattern) const;
 
 private:
     std::string noPointText(std::string_view text) const;

@@ -6,6 +6,7 @@
 #include "region/TableLookup.h"
 
 #include <array>
+#include <cmath>
 
 namespace qel::inspect {
 
@@ -76,6 +77,10 @@ StateClass classOf(eStatus_Bits state) {
 bool hasNumber(eStatus_Bits state) {
     auto const kind = classOf(state);
     return kind != StateClass::NoState && kind != StateClass::NoValue;
+}
+
+std::optional<double> numberIn(eStatus_Bits state, double number) {
+    return hasNumber(state) && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 } // namespace qel::inspect

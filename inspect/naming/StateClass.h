@@ -8,6 +8,7 @@
 #include "domain/eStatus_Bits.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace qel::inspect {
 
@@ -30,5 +31,8 @@ StateClass classOf(eStatus_Bits state);
 /// Whether a value in a state has a number to show: not before the first delivery, nor with a number that is no state.
 /// Reentrant.
 bool hasNumber(eStatus_Bits state);
+
+/// The number of a value, if there is one to show: see hasNumber(); infinity and NaN are none. Reentrant.
+std::optional<double> numberIn(eStatus_Bits state, double number);
 
 } // namespace qel::inspect

@@ -116,4 +116,26 @@ bool ValuePattern::matches(long long point, unsigned short key) const {
     return (keyPattern_.empty() || matchesWord(keyPattern_, keyWord(key))) && matchesPoint(point);
 }
 
+bool selectsValue(ValuePatterns const& patterns, long long point, unsigned short key) {
+    return patterns.empty() ||
+           std::any_of(patterns.begin(), patterns.end(),
+                       [&](ValuePattern const& pattern) { return pattern.matches(point, key); });
+}
+
+bool selectsPoint(ValuePatterns const& patterns, long long point) {
+    return patterns.empty() ||
+           std::any_of(patterns.begin(), patterns.end(), [&](ValuePattern const& pattern) {
+               return !pattern.hasKey() && pattern.matchesPoint(point);
+           });
+}
+
+std::string patternProblem(std::string const& text) {
+    try {
+        ValuePattern const pattern(text);
+        return {};
+    } catch (PatternError const& error) {
+        return error.what();
+    }
+}
+
 } // namespace qel::inspect

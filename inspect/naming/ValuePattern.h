@@ -63,4 +63,18 @@ private:
     std::string keyPattern_;            ///< with wildcards; "" if there is none
 };
 
+/// Several patterns. Without any, everything is selected.
+using ValuePatterns = std::vector<ValuePattern>;
+
+/// Whether a value is selected, by itself or with its point. Reentrant.
+/// @param point id of the value's point; a key in it is ignored
+bool selectsValue(ValuePatterns const& patterns, long long point, unsigned short key);
+
+/// Whether a point is selected as a whole. Reentrant.
+/// @param point its id; a key in it is ignored
+bool selectsPoint(ValuePatterns const& patterns, long long point);
+
+/// What is wrong with a text as a pattern: one line for the user, "" for nothing. Reentrant.
+std::string patternProblem(std::string const& text);
+
 } // namespace qel::inspect

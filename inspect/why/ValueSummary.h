@@ -40,8 +40,9 @@ struct ValueSummary : StateCounts {
     std::optional<OldValue> oldest; ///< the first of those that were delivered longest ago; none if none was
 };
 
-/// How long before the newest value another one counts as stale, unless somebody wants another bound.
-constexpr std::chrono::milliseconds STALE_AFTER{60000};
+/// The age at which a value counts as stale, unless somebody wants another bound: more than two turns of a sensor that
+/// delivers every other minute.
+constexpr std::chrono::milliseconds STALE_AFTER{std::chrono::minutes(5)};
 
 /// Summarises all values in a tree. Reentrant.
 /// @param tree       of this image

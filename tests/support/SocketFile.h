@@ -15,14 +15,21 @@
 
 namespace qel::test {
 
-/// Makes a socket that nobody listens to.
-inline void makeSocket(char const* path) {
+/// Makes a socket with a name.
+/// @param type SOCK_STREAM or SOCK_DGRAM
+/// @return the descriptor, which the caller closes
+inline int boundSocket(char const* path, int type) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     std::strncpy(address.sun_path, path, sizeof address.sun_path - 1);
-    int const fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    int const fd = ::socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
     EXPECT_EQ(0, ::bind(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address));
-    ::close(fd);
+    return fd;
+}
+
+/// Makes a socket that nobody listens to.
+inline void makeSocket(char const* path) {
+    ::close(boundSocket(path, SOCK_STREAM));
 }
 
 } // namespace qel::test

@@ -46,15 +46,18 @@ std::optional<std::chrono::milliseconds> parseDuration(std::string_view text) {
     return std::chrono::milliseconds(static_cast<std::int64_t>(ms));
 }
 
+std::string secondsText(std::chrono::milliseconds time) {
+    return std::to_string(std::chrono::duration_cast<std::chrono::seconds>(time).count()) + " s";
+}
+
 CLI::Validator durationUpTo(std::chrono::milliseconds longest) {
     auto const problem = [longest](std::string& text) {
         auto const duration = parseDuration(text);
         if (duration && *duration <= longest) {
             return std::string();
         }
-        auto const seconds = std::chrono::duration_cast<std::chrono::seconds>(longest).count();
-        return '"' + text + "\" is not a duration of up to " + std::to_string(seconds) +
-               " s; durations are like 10, 10s, 5m, 2h";
+        return '"' + text + "\" is not a duration of up to " + secondsText(longest) +
+               "; durations are like 10, 10s, 5m, 2h";
     };
     return {problem, "", "duration"};
 }

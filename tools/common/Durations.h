@@ -21,6 +21,9 @@ namespace qel::tools {
 /// @return rounded down; none for other texts, and for durations that are negative or longer than a thousand years
 std::optional<std::chrono::milliseconds> parseDuration(std::string_view text);
 
+/// "300 s"; rounded down. Reentrant.
+std::string secondsText(std::chrono::milliseconds time);
+
 /// Accepts what parseDuration() reads.
 ///
 /// Threads: reentrant.

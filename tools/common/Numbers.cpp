@@ -11,10 +11,19 @@
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <system_error>
 
 namespace qel::tools {
 
 namespace {
+
+template <typename Number>
+std::optional<Number> wholeNumber(std::string_view text) {
+    Number number{};
+    auto const* const end = text.data() + text.size();
+    auto const parsed = std::from_chars(text.data(), end, number);
+    return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(number) : std::nullopt;
+}
 
 /// Without an exponent: "0.001", "1000000000".
 std::string plainText(double number) {
@@ -25,6 +34,15 @@ std::string plainText(double number) {
 }
 
 } // namespace
+
+std::optional<double> parseNumber(std::string_view text) {
+    auto const number = wholeNumber<double>(text);
+    return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+std::optional<std::uint64_t> parseDigits(std::string_view text) {
+    return wholeNumber<std::uint64_t>(text);
+}
 
 CLI::Validator finiteBetween(double min, double max) {
     auto const problem = [min, max](std::string& text) {

@@ -2,14 +2,26 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// @file
-/// Arguments that are numbers.
+/// Texts that are numbers.
 #pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace CLI {
 class Validator;
 } // namespace CLI
 
 namespace qel::tools {
+
+/// Reads a whole text as a decimal number: "12.5", "-3", "1e3". The locale does not matter. Reentrant.
+/// @return none for other texts, and for infinity and NaN
+std::optional<double> parseNumber(std::string_view text);
+
+/// Reads a whole text as decimal digits. Reentrant.
+/// @return none for other texts, and for numbers beyond 64 bits
+std::optional<std::uint64_t> parseDigits(std::string_view text);
 
 /// Accepts finite numbers in a range. "nan" and "inf" are refused, which a plain comparison with the bounds would let
 /// pass. The help does not mention the range.

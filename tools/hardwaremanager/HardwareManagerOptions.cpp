@@ -4,15 +4,14 @@
 #include "tools/hardwaremanager/HardwareManagerOptions.h"
 
 #include "tools/common/CommandLine.h"
+#include "tools/common/Numbers.h"
 #include "tools/common/completion/Completion.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
-#include <charconv>
 #include <string>
-#include <system_error>
 
 namespace qel::tools {
 
@@ -46,10 +45,8 @@ Examples:
 
 /// @return what is wrong with the text, "" for nothing
 std::string intervalProblem(std::string const& text) {
-    double seconds = -1.0;
-    auto const read = std::from_chars(text.data(), text.data() + text.size(), seconds);
-    bool const isNumber = read.ec == std::errc() && read.ptr == text.data() + text.size();
-    bool const isValid = isNumber && (seconds == 0.0 || (seconds >= 0.01 && seconds <= 3600.0));
+    auto const seconds = parseNumber(text);
+    bool const isValid = seconds && (*seconds == 0.0 || (*seconds >= 0.01 && *seconds <= 3600.0));
     return isValid ? "" : "expected 0.01 to 3600, or 0; not " + text;
 }
 

@@ -92,8 +92,8 @@ Examples:
   qel-replay --speed 10 --limit outlet6_active_power_W:high-warning=2000,high-alarm=2400,hysteresis=50 outlets_1s.csv
   qel-replay --loop --plug-after 120 --unplug-after 600 outlets_1s.csv environment_1min.csv
   qel-replay --from-record night.rec --speed 60
-  qel-replay --now --loop --control /run/user/1000/replay outlets_1s.csv
-  qel-replay --set 'unit1/**:voltage=180,low-alarm' --control /run/user/1000/replay)";
+  qel-replay --now --loop --control "$XDG_RUNTIME_DIR/replay" outlets_1s.csv
+  qel-replay --set 'unit1/**:voltage=180,low-alarm' --control "$XDG_RUNTIME_DIR/replay")";
 
 constexpr std::string_view captureOption = "--from-record";
 constexpr char const* seconds = "SECONDS";

@@ -24,6 +24,13 @@ TEST(AlarmEdgesTest, AnotherValue_IsAnotherAlarm) {
     EXPECT_TRUE(sut.add(test::unitWith(8, 1.0, eStatus_HighAlarm)));
 }
 
+TEST(AlarmEdgesTest, Patterns_SelectTheValuesThatCount) {
+    AlarmEdges sut({ValuePattern("**/socket1:voltage")});
+    EXPECT_FALSE(sut.add(test::unitWith(8, 1.0, eStatus_HighAlarm)));
+    EXPECT_TRUE(sut.add(test::unitWith(5, 1.0, eStatus_HighAlarm)));
+    EXPECT_FALSE(sut.add(test::unitWith(8, 1.0, eStatus_HighAlarm)));
+}
+
 TEST(AlarmEdgesTest, FirstImageInAlarm_Counts) {
     EXPECT_TRUE(AlarmEdges().add(test::unitWith(5, 1.0, eStatus_Lost)));
     EXPECT_FALSE(AlarmEdges().add(test::unitWith(5, 1.0, eStatus_HighWarning)));

@@ -90,6 +90,21 @@ TEST_F(CaptureLogTest, Names_SelectValuesAndPoints) {
     EXPECT_THAT(eventsOf(samples, {"unit1/inlet1/circuit1/socket2", "unit2"}), IsEmpty());
 }
 
+TEST_F(CaptureLogTest, Unmatched_IsTheFirstPatternThatSelectsNothing) {
+    eventsOf({{0, test::wipedUnit()}, {1000, well_}, {2000, well_}});
+    CaptureTimeline const timeline(path());
+    auto const unmatched = [&](std::vector<std::string> const& names, std::uint64_t from,
+                               std::uint64_t until) {
+        return CaptureLog({names.begin(), names.end()}).unmatched(timeline, start + from, start + until);
+    };
+    EXPECT_EQ(std::nullopt, unmatched({}, 0, 2000));
+    EXPECT_EQ(std::nullopt, unmatched({"unit1", "**/socket1:voltage"}, 0, 2000));
+    EXPECT_EQ(1U, unmatched({"unit1", "unit2", "unit1:voltage"}, 0, 2000));
+    EXPECT_EQ(0U, unmatched({"unit1:voltage"}, 0, 2000)) << "the point has no such value";
+    EXPECT_EQ(0U, unmatched({"unit1"}, 0, 999)) << "the region was not active yet";
+    EXPECT_EQ(std::nullopt, unmatched({"unit1"}, 0, 1000));
+}
+
 TEST_F(CaptureLogTest, RegionThatGoesAndComes_IsARestart) {
     EXPECT_THAT(
         eventsOf({{0, well_}, {1000, test::wipedUnit()}, {2000, test::wipedUnit()}, {3000, alarm_}}),

@@ -74,6 +74,15 @@ TEST_F(PointFinderTest, FindsNodesByNumber) {
     EXPECT_EQ(std::nullopt, finder.node(pointId(1, 0, 3)));
 }
 
+TEST_F(PointFinderTest, HasMatch_NeedsAPointOrAValueThatIsThere) {
+    EXPECT_TRUE(finder.hasMatch(ValuePattern("unit1")));
+    EXPECT_TRUE(finder.hasMatch(ValuePattern("unit1/*")));
+    EXPECT_FALSE(finder.hasMatch(ValuePattern("unit1/inlet3"))) << "linked nowhere";
+    EXPECT_TRUE(finder.hasMatch(ValuePattern("**:voltage")));
+    EXPECT_FALSE(finder.hasMatch(ValuePattern("unit1:voltage"))) << "another point has one";
+    EXPECT_FALSE(finder.hasMatch(ValuePattern("**:frequency")));
+}
+
 TEST_F(PointFinderTest, NamesTheNearestPathInsteadOfAMissingPoint) {
     EXPECT_EQ("there is no point \"unit1/inlt2\"; the nearest one is unit1/inlet2",
               problemOf([&] { finder.point("unit1/inlt2"); }));

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <map>
+#include <optional>
 #include <set>
 
 namespace qel::inspect {
@@ -45,6 +47,14 @@ TEST(StateClassTest, NumberIsThere_FromTheFirstDeliveryOn_InEveryState) {
         bool const isNone = number < 0 || number > eStatus_SlaveVersionTooNew;
         EXPECT_EQ(!isNone, hasNumber(state)) << number;
     }
+}
+
+TEST(StateClassTest, NumberIn_IsNoneWithoutAStateForItAndIfItIsNotFinite) {
+    EXPECT_EQ(1.5, numberIn(eStatus_Lost, 1.5));
+    EXPECT_EQ(std::nullopt, numberIn(eStatus_ExpectedValue, 1.5));
+    EXPECT_EQ(std::nullopt, numberIn(static_cast<eStatus_Bits>(99), 1.5));
+    EXPECT_EQ(std::nullopt, numberIn(eStatus_NoError, std::numeric_limits<double>::infinity()));
+    EXPECT_EQ(std::nullopt, numberIn(eStatus_NoError, std::numeric_limits<double>::quiet_NaN()));
 }
 
 } // namespace qel::inspect

@@ -135,6 +135,19 @@ TEST(ValuePatternTest, OtherTexts_AreNoPatterns_AndTheErrorSaysWhatToWrite) {
     EXPECT_EQ("\"0x010001FFFFFF0013:voltage\" has two keys; the sensor id names a value already",
               errorOf("0x010001FFFFFF0013:voltage"));
     EXPECT_EQ("\"unit1//*\" has an empty level; write unit1/* or unit1/**", errorOf("unit1//*"));
+    EXPECT_EQ(errorOf("unit1//*"), patternProblem("unit1//*"));
+    EXPECT_EQ("", patternProblem("unit1/*"));
+}
+
+TEST(ValuePatternTest, AnyOfSeveral_Selects_AndNoneAtAllSelectsEverything) {
+    ValuePatterns const sut{ValuePattern("unit1"), ValuePattern("**/socket5:voltage")};
+    EXPECT_TRUE(selectsPoint(sut, unit));
+    EXPECT_FALSE(selectsPoint(sut, socket)) << "only one of its values";
+    EXPECT_TRUE(selectsValue(sut, unit, key::activePower)) << "with its point";
+    EXPECT_TRUE(selectsValue(sut, socket, key::voltage));
+    EXPECT_FALSE(selectsValue(sut, socket, key::activePower));
+    EXPECT_TRUE(selectsPoint({}, socket));
+    EXPECT_TRUE(selectsValue({}, socket, key::activePower));
 }
 
 } // namespace qel::inspect

@@ -101,6 +101,13 @@ TEST_F(ValueSummaryTest, BoundOfStaleness_IsTheCallers) {
     EXPECT_EQ(0U, sut().stale);
 }
 
+TEST_F(ValueSummaryTest, SensorThatDeliversEveryOtherMinute_IsNotStale) {
+    at(6, now - 240'000);
+    EXPECT_EQ(0U, sut().stale);
+    at(6, now - 300'001);
+    EXPECT_EQ(1U, sut().stale);
+}
+
 TEST_F(ValueSummaryTest, ValueAheadOfTheClock_MakesNoOtherStale) {
     at(6, std::numeric_limits<std::uint64_t>::max());
     EXPECT_EQ(0U, sut().stale);

@@ -14,6 +14,28 @@ namespace qel::tools {
 
 namespace {
 
+TEST(NumbersTest, ParseNumber_ReadsDecimalNumbers) {
+    EXPECT_EQ(12.5, parseNumber("12.5"));
+    EXPECT_EQ(-3.0, parseNumber("-3"));
+    EXPECT_EQ(1000.0, parseNumber("1e3"));
+    EXPECT_EQ(2.0, parseNumber(std::string_view("27").substr(0, 1))) << "it ends with the text";
+}
+
+TEST(NumbersTest, ParseNumber_RefusesEverythingElse) {
+    for (auto const* const text :
+         {"", " 1", "1 ", "+1", "1,5", "0x10", "5s", "nan", "inf", "-inf", "1e999"}) {
+        EXPECT_EQ(std::nullopt, parseNumber(text)) << text;
+    }
+}
+
+TEST(NumbersTest, ParseDigits_ReadsDigitsOnly) {
+    EXPECT_EQ(0U, parseDigits("0"));
+    EXPECT_EQ(18446744073709551615U, parseDigits("18446744073709551615"));
+    for (auto const* const text : {"", "-1", "+1", "1.0", "1e3", "0x10", "18446744073709551616"}) {
+        EXPECT_EQ(std::nullopt, parseDigits(text)) << text;
+    }
+}
+
 TEST(NumbersTest, FiniteBetween_AcceptsTheRangeWithItsBounds) {
     auto const sut = finiteBetween(0.01, 3600);
     for (auto const* const text : {"0.01", "1", "1e2", "3600", "3600.0"}) {

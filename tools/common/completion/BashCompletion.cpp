@@ -45,7 +45,7 @@ constexpr char const* offering =
 )bash";
 
 constexpr char const* reading = R"bash(@F@() {
-    local words=() word='' cut='' verb='' pending='' given='' previous='' place=0 index context=()
+    local words=() word='' cut='' verb='' pending='' given='' previous='' first='' place=0 index context=()
     COMPREPLY=()
     # A name with a colon comes as several words, of which only the last one will be replaced.
     for ((index = 0; index <= COMP_CWORD; index++)); do
@@ -70,6 +70,7 @@ constexpr char const* reading = R"bash(@F@() {
 @verb@        else
             place=$((place + 1))
             previous=$given
+            [ "$place" -ne 1 ] || first=$given
         fi
     done
     [ "$word" != = ] || word=''
@@ -131,6 +132,9 @@ void printBranch(std::ostream& out, std::string const& pattern, Candidates const
             out << ' ' << quotedForShell(word);
         }
         out << '\n';
+    }
+    if (candidates.areOfFirst) {
+        out << R"(        context=('@context@' "${first/#\~\//$HOME/}"))" << '\n';
     }
     if (!candidates.printed.empty()) {
         out << "        @F@_offer_printed " << candidates.printed << passedText(candidates.passed) << '\n';

@@ -15,9 +15,12 @@ namespace qel::tools {
 
 namespace {
 
-Candidates candidatesFor(CLI::Option& option, std::string const& name, CandidatesByName const& known) {
-    if (auto const found = known.find(name); found != known.end()) {
-        return found->second;
+Candidates candidatesFor(CLI::Option& option, std::string const& verb, std::string const& name,
+                         CandidatesByName const& known) {
+    for (auto const& key : {verb + ' ' + name, name}) {
+        if (auto const found = known.find(key); found != known.end()) {
+            return found->second;
+        }
     }
     Candidates candidates;
     candidates.words = choicesOf(option);
@@ -25,8 +28,9 @@ Candidates candidatesFor(CLI::Option& option, std::string const& name, Candidate
     return candidates;
 }
 
-ArgumentModel argumentModel(CLI::Option& option, std::string const& name, CandidatesByName const& known) {
-    return {name, candidatesFor(option, name, known), option.get_items_expected_max() > 1};
+ArgumentModel argumentModel(CLI::Option& option, std::string const& verb, std::string const& name,
+                            CandidatesByName const& known) {
+    return {name, candidatesFor(option, verb, name, known), option.get_items_expected_max() > 1};
 }
 
 bool hasOption(CommandModel const& command, std::string const& name) {
@@ -38,7 +42,7 @@ CommandModel commandModel(CLI::App& app, CommandModel const& common, CandidatesB
     CommandModel command{app.get_name(), app.get_description(), {}, {}};
     for (auto* const option : app.get_options()) {
         if (option->get_positional()) {
-            command.arguments.push_back(argumentModel(*option, option->get_name(true), known));
+            command.arguments.push_back(argumentModel(*option, command.name, option->get_name(true), known));
         } else if (!option->get_group().empty() && !option->get_lnames().empty() &&
                    !hasOption(common, option->get_lnames().front())) {
             auto const& shortNames = option->get_snames();
@@ -47,7 +51,7 @@ CommandModel commandModel(CLI::App& app, CommandModel const& common, CandidatesB
                               option->get_description(),
                               {}};
             if (option->get_items_expected_max() > 0) {
-                model.argument = argumentModel(*option, option->get_type_name(), known);
+                model.argument = argumentModel(*option, command.name, option->get_type_name(), known);
             }
             command.options.push_back(std::move(model));
         }

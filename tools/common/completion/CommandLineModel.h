@@ -30,11 +30,13 @@ struct Candidates {
     bool areFiles = false;          ///< files as well
     std::string printed = {};       ///< arguments by which the program prints more, a line each; "" for none
     PassedWord passed = PassedWord::None; ///< behind these arguments
+    bool areOfFirst = false; ///< of what the first argument names; it goes with CommandLineModel::context
 
     bool isEmpty() const { return words.empty() && !areFiles && printed.empty(); }
 };
 
-/// Candidates by what the help calls the argument: "POINT". Those of FILE and PATH need not be given.
+/// Candidates by what the help calls the argument: "POINT", or "log NAME" for that of one verb, which goes first. Those of
+/// FILE and PATH need not be given.
 using CandidatesByName = std::map<std::string, Candidates>;
 
 /// An argument of the program, of a verb or of an option. Reentrant.

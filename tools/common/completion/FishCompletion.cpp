@@ -92,6 +92,10 @@ char const* passedText(PassedWord passed) {
     return "";
 }
 
+/// The first argument, as the value of the option that is passed on. The verb is the word before.
+constexpr char const* firstText =
+    R"fish(@context@ (string replace -r '^~/' "$HOME/" -- (__@F@_words)[2]) )fish";
+
 /// What follows the condition of a complete command: the candidates of an argument.
 std::string candidateWords(Candidates const& candidates) {
     std::string list;
@@ -102,6 +106,7 @@ std::string candidateWords(Candidates const& candidates) {
     if (!candidates.printed.empty()) {
         list.append(list.empty() ? "" : " ")
             .append("(__@F@_printed ")
+            .append(candidates.areOfFirst ? firstText : "")
             .append(candidates.printed)
             .append(passedText(candidates.passed))
             .append(")");

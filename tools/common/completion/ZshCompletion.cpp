@@ -83,7 +83,7 @@ bool needsFunction(Candidates const& candidates) {
 }
 
 std::string functionFor(ArgumentModel const& argument) {
-    auto name = argument.name;
+    auto name = argument.name + (argument.candidates.areOfFirst ? "_of_first" : "");
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     return "_@F@_" + name;
@@ -154,8 +154,9 @@ void printFunction(std::ostream& out, ArgumentModel const& argument) {
     }
     out << " )\n";
     if (!candidates.printed.empty()) {
-        out << "    candidates+=(${(f)\"$(_@F@_printed " << candidates.printed
-            << passedText(candidates.passed) << ")\"})\n";
+        out << "    candidates+=(${(f)\"$(_@F@_printed "
+            << (candidates.areOfFirst ? R"(@context@ "${${(Q)line[1]}/#\~\//$HOME/}" )" : "")
+            << candidates.printed << passedText(candidates.passed) << ")\"})\n";
     }
     out << "    compadd \"$@\" -a candidates && ret=0\n";
     if (candidates.areFiles) {
@@ -179,7 +180,7 @@ void printFunctions(std::ostream& out, CommandLineModel const& model) {
     std::for_each(model.verbs.begin(), model.verbs.end(), collect);
     std::set<std::string> printed;
     for (auto const& argument : all) {
-        if (needsFunction(argument.candidates) && printed.insert(argument.name).second) {
+        if (needsFunction(argument.candidates) && printed.insert(functionFor(argument)).second) {
             printFunction(out, argument);
         }
     }

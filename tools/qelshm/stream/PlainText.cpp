@@ -7,12 +7,11 @@
 
 #include "inspect/naming/StateClass.h"
 
-#include <cmath>
-
 namespace qel::stream {
 
 std::string plainNumber(double number, eStatus_Bits state) {
-    return inspect::hasNumber(state) && std::isfinite(number) ? tools::exactText(number) : "";
+    auto const shown = inspect::numberIn(state, number);
+    return shown ? tools::exactText(*shown) : "";
 }
 
 } // namespace qel::stream

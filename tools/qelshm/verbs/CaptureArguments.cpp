@@ -17,23 +17,13 @@
 
 namespace qel::tools {
 
-namespace {
-
-std::string patternProblem(std::string const& text) {
-    try {
-        inspect::ValuePattern const pattern(text);
-        return {};
-    } catch (inspect::PatternError const& error) {
-        return error.what();
-    }
-}
-
-} // namespace
-
 void CaptureArguments::define(CLI::App& verb, OptionalOptions const& optional, std::string const& names,
                               bool isNameRequired) {
     verb.add_option("FILE", file_, "Capture that record wrote")->required()->type_name("");
-    verb.add_option("NAME", names_, names)->required(isNameRequired)->check(patternProblem)->type_name("");
+    verb.add_option("NAME", names_, names)
+        ->required(isNameRequired)
+        ->check(inspect::patternProblem)
+        ->type_name("");
     verb.add_option("--from", from_, "Start: 2023-11-14T22:13:20Z, +5m or -10m, as for --at")
         ->check(captureTimeProblem)
         ->type_name("TIME");
@@ -80,13 +70,12 @@ void CaptureArguments::requireOther(std::string const& output) const {
     requireOtherThanCapture(file_, output);
 }
 
-std::vector<inspect::ValuePattern> CaptureArguments::patterns() const {
-    std::vector<inspect::ValuePattern> patterns;
-    patterns.reserve(names_.size());
-    for (auto const& name : names_) {
-        patterns.emplace_back(name);
-    }
-    return patterns;
+inspect::ValuePatterns CaptureArguments::patterns() const {
+    return {names_.begin(), names_.end()};
+}
+
+std::string CaptureArguments::nothingText(std::size_t index, char const* kind) const {
+    return std::string("there is no ") + kind + " \"" + names_.at(index) + "\" in this part of " + file_;
 }
 
 std::vector<inspect::SelectedValues::Name> CaptureArguments::values(inspect::CaptureTimeline const& timeline,
@@ -101,8 +90,7 @@ std::vector<inspect::SelectedValues::Name> CaptureArguments::values(inspect::Cap
             std::any_of(selected.names().begin(), selected.names().end(),
                         [&](auto const& name) { return wanted[index].matches(name.point, name.key); });
         if (!isThere) {
-            throw inspect::NotFoundError("there is no value \"" + names_[index] + "\" in this part of " +
-                                         file_);
+            throw inspect::NotFoundError(nothingText(index, "value"));
         }
     }
     if (selected.names().empty()) {

@@ -11,6 +11,7 @@
 #include "inspect/capture/SelectedValues.h"
 #include "inspect/naming/ValuePattern.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -45,7 +46,12 @@ public:
     /// @throws inspect::ImageFileError if that is the capture, which would be lost
     void requireOther(std::string const& output) const;
 
-    std::vector<inspect::ValuePattern> patterns() const;
+    inspect::ValuePatterns patterns() const;
+
+    /// Says that a name selects nothing in the range: "there is no value "unit1:voltage" in this part of night.rec".
+    /// @param index of the name
+    /// @param kind  what there is none of: "value"
+    std::string nothingText(std::size_t index, char const* kind) const;
 
     /// The values in the range that the names select.
     /// @throws inspect::NotFoundError if a name selects none

@@ -20,10 +20,18 @@ CandidatesByName candidates() {
     Candidates const points{{}, false, "tree --paths"};
     Candidates const names{{}, false, "complete name", PassedWord::Current};
     Candidates const conditions{{"active", "structure"}, false, "complete name", PassedWord::Current};
+    Candidates const namesOfCapture{{}, false, "complete name", PassedWord::Current, true};
     Candidates const keys{{}, false, "complete key", PassedWord::Previous};
     Candidates const images{{"live"}, true};
-    return {{"POINT", points}, {"NAME", names},    {"CONDITION", conditions},
-            {"KEY", keys},     {"FILE_A", images}, {"FILE_B", images}};
+    return {{"POINT", points},
+            {"NAME", names},
+            {"log NAME", namesOfCapture},
+            {"export NAME", namesOfCapture},
+            {"plot NAME", namesOfCapture},
+            {"CONDITION", conditions},
+            {"KEY", keys},
+            {"FILE_A", images},
+            {"FILE_B", images}};
 }
 
 } // namespace

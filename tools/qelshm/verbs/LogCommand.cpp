@@ -14,6 +14,7 @@
 #include "format/HexText.h"
 #include "format/Names.h"
 #include "inspect/capture/CaptureLog.h"
+#include "inspect/naming/PointFinder.h"
 #include "inspect/naming/ValuePath.h"
 
 #include <CLI/App.hpp>
@@ -116,6 +117,9 @@ int LogCommand::run(CommandContext const& context) {
     auto const timeline = arguments_.timeline(context);
     auto const range = arguments_.range(timeline);
     inspect::CaptureLog const log(arguments_.patterns());
+    if (auto const index = log.unmatched(timeline, range.from, range.until)) {
+        throw inspect::NotFoundError(arguments_.nothingText(*index, "point or value"));
+    }
     if (!context.options.isJson) {
         log.read(timeline, range.from, range.until, [&](CaptureEvent const& event) {
             writeOutput(context.out, line(event, context.isColoured));

@@ -9,7 +9,6 @@
 #include "inspect/naming/PointPath.h"
 #include "inspect/naming/ValuePath.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace qel::tools {
@@ -23,39 +22,16 @@ std::string keyNumber(unsigned short key) {
     return shm::hexText(key, digits);
 }
 
-/// Calls a function with the point's id and each of its keys.
-template <typename Function>
-bool anyValue(inspect::Image const& image, inspect::PointTree const& tree, Function const& function) {
-    for (auto const& node : tree.nodes()) {
-        auto const point = image.region().points[node.pos].guid;
-        for (auto const pos : tree.valuesOf(node)) {
-            if (function(point, image.region().values[pos].key)) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-bool selectsAnything(ValuePattern const& pattern, inspect::Image const& image,
-                     inspect::PointTree const& tree) {
-    if (pattern.hasKey()) {
-        return anyValue(image, tree,
-                        [&](long long point, unsigned short key) { return pattern.matches(point, key); });
-    }
-    return std::any_of(tree.nodes().begin(), tree.nodes().end(), [&](inspect::PointNode const& node) {
-        return pattern.matchesPoint(image.region().points[node.pos].guid);
-    });
-}
-
 [[noreturn]] void nothingMatches(std::string const& name, inspect::Image const& image,
                                  inspect::PointTree const& tree) {
     inspect::Nearest nearest(name);
     if (partsOf(name).key) {
-        anyValue(image, tree, [&](long long point, unsigned short key) {
-            nearest.add(inspect::valuePath(point, key));
-            return false;
-        });
+        for (auto const& node : tree.nodes()) {
+            for (auto const pos : tree.valuesOf(node)) {
+                nearest.add(
+                    inspect::valuePath(image.region().points[node.pos].guid, image.region().values[pos].key));
+            }
+        }
     } else {
         for (auto const& node : tree.nodes()) {
             nearest.add(inspect::pointPath(image.region().points[node.pos].guid));
@@ -107,7 +83,7 @@ NameSelection::NameSelection(std::vector<std::string> const& names, inspect::Ima
             nothingMatches(name, image, tree); // there is no such key at all
         }
         ValuePattern pattern(name);
-        if (!selectsAnything(pattern, image, tree)) {
+        if (!inspect::PointFinder(image, tree).hasMatch(pattern)) {
             nothingMatches(name, image, tree);
         }
         patterns_.push_back(std::move(pattern));
@@ -115,16 +91,11 @@ NameSelection::NameSelection(std::vector<std::string> const& names, inspect::Ima
 }
 
 bool NameSelection::hasPoint(long long point) const {
-    return patterns_.empty() ||
-           std::any_of(patterns_.begin(), patterns_.end(), [&](ValuePattern const& pattern) {
-               return !pattern.hasKey() && pattern.matchesPoint(point);
-           });
+    return inspect::selectsPoint(patterns_, point);
 }
 
 bool NameSelection::hasValue(long long point, unsigned short key) const {
-    return patterns_.empty() ||
-           std::any_of(patterns_.begin(), patterns_.end(),
-                       [&](ValuePattern const& pattern) { return pattern.matches(point, key); });
+    return inspect::selectsValue(patterns_, point, key);
 }
 
 } // namespace qel::tools

@@ -47,7 +47,7 @@ public:
     bool hasValue(long long point, unsigned short key) const;
 
 private:
-    std::vector<inspect::ValuePattern> patterns_;
+    inspect::ValuePatterns patterns_;
 };
 
 } // namespace qel::tools

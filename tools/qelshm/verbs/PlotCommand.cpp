@@ -4,6 +4,7 @@
 #include "tools/qelshm/verbs/PlotCommand.h"
 
 #include "tools/common/ExitStatus.h"
+#include "tools/common/Numbers.h"
 #include "tools/qelshm/plot/Gnuplot.h"
 #include "tools/qelshm/plot/GnuplotScript.h"
 #include "tools/qelshm/plot/TerminalPlot.h"
@@ -21,9 +22,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <charconv>
 #include <clocale>
-#include <cmath>
 #include <cstring>
 #include <filesystem>
 
@@ -45,15 +44,12 @@ Examples:
 
 /// NUMBER or NUMBER=LABEL.
 std::optional<plot::Limit> parseLimit(std::string const& text) {
-    plot::Limit limit{};
     auto const equals = text.find('=');
-    auto const* const end = text.data() + std::min(equals, text.size());
-    auto const result = std::from_chars(text.data(), end, limit.number);
-    if (result.ec != std::errc() || result.ptr != end || !std::isfinite(limit.number)) {
+    auto const number = parseNumber(std::string_view(text).substr(0, equals));
+    if (!number) {
         return std::nullopt;
     }
-    limit.label = equals == std::string::npos ? std::string() : text.substr(equals + 1);
-    return limit;
+    return plot::Limit{*number, equals == std::string::npos ? std::string() : text.substr(equals + 1)};
 }
 
 std::string limitProblem(std::string const& text) {

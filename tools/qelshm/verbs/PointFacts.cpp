@@ -9,24 +9,14 @@
 #include "format/Names.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/PointPath.h"
+#include "inspect/naming/StateClass.h"
 #include "region/QelShmMPnt.h"
 #include "region/QelShmMVal.h"
 #include "region/SvidParts.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace qel::tools {
-
-namespace {
-
-std::optional<double> numberOf(shm::record::QelShmMVal const& value) {
-    bool const isThere = value.state != eStatus_ExpectedValue && value.state != eStatus_UndefinedValue &&
-                         value.key != shm::NO_KEY && std::isfinite(value.value);
-    return isThere ? std::optional(value.value) : std::nullopt;
-}
-
-} // namespace
 
 PointFacts pointFacts(inspect::Image const& image, inspect::PointTree const& tree,
                       inspect::PointNode const& node) {
@@ -48,7 +38,7 @@ ValueFacts valueFacts(inspect::Image const& image, inspect::PointNode const& nod
             value.key,
             shm::keyName(value.key),
             tav::ValueFormatter::str(shm::QelShmMVal(&value)),
-            numberOf(value),
+            inspect::numberIn(value.state, value.value),
             shm::keyUnit(value.key),
             value.state,
             value.at};

@@ -3,21 +3,13 @@
 
 #include "tools/qelshm/verbs/RecordBounds.h"
 
-#include <charconv>
+#include "tools/common/Numbers.h"
+
 #include <limits>
 
 namespace qel::tools {
 
 namespace {
-
-/// The whole text as a number.
-template <typename Number>
-std::optional<Number> numberIn(std::string_view text) {
-    Number number{};
-    auto const* const end = text.data() + text.size();
-    auto const result = std::from_chars(text.data(), end, number);
-    return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
-}
 
 /// How many bits a suffix shifts a number by; none if the character is no suffix.
 std::optional<unsigned> shiftOf(char suffix) {
@@ -31,8 +23,8 @@ std::optional<unsigned> shiftOf(char suffix) {
 std::optional<std::chrono::milliseconds> minutesIn(std::string_view text) {
     constexpr double most = 1440;
     constexpr double msPerMinute = 60000;
-    auto const minutes = numberIn<double>(text);
-    bool const isInRange = minutes && *minutes >= 0.0 && *minutes <= most; // not so for NaN
+    auto const minutes = parseNumber(text);
+    bool const isInRange = minutes && *minutes >= 0.0 && *minutes <= most;
     return isInRange
                ? std::optional(std::chrono::milliseconds(static_cast<std::int64_t>(*minutes * msPerMinute)))
                : std::nullopt;
@@ -43,7 +35,7 @@ std::optional<std::chrono::milliseconds> minutesIn(std::string_view text) {
 std::optional<std::uint64_t> parseBytes(std::string_view text) {
     constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     auto const shift = text.empty() ? std::nullopt : shiftOf(text.back());
-    auto const number = numberIn<std::uint64_t>(shift ? text.substr(0, text.size() - 1) : text);
+    auto const number = parseDigits(shift ? text.substr(0, text.size() - 1) : text);
     bool const isInRange = number && *number != 0 && *number <= most >> shift.value_or(0);
     return isInRange ? std::optional(*number << shift.value_or(0)) : std::nullopt;
 }

@@ -15,6 +15,8 @@
 #include "inspect/capture/AlarmCaptures.h"
 #include "inspect/capture/CaptureReader.h"
 #include "inspect/capture/RotatingCapture.h"
+#include "inspect/naming/PointFinder.h"
+#include "inspect/naming/ValuePattern.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Validators.hpp>
@@ -28,13 +30,14 @@ namespace {
 constexpr std::size_t usualFiles = 10; ///< that are kept if only their size is bounded
 
 constexpr char const* recordHelp =
-    R"(A capture holds the whole region, so no names can be chosen; log, export and plot choose from it.
+    R"(A capture holds the whole region: log, export and plot choose from it. NAME chooses whose alarms --on-alarm keeps, as
+in watch: a value, a point with all its values, with wildcards 'unit1/**:active-power'; it may come later.
 Recording goes on while there is no region and while its writing process starts again.
 
 Examples:
   qelshm record unit.rec --duration 60
   qelshm record /var/log/unit.rec --max-size 100M --max-files 7
-  qelshm record alarms.rec --on-alarm 5,15)";
+  qelshm record alarms.rec --on-alarm 5,15 'unit1/**:active-power')";
 
 std::string sizeProblem(std::string const& text) {
     return parseBytes(text) ? "" : '"' + text + "\" is no size; expected bytes, for example 500k, 100M or 2G";
@@ -118,6 +121,10 @@ CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) 
     verb.add_option("--count", count_, "Stop after this number of samples")
         ->check(CLI::Range(std::uint64_t{1}, std::uint64_t{1000000000000}).description(""))
         ->type_name("SAMPLES");
+    auto* const names =
+        verb.add_option("NAME", names_, "With --on-alarm: points and values whose alarms count")
+            ->check(inspect::patternProblem)
+            ->type_name("");
     auto* const size =
         verb.add_option("--max-size", maxSize_,
                         "Begin a new file at this size (k, M, G); x.rec becomes x.1.rec, and so on")
@@ -131,7 +138,12 @@ CLI::App& RecordCommand::define(CLI::App& app, OptionalOptions const& optional) 
                     "Keep only these minutes before and after each alarm, in a file of its own: x.TIME.rec")
         ->check(marginsProblem)
         ->type_name("BEFORE[,AFTER]");
-    verb.callback([this, size, files] {
+    verb.callback([this, names, size, files] {
+        if (names->count() != 0 && onAlarm_.empty()) {
+            throw CLI::RequiresError("NAME",
+                                     "--on-alarm: a capture holds all values, which log, export and plot "
+                                     "choose from; NAME chooses alarms");
+        }
         if (files->count() != 0 && size->count() == 0 && onAlarm_.empty()) {
             throw CLI::RequiresError("--max-files", "--max-size or --on-alarm");
         }
@@ -149,7 +161,8 @@ std::unique_ptr<inspect::ICaptureSink> RecordCommand::sink(std::uint64_t now) co
             return inspect::captureName(file_, compactTime(time));
         };
         auto captures =
-            std::make_unique<inspect::AlarmCaptures>(name, margins->before, margins->after, bounds);
+            std::make_unique<inspect::AlarmCaptures>(name, margins->before, margins->after, bounds,
+                                                     inspect::AlarmEdges({names_.begin(), names_.end()}));
         captures->tryFile(now);
         return captures;
     }
@@ -161,6 +174,7 @@ int RecordCommand::run(CommandContext const& context) {
     using Clock = std::chrono::steady_clock;
     auto input = openInput(context.options, context.tell);
     requireOpened(input);
+    tellUnmatched(input, context);
     StopSignals const stop;
     auto const sink = this->sink(input.now);
     Samples samples(input, context.tell);
@@ -190,6 +204,19 @@ int RecordCommand::run(CommandContext const& context) {
     }
     print(context, input, *sink);
     return status;
+}
+
+void RecordCommand::tellUnmatched(RegionInput const& input, CommandContext const& context) const {
+    if (!input.image.isWhole() || !input.image.isActive()) {
+        return; // nobody knows yet
+    }
+    inspect::PointTree const tree(input.image);
+    inspect::PointFinder const finder(input.image, tree);
+    for (auto const& name : names_) {
+        if (!finder.hasMatch(inspect::ValuePattern(name))) {
+            context.tell("nothing has the name \"" + name + "\" yet; its alarms are kept when it comes");
+        }
+    }
 }
 
 void RecordCommand::print(CommandContext const& context, RegionInput const& input,

@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace qel::tools {
 
@@ -31,10 +32,13 @@ public:
 
 private:
     std::unique_ptr<inspect::ICaptureSink> sink(std::uint64_t now) const;
+    /// Tells names that nothing has yet.
+    void tellUnmatched(RegionInput const& input, CommandContext const& context) const;
     void print(CommandContext const& context, RegionInput const& input,
                inspect::ICaptureSink const& sink) const;
 
     std::string file_;
+    std::vector<std::string> names_; ///< of values whose alarms are wanted; none for all
     double interval_ = 1;            ///< s between two samples
     std::optional<double> duration_; ///< s
     std::optional<std::uint64_t> count_;

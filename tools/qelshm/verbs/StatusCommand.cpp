@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/verbs/StatusCommand.h"
 
+#include "tools/common/Durations.h"
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Numbers.h"
 #include "tools/common/TimeText.h"
@@ -180,7 +181,10 @@ CLI::App& StatusCommand::define(CLI::App& app, OptionalOptions const& /*optional
     verb.footer("Examples:\n"
                 "  qelshm status --max-age 10\n"
                 "  qelshm --json status");
-    verb.add_option("--max-age", maxAge_, "Report the region as silent if its newest delivery is older")
+    verb.add_option(
+            "--max-age", maxAge_,
+            "Report the region as silent if its newest delivery is older; also the age of stale values, " +
+                secondsText(inspect::STALE_AFTER) + " by default")
         ->check(finiteBetween(0.0, longestAge))
         ->type_name("SECONDS");
     return verb;

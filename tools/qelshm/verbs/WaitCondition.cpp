@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/verbs/WaitCondition.h"
 
+#include "tools/common/Numbers.h"
 #include "tools/qelshm/verbs/NameSelection.h"
 
 #include "inspect/naming/StateClass.h"
@@ -10,10 +11,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace qel::tools {
@@ -29,14 +27,6 @@ constexpr std::string_view operators = "=!<>";
 
 std::string inQuotes(std::string_view text) {
     return '"' + std::string(text) + '"';
-}
-
-std::optional<double> finiteNumber(std::string_view text) {
-    double number = 0.0;
-    auto const* const end = text.data() + text.size();
-    auto const parsed = std::from_chars(text.data(), end, number);
-    bool const isNumber = parsed.ec == std::errc() && parsed.ptr == end && std::isfinite(number);
-    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 } // namespace
@@ -98,7 +88,7 @@ void WaitCondition::readName(std::string const& name) {
 }
 
 void WaitCondition::readWanted(std::string const& text) {
-    auto const number = kind_ == Kind::Value ? finiteNumber(text) : std::nullopt;
+    auto const number = kind_ == Kind::Value ? parseNumber(text) : std::nullopt;
     if (number) {
         wanted_ = *number;
         return;

@@ -3,6 +3,7 @@
 
 #include "tools/qelshm/verbs/WatchCommand.h"
 
+#include "tools/common/Durations.h"
 #include "tools/common/ExitStatus.h"
 #include "tools/common/Numbers.h"
 #include "tools/qelshm/watch/Watch.h"
@@ -38,15 +39,6 @@ constexpr std::uint64_t mostLines = 1000000000000;
 constexpr unsigned defaultWait = 5;       ///< s
 constexpr double longestAge = 31536000.0; ///< s, a year
 
-std::string checkName(std::string const& text) {
-    try {
-        inspect::ValuePattern const pattern(text);
-        return {};
-    } catch (inspect::PatternError const& error) {
-        return error.what();
-    }
-}
-
 watch::Freshness freshnessOf(std::optional<double> maxAge) {
     watch::Freshness freshness;
     if (maxAge) {
@@ -62,7 +54,7 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
     auto& verb = *app.add_subcommand("watch", "Show values as they change");
     verb.footer(footer);
     verb.add_option("NAME", names_, "Points and values to watch; everything by default")
-        ->check(checkName)
+        ->check(inspect::patternProblem)
         ->type_name("");
     verb.add_option("--count", count_, "Exit after this number of lines; print lines on a terminal, too")
         ->check(CLI::Range(std::uint64_t{1}, mostLines).description(""))
@@ -71,8 +63,10 @@ CLI::App& WatchCommand::define(CLI::App& app, OptionalOptions const& optional) {
         ->check(finiteBetween(0.01, 3600.0))
         ->type_name("SECONDS")
         ->capture_default_str();
+    watch::Freshness const usual;
     verb.add_option("--max-age", maxAge_,
-                    "Mark values not delivered for longer; by default after 300 s, and the unit after 10 s")
+                    "Mark values not delivered for longer; by default after " + secondsText(usual.value) +
+                        ", and the unit after " + secondsText(usual.unit))
         ->check(finiteBetween(0.1, longestAge))
         ->type_name("SECONDS");
     verb.excludes(optional.image);

@@ -8,6 +8,7 @@
 #define NCURSES_NOMACROS // they have the names of ordinary functions
 #include <curses.h>
 #include <langinfo.h>
+#include <sys/ioctl.h>
 #include <term.h> // after curses.h
 #include <unistd.h>
 
@@ -64,6 +65,17 @@ attr_t attributesOf(Emphasis const& emphasis) {
     return attributes;
 }
 
+/// Follows the size of the terminal without a signal: curses needs one, and a program that was started with SIGWINCH
+/// blocked gets none. A size that the environment gives stays, as curses has it.
+void followSize() {
+    winsize size{};
+    bool const isGiven = std::getenv("LINES") != nullptr || std::getenv("COLUMNS") != nullptr;
+    if (!isGiven && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row != 0 && size.ws_col != 0 &&
+        is_term_resized(size.ws_row, size.ws_col)) {
+        resizeterm(size.ws_row, size.ws_col);
+    }
+}
+
 } // namespace
 
 void Canvas::Delete::operator()(::screen* terminal) const {
@@ -114,6 +126,7 @@ int Canvas::width() const {
 }
 
 void Canvas::clear() {
+    followSize();
     erase();
 }
 

@@ -52,7 +52,7 @@ public:
     bool isUtf8() const { return isUtf8_; }
     bool isColoured() const { return isColoured_; }
 
-    /// Begins with an empty screen.
+    /// Begins with an empty screen of the size that the terminal has by now.
     void clear();
     /// Writes a text into an area, filled up with blanks; what does not fit is cut off.
     void put(Area const& area, std::string const& text, Ink const& ink = {}) const;

@@ -22,7 +22,8 @@ bool canShowTable() {
 
 void showTable(TableOptions const& options, std::function<void(std::string const&)> const& tell) {
     using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds redraw(500); // latest update after an unnoticed change of the size
+    constexpr std::chrono::milliseconds redraw(
+        500); // latest update after a change of the size without a signal
     tools::StopSignals const stop;
     auto file = SettingsFile::ofUser();
     std::string problem;

@@ -33,7 +33,7 @@ public:
     bool hasValue(long long point, unsigned short key) const;
 
 private:
-    std::vector<inspect::ValuePattern> patterns_;
+    inspect::ValuePatterns patterns_;
 };
 
 } // namespace qel::watch

@@ -13,6 +13,7 @@
 
 #include "domain/eStatus_Bits.h"
 #include "inspect/image/RegionStatus.h"
+#include "inspect/why/ValueSummary.h"
 
 #include <chrono>
 #include <cstdint>
@@ -24,7 +25,7 @@ namespace qel::watch {
 
 /// When a value, or all of the unit, counts as not delivered any more. Reentrant.
 struct Freshness {
-    std::chrono::milliseconds value{std::chrono::minutes(5)};
+    std::chrono::milliseconds value{inspect::STALE_AFTER};
     std::chrono::milliseconds unit{std::chrono::seconds(10)}; ///< nothing was delivered at all
 };
 

@@ -3,13 +3,11 @@
 
 #include "tools/replay/control/Assignment.h"
 
+#include "tools/common/Numbers.h"
+
 #include "format/StateName.h"
 #include "format/ValueFormatter.h"
 #include "inspect/naming/StateWord.h"
-
-#include <charconv>
-#include <cmath>
-#include <system_error>
 
 namespace qel::tools {
 
@@ -18,14 +16,12 @@ namespace {
 constexpr std::string_view grammar = "NAME=VALUE[,STATE], such as unit1/inlet1:active-power=4000,alarm";
 
 double readNumber(std::string_view text, InputPlace const& place) {
-    double number = 0.0;
-    auto const* const end = text.data() + text.size();
-    auto const parsed = std::from_chars(text.data(), end, number);
-    if (text.empty() || parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(number)) {
+    auto const number = parseNumber(text);
+    if (!number) {
         throw InputError(place, inQuotes(text) + " is not a number",
                          "a decimal number in the unit in which qelshm shows the value");
     }
-    return number;
+    return *number;
 }
 
 eStatus_Bits readState(std::string_view text, InputPlace const& place) {

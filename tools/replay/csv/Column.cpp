@@ -3,13 +3,13 @@
 
 #include "tools/replay/csv/Column.h"
 
+#include "tools/common/Numbers.h"
 #include "tools/replay/unit/Topology.h"
 
 #include "format/ValueKeys.h"
 
 #include <array>
-#include <charconv>
-#include <system_error>
+#include <cstdint>
 
 namespace qel::tools {
 
@@ -74,7 +74,7 @@ static_assert(isSortedAndUnique());
 
 /// The number that stands for the '#' of a pattern, without leading zeros; nothing when the name does not
 /// match.
-std::optional<unsigned> numberIn(std::string_view name, std::string_view pattern) {
+std::optional<std::uint64_t> numberIn(std::string_view name, std::string_view pattern) {
     auto const mark = pattern.find('#');
     auto const head = pattern.substr(0, mark);
     auto const tail = pattern.substr(mark + 1);
@@ -82,11 +82,7 @@ std::optional<unsigned> numberIn(std::string_view name, std::string_view pattern
         name.substr(name.size() - tail.size()) != tail || name[head.size()] == '0') {
         return std::nullopt;
     }
-    auto const digits = name.substr(head.size(), name.size() - head.size() - tail.size());
-    auto const* const end = digits.data() + digits.size();
-    unsigned number = 0;
-    auto const parsed = std::from_chars(digits.data(), end, number);
-    return parsed.ec == std::errc() && parsed.ptr == end ? std::optional<unsigned>(number) : std::nullopt;
+    return parseDigits(name.substr(head.size(), name.size() - head.size() - tail.size()));
 }
 
 std::optional<unsigned> pointNumber(std::string_view name, KnownColumn const& known) {
@@ -94,7 +90,7 @@ std::optional<unsigned> pointNumber(std::string_view name, KnownColumn const& kn
         return name == known.name ? std::optional<unsigned>(known.number) : std::nullopt;
     }
     auto const number = numberIn(name, known.name);
-    return number && *number <= known.number ? number : std::nullopt;
+    return number && *number <= known.number ? std::optional(static_cast<unsigned>(*number)) : std::nullopt;
 }
 
 } // namespace

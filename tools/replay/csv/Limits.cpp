@@ -3,17 +3,16 @@
 
 #include "tools/replay/csv/Limits.h"
 
+#include "tools/common/Numbers.h"
 #include "tools/replay/csv/Column.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <initializer_list>
-#include <system_error>
 
 namespace qel::tools {
 
@@ -38,13 +37,11 @@ std::string numberText(double number) {
 }
 
 double readNumber(std::string_view text, InputPlace const& place) {
-    double number = 0.0;
-    auto const* const end = text.data() + text.size();
-    auto const parsed = std::from_chars(text.data(), end, number);
-    if (text.empty() || parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(number)) {
+    auto const number = parseNumber(text);
+    if (!number) {
         throw InputError(place, inQuotes(text) + " is not a number", "a decimal number");
     }
-    return number;
+    return *number;
 }
 
 struct Threshold {

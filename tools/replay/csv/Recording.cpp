@@ -3,15 +3,14 @@
 
 #include "tools/replay/csv/Recording.h"
 
+#include "tools/common/Numbers.h"
 #include "tools/common/TimeText.h"
 #include "tools/replay/csv/CsvReader.h"
 #include "tools/replay/csv/InputError.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
-#include <system_error>
 #include <utility>
 
 namespace qel::tools {
@@ -103,14 +102,12 @@ private:
         if (text.empty()) {
             return std::numeric_limits<double>::quiet_NaN();
         }
-        double number = 0.0;
-        auto const* const end = text.data() + text.size();
-        auto const parsed = std::from_chars(text.data(), end, number);
-        if (parsed.ec != std::errc() || parsed.ptr != end || !std::isfinite(number)) {
+        auto const number = parseNumber(text);
+        if (!number) {
             throw InputError({recording_.path_, line, column}, inQuotes(text) + " is not a number",
                              "a decimal number or an empty cell");
         }
-        return number;
+        return *number;
     }
 
     Recording& recording_;

@@ -69,6 +69,15 @@ TEST_F(CommandLineModelTest, Arguments_KeepTheirOrder) {
     EXPECT_TRUE(sut[1].isRepeatable);
 }
 
+TEST_F(CommandLineModelTest, CandidatesOfOneVerb_GoBeforeThoseOfAll) {
+    for (auto const* const name : {"show", "hide"}) {
+        app_.add_subcommand(name, "")->add_option("NAME", text_)->type_name("");
+    }
+    auto const sut = model({{"NAME", {{"one"}}}, {"hide NAME", {{"two"}}}}).verbs;
+    EXPECT_THAT(sut.at(0).arguments.at(0).candidates.words, ElementsAre("one"));
+    EXPECT_THAT(sut.at(1).arguments.at(0).candidates.words, ElementsAre("two"));
+}
+
 TEST_F(CommandLineModelTest, Verbs_HaveOnlyTheirOwnOptions) {
     app_.add_flag("--json", flag_);
     auto& verb = *app_.add_subcommand("show", "Show it");

@@ -2,12 +2,18 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include "format/ValueKeys.h"
+#include "inspect/image/FileDescriptor.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/SocketFile.h"
 #include "tests/support/TempFile.h"
 #include "tests/writer/WriterFixture.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+
+#include <sys/time.h>
+#include <syslog.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <fstream>
@@ -45,6 +51,50 @@ protected:
     }
 
     shm::QelSharedMemoryWriter writer_;
+};
+
+/// What a program writes to the system's log: it sees a /dev of its own, in which "log" leads to this socket.
+class SystemLog {
+public:
+    SystemLog() {
+        timeval const patience{20, 0};
+        ::setsockopt(socket_.number(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    }
+    ~SystemLog() { ::unlink(path); }
+    SystemLog(SystemLog const&) = delete;
+    SystemLog& operator=(SystemLog const&) = delete;
+
+    /// How to start a program there.
+    static std::vector<std::string> command(std::vector<std::string> const& program) {
+        std::vector<std::string> words{
+            "unshare",
+            "--mount",
+            "bash",
+            "-euc",
+            "mkdir /sys/dev; mount -t tmpfs tmpfs /sys/dev; mkdir /sys/dev/shm; ln -s \"$0\" /sys/dev/log; "
+            "mount --bind /dev/shm /sys/dev/shm; mount --rbind /sys/dev /dev; exec \"$@\"",
+            path};
+        words.insert(words.end(), program.begin(), program.end());
+        return words;
+    }
+
+    /// Waits for the messages.
+    std::vector<std::string> take(std::size_t count) const {
+        std::vector<std::string> messages;
+        std::string buffer(2000, '\0');
+        for (ssize_t size = 0; messages.size() < count && size >= 0;) {
+            size = ::recv(socket_.number(), buffer.data(), buffer.size(), 0);
+            if (size > 0) {
+                messages.push_back(buffer.substr(0, static_cast<std::size_t>(size)));
+            }
+        }
+        return messages;
+    }
+
+private:
+    static constexpr char const* path = "/dev/shm/log-of-test";
+
+    inspect::FileDescriptor socket_{boundSocket(path, SOCK_DGRAM)};
 };
 
 } // namespace
@@ -115,6 +165,24 @@ TEST_F(StreamTest, WhatTheCommandPrints_IsNotInTheStream) {
     ASSERT_TRUE(sut.readUntil("unit1/inlet1:voltage"));
     store(180.0, eStatus_LowAlarm);
     EXPECT_THAT(sut.readAll(), testing::Not(testing::HasSubstr("intruder")));
+}
+
+TEST_F(StreamTest, Syslog_ReachesTheSocketOfTheSystemsLog) {
+    if (ChildProcess({"unshare", "--mount", "true"}).wait() != 0) {
+        GTEST_SKIP() << "this machine refuses a /dev of one's own";
+    }
+    SystemLog const log;
+    ChildProcess sut(SystemLog::command(watch({"--csv", "--count", "3", "--syslog"})));
+    ASSERT_TRUE(sut.readUntil("unit1/inlet1:voltage"));
+    store(180.0, eStatus_LowAlarm);
+    EXPECT_EQ(0, sut.wait());
+    auto const messages = log.take(3);
+    constexpr int daemonError = LOG_DAEMON | LOG_ERR; // the number at the start
+    EXPECT_THAT(messages,
+                testing::Contains(testing::ContainsRegex(
+                    "^<" + std::to_string(daemonError) +
+                    ">.* qelshm\\[[0-9]+\\]: unit1/inlet1:voltage 180.0 V: No Error => Low Alarm$")));
+    EXPECT_EQ(3U, messages.size());
 }
 
 TEST(StreamOfNothingTest, MissingRegion_IsAnErrorAfterTheWait) {

@@ -7,6 +7,7 @@
 #include "tests/support/TempFile.h"
 #include "tests/tools/qelshm/ImageFolder.h"
 #include "tests/tools/qelshm/QelshmRun.h"
+#include "tests/tools/qelshm/SampleCapture.h"
 #include "tests/tools/replay/QelReplayProcess.h"
 
 #include <gmock/gmock.h>
@@ -118,6 +119,19 @@ TEST(CompletionCommandTest, Points_AreThoseOfTheImageOnTheLine) {
     EXPECT_THAT(completions({"get", "--image", "=", file, "unit1/s"}), ElementsAre("unit1/sensor1.1"))
         << "with an equals sign";
     EXPECT_THAT(completions({"get", "unit1/s"}), IsEmpty()) << "there is no live unit";
+}
+
+TEST(CompletionCommandTest, NamesInACapture_AreThoseOfItsEnd) {
+    ImageFolder const folder;
+    auto const file = sampleCapture();
+    for (auto const* const verb : {"log", "export", "plot"}) {
+        EXPECT_THAT(completions({verb, file, "unit1/inlet1/circuit1/socket2", ":", "active-p"}),
+                    ElementsAre("active-power"))
+            << verb;
+        EXPECT_THAT(completions({verb, "--from", "-1m", file, "unit1", "gr"}), ElementsAre("group1")) << verb;
+        EXPECT_THAT(completions({verb, "nothing.rec", "gr"}), IsEmpty()) << verb;
+        EXPECT_THAT(completions({verb, "ni"}), ElementsAre(file)) << verb;
+    }
 }
 
 TEST(CompletionCommandTest, Files_AreOffered) {

@@ -17,7 +17,7 @@ TEST(HzCommandTest, ValuesThatChange_HaveARate) {
         "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,231\n");
     QelReplayProcess replay({"--speed", "10", "--loop", rows.path()});
     ASSERT_TRUE(replay.readUntil("region active"));
-    auto const outcome = runQelshm({"hz", "--json", "--duration", "2", "--interval", "0.01"});
+    auto const outcome = runQelshm({"hz", "--json", "--duration", "1", "--interval", "0.01"});
     EXPECT_EQ(0, outcome.status) << outcome.errors;
     auto const document = nlohmann::json::parse(outcome.output);
     ASSERT_EQ(1U, document.at("rates").size());
@@ -32,12 +32,12 @@ TEST(HzCommandTest, ValueThatChangesAtEveryLook_MayChangeMoreOften) {
         "timestamp_utc,inlet1_voltage_V\n2023-06-09T07:34:30Z,230\n2023-06-09T07:34:31Z,231\n");
     QelReplayProcess replay({"--speed", "100", "--loop", rows.path()});
     ASSERT_TRUE(replay.readUntil("region active"));
-    auto const outcome = runQelshm({"hz", "--duration", "3", "--interval", "0.1"});
+    auto const outcome = runQelshm({"hz", "--duration", "1", "--interval", "0.05"});
     EXPECT_THAT(outcome.output, testing::ContainsRegex("\nunit1/inlet1 +Voltage +[0-9]+ +>[0-9.]+ +"));
     EXPECT_THAT(outcome.output,
                 testing::HasSubstr("\n> most looks saw a change: the true rate may be higher;"));
     auto const document =
-        nlohmann::json::parse(runQelshm({"hz", "--json", "--duration", "3", "--interval", "0.1"}).output);
+        nlohmann::json::parse(runQelshm({"hz", "--json", "--duration", "1", "--interval", "0.05"}).output);
     EXPECT_EQ(true, document.at("rates").at(0).at("mayBeHigher"));
     EXPECT_GT(document.at("rates").at(0).at("looks"), 10);
 }

@@ -55,8 +55,31 @@ TEST(LogCommandTest, Json_IsOneDocument) {
     EXPECT_EQ("No Error", event.at("before").at("text"));
     EXPECT_EQ("unit1/inlet1/circuit1/socket2", event.at("path"));
     auto const none = nlohmann::json::parse(
-        runQelshm({"log", "--json", "night.rec", "unit1/inlet7", "--to", "+5s"}).output);
+        runQelshm({"log", "--json", "night.rec", "unit1/inlet1", "--to", "+5s"}).output);
     EXPECT_TRUE(none.at("events").empty());
+}
+
+TEST(LogCommandTest, NameThatSelectsNothing_IsAnError) {
+    ImageFolder const folder;
+    auto const file = sampleCapture();
+    auto const outcome = runQelshm({"log", file, "unit1", "unit1/inlet7"});
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("", outcome.output);
+    EXPECT_EQ("qelshm: there is no point or value \"unit1/inlet7\" in this part of night.rec\n",
+              outcome.errors);
+    EXPECT_EQ(1, runQelshm({"log", file, "unit1:voltage"}).status) << "the point has no such value";
+    EXPECT_EQ(1, runQelshm({"log", file, "unit1/**/socket9"}).status);
+    auto const document = nlohmann::json::parse(runQelshm({"log", "--json", file, "unit1/inlet7"}).output);
+    EXPECT_EQ("there is no point or value \"unit1/inlet7\" in this part of night.rec", document.at("error"));
+}
+
+TEST(LogCommandTest, NameOfWhatCameOrWentInThePart_IsNoError) {
+    ImageFolder const folder;
+    auto const file = sampleCapture();
+    auto const gone = runQelshm({"log", file, "unit1/sensor1.1", "--from", "+57s"});
+    EXPECT_EQ(0, gone.status) << gone.errors;
+    EXPECT_THAT(gone.output, HasSubstr("point removed"));
+    EXPECT_EQ(1, runQelshm({"log", file, "unit1/sensor1.1", "--from", "+58s"}).status);
 }
 
 TEST(LogCommandTest, WrongArguments_AreClearErrors) {

@@ -4,8 +4,11 @@
 #include "tools/qelshm/verbs/PointFacts.h"
 
 #include "format/ValueKeys.h"
+#include "tests/support/ForgedRegion.h"
+#include "tests/support/RawRegion.h"
 #include "tests/tools/qelshm/SampleImages.h"
 
+#include "inspect/image/LiveRegion.h"
 #include "inspect/naming/PointFinder.h"
 
 #include <gtest/gtest.h>
@@ -68,6 +71,17 @@ TEST(PointFactsTest, ValueThatIsStillExpected_HasNoNumber) {
     EXPECT_EQ("n/a", values[0].text);
     EXPECT_EQ(eStatus_ExpectedValue, values[0].state);
     EXPECT_EQ(0U, values[0].at);
+}
+
+TEST(PointFactsTest, ValueWithoutAKnownState_HasNoNumber) {
+    test::ForgedRegion const region;
+    region.point(0, test::sample::unit);
+    region.values(0, 0, {shm::key::voltage});
+    region.devices({0});
+    region.raw().set<std::int32_t>(test::rawValue(0) + test::field::valueState, 99);
+    auto const image = inspect::LiveRegion().copy();
+    PointTree const tree(image);
+    EXPECT_EQ(std::nullopt, valueFacts(image, tree.nodes().at(0), 0).number);
 }
 
 TEST(PointFactsTest, NumberThatIsNotFinite_IsNone) {

@@ -19,8 +19,10 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <system_error>
 
 namespace qel::test {
 
@@ -33,6 +35,14 @@ std::vector<inspect::CaptureSample> samplesOf(std::string const& file) {
         samples.push_back(*sample);
     }
     return samples;
+}
+
+void awaitBytes(char const* file, std::uintmax_t bytes) {
+    EXPECT_TRUE(eventually([&] {
+        std::error_code missing;
+        auto const size = std::filesystem::file_size(file, missing);
+        return !missing && size >= bytes;
+    }));
 }
 
 } // namespace
@@ -63,8 +73,7 @@ TEST(RecordCommandTest, Signal_EndsItInOrder) {
     ImageFolder const folder;
     ForgedRegion const region;
     ChildProcess sut({QELSHM, "record", "unit.rec", "--interval", "0.05"});
-    while (!std::filesystem::exists("unit.rec") || std::filesystem::file_size("unit.rec") < 200) {
-    }
+    awaitBytes("unit.rec", 200);
     sut.signal(SIGINT);
     EXPECT_THAT(sut.readAll(), testing::ContainsRegex("^[0-9]+ samples, [0-9]+ bytes\n$"));
     EXPECT_EQ(0, sut.wait());
@@ -85,8 +94,7 @@ TEST(RecordCommandTest, Killed_LeavesAReadableFileUpToItsLastSample) {
     ForgedRegion const region;
     region.activate();
     ChildProcess sut({QELSHM, "record", "unit.rec", "--interval", "0.01"});
-    while (!std::filesystem::exists("unit.rec") || std::filesystem::file_size("unit.rec") < 200) {
-    }
+    awaitBytes("unit.rec", 200);
     sut.signal(SIGKILL);
     EXPECT_EQ(128 + SIGKILL, sut.wait());
     inspect::CaptureTimeline const timeline("unit.rec");
@@ -116,8 +124,7 @@ TEST(RecordCommandTest, RegionThatGoes_IsRecordedAsNothingAndReplayable) {
     auto region = std::make_unique<ForgedRegion>();
     region->activate();
     ChildProcess sut({QELSHM, "record", "unit.rec", "--interval", "0.05"}, ChildProcess::Errors::IntoOutput);
-    while (!std::filesystem::exists("unit.rec") || std::filesystem::file_size("unit.rec") < 100) {
-    }
+    awaitBytes("unit.rec", 100);
     region.reset();
     EXPECT_EQ(0, ::unlink("/dev/shm/QelSharedMemory"));
     EXPECT_TRUE(
@@ -152,6 +159,47 @@ TEST(RecordCommandTest, OnAlarm_KeepsOnlyAlarms) {
     auto const document = nlohmann::json::parse(outcome.output);
     EXPECT_EQ((std::vector<std::string>{"unit.20231114T221320Z.rec"}), document.at("files"));
     EXPECT_EQ(3U, samplesOf("unit.20231114T221320Z.rec").size());
+}
+
+TEST(RecordCommandTest, NamesWithOnAlarm_ChooseWhoseAlarmsAreKept) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    region.point(0, 0x0100FFFFFFFF0000);
+    region.values(0, 0, {1, 19});
+    region.devices({0});
+    region.activate();
+    region.raw().set<std::int32_t>(38400 + 16, 1); // high alarm of the voltage
+    std::vector<std::string> const words{"record",  "unit.rec", "--on-alarm", "1",
+                                         "--count", "2",        "--interval", "0.01"};
+    auto const recordWith = [&](std::string const& name) {
+        auto all = words;
+        all.push_back(name);
+        return runQelshm(all);
+    };
+    auto const other = recordWith("unit1:active-power");
+    EXPECT_EQ(0, other.status) << other.errors;
+    EXPECT_EQ("0 samples, 0 bytes\n", other.output);
+    auto const later = recordWith("unit1/inlet1");
+    EXPECT_EQ("0 samples, 0 bytes\n", later.output);
+    EXPECT_EQ("qelshm: nothing has the name \"unit1/inlet1\" yet; its alarms are kept when it comes\n",
+              later.errors);
+    auto const wanted = recordWith("unit1:v*");
+    EXPECT_EQ(0, wanted.status) << wanted.errors;
+    EXPECT_EQ("", wanted.errors);
+    EXPECT_THAT(wanted.output, testing::StartsWith("2 samples, "));
+}
+
+TEST(RecordCommandTest, NamesWithoutOnAlarm_AreRefusedWithTheReason) {
+    ImageFolder const folder;
+    ForgedRegion const region;
+    auto const outcome = runQelshm({"record", "unit.rec", "unit1:voltage"});
+    EXPECT_EQ(2, outcome.status);
+    EXPECT_EQ(
+        "qelshm: NAME requires --on-alarm: a capture holds all values, which log, export and plot choose "
+        "from; NAME chooses alarms\n",
+        outcome.errors);
+    EXPECT_FALSE(std::filesystem::exists("unit.rec"));
+    EXPECT_EQ(2, runQelshm({"record", "unit.rec", "--on-alarm", "5", "unit1//x"}).status);
 }
 
 TEST(RecordCommandTest, OnAlarmWhereNothingCanBeWritten_IsAnErrorAtOnce) {

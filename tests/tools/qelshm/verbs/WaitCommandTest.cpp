@@ -16,12 +16,13 @@ namespace qel::test {
 
 namespace {
 
-/// An inlet whose power is above a limit after the first of two seconds.
+/// An inlet whose power is above a limit a second after the start.
 class WaitCommandTest : public testing::Test {
 protected:
     TempFile const file_{"timestamp_utc,inlet1_active_power_W\n2023-06-09T07:34:30Z,100\n"
                          "2023-06-09T07:34:32Z,1000\n"};
-    QelReplayProcess replay_{{"--hold", "--limit", "inlet1_active_power_W:high-alarm=900", file_.path()}};
+    QelReplayProcess replay_{
+        {"--speed", "2", "--hold", "--limit", "inlet1_active_power_W:high-alarm=900", file_.path()}};
 };
 
 } // namespace

@@ -80,8 +80,9 @@ bool Tmux::shows(std::string const& text) const {
     return becomes([&](std::string const& screen) { return screen.find(text) != std::string::npos; });
 }
 
-bool Tmux::becomes(std::function<bool(std::string const&)> const& condition) const {
-    return eventually([&] { return condition(screen()); });
+bool Tmux::becomes(std::function<bool(std::string const&)> const& condition,
+                   std::chrono::seconds timeout) const {
+    return eventually([&] { return condition(screen()); }, timeout);
 }
 
 std::string Tmux::fact(std::string const& name) const {

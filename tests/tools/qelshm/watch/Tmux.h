@@ -5,6 +5,7 @@
 /// A terminal whose screen a test can read.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -37,7 +38,8 @@ public:
 
     /// Waits until the screen shows the text, or meets a condition; false when it did not in time.
     bool shows(std::string const& text) const;
-    bool becomes(std::function<bool(std::string const&)> const& condition) const;
+    bool becomes(std::function<bool(std::string const&)> const& condition,
+                 std::chrono::seconds timeout = std::chrono::seconds(20)) const;
 
     /// A fact of the terminal by the multiplexer's name: "cursor_flag", "alternate_on".
     std::string fact(std::string const& name) const;

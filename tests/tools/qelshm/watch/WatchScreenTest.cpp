@@ -337,6 +337,14 @@ TEST_F(WatchScreenTest, ColorOption_BeatsTheEnvironment) {
     }
 }
 
+TEST_F(WatchScreenTest, SizeThatChangesWithoutASignal_IsFollowed) {
+    startWatch("", "env --block-signal=WINCH");
+    ASSERT_TRUE(tmux_.shows("q quit")) << tmux_.screen();
+    tmux_.resize(60, 12);
+    EXPECT_TRUE(tmux_.becomes([](std::string const& screen) { return has(lineOf(screen, 11), "q quit"); }))
+        << tmux_.screen();
+}
+
 TEST_F(WatchScreenTest, NarrowScreen_ShowsNamesAndStatesButNoClock) {
     tmux_.resize(40, 24);
     startWatch();
@@ -365,7 +373,7 @@ TEST_F(WatchScreenTest, KilledWriter_IsSaidToDeliverNothing) {
     startTable("--max-age 1");
     ASSERT_TRUE(tmux_.shows("last delivery 0s ago"));
     unit_->signal(SIGKILL);
-    ASSERT_TRUE(tmux_.shows("nothing delivered for 3s")) << tmux_.screen();
+    ASSERT_TRUE(tmux_.shows("nothing delivered for 2s")) << tmux_.screen();
     EXPECT_THAT(tmux_.colouredScreen(), HasSubstr("\x1b[31mnothing delivered for"));
     EXPECT_TRUE(tmux_.becomes([](std::string const& screen) { return has(screen, "   102 stale"); }));
     EXPECT_THAT(tmux_.screen(), testing::ContainsRegex("Voltage +2[0-9.]+ V +High Alarm +[0-9]+s!"));

@@ -88,6 +88,10 @@ TEST_F(WatchedUnitTest, Stale_IsWhatWasNotDeliveredForLonger) {
     EXPECT_FALSE(sut.isStale(valueAt(unit.socket2Power), freshness)) << "its state says it";
 }
 
+TEST_F(WatchedUnitTest, UsualBoundOfStaleness_IsThatOfAllVerbs) {
+    EXPECT_EQ(inspect::STALE_AFTER, Freshness().value);
+}
+
 TEST_F(WatchedUnitTest, OldValueAmongFreshOnes_IsStaleAtOnce) {
     constexpr std::uint64_t fiveHours = 18000000;
     auto const now = unit.snapshot(0).now;
