@@ -8,6 +8,7 @@
 #include "region/Exceptions.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "writer/WriterRecords.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -55,13 +56,16 @@ bool standsBefore(long long svid, long long other) {
 } // namespace
 
 void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
-    LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP")
-        << "pos = " << mp.pos << ", stype = " << SensorIdentifier::extractSensorType(mp.guid)
-        << ", ppos = " << mp.parent;
+    records_->changes.note();
     auto* const parent = pointAt(mp.parent);
     auto const* const head = parent != nullptr ? &parent->children : listHead(mp.guid);
     auto curpos = head != nullptr ? *head : NO_POSITION;
-    LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP") << "curpos = " << curpos;
+    if (writerLog.isPriorityEnabled(log4cpp::Priority::DEBUG)) { // once for both lines
+        LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP")
+            << "pos = " << mp.pos << ", stype = " << SensorIdentifier::extractSensorType(mp.guid)
+            << ", ppos = " << mp.parent;
+        LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP") << "curpos = " << curpos;
+    }
 
     auto lastpos = NO_POSITION;
     while (auto* const current = pointAt(curpos)) {

@@ -12,6 +12,7 @@
 #include "reader/QelShmKeptMVal.h"
 #include "region/QelShmMVal.h"
 #include "writer/QelSharedMemoryWriter.h"
+#include "writer/QelShmKeptUpdate.h"
 
 #include <vector>
 
@@ -57,9 +58,29 @@ struct LibraryByValue : Library {
     };
 };
 
-/// The library's reader where the client keeps a handle for each value.
+/// The library's writer and reader where the client keeps a handle for each value.
 struct LibraryKept : Library {
     static constexpr char name[] = "library, kept value";
+
+    class Writer : public Library::Writer {
+    public:
+        void build(Input const& input) {
+            Library::Writer::build(input);
+            kept_.clear();
+            for (auto const& [point, definition] : input.definitions()) {
+                for (auto const& value : definition.mvs) {
+                    kept_.emplace_back(point | value.first); // by slot: points in the order of a plan
+                }
+            }
+        }
+
+        bool update(Access const& access, Sample const& sample) {
+            return writer().updateMV(kept_[access.value], sample.number, sample.at, sample.state);
+        }
+
+    private:
+        std::vector<shm::QelShmKeptUpdate> kept_;
+    };
 
     class Reader : public Library::Reader {
     public:

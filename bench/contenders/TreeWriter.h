@@ -65,6 +65,9 @@ public:
 
     std::size_t bytes() const { return shm::REGION_SIZE; }
 
+protected:
+    Writer& writer() { return writer_; }
+
 private:
     Writer writer_;
 };

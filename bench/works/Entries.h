@@ -114,9 +114,30 @@ public:
     double expected() const override { return expected_; }
     std::size_t operations() const override { return 1; }
 
+protected:
+    auto& side() { return *side_; }
+
 private:
     Side side_;
     double expected_ = 0;
+};
+
+/// The same, each time after something has changed, which does not count.
+/// Operation: also prepare(side, access), which changes something by that access.
+template <typename Side, typename Operation>
+class WholeAfterChange : public Whole<Side, Operation> {
+public:
+    using Whole<Side, Operation>::Whole;
+
+    void begin(Order const& order) override {
+        Whole<Side, Operation>::begin(order);
+        access_ = order.values.front();
+    }
+    bool preparing() const override { return true; }
+    void prepare() override { Operation::prepare(this->side(), access_); }
+
+private:
+    Access access_{};
 };
 
 /// Points and values are laid out in an empty store.

@@ -29,6 +29,11 @@ std::vector<Candidate> wholes() {
     return {candidate<Contenders, Whole<Side<Contenders>, Operation>>("")...};
 }
 
+template <typename Operation, template <typename> class Side, typename... Contenders>
+std::vector<Candidate> wholesAfterChange() {
+    return {candidate<Contenders, WholeAfterChange<Side<Contenders>, Operation>>("")...};
+}
+
 template <bool fresh, typename... Contenders>
 std::vector<Candidate> builds() {
     return {candidate<Contenders, Build<Contenders, fresh>>("")...};
@@ -43,7 +48,7 @@ std::vector<Candidate> formats() {
 
 std::vector<Work> singleProcessWorks() {
     return {
-        {"update", sweeps<Update, WriterSide, Floor, Hash, Library, Literal, InterprocessMap,
+        {"update", sweeps<Update, WriterSide, Floor, Hash, Library, LibraryKept, Literal, InterprocessMap,
                           InterprocessHash, InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>()},
         {"find", sweeps<Find, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
                         Lmdb, Sqlite, Redis>()},
@@ -54,7 +59,8 @@ std::vector<Work> singleProcessWorks() {
         {"visit", wholes<Visit, ReaderSide, Floor, Library, Literal, InterprocessMap, InterprocessHash, Mmv,
                          Lmdb, Sqlite, Redis>()},
         {"rebuild", wholes<Rebuild, ReaderSide, Floor, Hash, Library, Literal>()},
-        {"propagate", wholes<Propagate, WriterSide, Floor, Library, Literal>()},
+        {"propagate", wholesAfterChange<Propagate, WriterSide, Floor, Library, Literal>()},
+        {"propagate nothing", wholes<PropagateNothing, WriterSide, Floor, Library, Literal>()},
         {"create",
          builds<true, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash, Mmv, Lmdb, Sqlite>()},
         {"add",
