@@ -147,7 +147,8 @@ private:
     }
 
     /// Collects the slots side by side from a position of the table on, at most left.
-    QEL_EXPORT static Iterator nextRun(record::QelShmMVal const* slots, std::uint32_t first, std::uint32_t left);
+    QEL_EXPORT static Iterator nextRun(record::QelShmMVal const* slots, std::uint32_t first,
+                                       std::uint32_t left);
 
     record::QelShmMVal const* slots_;
     std::uint32_t first_;
