@@ -45,6 +45,10 @@ class Target:
 FLOOR = ("floor", "")
 LITERAL = ("literal", "")
 
+RANGES = "library, scan by ranges"
+# What finds a value by its id, and goes over all values.
+BY_ID = ("Boost.Interprocess map", "Boost.Interprocess hash", "LMDB", "SQLite", "Redis, unix socket")
+
 BOTH_LARGE = ("20x40", "1x800")
 VALUES = 8800
 
@@ -61,6 +65,9 @@ TARGETS = [
         Target("update", shape, "library, kept value", "time", 1, ("PCP MMV", "")),
         Target("visit", shape, "library", "time", 6, FLOOR),
         Target("visit", shape, "library", "instructions", 51.75 * VALUES),
+        Target("visit", shape, RANGES, "instructions", 12 * VALUES),
+        Target("visit", shape, RANGES, "time", 2.5, FLOOR),
+        *(Target("visit", shape, RANGES, "time", 1, (peer, "")) for peer in BY_ID),
         Target("rebuild", shape, "library", "instructions", 425_000),
         Target("find", shape, "library", "time", 1, LITERAL),
         Target("find", shape, "library", "allocations", 1),
