@@ -16,7 +16,7 @@ namespace shm {
 ///
 /// A note is never lost: it is made behind the store of what has changed, and taken before the states are read.
 ///
-/// Threads: note() is thread-safe. The rest is thread-bound to the thread that combines.
+/// Threads: thread-bound to the thread that combines. note() is thread-safe.
 class StateChanges {
 public:
     /// A state or a list in the region has changed. At first this is noted.

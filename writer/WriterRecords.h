@@ -12,7 +12,7 @@ namespace shm {
 
 /// Lies on the heap, because the size of the writer is part of the binary interface.
 ///
-/// Threads: as its members say.
+/// Threads: thread-bound to the thread that changes the structure; what its members call thread-safe is so.
 struct WriterRecords {
     SlotsBySvid slots;    ///< the same points as in the map, for fast look-up
     StateChanges changes; ///< what propagateStates() has to combine

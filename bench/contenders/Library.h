@@ -77,8 +77,29 @@ struct LibraryByRanges : Library {
     };
 };
 
-/// The library's writer and reader where the client keeps a handle for each value.
+/// The library's reader where the client keeps a handle for each value.
 struct LibraryKept : Library {
+    static constexpr char name[] = "library, kept value";
+
+    class Reader : public Library::Reader {
+    public:
+        explicit Reader(Plan const& plan) : Library::Reader(plan) {
+            for (auto const& access : plan.valueAccesses()) {
+                kept_.emplace_back(access.svid);
+            }
+        }
+
+        double fetch(Access const& access) {
+            return *const_cast<double const volatile*>(&value(kept_[access.value])->value);
+        }
+
+    private:
+        std::vector<shm::QelShmKeptMVal> kept_; // by slot, as a client's own order would be
+    };
+};
+
+/// The library's writer where the writing process keeps a handle for each value.
+struct LibraryKeptUpdate : Library {
     static constexpr char name[] = "library, kept value";
 
     class Writer : public Library::Writer {
@@ -99,22 +120,6 @@ struct LibraryKept : Library {
 
     private:
         std::vector<shm::QelShmKeptUpdate> kept_;
-    };
-
-    class Reader : public Library::Reader {
-    public:
-        explicit Reader(Plan const& plan) : Library::Reader(plan) {
-            for (auto const& access : plan.valueAccesses()) {
-                kept_.emplace_back(access.svid);
-            }
-        }
-
-        double fetch(Access const& access) {
-            return *const_cast<double const volatile*>(&value(kept_[access.value])->value);
-        }
-
-    private:
-        std::vector<shm::QelShmKeptMVal> kept_; // by slot, as a client's own order would be
     };
 };
 

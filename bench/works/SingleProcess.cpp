@@ -48,8 +48,9 @@ std::vector<Candidate> formats() {
 
 std::vector<Work> singleProcessWorks() {
     return {
-        {"update", sweeps<Update, WriterSide, Floor, Hash, Library, LibraryKept, Literal, InterprocessMap,
-                          InterprocessHash, InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>()},
+        {"update",
+         sweeps<Update, WriterSide, Floor, Hash, Library, LibraryKeptUpdate, Literal, InterprocessMap,
+                InterprocessHash, InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>()},
         {"find", sweeps<Find, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
                         Lmdb, Sqlite, Redis>()},
         {"fetch", sweeps<Fetch, ReaderSide, Floor, Hash, Library, LibraryByValue, LibraryKept, Literal,

@@ -233,7 +233,9 @@ TEST_F(QelSharedMemoryWriterKeptTest, SlotsThatServeAnotherPoint_AreNotTouched) 
     for (int key = 1000; key < 1000 + 8000; ++key) {
         keys[static_cast<unsigned short>(key)] = 0;
     }
-    ASSERT_TRUE(sut.addStructure(definitions));
+    for (auto const& [svid, definition] : definitions) {
+        ASSERT_LT(sut.addMP(svid, definition.mvs, rawNone), 800U);
+    }
     auto const slot = sut.addMP(gone, {}, rawNone);
     sut.addMP(pointId(0, 2, 0), keys, rawNone);
     QelShmKeptUpdate kept(gone | key::voltage);
