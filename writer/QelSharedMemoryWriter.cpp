@@ -12,6 +12,7 @@
 #include "writer/KeySets.h"
 #include "writer/SlotsBySvid.h"
 #include "writer/WriterLock.h"
+#include "writer/WriterRecords.h"
 
 #include <log4cpp/Category.hh>
 #include <log4cpp/Priority.hh>
@@ -77,7 +78,7 @@ QelSharedMemoryWriter::QelSharedMemoryWriter()
     : QelSharedMemoryAccess(ShmAccess::Write),
       freeMVs_(MV_COUNT),
       freeMPs_(MP_COUNT),
-      index_(std::make_unique<SlotsBySvid>()) {
+      records_(std::make_unique<WriterRecords>()) {
     LogLine(writerLog, log4cpp::Priority::INFO, "QelSharedMemoryWriter") << "start";
     QelSharedMemoryAccess::openShm();
     lock_ = root() ? lockRegion() : nullptr;
@@ -143,8 +144,8 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
         return NO_POSITION;
     }
     // All memory for the point is allocated first: afterwards the slot is taken and linked.
-    auto& definition =
-        addToRecords(points_, *index_, point, freeMPs_.front(), std::min(mvs.size(), freeMVs_.size()));
+    auto& definition = addToRecords(points_, records_->slots, point, freeMPs_.front(),
+                                    std::min(mvs.size(), freeMVs_.size()));
     freeMPs_.pop_front();
     auto& mp = initMP(definition.pos, point, ppos);
     connectMP(mp);
@@ -154,9 +155,10 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
 
 void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
                                    std::map<unsigned short, unsigned int> const& mvs) {
+    records_->changes.note();
     // Deliberate: the highest position counts as the chain's tail, since positions are given out in ascending order.
     unsigned int tail = highestPosition(definition);
-    auto* const indexed = index_->pointOf(definition);
+    auto* const indexed = records_->slots.pointOf(definition);
     bool const isLogged = writerLog.isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
     for (auto const& wanted : mvs) {
         auto const key = wanted.first;
@@ -169,20 +171,20 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
                 << "Ignoring known key " << key << ", pos = " << pos;
             continue;
         }
-        lock.unlock();
-
         if (freeMVs_.empty()) {
+            lock.unlock();
             LogLine(writerLog, log4cpp::Priority::WARN, "addMVs")
                 << "no free measured values left, cannot add key " << key << " to " << mp.guid;
             continue;
         }
         auto const pos = freeMVs_.front();
-        if (isLogged) {
+        if (isLogged) { // not while the mutex is held
+            lock.unlock();
             initMV(pos, key);
+            lock.lock();
         } else {
             wipeMV(pos, key);
         }
-        lock.lock();
         if (indexed != nullptr) {
             indexed->reserve(definition.mvs.size() + 1);
         }
@@ -208,6 +210,7 @@ QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsign
         << "pos = " << pos << ", guid = " << svid << ", ppos = " << ppos;
     auto const kind = SensorIdentifier::extractSensorType(svid);
     auto& mp = region()->points[pos];
+    records_->changes.note();
     wipeSlot(mp);
     storeField(mp.pos, pos);
     storeField(mp.parent, ppos);
@@ -220,6 +223,7 @@ QelShmMP& QelSharedMemoryWriter::initMP(unsigned int pos, long long svid, unsign
 
 record::QelShmMVal& QelSharedMemoryWriter::initMV(unsigned int pos, unsigned short key) {
     LogLine(writerLog, log4cpp::Priority::DEBUG, "initMV") << "pos = " << pos << ", key = " << key;
+    records_->changes.note();
     return wipeMV(pos, key);
 }
 

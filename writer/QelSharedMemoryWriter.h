@@ -25,8 +25,9 @@
 namespace shm {
 
 class QelStateLedThread;
-class SlotsBySvid;
+class QelShmKeptUpdate;
 class WriterLock;
+struct WriterRecords;
 
 /// Owns the region. Only one process at a time may have a writer.
 ///
@@ -150,7 +151,25 @@ public:
     /// Combines the states of all points, children before their parents, and from them the global state. Stores a
     /// changed global state in the root and shows it on the LED. Needs no memory. A std::exception ends it early
     /// and is swallowed; any other exception ends the process.
+    ///
+    /// Returns at once if nothing has changed since the last time: no state and no list of points or values through
+    /// this writer, and the root still holds the global state. A process that stores states into the region by itself
+    /// says so by statesChanged().
     void propagateStates() noexcept;
+
+    /// Stores one value as the other updateMV() does, for a caller that stores the same value repeatedly: the slot is
+    /// remembered in `kept`. Only the first call, and the first one after points were removed, looks it up and locks
+    /// the mutex of the point's definition. Throws nothing and needs no memory.
+    /// @note Logs only an exception that is no std::exception, at ERROR.
+    ///
+    /// Threads: thread-safe for different points, but not while propagateStates() runs.
+    /// @param kept      names the value
+    /// @param number    any number, also NaN; ignored for the key of a point state
+    /// @param timestamp time in ms since 1970 UTC
+    /// @param state     state
+    /// @return false if the point or key is unknown, or something failed; nothing is stored then
+    bool updateMV(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
+                  eStatus_Bits state) noexcept;
     /// @}
 
 protected:
@@ -224,6 +243,12 @@ protected:
     /// @param mp  the point's slot
     /// @param out receives the state that each of the siblings reports to its parent
     void defineState(QelShmMP& mp, std::list<eStatus_Bits>& out);
+
+    /// Tells propagateStates() that states or links in the region were stored otherwise than by the operations of
+    /// this class, all of which tell it themselves. The next propagation combines all states.
+    ///
+    /// Threads: thread-safe.
+    void statesChanged() noexcept;
     /// @}
 
 private:
@@ -234,6 +259,13 @@ private:
 
     /// initMV() without the log line.
     record::QelShmMVal& wipeMV(unsigned int pos, unsigned short key);
+
+    /// updateMV() for a kept value that has to be looked up.
+    bool updateLookedUp(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
+                        eStatus_Bits state) noexcept;
+
+    /// propagateStates() when something has changed.
+    void propagateChanges() noexcept;
 
     /// Logs at ERROR and returns false while no region is mapped.
     bool isMapped(char const* operation) const;
@@ -258,8 +290,8 @@ private:
     std::deque<unsigned int> freeMPs_;
     Definitions points_; // by point svid
     // Members that came later.
-    std::unique_ptr<SlotsBySvid> index_; // the same points, for fast look-up
-    std::unique_ptr<WriterLock> lock_;   // null without a region
+    std::unique_ptr<WriterRecords> records_;
+    std::unique_ptr<WriterLock> lock_; // null without a region
 };
 
 } // namespace shm

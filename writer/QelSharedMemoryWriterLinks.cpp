@@ -8,6 +8,7 @@
 #include "region/Exceptions.h"
 #include "region/LogLine.h"
 #include "region/RegionFields.h"
+#include "writer/WriterRecords.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -55,6 +56,7 @@ bool standsBefore(long long svid, long long other) {
 } // namespace
 
 void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
+    records_->changes.note();
     LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP")
         << "pos = " << mp.pos << ", stype = " << SensorIdentifier::extractSensorType(mp.guid)
         << ", ppos = " << mp.parent;

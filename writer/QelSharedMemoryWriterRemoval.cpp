@@ -8,6 +8,7 @@
 #include "region/SvidParts.h"
 #include "writer/KeySets.h"
 #include "writer/SlotsBySvid.h"
+#include "writer/WriterRecords.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -82,9 +83,7 @@ void detachSlots(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index,
                  long long guid) {
     if (auto const named = points.find(guid); named != points.end()) {
         named->second.mvs.clear();
-        if (auto* const indexed = index.pointOf(named->second)) {
-            indexed->clear();
-        }
+        index.removeValues(named->second);
     }
     if (index.isTaken(pos)) {
         auto const owner = index.svidAt(pos);
@@ -118,7 +117,7 @@ bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
         return false;
     }
     std::lock_guard<std::recursive_mutex> const lock(structureMutex_);
-    RemovedPoints removedPoints(points_, *index_);
+    RemovedPoints removedPoints(points_, records_->slots);
     auto& removed = removedPoints.svids();
     bool anyRemoved = false;
     for (auto next = points_.begin(); next != points_.end();) {
@@ -129,7 +128,7 @@ bool QelSharedMemoryWriter::removeStructure(Definitions const& definitions) {
         unlinkMP(known->second.pos, true, removed);
         anyRemoved = true;
         if (removed.count(known->first) == 0) { // its slot held another id
-            index_->remove(known->first);
+            records_->slots.remove(known->first);
             points_.erase(known);
         }
     }
@@ -168,16 +167,17 @@ void QelSharedMemoryWriter::freeSlotsOf(QelShmMP const& mp, unsigned int pos,
         LogLine(writerLog, log4cpp::Priority::WARN, "unlinkMP")
             << "failed to find " << std::dec << mp.guid << " in local cache (no mvs are freed, ignored)";
     }
-    if (index_->isTaken(pos)) { // else it is free already
+    if (records_->slots.isTaken(pos)) { // else it is free already
         freeMPs_.push_back(pos);
     }
     removed.insert(mp.guid);
     points.keep();
     values.keep();
-    detachSlots(points_, *index_, pos, mp.guid);
+    detachSlots(points_, records_->slots, pos, mp.guid);
 }
 
 void QelSharedMemoryWriter::disconnectMP(QelShmMP& mp) {
+    records_->changes.note();
     if (auto* const previous = pointAt(mp.prev)) {
         storeLink(previous->next, mp.next); // mp keeps its prev
     } else {

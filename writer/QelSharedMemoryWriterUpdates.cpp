@@ -9,8 +9,11 @@
 #include "region/SvidParts.h"
 #include "states/QelStateLedThread.h"
 #include "writer/KeySets.h"
+#include "writer/QelShmKeptUpdate.h"
 #include "writer/SlotsBySvid.h"
+#include "writer/StateChanges.h"
 #include "writer/StatePropagation.h"
+#include "writer/WriterRecords.h"
 
 #include <log4cpp/Priority.hh>
 
@@ -27,12 +30,32 @@ std::size_t valuePosition(SlotsBySvid::Point const& point, unsigned short key) {
     return point.valuePosition(key);
 }
 
+/// Stores the state of a point or a value, and notes it if it is another one.
+template <typename Slot>
+void storeState(Slot& slot, eStatus_Bits state, StateChanges& changes) {
+    bool const isOther = slot.state != state;
+    storeField(slot.state, state);
+    if (isOther) {
+        changes.note();
+    }
+}
+
+void storePointState(QelShmMP& mp, eStatus_Bits state, std::uint64_t timestamp, StateChanges& changes) {
+    storeState(mp, state, changes);
+    storeField(mp.at, timestamp);
+}
+
+void logException() {
+    LogLine(writerLog, log4cpp::Priority::ERROR, "updateMV") << "ran into a very exceptional state";
+}
+
 } // namespace
 
 void QelSharedMemoryWriter::setActive() {
     if (!isMapped("setActive")) {
         return;
     }
+    records_->changes.note();
     auto& root = region()->root;
     auto const before = root.state;
     storeField(root.guid, ROOT_SVID);
@@ -48,15 +71,14 @@ void QelSharedMemoryWriter::setActive() {
 
 bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::MeasureValue> value) noexcept {
     try {
-        auto const* const point = index_->find(pointSvid(svid));
+        auto const* const point = records_->slots.find(pointSvid(svid));
         if (point == nullptr || !value || region() == nullptr) {
             return false;
         }
         auto const key = valueKey(svid);
         if (isPointStateKey(key)) {
-            auto& mp = region()->points[point->pos()];
-            storeField(mp.state, value->state());
-            storeField(mp.at, value->timestamp());
+            storePointState(region()->points[point->pos()], value->state(), value->timestamp(),
+                            records_->changes);
             return true;
         }
         auto const pos = valuePosition(*point, key);
@@ -65,7 +87,7 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
         }
         auto& mv = region()->values[pos];
         storeField(mv.at, value->timestamp());
-        storeField(mv.state, value->state());
+        storeState(mv, value->state(), records_->changes);
         // Deliberate: a value that is no number still stores its time and state. The old number stays.
         auto const number = value->toDouble();
         if (number.type != measval::Double) {
@@ -76,18 +98,75 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
     } catch (std::exception const&) {
         return false;
     } catch (...) {
-        LogLine(writerLog, log4cpp::Priority::ERROR, "updateMV") << "ran into a very exceptional state";
+        logException();
         return false;
     }
 }
 
-void QelSharedMemoryWriter::propagateStates() noexcept {
+bool QelSharedMemoryWriter::updateMV(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
+                                     eStatus_Bits state) noexcept {
+    if (kept.generation_ != records_->slots.generation()) {
+        return updateLookedUp(kept, number, timestamp, state);
+    }
+    auto* const mapped = region();
+    if (mapped == nullptr) {
+        return false;
+    }
+    if (kept.target_ == QelShmKeptUpdate::Target::PointState) {
+        storePointState(mapped->points[kept.pos_], state, timestamp, records_->changes);
+        return true;
+    }
+    auto& mv = mapped->values[kept.pos_];
+    storeField(mv.at, timestamp);
+    storeState(mv, state, records_->changes);
+    storeField(mv.value, kept.target_ == QelShmKeptUpdate::Target::Energy ? number / energyFactor : number);
+    return true;
+}
+
+bool QelSharedMemoryWriter::updateLookedUp(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
+                                           eStatus_Bits state) noexcept {
+    using Target = QelShmKeptUpdate::Target;
     try {
-        if (!isMapped("propagateStates")) {
-            return;
+        auto const& slots = records_->slots;
+        auto const* const point = slots.find(pointSvid(kept.svid_));
+        if (point == nullptr) {
+            return false;
         }
+        auto const key = valueKey(kept.svid_);
+        bool const isOfPoint = isPointStateKey(key);
+        auto const pos = isOfPoint ? point->pos() : valuePosition(*point, key);
+        if (pos >= (isOfPoint ? MP_COUNT : MV_COUNT)) {
+            return false;
+        }
+        kept.pos_ = static_cast<std::uint32_t>(pos);
+        kept.target_ = isOfPoint ? Target::PointState : isEnergyKey(key) ? Target::Energy : Target::Value;
+        kept.generation_ = slots.generation();
+    } catch (std::exception const&) {
+        return false;
+    } catch (...) {
+        logException();
+        return false;
+    }
+    return updateMV(kept, number, timestamp, state);
+}
+
+void QelSharedMemoryWriter::propagateStates() noexcept {
+    auto const* const mapped = region();
+    if (mapped == nullptr || !records_->changes.areCombinedInto(mapped->root.state)) {
+        propagateChanges();
+    }
+}
+
+void QelSharedMemoryWriter::propagateChanges() noexcept {
+    if (!isMapped("propagateStates")) {
+        return;
+    }
+    auto& changes = records_->changes;
+    changes.take();
+    try {
         auto& root = region()->root;
         auto const global = StatePropagation(*region()).combineAll();
+        changes.setResult(global);
         if (global != root.state) {
             storeField(root.state, global);
             if (ledThread_) {
@@ -95,13 +174,17 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
             }
         }
     } catch (std::exception const&) {
-        // The states stored so far stay. The next propagation combines all of them again.
-        return;
+        changes.note(); // the states stored so far stay; the next propagation combines all of them again
     }
 }
 
 void QelSharedMemoryWriter::defineState(QelShmMP& mp, std::list<eStatus_Bits>& out) {
+    records_->changes.note(); // for what depends on these points
     StatePropagation(*region()).combineSiblings(mp, out);
+}
+
+void QelSharedMemoryWriter::statesChanged() noexcept {
+    records_->changes.note();
 }
 
 } // namespace shm

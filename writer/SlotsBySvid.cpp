@@ -3,9 +3,15 @@
 
 #include "writer/SlotsBySvid.h"
 
+#include <atomic>
 #include <utility>
 
 namespace shm {
+
+std::uint64_t SlotsBySvid::nextGeneration() noexcept {
+    static std::atomic<std::uint64_t> last{0};
+    return ++last;
+}
 
 void SlotsBySvid::Point::reserve(std::size_t count) {
     unsigned int bits = 1;
@@ -55,8 +61,16 @@ SlotsBySvid::Point* SlotsBySvid::pointOf(MPDef const& definition) {
 void SlotsBySvid::remove(long long svid) noexcept {
     auto const pos = positions_.find(svid);
     if (pos != PositionBySvid::none) {
+        generation_ = nextGeneration();
         points_[pos] = Point();
         positions_.remove(svid);
+    }
+}
+
+void SlotsBySvid::removeValues(MPDef const& definition) noexcept {
+    if (auto* const point = pointOf(definition)) {
+        generation_ = nextGeneration();
+        std::fill(point->values_.begin(), point->values_.end(), Point::Value());
     }
 }
 

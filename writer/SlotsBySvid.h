@@ -22,8 +22,8 @@ namespace shm {
 /// slot position, and for each point one from value key to the value's slot position. An operation that runs out
 /// of memory has changed nothing.
 ///
-/// Threads: thread-bound to the thread that changes the structure. find(), pos() and mutex() are thread-safe while no
-/// point is added or removed. The mutex of a point's definition guards the point's values.
+/// Threads: thread-bound to the thread that changes the structure. find(), generation(), pos() and mutex() are
+/// thread-safe while no point is added or removed. The mutex of a point's definition guards the point's values.
 class SlotsBySvid {
     static constexpr std::uint16_t noSlot = 0xFFFF;
     static_assert(noSlot >= MV_COUNT);
@@ -60,9 +60,6 @@ public:
         /// @param pos position of its slot
         void insert(std::uint16_t key, std::size_t pos) noexcept;
 
-        /// Removes all values and keeps the room. The caller holds the mutex or has exclusive access to the index.
-        void clear() noexcept { std::fill(values_.begin(), values_.end(), Value()); }
-
     private:
         friend class SlotsBySvid;
 
@@ -86,6 +83,11 @@ public:
         std::uint8_t shift_ = 0;      // reduces a hash to an index into values_
         std::uint16_t pos_ = noSlot;
     };
+
+    /// Identifies what the look-ups give. It changes when a point or a value is removed: a slot that was found is still
+    /// the right one while the number is the same. No two objects of a process ever have the same number, nor 0.
+    /// @return the number
+    std::uint64_t generation() const { return generation_; }
 
     /// @param svid of a point
     /// @return the point, null for an unknown one
@@ -117,7 +119,14 @@ public:
     /// @param svid of the point
     void remove(long long svid) noexcept;
 
+    /// Removes a point's values and keeps their room. Does nothing for a definition that pointOf() does not know.
+    /// @param definition of the point
+    void removeValues(MPDef const& definition) noexcept;
+
 private:
+    static std::uint64_t nextGeneration() noexcept;
+
+    std::uint64_t generation_ = nextGeneration();
     PositionBySvid positions_;
     std::array<Point, MP_COUNT> points_; // by slot position
 };

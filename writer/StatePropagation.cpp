@@ -21,11 +21,9 @@ struct ListSink {
 eStatus_Bits StatePropagation::combineAll() const {
     ChildFold reported;
     for (auto const head : {loadLink(region_.root.devices), loadLink(region_.root.groups)}) {
-        // Deliberate: each step also follows all later siblings, so the k-th point is visited k times. The result
-        // is that of one visit.
-        for (auto pos = head; pos < MP_COUNT; pos = loadLink(region_.points[pos].next)) {
-            siblings(pos, reported);
-        }
+        // Once for each list: whoever goes on from each top-level point to its later siblings, too, combines the k-th
+        // of them k times, with the same stores and the same result.
+        siblings(head, reported);
     }
     return combineStates(eStatus_On, ValueFold().result(), reported.result());
 }

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <list>
@@ -245,6 +246,47 @@ TEST_F(QelSharedMemoryStatesTest, MpState_FollowsTheRulesForEveryOwnStateValueAn
     }
     EXPECT_EQ(results.count(19), 0U) << "On, Child Alarm";
     EXPECT_EQ(results.count(21), 0U) << "On, Child Warning";
+}
+
+// What propagateStates() relies on when it skips a propagation without changes, and when it combines each top-level
+// point once. Values and children count by what they are folded into, which is -1 or one of them: so lists of none and
+// of one are all there is.
+TEST_F(QelSharedMemoryStatesTest, MpState_CombinedAgainWithTheSame_StaysForEveryOwnStateValueAndChild) {
+    std::vector<States> lists{{}};
+    for (auto const single : everyState()) {
+        lists.push_back({single});
+    }
+    for (auto const own : everyState()) {
+        for (auto const& values : lists) {
+            for (auto const& children : lists) {
+                auto const once = sut.mpState(own, values, children);
+                ASSERT_EQ(once, sut.mpState(once, values, children))
+                    << own << ' ' << text(values) << ' ' << text(children);
+            }
+        }
+    }
+}
+
+TEST_F(QelSharedMemoryStatesTest, Lists_AreFoldedIntoNothingOrOneOfThem) {
+    forEveryListUpTo(3, [&](States states) {
+        auto const ofValues = sut.mvState(states);
+        auto const ofChildren = sut.mpState(states);
+        states.push_back(state(-1));
+        ASSERT_NE(std::find(states.begin(), states.end(), ofValues), states.end()) << text(states);
+        ASSERT_NE(std::find(states.begin(), states.end(), ofChildren), states.end()) << text(states);
+        ASSERT_EQ(ofValues, sut.mvState({ofValues})) << text(states);
+        ASSERT_EQ(ofChildren, sut.mpState({ofChildren})) << text(states);
+    });
+}
+
+TEST_F(QelSharedMemoryStatesTest, MpStateOfChildren_ListWithItsEndsBehindIt_CountsOnce) {
+    forEveryListUpTo(3, [&](States const& states) {
+        auto repeated = states;
+        for (auto end = states.begin(); end != states.end();) {
+            repeated.insert(repeated.end(), ++end, states.end());
+        }
+        ASSERT_EQ(sut.mpState(states), sut.mpState(repeated)) << text(repeated);
+    });
 }
 
 TEST_F(QelSharedMemoryStatesTest, MpState_GlobalStateIsOneOfFive) {

@@ -12,6 +12,7 @@
 #include "tests/model/ReferenceWriter.h"
 #include "tests/model/WriterCalls.h"
 #include "tests/support/RawRegion.h"
+#include "writer/QelShmKeptUpdate.h"
 
 #include <gtest/gtest.h>
 
@@ -133,8 +134,16 @@ protected:
 
     void stepUpdate() {
         auto const update = sensors_.anyUpdate(reference_);
-        EXPECT_EQ(reference_.updateMV(update.svid, update.number, update.at, update.state),
-                  writer_.updateMV(update.svid, valueOf(update)));
+        EXPECT_EQ(reference_.updateMV(update.svid, update.number, update.at, update.state), deliver(update));
+    }
+
+    /// Half of the numbers through kept values, which outlive all changes of the structure.
+    bool deliver(RandomSensors::Update const& update) {
+        if (!update.number || sensors_.chance(50)) {
+            return writer_.updateMV(update.svid, valueOf(update));
+        }
+        auto& kept = kept_.try_emplace(update.svid, update.svid).first->second;
+        return writer_.updateMV(kept, *update.number, update.at, static_cast<eStatus_Bits>(update.state));
     }
 
     void stepPropagate() {
@@ -177,6 +186,7 @@ protected:
     shm::QelSharedMemoryWriter writer_;
     RawRegion region_;
     ReferenceWriter reference_;
+    std::map<long long, shm::QelShmKeptUpdate> kept_; // by their ids
 };
 
 TEST_P(QelSharedMemoryWriterRandomTest, EveryStep_LeavesTheBytesOfTheReference) {

@@ -63,7 +63,7 @@ TEST(SlotsBySvidTest, ValuePosition_AgreesWithAMapForRandomKeys) {
         unsigned int const range = step % 2 == 0 ? 0x100 : 0x10000;
         if (definition.mvs.size() > 90) {
             definition.mvs.clear();
-            sut.pointOf(definition)->clear();
+            sut.removeValues(definition);
         }
         auto const newKey = static_cast<std::uint16_t>(random() % range);
         if (definition.mvs.emplace(newKey, static_cast<unsigned int>(step)).second) {

@@ -40,6 +40,7 @@ public:
     using QelSharedMemoryWriter::initMV;
     using QelSharedMemoryWriter::parentOf;
     using QelSharedMemoryWriter::region;
+    using QelSharedMemoryWriter::statesChanged;
     using QelSharedMemoryWriter::unlinkMP;
 };
 
