@@ -12,6 +12,7 @@
 #include "reader/QelShmKeptMVal.h"
 #include "region/QelShmMVal.h"
 #include "writer/QelSharedMemoryWriter.h"
+#include "writer/QelShmKeptUpdate.h"
 
 #include <vector>
 
@@ -57,9 +58,26 @@ struct LibraryByValue : Library {
     };
 };
 
-/// The library's reader where the client keeps a handle for each value.
+/// The library where the client keeps a handle for each value.
 struct LibraryKept : Library {
     static constexpr char name[] = "library, kept value";
+
+    class KeptWriter {
+    public:
+        KeptWriter(Library::Writer& writer, Plan const& plan) : writer_(writer) {
+            for (auto const& access : plan.valueAccesses()) {
+                kept_.emplace_back(access.svid);
+            }
+        }
+
+        bool update(Access const& access, Sample const& sample) {
+            return writer_.updateKept(kept_[access.value], sample);
+        }
+
+    private:
+        Library::Writer& writer_;
+        std::vector<shm::QelShmKeptUpdate> kept_; // by slot, as a client's own order would be
+    };
 
     class Reader : public Library::Reader {
     public:

@@ -90,9 +90,10 @@ struct Row {
     Sampler (*enter)(bench::Plan const& plan);
 };
 
-constexpr std::array<Row, 4> rows{{
+constexpr std::array<Row, 5> rows{{
     {"the clock alone", nothing},
     {"`updateMV`", single<bench::WriterSide<bench::Library>, bench::Update>},
+    {"`updateMV` of a kept value", single<bench::KeptWriterSide<bench::LibraryKept>, bench::Update>},
     {"kept value, read", single<bench::ReaderSide<bench::LibraryKept>, bench::Fetch>},
     {"`updateMV` until seen by a kept value", visible<bench::Library, bench::LibraryKept>},
 }};

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 
 """Replays the recordings as 1, 10 and 100 units side by side, each in surroundings of its own, and writes what a unit
-takes: processor time, memory by its own pages, rows written.
+takes: processor time, and memory by its own pages.
 
 usage: units.py --replay PROGRAM --seconds S --counts N,N,... --out FILE
 """
@@ -19,7 +19,7 @@ import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 RECORDINGS = [os.path.join(ROOT, "data", name) for name in ("outlets_1s.csv", "environment_1min.csv")]
-PATIENCE = 300  # seconds until all units are active, or have ended
+PATIENCE = 300  # seconds until all units are active, and until each has ended
 
 
 class Failure(Exception):
@@ -61,17 +61,8 @@ class Unit:
         for process in self.processes(children).get("qel-replay", []):
             os.kill(process, signal.SIGTERM)
 
-    def rows(self):
-        """Rows that were written until the end."""
+    def wait(self):
         self._launcher.wait(PATIENCE)
-        rows = self.printed(r"(?:^|[ :])([0-9]+) rows? ")
-        last = None
-        with open(self._output, encoding="utf-8", errors="replace") as file:
-            for match in re.finditer(r"([0-9]+) rows", file.read()):
-                last = int(match.group(1))
-        if not rows or last is None:
-            raise Failure(f"a unit does not tell how many rows it wrote; see {self._output}")
-        return last
 
 
 def name_of(process):
@@ -136,13 +127,12 @@ def measure(replay, count, seconds, folder):
         children = children_of_all()
         for unit in units:
             unit.end(children)
-    rows = [unit.rows() for unit in units]
+        for unit in units:
+            unit.wait()
     return {
         "processor seconds of a unit per hour": sum(b - a for a, b in zip(before, after)) / count / elapsed * 3600,
         "memory of a unit": sum(memory) / count,
         "memory of its bus": sum(buses) / count,
-        "rows of the unit that wrote fewest": min(rows),
-        "rows of the unit that wrote most": max(rows),
     }
 
 

@@ -84,14 +84,4 @@ struct Rebuild {
     static double expected(Order const& /*order*/) { return 1; }
 };
 
-/// Folds the states of all values into those of the points and the global one.
-struct Propagate {
-    template <typename Writer>
-    static double run(Writer& writer) {
-        writer.propagate();
-        return 1;
-    }
-    static double expected(Order const& /*order*/) { return 1; }
-};
-
 } // namespace bench
