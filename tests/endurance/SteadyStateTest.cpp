@@ -26,7 +26,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -216,7 +215,7 @@ bool areQuiet(Unit& unit, Operations const& operations, unsigned int times) {
 /// @param scans as many visits of everything
 int statusOfUnit(unsigned int inlets, unsigned int scans) {
     return inForkedChild(
-               [=] {
+               [=]() -> int {
                    Unit unit(inlets);
                    for (int round = 0; round < 2; ++round) {
                        for (auto const& operation : single) {
@@ -272,12 +271,6 @@ TEST_F(SteadyStateTest, FullTables_AMillionOfEachOperationAsksNothingOfTheKernel
 
 TEST_F(SteadyStateTest, Harness_SeesASystemCall) {
     EXPECT_EQ(1, statusOf([] { ::getppid(); }));
-}
-
-TEST_F(SteadyStateTest, Harness_SeesAMappingOfTheHeap) {
-    constexpr std::size_t large = 1 << 20;
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): operator new would throw when the kernel refuses.
-    EXPECT_EQ(1, statusOf([] { std::free(static_cast<void* volatile>(std::malloc(large))); }));
 }
 
 TEST_F(SteadyStateTest, Harness_SeesAPageFault) {

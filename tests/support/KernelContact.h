@@ -22,8 +22,8 @@ struct KernelContact {
 std::ostream& operator<<(std::ostream& stream, KernelContact const& contact);
 
 /// Refuses the calling thread all system calls for the rest of its life, but those that end a process, write to a file
-/// and ask for the resources used. A refused call is counted and returns ENOSYS. So call it in a forked child
-/// (inForkedChild()).
+/// and ask for the resources used. A refused call is counted and returns ENOSYS; a heap that cannot grow may end
+/// the process. So call it in a forked child (inForkedChild()).
 ///
 /// Threads: thread-bound to the calling thread, and once per process.
 /// @return whether the machine allows it; an emulated processor and some containers do not
