@@ -11,6 +11,7 @@
 #include "reader/IQelVisitorResult.h"
 #include "reader/MPntPosVisitor.h"
 #include "reader/QelShmKeptMVal.h"
+#include "reader/QelShmPointRange.h"
 #include "region/QelExport.h"
 #include "region/QelSharedMemoryAccess.h"
 #include "region/QelShmCondition.h"
@@ -208,6 +209,20 @@ public:
     /// @throws std::bad_alloc from inside a callback, without memory; the former visitor stays then
     void visitor(std::unique_ptr<IQelSharedMemoryVisitor> visitor);
 
+    /// Scans all points and their values in the order of visit(), without a visitor and without hooks:
+    ///
+    ///     for (auto const& point : reader.points()) {
+    ///         for (auto const& value : point.values()) {
+    ///             std::cout << std::string(2 * point.depth(), ' ') << value << '\n';
+    ///         }
+    ///     }
+    ///
+    /// stopVisits() does not stop a scan. QelShmPointRange says what it relies on.
+    ///
+    /// Threads: thread-safe.
+    /// @return the points; none if nothing is mapped at this moment. The reader must outlive the range
+    QelShmPointRange points() const { return QelShmPointRange(region()); }
+
     /// Lists points.
     /// @param first position of the first sibling; MP_COUNT (800) and above give an empty list
     /// @param type  only points of this type, or SensorType::Any
@@ -336,9 +351,7 @@ private:
     /// Returns false when the point's other values are to be skipped.
     bool tell(IQelSharedMemoryVisitor& visitor, QelShmMVal const& value, long long svid, unsigned int depth,
               std::shared_ptr<IQelVisitorResult>& result);
-    /// Collects siblings in the order of QelShmMPntCmp; points of equal keys keep their order. Lists are nearly
-    /// always in order already. An id that the writer changes meanwhile may put its point in a wrong place, no
-    /// more.
+    /// Collects siblings and sorts them.
     void collectSorted(PositionList& list, unsigned int head) const;
     /// Returns false if points may be missing. The caller holds the mutex.
     bool buildIndex();

@@ -4,15 +4,13 @@
 #include "reader/QelSharedMemoryReader.h"
 
 #include "reader/PositionStack.h"
-#include "reader/QelShmMPntCmp.h"
 #include "reader/VisitsOfThread.h"
+#include "reader/sortSiblings.h"
 #include "region/RegionFields.h"
 
 #include "domain/SensorIdentifier.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
 namespace shm {
@@ -188,24 +186,8 @@ void QelSharedMemoryReader::visit(QelShmMPnt const& point, unsigned int depth,
 [[gnu::noinline]] void QelSharedMemoryReader::collectSorted(PositionList& list, unsigned int head) const {
     auto const* const points = region()->points;
     list.collect(points, MP_COUNT, head);
-    auto const keyOf = [points](std::uint16_t pos) {
-        return QelShmMPntCmp::key(points[pos].guid);
-    };
-    auto highest = std::numeric_limits<std::int64_t>::min();
     auto* const first = &list.at(list.firstPlace());
-    auto* const last = first + (list.endPlace() - list.firstPlace());
-    for (auto* current = first; current != last; ++current) {
-        auto const pos = *current;
-        auto const key = keyOf(pos);
-        if (key >= highest) {
-            highest = key;
-            continue;
-        }
-        auto* const place = std::upper_bound(
-            first, current, key, [&](std::int64_t left, std::uint16_t right) { return left < keyOf(right); });
-        std::move_backward(place, current, current + 1);
-        *place = pos;
-    }
+    sortSiblings(points, first, first + (list.endPlace() - list.firstPlace()));
 }
 
 bool QelSharedMemoryReader::onDown(std::shared_ptr<IQelVisitorResult>& /*result*/) {

@@ -9,6 +9,7 @@
 /// Threads: reentrant. Storing into one slot from two threads needs the caller's lock.
 #pragma once
 
+#include "region/LoadLink.h"
 #include "region/QelShmRecords.h"
 
 #include <cstdint>
@@ -33,13 +34,6 @@ void storeField(Field& field, std::common_type_t<Field> value) {
 /// @param pos  position of the slot, NO_POSITION for none
 inline void storeLink(std::uint32_t& link, std::uint32_t pos) {
     __atomic_store_n(&link, pos, __ATOMIC_RELEASE);
-}
-
-/// Reads a link exactly once, so the number that is checked is the number that is used.
-/// @param link in the region
-/// @return the position, unchecked
-inline std::uint32_t loadLink(std::uint32_t const& link) {
-    return __atomic_load_n(&link, __ATOMIC_RELAXED);
 }
 
 /// Orders the stores that unlinked a slot before the stores that fill it again. On weakly ordered cores a plain

@@ -11,7 +11,7 @@ import re
 import subprocess
 from pathlib import Path
 
-SEAMS_FILE = "region/RegionFields.h"
+SEAMS_FILES = ("region/RegionFields.h", "region/LoadLink.h")
 WRITER_SOURCES = (
     "writer/QelSharedMemoryWriter.cpp",
     "writer/QelSharedMemoryWriterLinks.cpp",
@@ -22,6 +22,8 @@ READER_SOURCES = (
     "region/QelShmRoot.cpp",
     "reader/QelSharedMemoryReader.cpp",
     "reader/QelSharedMemoryReaderVisits.cpp",
+    "reader/QelShmPointRange.cpp",
+    "reader/QelShmValueRange.cpp",
     "reader/Reachability.cpp",
     "reader/newestDelivery.cpp",
     "writer/StatePropagation.cpp",
@@ -132,8 +134,7 @@ class Code:
 
     def __init__(self, machine, object_file, root):
         self.root = root
-        self.seam_source = Source(SEAMS_FILE)
-        self.seams = seam_ranges(self.seam_source)
+        self.seams = {file: seam_ranges(Source(file)) for file in SEAMS_FILES}
         listing = subprocess.run(
             [machine.objdump, "-dlr", "--inlines", "-C", "--no-show-raw-insn", str(object_file)],
             check=True, capture_output=True, text=True,
@@ -174,8 +175,8 @@ class Code:
 
     def _name(self, instruction):
         for place in instruction.places:
-            if place and place[0] == SEAMS_FILE:
-                for name, (first, last) in self.seams.items():
+            if place and place[0] in self.seams:
+                for name, (first, last) in self.seams[place[0]].items():
                     if first <= place[1] <= last:
                         instruction.seams.add(name)
             elif instruction.seams and instruction.site is None:
@@ -251,7 +252,7 @@ def check_stores(code, path, is_release):
             if field is None or field in LINKS:
                 raise LinkError(f"{told} stores the link {field} without release order, {path}:{instruction.site[1]}")
         elif instruction.places[0] and instruction.places[0][0] == path and plain_name(function) in LINKING:
-            raise LinkError(f"{told} goes past the stores of {SEAMS_FILE}, {path}:{instruction.places[0][1]}")
+            raise LinkError(f"{told} goes past the stores of {SEAMS_FILES[0]}, {path}:{instruction.places[0][1]}")
     for number in source.lines_with(r"\bstoreLink\("):
         if (path, number) not in seen:
             raise LinkError(f"there is no store for {path}:{number}")

@@ -58,6 +58,25 @@ struct LibraryByValue : Library {
     };
 };
 
+/// The library's reader, scanned by ranges.
+struct LibraryByRanges : Library {
+    static constexpr char name[] = "library, scan by ranges";
+
+    class Reader : public Library::Reader {
+    public:
+        using Library::Reader::Reader;
+        double sumOfAll() {
+            double sum = 0;
+            for (auto const& point : reader().points()) {
+                for (auto const& value : point.values()) {
+                    sum += value->value;
+                }
+            }
+            return sum;
+        }
+    };
+};
+
 /// The library where the client keeps a handle for each value.
 struct LibraryKept : Library {
     static constexpr char name[] = "library, kept value";

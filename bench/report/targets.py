@@ -52,6 +52,9 @@ MMV_KEPT = ("PCP MMV, kept value", "")
 KEPT = "library, kept value"
 RANGES = "library, scan by ranges"
 
+# What finds a value by its id, and goes over all values.
+BY_ID = ("Boost.Interprocess map", "Boost.Interprocess hash", "LMDB", "SQLite", "Redis, unix socket")
+
 BOTH_LARGE = ("20x40", "1x800")
 VALUES = 8800
 
@@ -82,9 +85,7 @@ TARGETS = [
         Target("visit", shape, "library", "instructions", 51.75 * VALUES),
         Target("visit", shape, RANGES, "instructions", 12 * VALUES, why=SCAN),
         Target("visit", shape, RANGES, "time", 2.5, FLOOR),
-        Target("visit", shape, RANGES, "time", 1, ("Boost.Interprocess hash", "")),
-        Target("visit", shape, RANGES, "time", 1, ("Boost.Interprocess map", "")),
-        Target("visit", shape, RANGES, "time", 1, ("LMDB", "")),
+        *(Target("visit", shape, RANGES, "time", 1, (peer, "")) for peer in BY_ID),
         Target("rebuild", shape, "library", "instructions", 425_000),
         Target("find", shape, "library", "time", 1, LITERAL),
         Target("find", shape, "library", "allocations", 1),

@@ -146,6 +146,20 @@ void CutReader::visit(Picture& seen, std::function<void(std::size_t)> const& mov
     fresh_.visitor(nullptr);
 }
 
+void CutReader::scan(Picture& seen, std::function<void(std::size_t)> const& moving) {
+    seen.clear();
+    Noting noting(freshBytes_, seen, moving);
+    Result none;
+    noting.onRoot(fresh_.root(), none);
+    for (auto const& point : fresh_.points()) {
+        noting.onMPnt(point, point.depth(), none);
+        auto const svid = point.svid();
+        for (auto const& value : point.values()) {
+            noting.onMVal(value, svid, point.depth(), none);
+        }
+    }
+}
+
 std::string CutReader::compareLists(Picture const& visited) {
     std::size_t points = 0;
     std::size_t values = 0;

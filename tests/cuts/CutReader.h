@@ -43,6 +43,10 @@ public:
     /// @throws std::runtime_error when the visit does not end
     void visit(Picture& seen, std::function<void(std::size_t)> const& moving = {});
 
+    /// Scans the region by ranges; the steps are numbered as the callbacks of a visit.
+    /// @throws std::runtime_error when the scan does not end
+    void scan(Picture& seen, std::function<void(std::size_t)> const& moving = {});
+
     /// The lists of points and values against what a visit met.
     std::string compareLists(Picture const& visited);
 

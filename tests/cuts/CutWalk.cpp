@@ -155,6 +155,10 @@ std::string CutWalk::complaint(Past const& past, Judge const& judge, std::string
     if (!visited_.showsTheSameAs(plain_)) {
         return "a visit meets something else than the links say";
     }
+    reader_.scan(scanned_);
+    if (!scanned_.isInTheOrderOf(visited_) || !scanned_.showsTheSameAs(plain_)) {
+        return "a scan meets something else than a visit";
+    }
     if (auto verdict = judge.judge(plain_); !verdict.empty()) {
         return verdict;
     }
@@ -224,20 +228,22 @@ void CutWalk::visitMoving(Recording const& recording, std::string const& when) {
         auto const callbacks = visited_.points.size() + visited_.values.size() + 1;
         for (auto to = from + 1; to != places.end(); ++to) {
             for (std::size_t at = 0; at < callbacks; ++at) {
-                film.goTo(*from);
-                std::string verdict;
-                try {
-                    reader_.visit(visited_, [&](std::size_t callback) {
-                        if (callback == at) {
-                            film.goTo(*to);
-                        }
-                    });
-                    verdict = judgeMoving(recording.past(), judge, when);
-                } catch (std::exception const& failure) {
-                    verdict = failure.what();
+                for (auto const walk : {&CutReader::visit, &CutReader::scan}) {
+                    film.goTo(*from);
+                    std::string verdict;
+                    try {
+                        (reader_.*walk)(visited_, [&](std::size_t callback) {
+                            if (callback == at) {
+                                film.goTo(*to);
+                            }
+                        });
+                        verdict = judgeMoving(recording.past(), judge, when);
+                    } catch (std::exception const& failure) {
+                        verdict = failure.what();
+                    }
+                    ++figures_.movingVisits;
+                    noteViolation(verdict, when);
                 }
-                ++figures_.movingVisits;
-                noteViolation(verdict, when);
             }
         }
     }

@@ -87,6 +87,7 @@ private:
     Figures figures_;
     Picture plain_;
     Picture visited_;
+    Picture scanned_;
     std::vector<CutReader::Found> found_;
 };
 

@@ -40,4 +40,15 @@ bool Picture::showsTheSameAs(Picture const& other) const {
            haveTheSame(values, other.values);
 }
 
+bool Picture::isInTheOrderOf(Picture const& other) const {
+    return std::equal(points.begin(), points.end(), other.points.begin(), other.points.end(),
+                      [](auto const& left, auto const& right) {
+                          return left.slot == right.slot && left.depth == right.depth;
+                      }) &&
+           std::equal(values.begin(), values.end(), other.values.begin(), other.values.end(),
+                      [](auto const& left, auto const& right) {
+                          return left.slot == right.slot && left.owner == right.owner;
+                      });
+}
+
 } // namespace qel::test

@@ -40,6 +40,9 @@ struct Picture {
 
     /// The same slots with the same contents, whatever the order, and whatever stands in front of what.
     bool showsTheSameAs(Picture const& other) const;
+
+    /// The same slots in the same places of the tree, in the same order.
+    bool isInTheOrderOf(Picture const& other) const;
 };
 
 } // namespace qel::test

@@ -144,6 +144,16 @@ public:
         }
     }
 
+    void scan(unsigned int times) {
+        for (unsigned int count = 0; count < times; ++count) {
+            for (auto const& point : reader_->points()) {
+                for (auto const& value : point.values()) {
+                    sum_ += value->value;
+                }
+            }
+        }
+    }
+
     /// Whether every operation did what it is there for.
     bool isWhole() const { return failures_ == 0; }
 
@@ -181,7 +191,7 @@ constexpr std::array<Operation, 4> single{{{"updateMV", &Unit::update},
                                            {"updateMV of a kept value", &Unit::updateKept},
                                            {"mval", &Unit::fetch},
                                            {"mval of a kept value", &Unit::fetchKept}}};
-constexpr std::array<Operation, 1> scanning{{{"visit", &Unit::visit}}};
+constexpr std::array<Operation, 2> scanning{{{"visit", &Unit::visit}, {"points and values", &Unit::scan}}};
 
 /// Prints what a body asked of the kernel, and for whom.
 /// The kernel itself may take a page away, to move it or while memory is short. The code's own faults come every time, so the
@@ -212,7 +222,7 @@ bool areQuiet(Unit& unit, Operations const& operations, unsigned int times) {
 }
 
 /// In a process of its own, which may do nothing any more after it was warm.
-/// @param scans as many visits of everything
+/// @param scans as many visits and scans of everything
 int statusOfUnit(unsigned int inlets, unsigned int scans) {
     return inForkedChild(
                [=]() -> int {

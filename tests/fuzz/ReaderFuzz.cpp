@@ -5,8 +5,8 @@
 /// Feeds damaged regions to a reader.
 ///
 /// An input is a list of patches to a region, see PatchedRegion.h. Its first byte chooses the region: 0 a small unit as
-/// the writer lays it out, 1 a wiped one (numbers modulo 2). Regions whose links lead in a circle are left out: a reader
-/// takes links for free of them.
+/// the writer lays it out, 1 a wiped one (numbers modulo 2). Regions whose links lead in a circle are only scanned: visits
+/// take links for free of them.
 
 #include "tests/fuzz/Input.h"
 #include "tests/fuzz/PatchedRegion.h"
@@ -39,6 +39,7 @@ void read(Input input) {
     static Mapped mapped;
     auto const base = input.byte() % 2 == 0 ? Base::SampleUnit : Base::Wiped;
     std::memcpy(mapped.raw.bytes(), patchedRegion(base, input).get(), test::rawRegionSize);
+    requireQuick([] { require(test::scanEnds(mapped.reader), "a scan goes on"); });
     test::RegionWalk const walk(mapped.raw);
     if (!walk.ends()) {
         return;

@@ -49,6 +49,7 @@ protected:
     }
 
     void askAsItIs(std::string const& what) {
+        EXPECT_TRUE(scanEnds(reader)) << what;
         RegionWalk const walk(raw);
         if (!walk.ends()) {
             ++endless;

@@ -90,6 +90,7 @@ public:
     std::string ask() {
         askRoot();
         askVisits();
+        askScan();
         askLists();
         askLookUps();
         reader_.visitor(nullptr);
@@ -144,6 +145,7 @@ private:
         auto const whole =
             visit([](MappedReader& reader, shm::QelShmMPnt const& /*none*/) { reader.visit(); });
         first_ = whole.points;
+        firstValues_ = whole.values;
         hold(whole.roots == 1, "calls for the root");
         holdSame(expected, whole, "visit");
         holdSame(expected, visit([](MappedReader& reader, shm::QelShmMPnt const& /*none*/) {
@@ -167,6 +169,29 @@ private:
             hold(values.values.size() == walk_.valueChain(raw_.u32(rawPoint(slot) + field::mvs)).size(),
                  "values of a point", slot);
         }
+    }
+
+    /// A scan shows what a visit shows, in the same order.
+    void askScan() {
+        auto const* const base = reinterpret_cast<std::uint8_t const*>(&*reader_.root()) - rawRootOffset;
+        auto const slotOf = [base](void const* slot, std::size_t first, std::size_t size) {
+            return static_cast<std::uint32_t>(
+                (static_cast<std::uint8_t const*>(slot) - base - static_cast<std::ptrdiff_t>(first)) /
+                static_cast<std::ptrdiff_t>(size));
+        };
+        Met met;
+        for (auto const& point : reader_.points()) {
+            auto const pos = slotOf(&*point, rawPoint(0), rawPoint(1) - rawPoint(0));
+            met.points.emplace_back(pos, point.depth());
+            auto const parent = point.ancestor(point.depth() - 1);
+            hold(static_cast<bool>(parent) == (point.depth() > 1), "ancestor", pos);
+            for (auto const& value : point.values()) {
+                met.values.emplace_back(slotOf(&*value, rawValue(0), rawValue(1) - rawValue(0)), svidOf(pos),
+                                        point.depth());
+            }
+        }
+        hold(met.points == first_, "points of a scan");
+        hold(met.values == firstValues_, "values of a scan");
     }
 
     std::vector<std::pair<std::uint32_t, unsigned int>> topLevel() const {
@@ -318,6 +343,7 @@ private:
     RawRegion const& raw_;
     RegionWalk const& walk_;
     std::vector<std::pair<std::uint32_t, unsigned int>> first_; ///< points in the order of a visit
+    std::vector<std::tuple<std::uint32_t, long long, unsigned int>> firstValues_; ///< values in that order
     std::string disagreement_;
 };
 
@@ -325,6 +351,29 @@ private:
 
 std::string disagreement(MappedReader& reader, RawRegion const& raw, RegionWalk const& walk) {
     return Questions(reader, raw, walk).ask();
+}
+
+bool scanEnds(MappedReader const& reader) {
+    constexpr std::size_t mostPoints = 2 * pointSlots;
+    constexpr std::size_t mostValues = 100000; // of all points together, for time's sake
+    std::size_t points = 0;
+    std::size_t values = 0;
+    for (auto const& point : reader.points()) {
+        if (++points > mostPoints || point.depth() > pointSlots) {
+            return false;
+        }
+        if (values > mostValues) {
+            continue;
+        }
+        std::size_t own = 0;
+        for (auto const& value : point.values()) {
+            if (++own > valueSlots || !value) {
+                return false;
+            }
+        }
+        values += own;
+    }
+    return true;
 }
 
 } // namespace qel::test

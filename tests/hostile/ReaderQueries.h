@@ -20,4 +20,8 @@ namespace qel::test {
 /// @return what differs first, "" when nothing does
 std::string disagreement(MappedReader& reader, RawRegion const& raw, RegionWalk const& walk);
 
+/// Scans a region whose links say anything, circles included.
+/// @return whether the scan keeps within its limits
+bool scanEnds(MappedReader const& reader);
+
 } // namespace qel::test

@@ -18,6 +18,7 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <tuple>
 #include <unordered_set>
 #include <vector>
 
@@ -225,40 +226,50 @@ TEST_F(QelSharedMemoryReaderChangesTest, Mval_PointThatIsAddedBefore_LeavesTheOt
 }
 
 /// What the writer does within the callback of the first, of a middle or of the last socket.
-class QelSharedMemoryReaderVisitDuringAChangeTest : public QelSharedMemoryReaderChangesTest,
-                                                    public testing::WithParamInterface<int> {
+class QelSharedMemoryReaderVisitDuringAChangeTest
+    : public QelSharedMemoryReaderChangesTest,
+      public testing::WithParamInterface<std::tuple<int, bool>> {
 protected:
     QelSharedMemoryReaderVisitDuringAChangeTest() {
         layOut(writer, {{1, {1}}, {2, {1}}, {3, {1}}, {4, {1}}, {5, {1}}});
     }
 
-    /// The sockets that a visit shows, while something happens at one of them.
+    static int socketOfAction() { return std::get<0>(GetParam()); }
+
+    /// The sockets that a visit, or a scan, shows, while something happens at one of them.
     std::vector<int> visitWhile(std::function<void()> action) {
         std::vector<int> numbers;
-        act().atPoint = [&](long long svid) {
+        std::function<void(long long)> const atPoint = [&](long long svid) {
             auto const number = static_cast<int>(svid >> 16 & 0xFF);
             if (number == 0xFF) {
                 return; // no socket
             }
             numbers.push_back(number);
-            if (numbers.back() == GetParam()) {
+            if (numbers.back() == socketOfAction()) {
                 action();
             }
         };
-        reader.visit();
+        if (std::get<1>(GetParam())) {
+            for (auto const& point : reader.points()) {
+                atPoint(point.svid());
+            }
+        } else {
+            act().atPoint = atPoint;
+            reader.visit();
+        }
         return numbers;
     }
 };
 
 TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, CurrentPointRemoved_AllThatStayAreVisited) {
     std::set<int> left{1, 2, 3, 4, 5};
-    left.erase(GetParam());
+    left.erase(socketOfAction());
     EXPECT_THAT(visitWhile([&] { keep(left); }), ElementsAre(1, 2, 3, 4, 5));
 }
 
 TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, FollowingPointRemoved_AllThatStayAreVisited) {
     std::set<int> left{1, 2, 3, 4, 5};
-    left.erase(GetParam() % 5 + 1);
+    left.erase(socketOfAction() % 5 + 1);
     EXPECT_THAT(visitWhile([&] { keep(left); }), IsSupersetOf(left));
 }
 
@@ -275,7 +286,8 @@ TEST_P(QelSharedMemoryReaderVisitDuringAChangeTest, PointAdded_AllOthersAreVisit
     EXPECT_THAT(visitWhile([&] { layOut(writer, {{6, {1}}}); }), IsSupersetOf({1, 2, 3, 4, 5}));
 }
 
-INSTANTIATE_TEST_SUITE_P(AtSocket, QelSharedMemoryReaderVisitDuringAChangeTest, testing::Values(1, 3, 5));
+INSTANTIATE_TEST_SUITE_P(AtSocket, QelSharedMemoryReaderVisitDuringAChangeTest,
+                         testing::Combine(testing::Values(1, 3, 5), testing::Bool()));
 
 TEST_F(QelSharedMemoryReaderChangesTest, Visit_TopLevelPointRemoved_AllThatStayAreVisited) {
     for (int number = 1; number <= 4; ++number) {
@@ -306,6 +318,24 @@ TEST_F(QelSharedMemoryReaderChangesTest, Visit_ValueSlotsReusedWithinACallback_T
         }
     };
     reader.visit();
+    EXPECT_EQ(4, values);
+}
+
+TEST_F(QelSharedMemoryReaderChangesTest, Scan_ValueSlotsReusedMeanwhile_ShowsAsManyValuesAsThereWere) {
+    layOut(writer, {{1, {1, 2, 3, 4}}});
+    useUpValues();
+    int values = 0;
+    for (auto const& point : reader.points()) {
+        if (point.svid() != socket(1)) {
+            continue;
+        }
+        for ([[maybe_unused]] auto const& value : point.values()) {
+            if (++values == 1) {
+                keep({});
+                layOut(writer, {{2, {9}}}); // takes the first one's slot, which ends its chain
+            }
+        }
+    }
     EXPECT_EQ(4, values);
 }
 

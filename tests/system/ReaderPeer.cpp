@@ -14,7 +14,7 @@
 //   renew                destroys the reader and makes a new one
 //   resources            open files, threads and mapped regions of the process
 //   settle N             looks up until the counter has been 0 for N milliseconds
-//   hammer [FILE]        looks up and visits without pause until the next line arrives; gives what it saw; marks 1 in
+//   hammer [FILE]        looks up, visits and scans without pause until the next line arrives; gives what it saw; marks 1 in
 //                        the file during each visit, else 0, and counts the visits
 //   quit                 clean end
 //
@@ -193,9 +193,28 @@ private:
         return points;
     }
 
-    // Every point of the tree that the index finds; an id that the tree shows twice is told.
+    std::vector<SeenPoint> scan() {
+        std::vector<SeenPoint> seen;
+        for (auto const& point : reader_->points()) {
+            seen.push_back({point.svid(), {}});
+            for (auto const& value : point.values()) {
+                seen.back().keys.push_back(value->key);
+            }
+        }
+        return seen;
+    }
+
+    // Every point of the tree that the index finds; an id that the tree shows twice is told, and a scan that shows
+    // something else than a visit.
     std::string points(bool withKeys) {
         auto seen = visit()->seen;
+        auto const scanned = scan();
+        if (!std::equal(seen.begin(), seen.end(), scanned.begin(), scanned.end(),
+                        [](auto const& left, auto const& right) {
+                            return left.svid == right.svid && left.keys == right.keys;
+                        })) {
+            return "scanned otherwise";
+        }
         std::sort(seen.begin(), seen.end(), [](auto const& left, auto const& right) {
             return static_cast<std::uint64_t>(left.svid) < static_cast<std::uint64_t>(right.svid);
         });
@@ -250,6 +269,7 @@ private:
             }
             ++visits;
             points += seen.size();
+            static_cast<void>(scan());
             for (auto const& point : seen) {
                 lookups += reader_->mpnt(point.svid, false) ? 1U : 0U;
             }

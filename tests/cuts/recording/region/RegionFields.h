@@ -8,6 +8,7 @@
 /// What they do to the region must stay what region/RegionFields.h does; tests/cuts compares the notes with the bytes.
 #pragma once
 
+#include "region/LoadLink.h"
 #include "region/QelShmRecords.h"
 #include "tests/cuts/StoreLog.h"
 
@@ -30,10 +31,6 @@ void storeField(Field& field, std::common_type_t<Field> value) {
 inline void storeLink(std::uint32_t& link, std::uint32_t pos) {
     qel::test::StoreLog::note(qel::test::StoreKind::Release, &link, sizeof link, &pos);
     __atomic_store_n(&link, pos, __ATOMIC_RELEASE);
-}
-
-inline std::uint32_t loadLink(std::uint32_t const& link) {
-    return __atomic_load_n(&link, __ATOMIC_RELAXED);
 }
 
 inline void orderUnlinkBeforeReuse() {
