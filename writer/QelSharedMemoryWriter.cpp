@@ -32,20 +32,21 @@ bool hasAllKeys(MPDef& point, MPDef const& definition) {
                        [&](auto const& value) { return point.mvs.count(value.first) != 0; });
 }
 
-/// The highest of a point's value positions, none when it has no values.
-unsigned int highestPosition(MPDef& point) {
+/// The highest position and the highest key of a point's values.
+struct Highest {
+    unsigned int pos = NO_POSITION; ///< NO_POSITION when there are no values
+    int key = -1;                   ///< -1 when there are none
+};
+
+Highest highestOf(MPDef& point) {
     std::lock_guard<std::mutex> const lock(point.mutex);
+    if (point.mvs.empty()) {
+        return {};
+    }
     auto const highest =
         std::max_element(point.mvs.begin(), point.mvs.end(),
                          [](auto const& left, auto const& right) { return left.second < right.second; });
-    return highest == point.mvs.end() ? NO_POSITION : highest->second;
-}
-
-/// lower_bound() with a short cut for a key behind all others, since keys mostly come in ascending order.
-std::map<unsigned short, unsigned int>::iterator firstNotBelow(std::map<unsigned short, unsigned int>& values,
-                                                               unsigned short key) {
-    bool const isLast = values.empty() || values.rbegin()->first < key;
-    return isLast ? values.end() : values.lower_bound(key);
+    return {highest->second, point.mvs.rbegin()->first};
 }
 
 /// Takes the lock that shows a living writer. Logs when another writer holds it.
@@ -59,10 +60,12 @@ std::unique_ptr<WriterLock> lockRegion() {
 }
 
 /// Adds a point without values to the map and the index, or throws std::bad_alloc and adds it to neither.
-/// @param room number of values to make room for in the index
-MPDef& addToRecords(QelSharedMemoryWriter::Definitions& points, SlotsBySvid& index, long long svid,
+/// @param place the point's place in the map
+/// @param room  number of values to make room for in the index
+MPDef& addToRecords(QelSharedMemoryWriter::Definitions& points,
+                    QelSharedMemoryWriter::Definitions::iterator place, SlotsBySvid& index, long long svid,
                     unsigned int pos, std::size_t room) {
-    auto const known = points.emplace(svid, MPDef(pos, {})).first;
+    auto const known = points.emplace_hint(place, svid, MPDef(pos, {}));
     try {
         index.add(svid, known->second, room);
     } catch (...) {
@@ -98,14 +101,17 @@ QelSharedMemoryWriter::~QelSharedMemoryWriter() {
 
 bool QelSharedMemoryWriter::addStructure(Definitions const& definitions) {
     bool added = false;
+    bool const isLogged = writerLog.isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all points
     for (auto const& [svid, definition] : definitions) {
         if (pointSvid(svid) == ROOT_SVID) {
             continue;
         }
         unsigned int ppos = NO_POSITION;
         if (auto const known = points_.find(svid); known == points_.end()) {
-            LogLine(writerLog, log4cpp::Priority::DEBUG, "addStructure")
-                << svid << ", #keys = " << definition;
+            if (isLogged) {
+                LogLine(writerLog, log4cpp::Priority::DEBUG, "addStructure")
+                    << svid << ", #keys = " << definition;
+            }
             ppos = parentOf(svid).pos;
         } else if (hasAllKeys(known->second, definition)) {
             continue;
@@ -129,8 +135,9 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
     if (point == ROOT_SVID) {
         return NO_POSITION;
     }
-    if (auto const known = points_.find(point); known != points_.end()) {
-        auto& definition = known->second;
+    auto const place = points_.lower_bound(point);
+    if (place != points_.end() && place->first == point) { // known
+        auto& definition = place->second;
         if (auto* const mp = pointAt(definition.pos)) {
             addMVs(*mp, definition, mvs);
         }
@@ -144,7 +151,7 @@ unsigned int QelSharedMemoryWriter::addMP(long long svid, std::map<unsigned shor
         return NO_POSITION;
     }
     // All memory for the point is allocated first: afterwards the slot is taken and linked.
-    auto& definition = addToRecords(points_, records_->slots, point, freeMPs_.front(),
+    auto& definition = addToRecords(points_, place, records_->slots, point, freeMPs_.front(),
                                     std::min(mvs.size(), freeMVs_.size()));
     freeMPs_.pop_front();
     auto& mp = initMP(definition.pos, point, ppos);
@@ -157,13 +164,14 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
                                    std::map<unsigned short, unsigned int> const& mvs) {
     records_->changes.note();
     // Deliberate: the highest position counts as the chain's tail, since positions are given out in ascending order.
-    unsigned int tail = highestPosition(definition);
+    auto [tail, highestKey] = highestOf(definition);
     auto* const indexed = records_->slots.pointOf(definition);
     bool const isLogged = writerLog.isPriorityEnabled(log4cpp::Priority::DEBUG); // once for all values
     for (auto const& wanted : mvs) {
         auto const key = wanted.first;
         std::unique_lock<std::mutex> lock(definition.mutex);
-        auto const place = firstNotBelow(definition.mvs, key);
+        // Keys mostly come in ascending order.
+        auto const place = key > highestKey ? definition.mvs.end() : definition.mvs.lower_bound(key);
         if (place != definition.mvs.end() && place->first == key) {
             auto const pos = place->second;
             lock.unlock();
@@ -193,6 +201,7 @@ void QelSharedMemoryWriter::addMVs(QelShmMP& mp, MPDef& definition,
             indexed->insert(key, pos);
         }
         lock.unlock();
+        highestKey = std::max<int>(highestKey, key);
         freeMVs_.pop_front();
 
         if (mp.mvs >= MV_COUNT) {

@@ -57,13 +57,15 @@ bool standsBefore(long long svid, long long other) {
 
 void QelSharedMemoryWriter::connectMP(QelShmMP& mp) {
     records_->changes.note();
-    LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP")
-        << "pos = " << mp.pos << ", stype = " << SensorIdentifier::extractSensorType(mp.guid)
-        << ", ppos = " << mp.parent;
     auto* const parent = pointAt(mp.parent);
     auto const* const head = parent != nullptr ? &parent->children : listHead(mp.guid);
     auto curpos = head != nullptr ? *head : NO_POSITION;
-    LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP") << "curpos = " << curpos;
+    if (writerLog.isPriorityEnabled(log4cpp::Priority::DEBUG)) { // once for both lines
+        LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP")
+            << "pos = " << mp.pos << ", stype = " << SensorIdentifier::extractSensorType(mp.guid)
+            << ", ppos = " << mp.parent;
+        LogLine(writerLog, log4cpp::Priority::DEBUG, "connectMP") << "curpos = " << curpos;
+    }
 
     auto lastpos = NO_POSITION;
     while (auto* const current = pointAt(curpos)) {

@@ -30,19 +30,31 @@ std::size_t valuePosition(SlotsBySvid::Point const& point, unsigned short key) {
     return point.valuePosition(key);
 }
 
-/// Stores the state of a point or a value, and notes it if it is another one.
-template <typename Slot>
-void storeState(Slot& slot, eStatus_Bits state, StateChanges& changes) {
-    bool const isOther = slot.state != state;
-    storeField(slot.state, state);
+/// Stores the state of a point, then its time, and notes another state.
+void storePointState(QelShmMP& mp, eStatus_Bits state, std::uint64_t timestamp, StateChanges& changes) {
+    bool const isOther = mp.state != state;
+    storeField(mp.state, state);
+    storeField(mp.at, timestamp);
     if (isOther) {
         changes.note();
     }
 }
 
-void storePointState(QelShmMP& mp, eStatus_Bits state, std::uint64_t timestamp, StateChanges& changes) {
-    storeState(mp, state, changes);
-    storeField(mp.at, timestamp);
+/// Computes the slot's address once: compilers compute it for each field of region.values[pos].
+record::QelShmMVal& slotOfValue(record::Region& region, std::size_t pos) {
+    record::QelShmMVal* const values = region.values;
+    return values[pos];
+}
+
+/// Stores the time of a value, then its state, and notes another state.
+void storeTimeAndState(record::QelShmMVal& mv, std::uint64_t timestamp, eStatus_Bits state,
+                       StateChanges& changes) {
+    bool const isOther = mv.state != state;
+    storeField(mv.at, timestamp);
+    storeField(mv.state, state);
+    if (isOther) {
+        changes.note();
+    }
 }
 
 void logException() {
@@ -85,9 +97,8 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
         if (pos >= MV_COUNT) {
             return false;
         }
-        auto& mv = region()->values[pos];
-        storeField(mv.at, value->timestamp());
-        storeState(mv, value->state(), records_->changes);
+        auto& mv = slotOfValue(*region(), pos);
+        storeTimeAndState(mv, value->timestamp(), value->state(), records_->changes);
         // Deliberate: a value that is no number still stores its time and state. The old number stays.
         auto const number = value->toDouble();
         if (number.type != measval::Double) {
@@ -105,21 +116,21 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
 
 bool QelSharedMemoryWriter::updateMV(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
                                      eStatus_Bits state) noexcept {
-    if (kept.generation_ != records_->slots.generation()) {
+    using Target = QelShmKeptUpdate::Target;
+    auto* const mapped = region();
+    if (kept.generation_ != records_->slots.generation() || mapped == nullptr) {
         return updateLookedUp(kept, number, timestamp, state);
     }
-    auto* const mapped = region();
-    if (mapped == nullptr) {
-        return false;
+    if (kept.target_ != Target::Value) { // one comparison for most values
+        if (kept.target_ == Target::PointState) {
+            storePointState(mapped->points[kept.pos_], state, timestamp, records_->changes);
+            return true;
+        }
+        number /= energyFactor;
     }
-    if (kept.target_ == QelShmKeptUpdate::Target::PointState) {
-        storePointState(mapped->points[kept.pos_], state, timestamp, records_->changes);
-        return true;
-    }
-    auto& mv = mapped->values[kept.pos_];
-    storeField(mv.at, timestamp);
-    storeState(mv, state, records_->changes);
-    storeField(mv.value, kept.target_ == QelShmKeptUpdate::Target::Energy ? number / energyFactor : number);
+    auto& mv = slotOfValue(*mapped, kept.pos_);
+    storeTimeAndState(mv, timestamp, state, records_->changes);
+    storeField(mv.value, number);
     return true;
 }
 
@@ -129,7 +140,7 @@ bool QelSharedMemoryWriter::updateLookedUp(QelShmKeptUpdate& kept, double number
     try {
         auto const& slots = records_->slots;
         auto const* const point = slots.find(pointSvid(kept.svid_));
-        if (point == nullptr) {
+        if (point == nullptr || region() == nullptr) {
             return false;
         }
         auto const key = valueKey(kept.svid_);
@@ -157,6 +168,7 @@ void QelSharedMemoryWriter::propagateStates() noexcept {
     }
 }
 
+[[gnu::noinline]] // keeps its frame out of propagateStates()
 void QelSharedMemoryWriter::propagateChanges() noexcept {
     if (!isMapped("propagateStates")) {
         return;

@@ -14,12 +14,15 @@ std::uint64_t SlotsBySvid::nextGeneration() noexcept {
 }
 
 void SlotsBySvid::Point::reserve(std::size_t count) {
-    unsigned int bits = 1;
-    while ((std::size_t{3} << bits) < 4 * (count + 1)) {
-        ++bits;
-    }
-    if (std::size_t{1} << bits <= values_.size()) {
+    auto const isEnough = [count](std::size_t size) {
+        return 3 * size >= 4 * (count + 1);
+    };
+    if (isEnough(values_.size())) {
         return;
+    }
+    unsigned int bits = 1;
+    while (!isEnough(std::size_t{1} << bits)) {
+        ++bits;
     }
     std::vector<Value> roomier(std::size_t{1} << bits);
     // Nothing fails from here on.
