@@ -222,6 +222,8 @@ void runScale(bench::Options const& options) {
             findings.push_back({"scale", name, variant, "numbers", numbers});
         }
     };
+    Figures untilTheManagerAnswers;
+    measureOpening(untilTheManagerAnswers);
     Figures openings;
     for (unsigned int pass = 0; pass < options.passes; ++pass) {
         measureOpening(openings);
