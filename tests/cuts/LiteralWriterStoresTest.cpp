@@ -11,11 +11,13 @@
 #include "tests/model/WriterCalls.h"
 #include "tests/support/LogCapture.h"
 #include "tests/writer/WriterFixture.h"
+#include "writer/QelShmKeptUpdate.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <sstream>
 #include <string>
 
@@ -52,6 +54,21 @@ protected:
         most_ = std::max(most_, expected.size());
     }
 
+    /// The library stores numbers in turns by id and through a kept value.
+    void update(RandomSensors::Update const& update) {
+        auto const expected = storesOf(library_.region(), [&] {
+            isKept_ = !isKept_ && update.number.has_value();
+            if (isKept_) {
+                library_.updateMV(kept_.try_emplace(update.svid, update.svid).first->second, *update.number,
+                                  update.at, static_cast<eStatus_Bits>(update.state));
+            } else {
+                library_.updateMV(update.svid, valueOf(update));
+            }
+        });
+        ASSERT_EQ(expected, storesOf(sut.region(), [&] { sut.updateMV(update.svid, valueOf(update)); }));
+        most_ = std::max(most_, expected.size());
+    }
+
     void addStructure(ReferenceWriter::Structure const& structure) {
         reference_.addStructure(structure);
         carryOut([&](auto& writer) { addTo(writer, structure); });
@@ -65,6 +82,8 @@ protected:
 private:
     LogCapture quiet_{"qel", log4cpp::Priority::FATAL};
     ExposedWriter library_;
+    std::map<long long, shm::QelShmKeptUpdate> kept_;
+    bool isKept_ = false;
 };
 
 } // namespace
@@ -77,8 +96,7 @@ TEST_F(LiteralWriterStoresTest, EveryOperation_MakesTheStoresOfTheLibraryInItsOr
         } else if (dice <= 17) {
             carryOut([](auto& writer) { writer.setActive(); });
         } else if (dice <= 90) {
-            auto const update = sensors_.anyUpdate(reference_);
-            carryOut([&](auto& writer) { writer.updateMV(update.svid, valueOf(update)); });
+            update(sensors_.anyUpdate(reference_));
         } else {
             carryOut([](auto& writer) { writer.propagateStates(); });
         }

@@ -126,6 +126,9 @@ private:
         put("state of" + at_, false, {[svid](WriterBench& bench) {
                 bench.update(svid + pointStateKey, eStatus_Off);
             }});
+        put("state of" + at_ + ", kept", false, {[svid](WriterBench& bench) {
+                bench.updateKept(svid + pointStateKey, eStatus_Off);
+            }});
         put("state of" + at_ + ", propagate", false,
             {[svid](WriterBench& bench) { bench.update(svid + pointStateKey, eStatus_Off); },
              [](WriterBench& bench) {
@@ -138,6 +141,11 @@ private:
                  [svid, key](WriterBench& bench) {
                      bench.update(svid + key, eStatus_HighWarning);
                  }});
+            put("twice kept " + name, false,
+                {[svid, key](WriterBench& bench) { bench.updateKept(svid + key); },
+                 [svid, key](WriterBench& bench) {
+                     bench.updateKept(svid + key, eStatus_HighWarning);
+                 }});
             put("text as " + name, false, {[svid, key](WriterBench& bench) {
                     bench.updateText(svid + key);
                 }});
@@ -149,8 +157,9 @@ private:
         }
         put("add and store an energy of" + at_, false,
             {[point](WriterBench& bench) { bench.addKeys(point, {key::apparentEnergyDelta}); },
+             [svid](WriterBench& bench) { bench.update(svid + key::apparentEnergyDelta); },
              [svid](WriterBench& bench) {
-                 bench.update(svid + key::apparentEnergyDelta);
+                 bench.updateKept(svid + key::apparentEnergyDelta);
              }});
     }
 

@@ -126,17 +126,30 @@ void WriterBench::modify(NewPlace const& place, std::vector<std::size_t> const& 
     writer_.modifyStructure(svids);
 }
 
-void WriterBench::update(long long svid, eStatus_Bits state) {
+template <typename Store>
+void WriterBench::updateBy(long long svid, eStatus_Bits state, Store const& store) {
     // Both halves of the number and of the time differ from one update to the next.
     ++updates_;
     auto const number = static_cast<double>(updates_) * 1.1;
     auto const at = updates_ << 32U | updates_;
-    writer_.updateMV(svid, std::make_unique<measval::MeasureValue>(number, at, state));
+    store(number, at);
     auto const key = static_cast<std::uint16_t>(svid & 0xFFFF);
     auto const written = reference::storedNumber(key, number);
     std::uint64_t bits = 0;
     std::memcpy(&bits, &written, sizeof bits);
     stored_.push_back({svid & ~0xFFFFLL, key, bits, at, state, moment_});
+}
+
+void WriterBench::update(long long svid, eStatus_Bits state) {
+    updateBy(svid, state, [&](double number, std::uint64_t at) {
+        writer_.updateMV(svid, std::make_unique<measval::MeasureValue>(number, at, state));
+    });
+}
+
+void WriterBench::updateKept(long long svid, eStatus_Bits state) {
+    updateBy(svid, state, [&](double number, std::uint64_t at) {
+        writer_.updateMV(kept_.try_emplace(svid, svid).first->second, number, at, state);
+    });
 }
 
 void WriterBench::updateText(long long svid) {

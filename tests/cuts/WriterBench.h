@@ -8,9 +8,11 @@
 #include "tests/cuts/TreeShapes.h"
 #include "tests/support/RawRegion.h"
 #include "tests/writer/WriterFixture.h"
+#include "writer/QelShmKeptUpdate.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -50,6 +52,8 @@ public:
     void modify(NewPlace const& place, std::vector<std::size_t> const& gone);
     /// Stores a number that no value had before.
     void update(long long svid, eStatus_Bits state = eStatus_NoError);
+    /// The same through a kept value, which is remembered from tree to tree.
+    void updateKept(long long svid, eStatus_Bits state = eStatus_NoError);
     /// The same for a text, which is no number.
     void updateText(long long svid);
     void setType(std::size_t point, int type) { writer_.injectTypes({{tree_.points[point].svid, type}}); }
@@ -80,6 +84,10 @@ public:
     void const* writersMapping() const { return writer_.region(); }
 
 private:
+    /// Stores what no value had before.
+    /// @param store is called with number and time
+    template <typename Store>
+    void updateBy(long long svid, eStatus_Bits state, Store const& store);
     std::uint32_t positionOf(int parent) const;
     std::map<unsigned short, unsigned int> keysOf(unsigned values) const;
 
@@ -91,6 +99,7 @@ private:
     Tree tree_;
     std::vector<std::uint32_t> positions_; // of the tree's points
     std::vector<long long> added_;         // by tree and operation, some of them removed again
+    std::map<long long, shm::QelShmKeptUpdate> kept_;
     std::uint64_t updates_ = 0;
     std::vector<Stored> stored_;
     std::size_t moment_ = 0;
