@@ -67,7 +67,8 @@ void onSystemCall(qemu_plugin_id_t /*id*/, unsigned int thread, std::int64_t num
     constexpr auto noDescriptor = static_cast<std::uint32_t>(-1);
     if (thread == mainThread && number == writeOnArm && static_cast<std::uint32_t>(a1) == noDescriptor) {
         std::array<char, 32> line{};
-        std::snprintf(line.data(), line.size(), "%llu\n", static_cast<unsigned long long>(executed));
+        static_cast<void>(
+            std::snprintf(line.data(), line.size(), "%llu\n", static_cast<unsigned long long>(executed)));
         qemu_plugin_outs(line.data());
     }
 }

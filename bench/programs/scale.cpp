@@ -14,13 +14,13 @@
 
 #include <log4cpp/Category.hh>
 #include <log4cpp/Priority.hh>
-#include <time.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <exception>
 #include <fstream>
 #include <iostream>

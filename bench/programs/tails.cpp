@@ -100,12 +100,12 @@ constexpr std::array<Row, 5> rows{{
 
 /// Shares of all operations: 0, a half, 80 %, 90 %, 95 %, 98 %, 99 % and so on, for as long as some operations lie beyond.
 std::vector<double> sharesFor(std::uint64_t count) {
-    constexpr std::array<double, 3> steps{1, 0.5, 0.2};
-    constexpr double ten = 10;
+    constexpr std::array<std::uint64_t, 3> steps{1, 2, 5};
+    constexpr std::uint64_t ten = 10;
     std::vector<double> shares;
-    for (double decade = 1; decade * static_cast<double>(count) >= 1; decade /= ten) {
+    for (std::uint64_t decade = 1; decade <= count; decade *= ten) {
         for (auto const step : steps) {
-            shares.push_back(1 - decade * step);
+            shares.push_back(1 - 1 / static_cast<double>(decade * step));
         }
     }
     return shares;
