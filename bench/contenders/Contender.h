@@ -19,7 +19,7 @@ namespace bench {
 ///     Reader   made from a Plan, in any process, once the store is built; fetch(Access) gives a value's number
 ///
 /// and what else it can do: a Writer propagate() and bytes(), a Reader find(Access) (of a point), sumOfPoint(Access),
-/// sumOfAll() and rebuildIndex(). Works list the contenders that can do them.
+/// sumOfAll() and rebuildIndex(), and a KeptWriter, made from a Writer and a Plan, that updates by what a client keeps. Works list the contenders that can do them.
 ///
 /// One Writer of a kind exists at a time: names of stores are fixed.
 ///

@@ -77,9 +77,26 @@ struct LibraryByRanges : Library {
     };
 };
 
-/// The library's reader where the client keeps a handle for each value.
+/// The library where the client keeps a handle for each value.
 struct LibraryKept : Library {
     static constexpr char name[] = "library, kept value";
+
+    class KeptWriter {
+    public:
+        KeptWriter(Library::Writer& writer, Plan const& plan) : writer_(writer) {
+            for (auto const& access : plan.valueAccesses()) {
+                kept_.emplace_back(access.svid);
+            }
+        }
+
+        bool update(Access const& access, Sample const& sample) {
+            return writer_.updateKept(kept_[access.value], sample);
+        }
+
+    private:
+        Library::Writer& writer_;
+        std::vector<shm::QelShmKeptUpdate> kept_; // by slot, as a client's own order would be
+    };
 
     class Reader : public Library::Reader {
     public:
@@ -95,31 +112,6 @@ struct LibraryKept : Library {
 
     private:
         std::vector<shm::QelShmKeptMVal> kept_; // by slot, as a client's own order would be
-    };
-};
-
-/// The library's writer where the writing process keeps a handle for each value.
-struct LibraryKeptUpdate : Library {
-    static constexpr char name[] = "library, kept value";
-
-    class Writer : public Library::Writer {
-    public:
-        void build(Input const& input) {
-            Library::Writer::build(input);
-            kept_.clear();
-            for (auto const& [point, definition] : input.definitions()) {
-                for (auto const& value : definition.mvs) {
-                    kept_.emplace_back(point | value.first); // by slot: points in the order of a plan
-                }
-            }
-        }
-
-        bool update(Access const& access, Sample const& sample) {
-            return writer().updateMV(kept_[access.value], sample.number, sample.at, sample.state);
-        }
-
-    private:
-        std::vector<shm::QelShmKeptUpdate> kept_;
     };
 };
 

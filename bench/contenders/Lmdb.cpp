@@ -3,6 +3,7 @@
 
 #include "bench/contenders/Lmdb.h"
 
+#include <endian.h>
 #include <lmdb.h>
 
 #include <cstring>
@@ -29,14 +30,25 @@ void check(int status) {
     }
 }
 
-/// Sensor ids as the database orders them: as native unsigned numbers.
+/// The database orders native numbers of the size of an address; on smaller processors it orders the bytes of a sensor id,
+/// highest first.
+constexpr bool keysAreNumbers = sizeof(std::size_t) == sizeof(std::uint64_t);
+constexpr unsigned int keyFlags = keysAreNumbers ? MDB_INTEGERKEY : 0;
+
 struct Key {
-    std::uint64_t svid;
-    MDB_val val() { return {sizeof svid, &svid}; }
+    std::uint64_t bytes;
+    MDB_val val() { return {sizeof bytes, &bytes}; }
 };
 
 Key keyFor(long long svid) {
-    return {static_cast<std::uint64_t>(svid)};
+    auto const bits = static_cast<std::uint64_t>(svid);
+    return {keysAreNumbers ? bits : htobe64(bits)};
+}
+
+long long svidIn(MDB_val const& key) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, key.mv_data, sizeof bytes);
+    return static_cast<long long>(keysAreNumbers ? bytes : be64toh(bytes));
 }
 
 int put(MDB_txn* transaction, MDB_dbi database, long long svid, Sample const& sample) {
@@ -65,7 +77,7 @@ public:
         check(mdb_env_open(env_, path, MDB_NOSUBDIR | MDB_NOSYNC | MDB_WRITEMAP | flags, mode));
         MDB_txn* transaction = nullptr;
         check(mdb_txn_begin(env_, nullptr, 0, &transaction));
-        check(mdb_dbi_open(transaction, nullptr, MDB_INTEGERKEY, &database_));
+        check(mdb_dbi_open(transaction, nullptr, keyFlags, &database_));
         check(mdb_txn_commit(transaction));
     }
     ~Environment() { mdb_env_close(env_); }
@@ -196,12 +208,11 @@ double Lmdb::Reader::sum(long long first, long long last) {
     check(mdb_cursor_renew(transaction_, cursor_));
     for (auto status = mdb_cursor_get(cursor_, &keyBytes, &data, MDB_SET_RANGE); status == 0;
          status = mdb_cursor_get(cursor_, &keyBytes, &data, MDB_NEXT)) {
-        std::uint64_t svid = 0;
-        std::memcpy(&svid, keyBytes.mv_data, sizeof svid);
-        if (static_cast<long long>(svid) > last) {
+        auto const svid = svidIn(keyBytes);
+        if (svid > last) {
             break;
         }
-        if (keyOf(static_cast<long long>(svid)) != 0) {
+        if (keyOf(svid) != 0) {
             total += sampleIn(data).number;
         }
     }

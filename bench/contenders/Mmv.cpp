@@ -148,12 +148,15 @@ bool Mmv::Writer::update(Access const& access, Sample const& sample) {
     if (found == atoms_.end()) {
         return false;
     }
-    auto const& atoms = found->second;
+    update(found->second, sample);
+    return true;
+}
+
+void Mmv::Writer::update(Atoms const& atoms, Sample const& sample) {
     auto copy = sample;
     mmv_set(file_, static_cast<pmAtomValue*>(atoms.at), &copy.at);
     mmv_set(file_, static_cast<pmAtomValue*>(atoms.state), &copy.state);
     mmv_set(file_, static_cast<pmAtomValue*>(atoms.number), &copy.number);
-    return true;
 }
 
 std::size_t Mmv::Writer::bytes() const {

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <unordered_map>
+#include <vector>
 
 namespace bench {
 
@@ -19,6 +20,13 @@ struct Mmv : InProcess {
     static constexpr char name[] = "PCP MMV";
 
     using Input = Plan;
+
+    /// Where a value's number, time and state lie. The library's own type stays out of this header.
+    struct Atoms {
+        void* number;
+        void* at;
+        void* state;
+    };
 
     class Writer {
     public:
@@ -32,14 +40,11 @@ struct Mmv : InProcess {
         bool update(Access const& access, Sample const& sample);
         std::size_t bytes() const;
 
-    private:
-        /// The library's own type of a value stays out of this header.
-        struct Atoms {
-            void* number;
-            void* at;
-            void* state;
-        };
+        /// By what a client keeps.
+        void update(Atoms const& atoms, Sample const& sample);
+        Atoms atomsOf(Access const& access) const { return atoms_.at(access.svid); }
 
+    private:
         void close();
 
         void* registry_ = nullptr;
@@ -62,6 +67,29 @@ struct Mmv : InProcess {
         std::size_t size_ = 0;
         char* file_ = nullptr;
         std::unordered_map<long long, double const*> numbers_;
+    };
+};
+
+/// Its writer where the client keeps the addresses of each value.
+struct MmvKept : Mmv {
+    static constexpr char name[] = "PCP MMV, kept value";
+
+    class KeptWriter {
+    public:
+        KeptWriter(Mmv::Writer& writer, Plan const& plan) : writer_(writer) {
+            for (auto const& access : plan.valueAccesses()) {
+                kept_.push_back(writer.atomsOf(access));
+            }
+        }
+
+        bool update(Access const& access, Sample const& sample) {
+            writer_.update(kept_[access.value], sample);
+            return true;
+        }
+
+    private:
+        Mmv::Writer& writer_;
+        std::vector<Atoms> kept_; // by slot
     };
 };
 

@@ -61,12 +61,15 @@ public:
                                                  new measval::MeasureValue(number(), 0, eStatus_NoError)));
     }
 
+    /// By a handle that the client keeps.
+    template <typename Kept>
+    bool updateKept(Kept& kept, Sample const& sample) {
+        return writer_.updateMV(kept, sample.number, sample.at, sample.state);
+    }
+
     void propagate() { writer_.propagateStates(); }
 
     std::size_t bytes() const { return shm::REGION_SIZE; }
-
-protected:
-    Writer& writer() { return writer_; }
 
 private:
     Writer writer_;

@@ -15,17 +15,12 @@ namespace bench {
 struct Options {
     Shape shape;             ///< --shape=NAME
     std::string out;         ///< --out=FILE
-    std::string measure;     ///< --measure=time, instructions or system-calls
+    std::string measure;     ///< --measure=time, instructions, emulated-instructions or system-calls
     unsigned int passes = 1; ///< --passes=N
     double seconds = 0;      ///< --seconds=S for each contender in each pass
 };
 
 /// Throws std::invalid_argument for an option or a value that does not exist.
 Options parseOptions(int argc, char const* const* argv);
-
-/// Runs a program's body with the options, with logging off; tells on standard error what it threw.
-/// Does the work of a helper process instead where the command line says so.
-/// @return the exit status
-int runProgram(int argc, char** argv, void (*body)(Options const&));
 
 } // namespace bench

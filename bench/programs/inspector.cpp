@@ -5,7 +5,7 @@
 /// Whole runs of qelshm on a live region: elapsed time from the program's start to its end.
 
 #include "bench/contenders/Library.h"
-#include "bench/programs/Options.h"
+#include "bench/programs/Program.h"
 #include "bench/programs/Results.h"
 #include "bench/support/Process.h"
 #include "bench/works/Entries.h"

@@ -14,8 +14,8 @@
 #include "bench/contenders/Redis.h"
 #include "bench/contenders/Sqlite.h"
 #include "bench/programs/AllocationCount.h"
-#include "bench/programs/Options.h"
 #include "bench/programs/Passes.h"
+#include "bench/programs/Program.h"
 #include "bench/programs/Results.h"
 
 #include <memory>

@@ -4,8 +4,8 @@
 /// @file
 /// What takes several processes: time only.
 
-#include "bench/programs/Options.h"
 #include "bench/programs/Passes.h"
+#include "bench/programs/Program.h"
 #include "bench/programs/Results.h"
 
 #include <iterator>

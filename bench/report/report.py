@@ -1,20 +1,23 @@
 # SPDX-FileCopyrightText: the libQelSharedMemory authors
 # SPDX-License-Identifier: Apache-2.0
 
-"""Writes performance.md, performance-tables.md and performance.svg from what the benchmark programs found, and
+"""Writes performance.md, performance-tables.md and their pictures from what the benchmark programs found, and
 performance.json, with every single pass, beside the raw results.
 
 usage: report.py RESULTS-DIRECTORY OUTPUT-DIRECTORY
+       report.py --processors RESULTS-DIRECTORY     prints the instructions on both processors and writes nothing
 """
 
 import json
 import os
 import platform
 import re
+import statistics
 import subprocess
 import sys
 
 from chart import draw, duration
+from curves import draw_growth, draw_tails
 from findings import INSPECTOR, SHAPES, Findings
 from targets import TARGETS
 
@@ -26,8 +29,9 @@ WORKS = [
     ("point", "Look a point up and sum its values", "`mpnt`, then `values` with a visitor; ids in shuffled order"),
     ("visit", "Visit everything", "`visit` with a visitor that sums"),
     ("rebuild", "Rebuild the index", "`syncPositions`"),
-    ("propagate", "Propagate states", "`propagateStates` after a state has changed, one value in fifty warning"),
-    ("propagate nothing", "Propagate states, nothing changed", "`propagateStates` when no state has changed since the last time"),
+    ("propagate", "Propagate states after a change", "`propagateStates`, one value in fifty warning, after one value has "
+     "changed its state"),
+    ("propagate unchanged", "Propagate states when nothing changed", "`propagateStates`, over and over"),
     ("create", "Build from empty, with a fresh store", "`openShm`, then `addStructure`, logging off"),
     ("add", "Build in a store that is ready", "`addStructure` alone, logging off"),
     ("format", "Format one value", "`ValueFormatter::str`"),
@@ -39,6 +43,9 @@ WORKS = [
 
 CHART_SHAPE = "1x800"
 COST_SHAPES = ("20x40", "1x800")
+
+# Of a tail's table, with their titles.
+SHARES = ((0.5, "p50"), (0.99, "p99"), (0.999, "p99.9"), (0.9999, "p99.99"))
 
 # The call at the start of an operation's description.
 CALL = re.compile("`[^`]*`")
@@ -160,10 +167,118 @@ def costs_table(findings):
             cells = [title, CALL.match(operation)[0] if contender == "library" else contender.split(", ")[1]]
             for shape in shapes:
                 row = findings.row(shape, work, contender)
-                cells += [duration(row.median), count(row.instructions)] if row and row.passes else ["-", "-"]
+                cells += (
+                    [duration(row.median), count(row.instructions), count(row.arm_instructions)]
+                    if row and row.passes
+                    else ["-"] * 3
+                )
             rows.append(cells)
-    head = ["what", "by"] + [f"{shape} {column}" for shape in shapes for column in ("time", "instructions")]
+    columns = ("time", "instructions", "on 32-bit ARM")
+    head = ["what", "by"] + [f"{shape} {column}" for shape in shapes for column in columns]
     return table(head, rows)
+
+
+def replaced_targets(findings):
+    """Why targets against the floor were given up, a sentence each."""
+    reasons = {}
+    for target in TARGETS:
+        if target.why and target.shape in findings.shapes():
+            title = next(title for work, title, _ in WORKS if work == target.work)
+            reasons.setdefault(target.why, f"- {title} ({target.contender}): {target.why}")
+    return "Where the floor was the wrong measure, the target is another one:\n\n" + "\n".join(reasons.values()) + "\n"
+
+
+def tail_table(findings, load):
+    rows = []
+    for operation, tail in findings.tails_of(load).items():
+        lengths = [tail.at(share) for share, _ in SHARES] + [tail.longest]
+        rows.append([operation, *("-" if length is None else duration(length) for length in lengths), count(tail.count)])
+    return table(["operation"] + [title for _, title in SHARES] + ["longest", "operations timed"], rows)
+
+
+def tails_section(findings):
+    parts = ["## Tails\n\nEach operation timed by itself, on `" + CHART_SHAPE + "`, the two looks at the clock included. "
+             "\"The clock alone\" is the machine's own jitter in the same run.\n"]
+    for load in findings.tail_loads():
+        beside = "Alone" if load == "0" else f"Beside {load} processes that scan without pause"
+        parts.append(f"{beside}:\n\n{tail_table(findings, load)}")
+    parts.append("![share of operations by their length](performance-tails.svg)\n")
+    return "\n".join(parts)
+
+
+def middle(numbers):
+    return statistics.median(numbers)
+
+
+def readers_table(findings):
+    """A writer and its readers by the number of reading processes; slow-down is against the writer alone."""
+    figures = {
+        name: dict(findings.growth("scale", name))
+        for name in ("update, processor time", "update, elapsed", "scan, processor time", "scan, elapsed",
+                     "memory of the writer", "memory of a reader", "of it shared memory", "of it private")
+    }
+    rows = []
+    for readers, update in figures["update, processor time"].items():
+        def cell(name, form, readers=readers):
+            numbers = figures[name].get(readers)
+            return form(middle(numbers)) if numbers else "-"
+
+        slower = middle(update) / middle(figures["update, processor time"][0])
+        rows.append([
+            str(readers), duration(middle(update)), f"{slower:.2f}", cell("update, elapsed", duration),
+            cell("scan, processor time", duration), cell("scan, elapsed", duration),
+            *(cell(name, lambda size: f"{size / 1024:,.0f}") for name in
+              ("memory of the writer", "memory of a reader", "of it shared memory", "of it private")),
+        ])
+    return table(["readers", "update, processor time", "x alone", "update, elapsed", "scan, processor time",
+                  "scan, elapsed", "writer KB", "reader KB", "of it shared object KB", "of it private KB"], rows)
+
+
+def openings_table(findings):
+    rows = [[figure, duration(middle(numbers)), duration(max(numbers))] for figure, numbers in findings.openings().items()]
+    return table(["opening a reader", "median", "longest"], rows)
+
+
+def units_table(findings):
+    names = ("processor seconds of a unit per hour", "memory of a unit", "memory of its bus")
+    figures = [dict(findings.growth("units", name)) for name in names]
+    rows = []
+    for units in figures[0]:
+        seconds, memory, bus = (figure[units][0] for figure in figures)
+        rows.append([str(units), f"{seconds:.3g}", f"{memory / 1024:,.0f}", f"{bus / 1024:,.0f}"])
+    return table(["units", "processor seconds per hour", "qel-replay KB", "its bus KB"], rows)
+
+
+def growth_section(findings):
+    parts = [
+        "## Growth\n\nReading processes that scan `" + CHART_SHAPE + "` without pause, beside one writer that updates without "
+        "pause. Memory is each process's share of its pages (PSS).\n",
+        readers_table(findings),
+        openings_table(findings),
+    ]
+    if findings.growth("units", "memory of a unit"):
+        parts.append("Units replayed side by side at recorded speed, each in surroundings of its own; a row is due every "
+                     "second, and numbers are of each unit:\n\n" + units_table(findings))
+    parts.append("![cost by the number of processes and units, beside a linear one](performance-growth.svg)\n")
+    return "\n".join(parts)
+
+
+def processors_table(findings):
+    """Instructions per operation on both processors, and how many times more 32-bit ARM takes."""
+    shapes = [shape for shape in COST_SHAPES if any(row.shape == shape and row.arm_instructions for row in findings.rows())]
+    rows = []
+    for work, title, _ in WORKS:
+        for contender, variant in findings.contenders(work):
+            found = [findings.row(shape, work, contender, variant) for shape in shapes]
+            if not any(row and row.arm_instructions for row in found):
+                continue
+            cells = [title, contender]
+            for row in found:
+                both = row and row.arm_instructions and row.instructions
+                cells += [count(row.instructions), count(row.arm_instructions),
+                          f"{row.arm_instructions / row.instructions:.2f}"] if both else ["-"] * 3
+            rows.append(cells)
+    return table(["work", "contender"] + [f"{shape} {column}" for shape in shapes for column in ("x86-64", "ARM", "ratio")], rows)
 
 
 def prose(name):
@@ -197,7 +312,10 @@ The stripped library takes {stripped_sizes(findings)} bytes.
 ## Targets
 
 {targets_table(findings)}
-{prose("bounds.md")}"""
+{replaced_targets(findings)}
+{prose("bounds.md")}
+{tails_section(findings)}
+{growth_section(findings)}"""
 
 
 def tables(findings):
@@ -218,6 +336,8 @@ Written by `bench/run`, on the machine that [performance.md](performance.md) nam
         "## Looking into a unit\n\nWhole runs of `qelshm` on a live region, from the program's start to its end; "
         "`--version` is the start alone.\n\n" + inspector_table(findings)
     )
+    if any(row.arm_instructions is not None for row in findings.rows()):
+        parts.append("## Instructions on x86-64 and on 32-bit ARM\n\nPer operation.\n\n" + processors_table(findings))
     parts.append(
         f"## Allocations per operation\n\nShape `{shape}`; all threads of the process that measures.\n\n"
         + counts_table(findings, shape, "allocations")
@@ -251,6 +371,7 @@ def as_json(findings, facts):
                 "median_ns": row.median if row.passes else None,
                 "spread": row.spread if row.passes else None,
                 "instructions": row.instructions,
+                "arm_instructions": row.arm_instructions,
                 "allocations": row.allocations,
                 "system_calls": row.system_calls,
                 "passes_ns": row.passes,
@@ -272,6 +393,12 @@ def as_json(findings, facts):
             }
             for target in TARGETS
         ],
+        "tails": [
+            {"readers": int(load), "operation": operation, **vars(tail)}
+            for load in findings.tail_loads()
+            for operation, tail in findings.tails_of(load).items()
+        ],
+        "growth": findings.growth_as_json(),
     }
 
 
@@ -281,6 +408,9 @@ def write(directory, name, text):
 
 
 def main():
+    if sys.argv[1] == "--processors":
+        print(processors_table(Findings(sys.argv[2])), end="")
+        return
     results, output = sys.argv[1:]
     findings = Findings(results)
     facts = machine()
@@ -292,6 +422,8 @@ def main():
         if rows:
             panels.append((title, rows))
     write(output, "performance.svg", draw(panels))
+    write(output, "performance-tails.svg", draw_tails(findings))
+    write(output, "performance-growth.svg", draw_growth(findings))
     write(output, "performance.md", page(findings, facts))
     write(output, "performance-tables.md", tables(findings))
     write(results, "performance.json", json.dumps(as_json(findings, facts), indent=1) + "\n")

@@ -21,6 +21,7 @@ public:
     Process(Process const&) = delete;
     Process& operator=(Process const&) = delete;
 
+    pid_t id() const { return pid_; }
     bool running() const;
 
     /// Blocks until the program has ended.

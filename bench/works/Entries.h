@@ -53,6 +53,18 @@ private:
     std::shared_ptr<typename Contender::Writer> writer_;
 };
 
+/// The writer of a contender, and what a client keeps for each of its values.
+template <typename Contender>
+class KeptWriterSide {
+public:
+    explicit KeptWriterSide(Plan const& plan) : writer_(writerOf<Contender>(plan)), kept_(*writer_, plan) {}
+    typename Contender::KeptWriter& operator*() { return kept_; }
+
+private:
+    std::shared_ptr<typename Contender::Writer> writer_;
+    typename Contender::KeptWriter kept_;
+};
+
 /// The reader of a contender, and the store that it reads.
 template <typename Contender>
 class ReaderSide {
@@ -114,30 +126,63 @@ public:
     double expected() const override { return expected_; }
     std::size_t operations() const override { return 1; }
 
-protected:
-    auto& side() { return *side_; }
-
 private:
     Side side_;
     double expected_ = 0;
 };
 
-/// The same, each time after something has changed, which does not count.
-/// Operation: also prepare(side, access), which changes something by that access.
-template <typename Side, typename Operation>
-class WholeAfterChange : public Whole<Side, Operation> {
+/// States are propagated after one value has changed its own.
+template <typename Contender>
+class PropagateAfterChange : public Entry {
 public:
-    using Whole<Side, Operation>::Whole;
+    explicit PropagateAfterChange(Plan const& plan) : side_(plan), changing_(plan.valueAccesses().back()) {}
 
-    void begin(Order const& order) override {
-        Whole<Side, Operation>::begin(order);
-        access_ = order.values.front();
-    }
+    void begin(Order const& /*order*/) override {}
     bool preparing() const override { return true; }
-    void prepare() override { Operation::prepare(this->side(), access_); }
+
+    void prepare() override {
+        auto sample = sampleOf(changing_);
+        isWarning_ = !isWarning_;
+        sample.state = isWarning_ ? eStatus_HighWarning : eStatus_NoError;
+        (*side_).update(changing_, sample);
+    }
+
+    double run() override {
+        (*side_).propagate();
+        return 1;
+    }
+
+    double expected() const override { return 1; }
+    std::size_t operations() const override { return 1; }
 
 private:
-    Access access_{};
+    WriterSide<Contender> side_;
+    Access changing_;
+    bool isWarning_ = false;
+};
+
+/// States are propagated over and over, and nothing changes.
+template <typename Contender>
+class PropagateUnchanged : public Entry {
+public:
+    explicit PropagateUnchanged(Plan const& plan) : side_(plan) {}
+
+    void begin(Order const& /*order*/) override { (*side_).propagate(); }
+
+    double run() override {
+        for (std::size_t count = 0; count < repetitions; ++count) {
+            (*side_).propagate();
+        }
+        return 1;
+    }
+
+    double expected() const override { return 1; }
+    std::size_t operations() const override { return repetitions; }
+
+private:
+    static constexpr std::size_t repetitions = 100; // so that the loop around them hardly counts
+
+    WriterSide<Contender> side_;
 };
 
 /// Points and values are laid out in an empty store.

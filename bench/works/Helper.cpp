@@ -73,14 +73,14 @@ void Helper::waitUntilSeen(std::uint64_t changes) const {
     spinUntil([&] { return control_.seen.load(std::memory_order_relaxed) >= changes; });
 }
 
-void runHelper(int argc, char const* const* argv) {
+void runHelper(std::vector<HelperRole> const& roles, int argc, char const* const* argv) {
     constexpr int arguments = 6;
     if (argc != arguments) {
         throw std::invalid_argument("a helper is told its role, contender, shape and control object");
     }
     std::string_view const role = argv[2];
     std::string_view const contender = argv[3];
-    for (auto const& known : helperRoles()) {
+    for (auto const& known : roles) {
         if (known.role == role && known.contender == contender) {
             SharedObject const object(argv[5], sizeof(Control), SharedObject::Access::ReadWrite);
             known.run(Plan(shapeNamed(argv[4])), *static_cast<Control*>(object.data()));

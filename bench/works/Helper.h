@@ -45,6 +45,8 @@ struct HelperRole {
     char const* contender;
     void (*run)(Plan const& plan, Control& control);
 };
+
+/// Of the contenders that work in several processes.
 std::vector<HelperRole> helperRoles();
 
 /// Owns a helper process. Throws std::runtime_error when the helper fails.
@@ -63,6 +65,7 @@ public:
     void stop();
 
     Control const& control() const { return control_; }
+    Process const& process() const { return process_; }
 
     /// Waits, spinning, until the helper has seen this many changes.
     void waitUntilSeen(std::uint64_t changes) const;
@@ -77,7 +80,8 @@ private:
 };
 
 /// The helper's main program.
-void runHelper(int argc, char const* const* argv);
+/// @param roles what this program can be told to do
+void runHelper(std::vector<HelperRole> const& roles, int argc, char const* const* argv);
 
 /// Repeats a round while the owner wants it, and returns when the owner ends.
 template <typename Round>

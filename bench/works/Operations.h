@@ -84,33 +84,4 @@ struct Rebuild {
     static double expected(Order const& /*order*/) { return 1; }
 };
 
-/// Folds the states of all values into those of the points and the global one.
-struct Propagate {
-    /// Changes one state and changes it back.
-    template <typename Writer>
-    static void prepare(Writer& writer, Access const& access) {
-        auto sample = sampleOf(access);
-        sample.state = eStatus_LowWarning;
-        writer.update(access, sample);
-        writer.update(access, firstSampleOf(access));
-    }
-
-    template <typename Writer>
-    static double run(Writer& writer) {
-        writer.propagate();
-        return 1;
-    }
-    static double expected(Order const& /*order*/) { return 1; }
-};
-
-/// The same where nothing has changed since the last time.
-struct PropagateNothing {
-    template <typename Writer>
-    static double run(Writer& writer) {
-        writer.propagate();
-        return 1;
-    }
-    static double expected(Order const& /*order*/) { return 1; }
-};
-
 } // namespace bench

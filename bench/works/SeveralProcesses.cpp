@@ -14,9 +14,9 @@
 #include "bench/works/Entries.h"
 #include "bench/works/Helper.h"
 #include "bench/works/Operations.h"
+#include "bench/works/Stamp.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <numeric>
 #include <thread>
@@ -24,23 +24,6 @@
 namespace bench {
 
 namespace {
-
-/// Time on the clock that all processes share, in ns.
-std::int64_t now() {
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
-/// The time as a value's number; a double holds it exactly.
-double stamp() {
-    return static_cast<double>(now());
-}
-
-/// The value that travels in the latency work.
-Access watched(Plan const& plan) {
-    return plan.valueAccesses().front();
-}
 
 // What helpers do.
 

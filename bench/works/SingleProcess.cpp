@@ -15,6 +15,9 @@
 #include "bench/works/Formats.h"
 #include "bench/works/Operations.h"
 
+#include <iterator>
+#include <utility>
+
 namespace bench {
 
 namespace {
@@ -29,14 +32,25 @@ std::vector<Candidate> wholes() {
     return {candidate<Contenders, Whole<Side<Contenders>, Operation>>("")...};
 }
 
-template <typename Operation, template <typename> class Side, typename... Contenders>
-std::vector<Candidate> wholesAfterChange() {
-    return {candidate<Contenders, WholeAfterChange<Side<Contenders>, Operation>>("")...};
-}
-
 template <bool fresh, typename... Contenders>
 std::vector<Candidate> builds() {
     return {candidate<Contenders, Build<Contenders, fresh>>("")...};
+}
+
+/// By what a client keeps for each value.
+template <typename... Contenders>
+std::vector<Candidate> keptUpdates() {
+    return {candidate<Contenders, Sweep<KeptWriterSide<Contenders>, Update>>("", Contenders::roundLimit)...};
+}
+
+template <template <typename> class Propagation, typename... Contenders>
+std::vector<Candidate> propagations() {
+    return {candidate<Contenders, Propagation<Contenders>>("")...};
+}
+
+std::vector<Candidate> joined(std::vector<Candidate> candidates, std::vector<Candidate> others) {
+    std::move(others.begin(), others.end(), std::back_inserter(candidates));
+    return candidates;
 }
 
 template <typename... Formats>
@@ -49,8 +63,9 @@ std::vector<Candidate> formats() {
 std::vector<Work> singleProcessWorks() {
     return {
         {"update",
-         sweeps<Update, WriterSide, Floor, Hash, Library, LibraryKeptUpdate, Literal, InterprocessMap,
-                InterprocessHash, InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>()},
+         joined(sweeps<Update, WriterSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
+                       InterprocessHashHeapValue, Mmv, Lmdb, Sqlite, Redis, DBus>(),
+                keptUpdates<LibraryKept, MmvKept>())},
         {"find", sweeps<Find, ReaderSide, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash,
                         Lmdb, Sqlite, Redis>()},
         {"fetch", sweeps<Fetch, ReaderSide, Floor, Hash, Library, LibraryByValue, LibraryKept, Literal,
@@ -60,8 +75,8 @@ std::vector<Work> singleProcessWorks() {
         {"visit", wholes<Visit, ReaderSide, Floor, Library, LibraryByRanges, Literal, InterprocessMap,
                          InterprocessHash, Mmv, Lmdb, Sqlite, Redis>()},
         {"rebuild", wholes<Rebuild, ReaderSide, Floor, Hash, Library, Literal>()},
-        {"propagate", wholesAfterChange<Propagate, WriterSide, Floor, Library, Literal>()},
-        {"propagate nothing", wholes<PropagateNothing, WriterSide, Floor, Library, Literal>()},
+        {"propagate", propagations<PropagateAfterChange, Floor, Library, Literal>()},
+        {"propagate unchanged", propagations<PropagateUnchanged, Floor, Library, Literal>()},
         {"create",
          builds<true, Floor, Hash, Library, Literal, InterprocessMap, InterprocessHash, Mmv, Lmdb, Sqlite>()},
         {"add",
