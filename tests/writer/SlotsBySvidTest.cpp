@@ -182,4 +182,24 @@ TEST(SlotsBySvidTest, RandomAddsAndRemoves_AgreeWithAMap) {
     }
 }
 
+TEST(SlotsBySvidTest, Generation_ChangesWithEachRemoval_AndIsOneOfAKind) {
+    shm::SlotsBySvid sut;
+    shm::SlotsBySvid const other;
+    shm::MPDef const definition(3, {{1, 5}});
+    EXPECT_NE(0U, sut.generation());
+    EXPECT_NE(other.generation(), sut.generation());
+
+    auto const first = sut.generation();
+    sut.add(0x10000, definition);
+    sut.remove(0x20000); // unknown
+    EXPECT_EQ(first, sut.generation());
+
+    sut.removeValues(definition);
+    auto const withoutValues = sut.generation();
+    EXPECT_LT(first, withoutValues);
+
+    sut.remove(0x10000);
+    EXPECT_LT(withoutValues, sut.generation());
+}
+
 } // namespace qel::test
