@@ -9,7 +9,7 @@ namespace shm {
 
 QelShmMPnt QelShmPoint::ancestor(unsigned int level) const {
     if (level == depth_) {
-        return *this;
+        return QelShmMPnt(&**this);
     }
     return level == 0 || level > depth_ ? QelShmMPnt()
                                         : QelShmMPnt(scan_->slotAt(scan_->levels_[level - 1].current));

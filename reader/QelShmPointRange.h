@@ -95,7 +95,7 @@ public:
         }
         /// Goes on to the next point.
         /// @return an iterator at the former point
-        Iterator operator++(int) {
+        Iterator operator++(int) { // NOLINT(cert-dcl21-cpp): a const result cannot be moved from
             auto const former = *this;
             ++*this;
             return former;
@@ -129,6 +129,7 @@ public:
 
     /// Reads nothing yet.
     /// @param region the mapped region, null for an empty range
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): what the arrays hold is set before it is read
     explicit QelShmPointRange(record::Region const* region) : region_(region) {}
     QelShmPointRange(QelShmPointRange const&) = delete;
     QelShmPointRange& operator=(QelShmPointRange const&) = delete;

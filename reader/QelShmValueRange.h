@@ -65,7 +65,7 @@ public:
         }
         /// Goes on to the next value.
         /// @return an iterator at the former value
-        Iterator operator++(int) {
+        Iterator operator++(int) { // NOLINT(cert-dcl21-cpp): a const result cannot be moved from
             auto const former = *this;
             ++*this;
             return former;

@@ -226,6 +226,7 @@ TEST_F(QelShmPointRangeTest, Scans_MayBeNested_AndRunInAVisit) {
 TEST_F(QelShmPointRangeTest, SeveralThreads_ScanByOneReaderAtOnce) {
     auto const expected = scanned(sut);
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 300; ++round) {
