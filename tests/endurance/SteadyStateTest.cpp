@@ -238,8 +238,9 @@ int statusOfUnit(unsigned int inlets, unsigned int scans) {
                    if (!refuseSystemCalls()) {
                        ::_exit(refused);
                    }
-                   bool const quiet = areQuiet(unit, single, million) & areQuiet(unit, scanning, scans);
-                   ::_exit(quiet && unit.isWhole() ? 0 : 1);
+                   bool const isSingleQuiet = areQuiet(unit, single, million); // each tells what it found
+                   bool const isScanQuiet = areQuiet(unit, scanning, scans);
+                   ::_exit(isSingleQuiet && isScanQuiet && unit.isWhole() ? 0 : 1);
                },
                std::chrono::minutes(4))
         .value_or(-1);
