@@ -354,7 +354,7 @@ std::string disagreement(MappedReader& reader, RawRegion const& raw, RegionWalk 
 }
 
 bool scanEnds(MappedReader const& reader) {
-    constexpr std::size_t mostPoints = 2 * pointSlots;
+    constexpr std::size_t mostPoints = std::size_t{2} * pointSlots;
     constexpr std::size_t mostValues = 100000; // of all points together, for time's sake
     std::size_t points = 0;
     std::size_t values = 0;
