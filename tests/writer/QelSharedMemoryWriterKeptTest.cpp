@@ -92,7 +92,8 @@ TEST_P(QelSharedMemoryWriterKeptKeysTest, EveryKey_GoesWhereItsRuleSays) {
     for (int key = first; key < first + 8192; ++key, ++pos) {
         QelShmKeptUpdate kept(device | key);
         for (int round = 1; round <= 2; ++round) {
-            auto const at = static_cast<std::uint64_t>(1000000 * round + key);
+            auto const at = time1 + static_cast<std::uint64_t>(100000) * static_cast<unsigned int>(round) +
+                            static_cast<unsigned int>(key);
             auto const state = static_cast<eStatus_Bits>((key + round) % 44);
             auto const delivered = 12345.0 * round + key;
 

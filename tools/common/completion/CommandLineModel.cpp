@@ -17,7 +17,8 @@ namespace {
 
 Candidates candidatesFor(CLI::Option& option, std::string const& verb, std::string const& name,
                          CandidatesByName const& known) {
-    for (auto const& key : {verb + ' ' + name, name}) {
+    auto const ofVerb = verb + ' ' + name;
+    for (auto const& key : {ofVerb, name}) {
         if (auto const found = known.find(key); found != known.end()) {
             return found->second;
         }

@@ -66,14 +66,10 @@ public:
 
     /// How to start a program there.
     static std::vector<std::string> command(std::vector<std::string> const& program) {
-        std::vector<std::string> words{
-            "unshare",
-            "--mount",
-            "bash",
-            "-euc",
+        static constexpr char script[] =
             "mkdir /sys/dev; mount -t tmpfs tmpfs /sys/dev; mkdir /sys/dev/shm; ln -s \"$0\" /sys/dev/log; "
-            "mount --bind /dev/shm /sys/dev/shm; mount --rbind /sys/dev /dev; exec \"$@\"",
-            path};
+            "mount --bind /dev/shm /sys/dev/shm; mount --rbind /sys/dev /dev; exec \"$@\"";
+        std::vector<std::string> words{"unshare", "--mount", "bash", "-euc", script, path};
         words.insert(words.end(), program.begin(), program.end());
         return words;
     }
