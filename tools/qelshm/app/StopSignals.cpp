@@ -17,13 +17,26 @@ namespace qel::tools {
 
 namespace {
 
+constexpr std::array<int, 3> stops{SIGINT, SIGTERM, SIGHUP};
+
 sigset_t stopSet() {
     sigset_t set;
     sigemptyset(&set);
-    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (int const number : stops) {
         sigaddset(&set, number);
     }
     return set;
+}
+
+// By handlers, since a program that is started later would inherit a blocked or ignored signal.
+void letPass() {
+    struct sigaction action = {};
+    action.sa_handler = [](int /*number*/) {
+    };
+    action.sa_flags = SA_RESTART;
+    for (int const number : stops) {
+        ::sigaction(number, &action, nullptr);
+    }
 }
 
 /// The time that is left, not negative.
@@ -54,8 +67,13 @@ StopSignals::StopSignals() {
 }
 
 StopSignals::~StopSignals() {
+    bool isStopped = false;
     signalfd_siginfo one = {};
     while (::read(signals_.number(), &one, sizeof one) > 0) {
+        isStopped = true;
+    }
+    if (isStopped) {
+        letPass();
     }
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }

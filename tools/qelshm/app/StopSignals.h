@@ -23,7 +23,8 @@ public:
 
     /// @throws std::system_error
     StopSignals();
-    /// Discards signals that have come and restores the signal mask.
+    /// Discards signals that have come and restores the signal mask. If any has come, later ones have no effect on this
+    /// process: it is about to end in order, and some programs send the signal twice.
     ~StopSignals();
     StopSignals(StopSignals const&) = delete;
     StopSignals& operator=(StopSignals const&) = delete;

@@ -3,6 +3,8 @@
 
 #include "tools/qelshm/app/StopSignals.h"
 
+#include "tests/support/ChildProcess.h"
+
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -105,6 +107,31 @@ TEST_F(StopSignalsTest, Afterwards_SignalsAreAsBeforeAndForgotten) {
     for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
         EXPECT_EQ(sigismember(&before, number), sigismember(&after, number));
     }
+}
+
+TEST_F(StopSignalsTest, MoreSignalsAfterTheFirst_LeaveTheProgramToEndInOrder) {
+    {
+        StopSignals const sut;
+        ASSERT_EQ(0, ::raise(SIGTERM));
+    }
+    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+        ASSERT_EQ(0, ::raise(number));
+    }
+    test::ChildProcess child({"sleep", "60"});
+    child.signal(SIGTERM);
+    EXPECT_EQ(128 + SIGTERM, child.wait()) << "a program that is started later ends as usual";
+}
+
+TEST_F(StopSignalsTest, NoSignal_LeavesTheirEffect) {
+    EXPECT_EXIT(
+        {
+            for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+                EXPECT_NE(SIG_ERR, ::signal(number, SIG_DFL));
+            }
+            StopSignals();
+            EXPECT_EQ(0, ::raise(SIGTERM));
+        },
+        testing::KilledBySignal(SIGTERM), "");
 }
 
 } // namespace qel::tools
