@@ -5,6 +5,7 @@
 #include "reader/QelSharedMemoryReader.h"
 #include "reader/QelShmMPntCmp.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/reader/SampleTree.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/RandomNumbers.h"
 #include "tests/support/SmallStack.h"
@@ -24,19 +25,16 @@
 
 namespace {
 
+using qel::test::addSampleTree;
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
+using qel::test::svid;
 using shm::IQelVisitorResult;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Result = std::shared_ptr<IQelVisitorResult>;
 using Events = std::vector<std::string>;
-
-/// Sensor id of an electrical point, counted up; sorts by its number.
-constexpr long long svid(int number) {
-    return 0x0100000000000000 + number * 0x10000LL;
-}
 
 std::string show(long long id) {
     return std::to_string((id - svid(0)) / 0x10000);
@@ -115,18 +113,7 @@ private:
 
 class QelSharedMemoryReaderVisitsOfATreeTest : public testing::Test {
 protected:
-    QelSharedMemoryReaderVisitsOfATreeTest() {
-        // devices: 9 before 2 as stored; below 9: 5, 4, 6 as stored; below 4: 8. groups: 7.
-        for (int const number : {2, 4, 5, 6, 7, 8, 9}) {
-            region.point(static_cast<std::uint32_t>(number), svid(number));
-        }
-        region.devices({9, 2});
-        region.groups({7});
-        region.children(9, {5, 4, 6});
-        region.children(4, {8});
-        region.values(4, 100, {31, 30, 32});
-        region.values(7, 200, {30});
-    }
+    QelSharedMemoryReaderVisitsOfATreeTest() { addSampleTree(region); }
 
     shm::QelShmMPnt point(std::uint32_t pos) const { return sut.mps(pos, SensorType::Any).front(); }
 

@@ -6,6 +6,7 @@
 #include "reader/BaseQelShmVisitor.h"
 #include "reader/QelSharedMemoryReader.h"
 #include "tests/reader/MappedReader.h"
+#include "tests/reader/SampleTree.h"
 #include "tests/support/FailureSeams.h"
 #include "tests/support/ForgedRegion.h"
 #include "tests/support/RandomNumbers.h"
@@ -31,9 +32,11 @@
 
 namespace {
 
+using qel::test::addSampleTree;
 using qel::test::ForgedRegion;
 using qel::test::MappedReader;
 using qel::test::rawPoint;
+using qel::test::svid;
 using testing::ElementsAre;
 using testing::IsEmpty;
 namespace field = qel::test::field;
@@ -43,10 +46,6 @@ using Positions = std::vector<std::uint32_t>;
 using Shown = std::tuple<void const*, unsigned int, std::vector<void const*>>;
 
 constexpr std::uint32_t points = 800;
-
-constexpr long long svid(std::uint32_t number) {
-    return 0x0100000000000000 + number * 0x10000LL;
-}
 
 class Noting : public shm::BaseQelShmVisitor {
 public:
@@ -83,20 +82,9 @@ std::vector<Shown> scanned(MappedReader const& reader) {
     return shown;
 }
 
-/// devices: 9 before 2 as stored; below 9: 5, 4, 6 as stored; below 4: 8. groups: 7.
 class QelShmPointRangeTest : public testing::Test {
 protected:
-    QelShmPointRangeTest() {
-        for (std::uint32_t const number : {2U, 4U, 5U, 6U, 7U, 8U, 9U}) {
-            region.point(number, svid(number));
-        }
-        region.devices({9, 2});
-        region.groups({7});
-        region.children(9, {5, 4, 6});
-        region.children(4, {8});
-        region.values(4, 100, {31, 30, 32});
-        region.values(7, 200, {30});
-    }
+    QelShmPointRangeTest() { addSampleTree(region); }
 
     Positions positions(std::function<void(std::uint32_t pos)> const& meanwhile = nullptr) const {
         Positions shown;
