@@ -453,7 +453,7 @@ TEST(QelSharedMemoryReaderVisitsTest, Subtrees_AreVisitedThroughTheVirtualOperat
     };
     ForgedRegion const region;
     for (std::uint32_t const pos : {1U, 2U, 3U}) {
-        region.point(pos, svid(static_cast<int>(pos)));
+        region.point(pos, svid(pos));
     }
     region.devices({1});
     region.children(1, {2});
@@ -468,7 +468,7 @@ TEST(QelSharedMemoryReaderVisitsTest, Subtrees_AreVisitedThroughTheVirtualOperat
 TEST(QelSharedMemoryReaderVisitsTest, EveryPointNestedBelowTheOther_FitsOnASmallStack) {
     ForgedRegion const region;
     for (std::uint32_t pos = 0; pos < 800; ++pos) {
-        region.point(pos, svid(static_cast<int>(pos)));
+        region.point(pos, svid(pos));
         region.siblings({pos});
         if (pos != 0) {
             region.children(pos - 1, {pos});
@@ -510,7 +510,7 @@ TEST(QelSharedMemoryReaderRandomTreesTest, Visit_ShowsWhatListsShow) {
         std::vector<std::uint32_t> groups;
         for (std::uint32_t pos = 0; pos < points; ++pos) {
             auto const kind = static_cast<long long>(random() % 5) << 48;
-            region.point(pos, svid(static_cast<int>(random() % 90)) | kind);
+            region.point(pos, svid(static_cast<std::uint32_t>(random() % 90)) | kind);
             region.values(pos, pos * 4,
                           std::vector<std::uint16_t>(random() % 4, static_cast<std::uint16_t>(pos)));
             auto const parent = random() % (pos + 3);

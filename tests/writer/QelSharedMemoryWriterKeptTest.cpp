@@ -77,19 +77,15 @@ TEST_F(QelSharedMemoryWriterKeptTest, StoresTimeStateAndNumber) {
     EXPECT_EQ(expected, raw.copy());
 }
 
-// A unit holds 8800 values, so all 65536 keys come in eight parts, each in a region of its own.
 class QelSharedMemoryWriterKeptKeysTest : public QelSharedMemoryWriterKeptTest,
                                           public testing::WithParamInterface<int> {};
 
 TEST_P(QelSharedMemoryWriterKeptKeysTest, EveryKey_GoesWhereItsRuleSays) {
-    int const first = 8192 * GetParam();
-    Keys keys;
-    for (int key = first; key < first + 8192; ++key) {
-        keys[static_cast<unsigned short>(key)] = 0;
-    }
+    auto const keys = keysOfPart(GetParam());
     sut.addMP(device, keys, rawNone);
     std::uint32_t pos = 0;
-    for (int key = first; key < first + 8192; ++key, ++pos) {
+    for (auto each = keys.begin(); each != keys.end(); ++each, ++pos) {
+        int const key = each->first;
         QelShmKeptUpdate kept(device | key);
         for (int round = 1; round <= 2; ++round) {
             auto const at = time1 + static_cast<std::uint64_t>(100000) * static_cast<unsigned int>(round) +
@@ -110,7 +106,7 @@ TEST_P(QelSharedMemoryWriterKeptKeysTest, EveryKey_GoesWhereItsRuleSays) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Parts, QelSharedMemoryWriterKeptKeysTest, testing::Range(0, 8));
+INSTANTIATE_TEST_SUITE_P(Parts, QelSharedMemoryWriterKeptKeysTest, testing::Range(0, keyParts));
 
 TEST_F(QelSharedMemoryWriterKeptTest, EveryKindOfNumberAndState_LeavesTheBytesOfUpdateById) {
     sut.addMP(device, {{key::voltage, 0}, {key::activeEnergy, 0}}, rawNone);

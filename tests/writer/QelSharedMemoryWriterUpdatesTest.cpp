@@ -105,20 +105,16 @@ TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_EnergyIsStoredInUnits_OthersAs
     EXPECT_EQ(1.234, number(2));
 }
 
-// A unit holds 8800 values, so all 65536 keys come in eight parts, each in a region of its own.
 class QelSharedMemoryWriterKeysTest : public QelSharedMemoryWriterUpdatesTest,
                                       public testing::WithParamInterface<int> {};
 
 TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
-    int const first = 8192 * GetParam();
-    Keys keys;
-    for (int key = first; key < first + 8192; ++key) {
-        keys[static_cast<unsigned short>(key)] = 0;
-    }
+    auto const keys = keysOfPart(GetParam());
     sut.addMP(device, keys, rawNone);
 
     std::uint32_t pos = 0;
-    for (int key = first; key < first + 8192; ++key, ++pos) {
+    for (auto each = keys.begin(); each != keys.end(); ++each, ++pos) {
+        int const key = each->first;
         auto const at = std::uint64_t{1000000} + static_cast<unsigned int>(key);
         auto const state = static_cast<eStatus_Bits>(key % 44);
         auto const delivered = 12345.0 + key;
@@ -141,7 +137,7 @@ TEST_P(QelSharedMemoryWriterKeysTest, UpdateMV_EveryKey_GoesWhereItsRuleSays) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllKeys, QelSharedMemoryWriterKeysTest, testing::Range(0, 8));
+INSTANTIATE_TEST_SUITE_P(AllKeys, QelSharedMemoryWriterKeysTest, testing::Range(0, keyParts));
 
 TEST_F(QelSharedMemoryWriterUpdatesTest, UpdateMV_NumbersOfEveryType_AreConverted) {
     sut.addMP(device, {{key::voltage, 0}, {key::apparentEnergy, 0}}, rawNone);

@@ -25,6 +25,19 @@
 namespace qel::test {
 
 using Keys = std::map<unsigned short, unsigned int>;
+/// A unit holds 8800 values, so all 65536 keys come in eight parts, each in a region of its own.
+constexpr int keyParts = 8;
+constexpr int keysInAPart = 0x10000 / keyParts;
+
+/// All keys of a part, counted from 0.
+inline Keys keysOfPart(int part) {
+    Keys keys;
+    for (int key = keysInAPart * part; key < keysInAPart * (part + 1); ++key) {
+        keys[static_cast<unsigned short>(key)] = 0;
+    }
+    return keys;
+}
+
 using Definitions = shm::QelSharedMemoryWriter::Definitions;
 
 constexpr long long rootSvid = static_cast<long long>(0xFF00FFFFFFFF0000ULL);
