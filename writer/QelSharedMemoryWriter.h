@@ -260,9 +260,12 @@ private:
     /// initMV() without the log line.
     record::QelShmMVal& wipeMV(unsigned int pos, unsigned short key);
 
-    /// updateMV() for a kept value that has to be looked up.
-    bool updateLookedUp(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
-                        eStatus_Bits state) noexcept;
+    /// updateMV() for a kept value that has to be looked up, or is a point's state.
+    bool updateOtherwise(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
+                         eStatus_Bits state) noexcept;
+
+    /// Looks a kept value up; false when it is gone.
+    bool findSlot(QelShmKeptUpdate& kept) const noexcept;
 
     /// propagateStates() when something has changed.
     void propagateChanges() noexcept;

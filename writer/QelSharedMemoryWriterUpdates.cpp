@@ -46,6 +46,25 @@ record::QelShmMVal& slotOfValue(record::Region& region, std::size_t pos) {
     return values[pos];
 }
 
+/// The slot at a distance of so many bytes from the region's start. A kept update stores the distance, because going from
+/// a position to an address takes as long as a store.
+template <typename Slot>
+Slot& slotAt(record::Region& region, std::uint32_t offset) {
+    auto* const bytes = reinterpret_cast<unsigned char*>(&region);
+    return *reinterpret_cast<Slot*>(bytes + offset);
+}
+
+void storeValue(record::QelShmMVal& mv, std::uint64_t timestamp, eStatus_Bits state, double number) {
+    storeField(mv.at, timestamp);
+    storeField(mv.state, state);
+    storeField(mv.value, number);
+}
+
+template <typename Slot>
+std::uint32_t offsetOf(std::size_t table, std::size_t pos) {
+    return static_cast<std::uint32_t>(table + pos * sizeof(Slot));
+}
+
 /// Stores the time of a value, then its state, and notes another state.
 void storeTimeAndState(record::QelShmMVal& mv, std::uint64_t timestamp, eStatus_Bits state,
                        StateChanges& changes) {
@@ -116,49 +135,67 @@ bool QelSharedMemoryWriter::updateMV(long long svid, std::unique_ptr<measval::Me
 
 bool QelSharedMemoryWriter::updateMV(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
                                      eStatus_Bits state) noexcept {
-    using Target = QelShmKeptUpdate::Target;
     auto* const mapped = region();
     if (kept.generation_ != records_->slots.generation() || mapped == nullptr) {
-        return updateLookedUp(kept, number, timestamp, state);
+        return updateOtherwise(kept, number, timestamp, state);
     }
-    if (kept.target_ != Target::Value) { // one comparison for most values
-        if (kept.target_ == Target::PointState) {
-            storePointState(mapped->points[kept.pos_], state, timestamp, records_->changes);
-            return true;
-        }
+    if (kept.isEnergy_) {
         number /= energyFactor;
     }
-    auto& mv = slotOfValue(*mapped, kept.pos_);
-    storeTimeAndState(mv, timestamp, state, records_->changes);
-    storeField(mv.value, number);
+    auto& mv = slotAt<record::QelShmMVal>(*mapped, kept.offset_);
+    if (mv.state == state) { // asked first, which is shorter than to remember the former state
+        storeValue(mv, timestamp, state, number);
+        return true;
+    }
+    storeValue(mv, timestamp, state, number);
+    records_->changes.note();
     return true;
 }
 
-bool QelSharedMemoryWriter::updateLookedUp(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
-                                           eStatus_Bits state) noexcept {
-    using Target = QelShmKeptUpdate::Target;
+[[gnu::noinline]] // keeps its frame out of updateMV()
+bool QelSharedMemoryWriter::updateOtherwise(QelShmKeptUpdate& kept, double number, std::uint64_t timestamp,
+                                            eStatus_Bits state) noexcept {
+    auto const generation = records_->slots.generation();
+    if (kept.generation_ != generation && kept.generation_ != ~generation && !findSlot(kept)) {
+        return false;
+    }
+    if (region() == nullptr) {
+        return false;
+    }
+    if (kept.generation_ == generation) {
+        return updateMV(kept, number, timestamp, state);
+    }
+    storePointState(slotAt<QelShmMP>(*region(), kept.offset_), state, timestamp, records_->changes);
+    return true;
+}
+
+bool QelSharedMemoryWriter::findSlot(QelShmKeptUpdate& kept) const noexcept {
     try {
         auto const& slots = records_->slots;
         auto const* const point = slots.find(pointSvid(kept.svid_));
-        if (point == nullptr || region() == nullptr) {
+        if (point == nullptr) {
             return false;
         }
         auto const key = valueKey(kept.svid_);
-        bool const isOfPoint = isPointStateKey(key);
-        auto const pos = isOfPoint ? point->pos() : valuePosition(*point, key);
-        if (pos >= (isOfPoint ? MP_COUNT : MV_COUNT)) {
+        if (isPointStateKey(key)) {
+            kept.offset_ = offsetOf<QelShmMP>(offsetof(record::Region, points), point->pos());
+            kept.generation_ = ~slots.generation();
+            return true;
+        }
+        auto const pos = valuePosition(*point, key);
+        if (pos >= MV_COUNT) {
             return false;
         }
-        kept.pos_ = static_cast<std::uint32_t>(pos);
-        kept.target_ = isOfPoint ? Target::PointState : isEnergyKey(key) ? Target::Energy : Target::Value;
+        kept.offset_ = offsetOf<record::QelShmMVal>(offsetof(record::Region, values), pos);
+        kept.isEnergy_ = isEnergyKey(key);
         kept.generation_ = slots.generation();
+        return true;
     } catch (std::exception const&) {
         return false;
     } catch (...) {
         logException();
         return false;
     }
-    return updateMV(kept, number, timestamp, state);
 }
 
 void QelSharedMemoryWriter::propagateStates() noexcept {

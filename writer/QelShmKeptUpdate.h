@@ -34,13 +34,12 @@ public:
 private:
     friend class QelSharedMemoryWriter;
 
-    /// What the key says about where the value goes.
-    enum class Target : std::uint8_t { Value, Energy, PointState };
-
     long long svid_;
-    std::uint64_t generation_ = 0;    // of the writer's slots when the value was found last; 0 for never
-    std::uint32_t pos_ = NO_POSITION; // of the value's slot or the point's, by target_
-    Target target_ = Target::Value;
+    /// Of the writer's slots when the value was found last; 0 for never. The complement of it for a point's state, so
+    /// that values need not ask whether they are one.
+    std::uint64_t generation_ = 0;
+    std::uint32_t offset_ = 0; // in the region, of the value's slot or the point's
+    bool isEnergy_ = false;
 };
 
 } // namespace shm

@@ -81,22 +81,13 @@ struct LibraryByRanges : Library {
 struct LibraryKept : Library {
     static constexpr char name[] = "library, kept value";
 
-    class KeptWriter {
-    public:
-        KeptWriter(Library::Writer& writer, Plan const& plan) : writer_(writer) {
-            for (auto const& access : plan.valueAccesses()) {
-                kept_.emplace_back(access.svid);
-            }
-        }
+    using Kept = shm::QelShmKeptUpdate;
 
-        bool update(Access const& access, Sample const& sample) {
-            return writer_.updateKept(kept_[access.value], sample);
-        }
+    static Kept keep(Library::Writer const& /*writer*/, Access const& access) { return Kept(access.svid); }
 
-    private:
-        Library::Writer& writer_;
-        std::vector<shm::QelShmKeptUpdate> kept_; // by slot, as a client's own order would be
-    };
+    static bool update(Library::Writer& writer, Kept& kept, Sample const& sample) {
+        return writer.updateKept(kept, sample);
+    }
 
     class Reader : public Library::Reader {
     public:

@@ -74,23 +74,14 @@ struct Mmv : InProcess {
 struct MmvKept : Mmv {
     static constexpr char name[] = "PCP MMV, kept value";
 
-    class KeptWriter {
-    public:
-        KeptWriter(Mmv::Writer& writer, Plan const& plan) : writer_(writer) {
-            for (auto const& access : plan.valueAccesses()) {
-                kept_.push_back(writer.atomsOf(access));
-            }
-        }
+    using Kept = Atoms;
 
-        bool update(Access const& access, Sample const& sample) {
-            writer_.update(kept_[access.value], sample);
-            return true;
-        }
+    static Kept keep(Mmv::Writer& writer, Access const& access) { return writer.atomsOf(access); }
 
-    private:
-        Mmv::Writer& writer_;
-        std::vector<Atoms> kept_; // by slot
-    };
+    static bool update(Mmv::Writer& writer, Kept const& kept, Sample const& sample) {
+        writer.update(kept, sample);
+        return true;
+    }
 };
 
 } // namespace bench

@@ -53,16 +53,36 @@ private:
     std::shared_ptr<typename Contender::Writer> writer_;
 };
 
-/// The writer of a contender, and what a client keeps for each of its values.
+/// The writer of a contender, and what a client keeps for each of its values, by slot.
 template <typename Contender>
 class KeptWriterSide {
+    using Writer = typename Contender::Writer;
+    using Kept = typename Contender::Kept;
+
 public:
-    explicit KeptWriterSide(Plan const& plan) : writer_(writerOf<Contender>(plan)), kept_(*writer_, plan) {}
-    typename Contender::KeptWriter& operator*() { return kept_; }
+    explicit KeptWriterSide(Plan const& plan) : writer_(writerOf<Contender>(plan)) {
+        for (auto const& access : plan.valueAccesses()) {
+            kept_.push_back(Contender::keep(*writer_, access));
+        }
+    }
+
+    /// Has both addresses at hand, as a client's own loop would.
+    class View {
+    public:
+        View(Writer& writer, Kept* kept) : writer_(writer), kept_(kept) {}
+        bool update(Access const& access, Sample const& sample) const {
+            return Contender::update(writer_, kept_[access.value], sample);
+        }
+
+    private:
+        Writer& writer_;
+        Kept* kept_;
+    };
+    View operator*() { return {*writer_, kept_.data()}; }
 
 private:
-    std::shared_ptr<typename Contender::Writer> writer_;
-    typename Contender::KeptWriter kept_;
+    std::shared_ptr<Writer> writer_;
+    std::vector<Kept> kept_;
 };
 
 /// The reader of a contender, and the store that it reads.
@@ -78,7 +98,7 @@ private:
 };
 
 /// One operation per value or point, in the order of the pass.
-/// Operation: run(side, access), the result as a number, and expected(access), the number it must be.
+/// Operation: run(side, access), expected(access), the result it must have, and Sum, which adds results up.
 template <typename Side, typename Operation>
 class Sweep : public Entry {
 public:
@@ -91,19 +111,20 @@ public:
     }
 
     double run() override {
-        double sum = 0;
+        auto&& side = *side_;
+        typename Operation::Sum sum{};
         for (auto const& access : accesses_) {
-            sum += Operation::run(*side_, access);
+            sum += Operation::run(side, access);
         }
-        return sum;
+        return static_cast<double>(sum);
     }
 
     double expected() const override {
-        double sum = 0;
+        typename Operation::Sum sum{};
         for (auto const& access : accesses_) {
             sum += Operation::expected(access);
         }
-        return sum;
+        return static_cast<double>(sum);
     }
 
     std::size_t operations() const override { return accesses_.size(); }

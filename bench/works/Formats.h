@@ -59,6 +59,7 @@ constexpr std::array<KeyText, valueKeys.size()> keyTexts{{{1, " V"},
 /// All three give texts of the same length; it is what a sweep adds up.
 template <typename Way>
 struct Format {
+    using Sum = double;
     static constexpr auto accesses = &Order::values;
 
     static double run(std::vector<shm::record::QelShmMVal> const& values, Access const& access) {
