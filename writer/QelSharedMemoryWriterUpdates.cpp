@@ -139,9 +139,7 @@ bool QelSharedMemoryWriter::updateMV(QelShmKeptUpdate& kept, double number, std:
     if (kept.generation_ != records_->slots.generation() || mapped == nullptr) {
         return updateOtherwise(kept, number, timestamp, state);
     }
-    if (kept.isEnergy_) {
-        number /= energyFactor;
-    }
+    number /= kept.divisor_;
     auto& mv = slotAt<record::QelShmMVal>(*mapped, kept.offset_);
     if (mv.state == state) { // asked first, which is shorter than to remember the former state
         storeValue(mv, timestamp, state, number);
@@ -187,7 +185,7 @@ bool QelSharedMemoryWriter::findSlot(QelShmKeptUpdate& kept) const noexcept {
             return false;
         }
         kept.offset_ = offsetOf<record::QelShmMVal>(offsetof(record::Region, values), pos);
-        kept.isEnergy_ = isEnergyKey(key);
+        kept.divisor_ = isEnergyKey(key) ? energyFactor : 1;
         kept.generation_ = slots.generation();
         return true;
     } catch (std::exception const&) {
