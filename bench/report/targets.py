@@ -32,7 +32,7 @@ class Target:
         if self.measure == "ns":
             return row.median
         if self.measure != "time":
-            return getattr(row, self.measure)
+            return round(getattr(row, self.measure), 1)  # entering the loop over all values is no part of one
         other = findings.row(self.shape, self.work, *self.against)
         return row.ratio(other) if other else None
 
