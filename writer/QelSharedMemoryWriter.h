@@ -164,7 +164,8 @@ public:
     ///
     /// Threads: thread-safe for different points, but not while propagateStates() runs.
     /// @param kept      names the value
-    /// @param number    any number, also NaN; ignored for the key of a point state
+    /// @param number    any number, also NaN, of which a signalling one is stored as a quiet one; ignored for the key
+    ///                  of a point state
     /// @param timestamp time in ms since 1970 UTC
     /// @param state     state
     /// @return false if the point or key is unknown, or something failed; nothing is stored then
